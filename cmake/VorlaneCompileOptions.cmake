@@ -1,0 +1,14 @@
+# SPDX-License-Identifier: Apache-2.0
+# vorlane_compile_options(<target>): the warnings and sanitizers that every target of this project is built with.
+function(vorlane_compile_options target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+  if(VORLANE_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(VORLANE_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    # PUBLIC: whoever links an instrumented static library needs the run time too.
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+  target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_FOREACH POINTERHOLDER_TRANSITION=4)
+endfunction()

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <memory>
+
+// Gives every test a home, XDG and temporary folder of its own, and makes it the working directory's neighbour:
+// nothing that a test does reaches the user's files.
+class Sandbox : public testing::EmptyTestEventListener {
+ public:
+  // Registers the listener and applies a first sandbox, for what runs before the first test.
+  static void Install();
+  // The running test's own folder, with "home" and "tmp" in it.
+  static QString Folder();
+
+ private:
+  void OnTestStart(const testing::TestInfo&) override;
+  void OnTestEnd(const testing::TestInfo&) override;
+  void Enter();
+
+  std::unique_ptr<QTemporaryDir> folder_;
+};
