@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "tests/pdflib/FakeLibrary.h"
+#include "tests/support/Sandbox.h"
+
+namespace {
+
+using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
+
+std::wstring Wide(const char* path) { return std::wstring(path, path + std::strlen(path)); }
+
+// Keeps the recording library open, so that its record survives the wrapper under test.
+class OpenFake {
+ public:
+  explicit OpenFake(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
+    const auto recorder = reinterpret_cast<FakeRecorder* (*)()>(dlsym(handle_, "FakeLibraryRecorder"));
+    recorder_ = recorder();
+    *recorder_ = FakeRecorder();
+  }
+  ~OpenFake() { dlclose(handle_); }
+  FakeRecorder* operator->() const { return recorder_; }
+  void* Symbol(const std::string& name) const { return dlsym(handle_, name.c_str()); }
+  // Calls recorded since the last Take().
+  std::vector<FakeCall> Take() const { return std::exchange(recorder_->calls, {}); }
+
+ private:
+  void* handle_;
+  FakeRecorder* recorder_;
+};
+
+struct FunctionRow {
+  const char* name;
+  char result;
+  std::string kinds;
+};
+
+const std::vector<FunctionRow>& Functions() {
+  static const std::vector<FunctionRow> rows = {
+#define HPL_FUNCTION(name, result, kinds, c_result, c_parameters, c_names) {#name, #result[0], kinds},
+#include "pdflib/LibraryFunctions.def"
+  };
+  return rows;
+}
+
+// A distinct value for each argument position; byte strings hold a NUL, every third wide string is empty.
+template <typename T>
+T ArgumentAt(int position) {
+  if constexpr (std::is_same_v<T, int>) return 1000 + position;
+  if constexpr (std::is_same_v<T, double>) return position + 0.125;
+  if constexpr (std::is_same_v<T, std::wstring>) {
+    return position % 3 == 2 ? std::wstring() : L"\U0001F600wide" + std::to_wstring(position);
+  }
+  if constexpr (std::is_same_v<T, std::string>) return std::string("byte\0", 5) + std::to_string(position);
+}
+
+template <typename T>
+constexpr char KindOf() {
+  if constexpr (std::is_same_v<T, int>) return 'i';
+  if constexpr (std::is_same_v<T, double>) return 'd';
+  if constexpr (std::is_same_v<T, std::wstring>) return 'w';
+  if constexpr (std::is_same_v<T, std::string>) return 's';
+  return '?';
+}
+
+std::string BytesOf(const std::wstring& text) {
+  return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
+}
+
+// Walks the calls that one forwarded call must have caused, in order.
+class ExpectedCalls {
+ public:
+  explicit ExpectedCalls(std::vector<FakeCall> calls) : calls_(std::move(calls)) {}
+
+  FakeCall Next(const std::string& name) {
+    if (position_ == calls_.size()) {
+      ADD_FAILURE() << "no further call where " << name << " was expected";
+      return {};
+    }
+    EXPECT_EQ(calls_[position_].name, name);
+    return calls_[position_++];
+  }
+  // A created and filled buffer with exactly these bytes.
+  void* NextBuffer(const std::string& bytes) {
+    const FakeCall create = Next("HPLCreateBuffer");
+    if (create.arguments.size() != 3) return nullptr;
+    EXPECT_EQ(std::get<int>(create.arguments[1]), static_cast<int>(bytes.size()));
+    void* const buffer = std::get<void*>(create.arguments[2]);
+    const FakeCall fill = Next("HPLAddToBuffer");
+    EXPECT_EQ(std::get<void*>(fill.arguments[1]), buffer);
+    EXPECT_EQ(static_cast<FakeBuffer*>(buffer)->bytes, bytes);
+    return buffer;
+  }
+  bool Finished() const { return position_ == calls_.size(); }
+
+ private:
+  std::vector<FakeCall> calls_;
+  std::size_t position_ = 0;
+};
+
+template <typename R, typename... A, std::size_t... I>
+R CallWithSamples(Wrapper& wrapper, R (Wrapper::*member)(A...), std::index_sequence<I...>) {
+  return (wrapper.*member)(ArgumentAt<std::decay_t<A>>(static_cast<int>(I))...);
+}
+
+template <typename R, typename... A>
+void CheckForwarding(const OpenFake& fake, Wrapper& wrapper, const FunctionRow& row, R (Wrapper::*member)(A...)) {
+  SCOPED_TRACE(row.name);
+  const std::string kinds{KindOf<std::decay_t<A>>()...};
+  EXPECT_EQ(kinds, row.kinds);
+  EXPECT_EQ(KindOf<R>(), row.result);
+
+  fake.Take();
+  const R result = CallWithSamples(wrapper, member, std::index_sequence_for<A...>());
+  ExpectedCalls calls(fake.Take());
+
+  std::vector<void*> released, owned;
+  std::vector<std::variant<int, double, void*>> expected{fake->instanceId};
+  for (int i = 0; i < static_cast<int>(kinds.size()); ++i) {
+    switch (kinds[static_cast<std::size_t>(i)]) {
+      case 'i': expected.emplace_back(ArgumentAt<int>(i)); break;
+      case 'd': expected.emplace_back(ArgumentAt<double>(i)); break;
+      case 'w': {
+        const auto text = ArgumentAt<std::wstring>(i);
+        void* const buffer = text.empty() ? nullptr : calls.NextBuffer(BytesOf(text));
+        owned.push_back(buffer);
+        expected.emplace_back(buffer);
+        break;
+      }
+      default:
+        released.push_back(calls.NextBuffer(ArgumentAt<std::string>(i)));
+        expected.emplace_back(released.back());
+    }
+  }
+  EXPECT_EQ(calls.Next(std::string("HPL") + row.name).arguments, expected);
+  for (void* const buffer : released) {
+    EXPECT_EQ(std::get<void*>(calls.Next("HPLReleaseBuffer").arguments.at(1)), buffer);
+    delete static_cast<FakeBuffer*>(buffer);
+  }
+  for (void* const buffer : owned) delete static_cast<FakeBuffer*>(buffer);
+  if constexpr (std::is_same_v<R, int>) {
+    EXPECT_EQ(result, fake->intResult);
+  }
+  if constexpr (std::is_same_v<R, double>) {
+    EXPECT_EQ(result, fake->doubleResult);
+  }
+  if constexpr (std::is_same_v<R, std::wstring>) {
+    calls.Next("HPLStringResultLength");
+    EXPECT_EQ(result, fake->wideResult);
+  }
+  if constexpr (std::is_same_v<R, std::string>) {
+    calls.Next("HPLAnsiStringResultLength");
+    EXPECT_EQ(result, fake->byteResult);
+  }
+  EXPECT_TRUE(calls.Finished());
+}
+
+template <typename R, typename... A>
+void CheckDefault(Wrapper& wrapper, const char* name, R (Wrapper::*member)(A...)) {
+  EXPECT_EQ(CallWithSamples(wrapper, member, std::index_sequence_for<A...>()), R()) << name;
+}
+
+void CheckAllDefaults(Wrapper& wrapper) {
+#define HPL_FUNCTION(name, result, kinds, c_result, c_parameters, c_names) CheckDefault(wrapper, #name, &Wrapper::name);
+#include "pdflib/LibraryFunctions.def"
+}
+
+}  // namespace
+
+TEST(Wrapper, EveryMemberForwardsToItsOwnFunction) {
+  const OpenFake fake(FAKELIBRARY_FILE);
+  Wrapper wrapper(Wide(FAKELIBRARY_FILE));
+  ASSERT_TRUE(wrapper.LibraryLoaded());
+  fake->wideResult = L"a\0b\U0010FFFF" + std::wstring(1, L'\0');
+  fake->byteResult = std::string("\0x\0", 3);
+  ASSERT_EQ(Functions().size(), 849U);
+  std::size_t row = 0;
+#define HPL_FUNCTION(name, result, kinds, c_result, c_parameters, c_names) \
+  CheckForwarding(fake, wrapper, Functions()[row++], &Wrapper::name);
+#include "pdflib/LibraryFunctions.def"
+}
+
+TEST(Wrapper, AnswersDefaultsAndTouchesNothingWhenNotReady) {
+  {
+    Wrapper missing(L"no-such-library.dylib");
+    EXPECT_FALSE(missing.LibraryLoaded());
+    CheckAllDefaults(missing);
+  }
+  for (const char* path : {FAKELIBRARYWITHOUTORDINARY_FILE, FAKELIBRARYWITHOUTSERVICE_FILE}) {
+    SCOPED_TRACE(path);
+    const OpenFake fake(path);
+    {
+      Wrapper incomplete(Wide(path));
+      EXPECT_FALSE(incomplete.LibraryLoaded());
+      CheckAllDefaults(incomplete);
+    }
+    EXPECT_TRUE(fake.Take().empty());
+  }
+}
+
+TEST(Wrapper, ReleasesTheInstanceOnlyWhenItsIdIsAboveZero) {
+  const OpenFake fake(FAKELIBRARY_FILE);
+  for (const int id : {7, 0, -3}) {
+    fake->instanceId = id;
+    { EXPECT_TRUE(Wrapper(Wide(FAKELIBRARY_FILE)).LibraryLoaded()); }
+    const auto calls = fake.Take();
+    ASSERT_EQ(calls.size(), id > 0 ? 2U : 1U);
+    EXPECT_EQ(calls[0].name, "HPLCreateLibrary");
+    if (id > 0) {
+      EXPECT_EQ(std::get<int>(calls[1].arguments.at(0)), id);
+    }
+  }
+}
+
+TEST(Wrapper, KeepsTheLowEightBitsOfTheFileName) {
+  std::wstring mangled = Wide(FAKELIBRARY_FILE);
+  for (wchar_t& unit : mangled) unit += 0x300;
+  EXPECT_TRUE(Wrapper(mangled).LibraryLoaded());
+}
+
+// The host makes wrappers with its own copy of the class: this is such a copy, written down independently.
+TEST(Wrapper, LayoutIsWhatHostsRelyOn) {
+  struct HostView {
+    void* handle;
+    std::int32_t instanceId;
+    std::uint8_t loadFailed;
+    void* functions[856];
+  };
+  std::vector<std::string> names = {"HPLCreateLibrary",       "HPLReleaseLibrary",
+                                    "HPLCreateBuffer",        "HPLAddToBuffer",
+                                    "HPLReleaseBuffer",       "HPLStringResultLength",
+                                    "HPLAnsiStringResultLength"};
+  for (const FunctionRow& row : Functions()) names.push_back(std::string("HPL") + row.name);
+  std::sort(names.begin(), names.end());
+
+  const OpenFake fake(FAKELIBRARY_FILE);
+  fake->instanceId = 123456;
+  static_assert(sizeof(HostView) == sizeof(Wrapper));
+  alignas(Wrapper) unsigned char storage[sizeof(Wrapper)];
+  std::memset(storage, 0xA5, sizeof storage);
+  auto* const wrapper = new (storage) Wrapper(Wide(FAKELIBRARY_FILE));
+  HostView view;
+  std::memcpy(&view, storage, sizeof view);
+  EXPECT_NE(view.handle, nullptr);
+  EXPECT_EQ(view.instanceId, 123456);
+  EXPECT_EQ(view.loadFailed, 0);
+  for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(view.functions[i], fake.Symbol(names[i])) << names[i];
+  wrapper->~HalvexPDFLibraryCPDylibCPP1311();
+
+  // And the other way round: an object that a host filled in is used as it stands.
+  view.functions[std::find(names.begin(), names.end(), "HPLPageCount") - names.begin()] = fake.Symbol("HPLImageCount");
+  alignas(Wrapper) unsigned char foreign[sizeof(Wrapper)];
+  std::memcpy(foreign, &view, sizeof view);
+  fake.Take();
+  EXPECT_EQ(reinterpret_cast<Wrapper*>(foreign)->PageCount(), fake->intResult);
+  EXPECT_EQ(fake.Take().at(0).name, "HPLImageCount");
+}
+
+TEST(Wrapper, HugeStringsPassOrAreRefusedWhole) {
+  const OpenFake fake(FAKELIBRARY_FILE);
+  Wrapper wrapper(Wide(FAKELIBRARY_FILE));
+  fake.Take();
+  std::wstring url(100'000'000, L'\U0001F600');
+  EXPECT_EQ(wrapper.SetBaseURL(url), fake->intResult);
+  auto calls = fake.Take();
+  ASSERT_EQ(calls.size(), 3U);
+  EXPECT_EQ(std::get<int>(calls[0].arguments.at(1)), 400'000'000);
+  delete static_cast<FakeBuffer*>(std::get<void*>(calls[0].arguments.at(2)));
+
+  // One unit more than 32 bits can count: nothing is converted, not even the byte string before it.
+  url.resize((std::size_t{1} << 31) / sizeof(wchar_t));
+  EXPECT_EQ(wrapper.LoadFromString("bytes", url), 0);
+  int release = 5;
+  EXPECT_EQ(wrapper.WideStringParm(url), nullptr);
+  EXPECT_TRUE(fake.Take().empty());
+
+  // An empty byte string is a buffer all the same.
+  void* const buffer = wrapper.StringParm("", release);
+  EXPECT_EQ(release, 1);
+  ASSERT_EQ(fake.Take().size(), 2U);
+  delete static_cast<FakeBuffer*>(buffer);
+}
+
+TEST(Wrapper, OddResultsAreEmpty) {
+  const OpenFake fake(FAKELIBRARY_FILE);
+  Wrapper wrapper(Wide(FAKELIBRARY_FILE));
+  fake->wideResult = L"text";
+  fake->byteResult = "text";
+  for (const int length : {0, -5}) {
+    fake->reportedLength = length;
+    EXPECT_TRUE(wrapper.GetBaseURL().empty());
+    EXPECT_TRUE(wrapper.SaveToString().empty());
+  }
+  fake->reportedLength = 2;
+  EXPECT_EQ(wrapper.GetBaseURL(), L"te");
+  EXPECT_TRUE(wrapper.WideStringResult(nullptr, 3).empty());
+}

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+
+#include <QJsonObject>
+#include <QPluginLoader>
+#include <QPointer>
+#include <cstring>
+
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "plugin/CActionInterface.h"
+#include "plugin/WorkProcInfoStruct.h"
+#include "tests/pdflib/FakeLibrary.h"
+#include "tests/support/Sandbox.h"
+
+namespace {
+
+constexpr char kIdentifier[] = "com.Halvex.Vorlane.ActionInterface_1.0";
+
+class Action : public testing::Test {
+ protected:
+  void SetUp() override {
+    loader_.setFileName(QStringLiteral(SETBASEURL_FILE));
+    ASSERT_TRUE(loader_.load()) << loader_.errorString().toStdString();
+    action_ = qobject_cast<CActionInterface*>(loader_.instance());
+    ASSERT_NE(action_, nullptr);
+  }
+
+  QPluginLoader loader_;
+  CActionInterface* action_ = nullptr;
+};
+
+// The recording library's wrapper, and the text that the last SetBaseURL handed to it.
+class RecordedDocument {
+ public:
+  RecordedDocument() : wrapper_(std::wstring(kFile, kFile + std::strlen(kFile))), handle_(dlopen(kFile, RTLD_NOW)) {
+    recorder_ = reinterpret_cast<FakeRecorder* (*)()>(dlsym(handle_, "FakeLibraryRecorder"))();
+    recorder_->calls.clear();
+  }
+  ~RecordedDocument() { dlclose(handle_); }
+  HalvexPDFLibraryCPDylibCPP1311* Wrapper() { return &wrapper_; }
+
+  std::wstring TakeUrl() {
+    const auto calls = std::exchange(recorder_->calls, {});
+    EXPECT_FALSE(calls.empty());
+    if (calls.empty()) return {};
+    EXPECT_EQ(calls.back().name, "HPLSetBaseURL");
+    auto* const buffer = static_cast<FakeBuffer*>(std::get<void*>(calls.back().arguments.at(1)));
+    if (buffer == nullptr) return {};
+    std::wstring text(buffer->bytes.size() / sizeof(wchar_t), L'\0');
+    std::memcpy(text.data(), buffer->bytes.data(), buffer->bytes.size());
+    delete buffer;
+    return text;
+  }
+
+ private:
+  static constexpr const char* kFile = FAKELIBRARY_FILE;
+  HalvexPDFLibraryCPDylibCPP1311 wrapper_;
+  void* handle_;
+  FakeRecorder* recorder_;
+};
+
+}  // namespace
+
+TEST_F(Action, DescribesItself) {
+  const QJsonObject metadata = loader_.metaData();
+  EXPECT_EQ(metadata.value("IID").toString(), "org.halvex.vorlane.setbaseurl");
+  EXPECT_EQ(metadata.value("className").toString(), "CSetBaseURL");
+  EXPECT_TRUE(metadata.value("MetaData").toObject().isEmpty());
+  EXPECT_EQ(action_->GetActionName(), "Set Base URL");
+  EXPECT_EQ(action_->GetDisplayName(), "Set Base URL");
+  EXPECT_EQ(action_->GetGroupName(), "Document Properties");
+  EXPECT_EQ(action_->GetActionHelp(), "Action_SetBaseUrl.html");
+  EXPECT_EQ(action_->GetActionFlags(), 15);
+  EXPECT_EQ(action_->GetDefaultIcon(),
+            "Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png");
+  WorkProcInfoStruct info = {};
+  for (WorkProcInfoStruct* const given : {&info, static_cast<WorkProcInfoStruct*>(nullptr)}) {
+    EXPECT_EQ(action_->PreSequenceProc(given), 1);
+    EXPECT_EQ(action_->PostSequenceProc(given), 1);
+  }
+}
+
+TEST_F(Action, CastsByNameAndKeepsOneInstance) {
+  QObject* const root = loader_.instance();
+  void* const interface = root->qt_metacast("CActionInterface");
+  EXPECT_EQ(interface, action_);
+  EXPECT_EQ(root->qt_metacast(kIdentifier), interface);
+  EXPECT_NE(interface, static_cast<void*>(root));
+  EXPECT_EQ(root->qt_metacast("CSetBaseURL"), static_cast<void*>(root));
+  EXPECT_EQ(root->qt_metacast(nullptr), nullptr);
+  EXPECT_EQ(root->qt_metacast("CPrefsDialog"), nullptr);
+
+  void* const library = dlopen(SETBASEURL_FILE, RTLD_NOW);
+  const auto instance = reinterpret_cast<QObject* (*)()>(dlsym(library, "qt_plugin_instance"));
+  EXPECT_EQ(instance(), root);
+  const QPointer<QObject> guard(root);
+  delete root;
+  QObject* const fresh = instance();
+  EXPECT_TRUE(guard.isNull());
+  EXPECT_NE(qobject_cast<CActionInterface*>(fresh), nullptr);
+  EXPECT_EQ(instance(), fresh);
+  dlclose(library);
+}
+
+TEST_F(Action, WorkProcHandsTheUrlToTheLibrary) {
+  RecordedDocument document;
+  QMap<QString, QVariant> settings;
+  WorkProcInfoStruct info = {};
+  info.document = document.Wrapper();
+  info.settings = &settings;
+
+  const struct {
+    const char* what;
+    QVariant value;
+    std::wstring expected;
+  } rows[] = {
+      {"missing", QVariant(), L""},
+      {"empty", QString(), L""},
+      {"plain", QStringLiteral("https://example.org/a b?c#d"), L"https://example.org/a b?c#d"},
+      {"beyond the basic plane", QString::fromUcs4(U"\U0001F600/\U0010FFFD"), L"\U0001F600/\U0010FFFD"},
+      {"number", 42, L"42"},
+      {"not a text", QVariantList{1, 2}, L""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    settings.clear();
+    if (row.value.isValid()) settings.insert("baseUrlString", row.value);
+    EXPECT_EQ(action_->WorkProc(&info), 0);
+    EXPECT_EQ(document.TakeUrl(), row.expected);
+  }
+}

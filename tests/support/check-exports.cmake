@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: Apache-2.0
+# Fails unless the dynamic symbols that FILE defines are exactly EXPECTED (comma-separated).
+execute_process(COMMAND ${NM} -D --defined-only --format=posix ${FILE} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" lines "${output}")
+set(found "")
+foreach(line ${lines})
+  string(REGEX REPLACE " .*" "" symbol "${line}")
+  list(APPEND found ${symbol})
+endforeach()
+list(SORT found)
+string(REPLACE "," ";" wanted "${EXPECTED}")
+list(SORT wanted)
+if(NOT "${found}" STREQUAL "${wanted}")
+  message(FATAL_ERROR "exported: ${found}\nwanted: ${wanted}")
+endif()
