@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/base/InputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <utility>
+
+#include "engine/base/EngineError.h"
+
+namespace engine {
+
+namespace {
+
+// A file up to this size is read by one call and kept: reading and copying it then need no further calls.
+constexpr std::uint64_t kKeptSize = 64 * 1024;
+
+InputFile::Identity IdentityOf(const struct stat& status) {
+  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size), status.st_mtim};
+}
+
+std::string AbsolutePath(const std::string& path) {
+  char folder[PATH_MAX];
+  if (path.empty() || path.front() == '/' || getcwd(folder, sizeof folder) == nullptr) return path;
+  return std::string(folder) + '/' + path;
+}
+
+[[noreturn]] void ThrowOpenError(const std::string& path, int error) {
+  const bool missing = error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+  throw EngineError(missing ? kErrorFileNotFound : kErrorFileUnreadable, path + ": " + std::strerror(error));
+}
+
+}  // namespace
+
+bool InputFile::Identity::operator==(const Identity& other) const {
+  return device == other.device && inode == other.inode && size == other.size &&
+         modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec;
+}
+
+std::shared_ptr<const InputFile> InputFile::Open(const std::string& path) {
+  if (path.find('\0') != std::string::npos) ThrowOpenError(path, ENOENT);
+  std::shared_ptr<InputFile> file(new InputFile);
+  file->path_ = AbsolutePath(path);
+  // Without O_NONBLOCK a named pipe would wait for a writer before it could be refused.
+  file->descriptor_ = open(file->path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (file->descriptor_ < 0) ThrowOpenError(path, errno);
+  struct stat status = {};
+  if (fstat(file->descriptor_, &status) != 0) ThrowOpenError(path, errno);
+  if (S_ISDIR(status.st_mode)) ThrowOpenError(path, EISDIR);
+  if (!S_ISREG(status.st_mode)) throw EngineError(kErrorFileUnreadable, path + ": not a regular file");
+  file->identity_ = IdentityOf(status);
+  file->sparse_ = static_cast<std::uint64_t>(status.st_blocks) * 512 < file->identity_.size;
+  return file;
+}
+
+std::shared_ptr<const InputFile> InputFile::FromBytes(std::string bytes) {
+  std::shared_ptr<InputFile> file(new InputFile);
+  file->bytes_ = std::move(bytes);
+  file->cached_ = true;
+  file->identity_.size = file->bytes_.size();
+  return file;
+}
+
+InputFile::~InputFile() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const {
+  if (offset >= Size()) return 0;
+  count = static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset));
+  if (!cached_ && Size() <= kKeptSize) {
+    bytes_.resize(static_cast<std::size_t>(Size()));
+    bytes_.resize(ReadFromDisk(0, bytes_.data(), bytes_.size()));
+    cached_ = true;
+  }
+  if (cached_) {
+    count = offset < bytes_.size() ? std::min(count, bytes_.size() - static_cast<std::size_t>(offset)) : 0;
+    if (count > 0) std::memcpy(buffer, bytes_.data() + offset, count);
+  } else {
+    count = ReadFromDisk(offset, static_cast<char*>(buffer), count);
+  }
+  bytesRead_ += count;
+  return count;
+}
+
+std::string InputFile::ReadAt(std::uint64_t offset, std::size_t count) const {
+  if (offset >= Size()) return {};
+  std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset)), '\0');
+  bytes.resize(ReadAt(offset, bytes.data(), bytes.size()));
+  return bytes;
+}
+
+std::size_t InputFile::ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t got = pread(descriptor_, buffer + done, count - done, static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw EngineError(kErrorFileUnreadable, path_ + ": " + std::strerror(errno));
+    if (got == 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+void InputFile::CheckUnchanged() const {
+  if (InMemory()) return;
+  struct stat status = {};
+  if (stat(path_.c_str(), &status) != 0 || IdentityOf(status) != identity_) {
+    throw EngineError(kErrorSourceChanged, path_ + ": changed since it was opened");
+  }
+}
+
+}  // namespace engine

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <memory>
+#include <string>
+
+namespace engine {
+
+// A file, or bytes in memory, opened for reading. It stays readable while the object lives, even when the name is
+// removed or given to another file meanwhile; CheckUnchanged() tells whether that happened. Not for several threads.
+class InputFile {
+ public:
+  // What tells one state of a file from another.
+  struct Identity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    std::uint64_t size = 0;
+    timespec modified = {};
+
+    bool operator==(const Identity& other) const;
+    bool operator!=(const Identity& other) const { return !(*this == other); }
+  };
+
+  // Opens the regular file at `path` (bytes as the file system has them; a relative path is resolved now).
+  // Throws EngineError: kErrorFileNotFound, or kErrorFileUnreadable for a folder, a device or missing rights.
+  static std::shared_ptr<const InputFile> Open(const std::string& path);
+  static std::shared_ptr<const InputFile> FromBytes(std::string bytes);
+
+  ~InputFile();
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  std::uint64_t Size() const { return identity_.size; }
+  // Device and inode are 0 for bytes in memory.
+  const Identity& GetIdentity() const { return identity_; }
+  bool InMemory() const { return descriptor_ < 0; }
+  // Absolute; empty for bytes in memory.
+  const std::string& Path() const { return path_; }
+  // For system calls that copy between files; -1 for bytes in memory. Owned by this object.
+  int Descriptor() const { return descriptor_; }
+  // Whether the file system stores fewer blocks than the size asks for, as with a file that has holes.
+  bool Sparse() const { return sparse_; }
+
+  // Copies up to `count` bytes from `offset` on and returns how many there were: fewer only at the end of the file.
+  // Throws EngineError: kErrorFileUnreadable.
+  std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const;
+  std::string ReadAt(std::uint64_t offset, std::size_t count) const;
+
+  // The whole file when it is in memory already (small files are, once read), otherwise null.
+  const std::string* Bytes() const { return cached_ ? &bytes_ : nullptr; }
+
+  // Throws EngineError kErrorSourceChanged when the path no longer leads to the very file that was opened, or that file
+  // has another size or time than when it was opened.
+  void CheckUnchanged() const;
+
+  // Bytes that ReadAt has delivered so far.
+  std::uint64_t BytesRead() const { return bytesRead_; }
+
+ private:
+  InputFile() = default;
+  std::size_t ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const;
+
+  std::string path_;
+  int descriptor_ = -1;
+  Identity identity_;
+  bool sparse_ = false;
+  mutable bool cached_ = false;
+  mutable std::string bytes_;
+  mutable std::uint64_t bytesRead_ = 0;
+};
+
+}  // namespace engine

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/quick/ObjectId.h"
+
+namespace engine {
+
+// What an update that is appended to a file has to continue: its last cross-reference section and trailer
+// (ISO 32000-1, 7.5.4 to 7.5.8).
+struct FileTail {
+  enum class Kind {
+    kTable,   // a cross-reference table
+    kStream,  // a cross-reference stream
+    kHybrid,  // a table whose trailer has /XRefStm
+  };
+  struct Entry {
+    std::string key;    // as it stands in the file, with its slash
+    std::string value;  // as it stands in the file
+  };
+
+  // Where the header "%PDF-" stands. Every offset in the file, and startXref, counts from there.
+  std::uint64_t headerOffset = 0;
+  std::uint64_t startXref = 0;
+  Kind kind = Kind::kTable;
+  // The value of /Size; may be raised (never lowered) by who knows of objects beyond it.
+  std::uint32_t size = 0;
+  ObjectId root;
+  // The trailer's other entries in their order (/Info, /Encrypt, /ID and whatever a producer added), without /Size,
+  // /Root, /Prev, /XRefStm and what describes the cross-reference stream itself.
+  std::vector<Entry> entries;
+
+  // The value of an entry as it stands in the file; empty when there is none.
+  std::string Value(const std::string& key) const {
+    for (const Entry& entry : entries) {
+      if (entry.key == key) return entry.value;
+    }
+    return {};
+  }
+  bool Encrypted() const { return !Value("/Encrypt").empty(); }
+};
+
+}  // namespace engine
