@@ -25,6 +25,7 @@ QString PrefsKey(int number) {
 
 void AppendAction(const QString& path, const QMap<QString, QVariant>& prefs) {
   QSettings list(path, QSettings::IniFormat);
+  list.allKeys();  // has every section parsed, which opening the file does not
   // Writing to a list that could not be read whole would drop the rest of it.
   if (list.status() != QSettings::NoError) return;
   int number = 0;

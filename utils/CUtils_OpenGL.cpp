@@ -10,7 +10,6 @@ namespace {
 
 // Asking for the version flags dereferences a null context where none can be made current.
 bool CanMakeContextCurrent() {
-  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return false;
   if (QOpenGLContext::currentContext()) return true;
   QOpenGLContext context;
   if (!context.create()) return false;
@@ -23,10 +22,10 @@ bool CanMakeContextCurrent() {
 }  // namespace
 
 bool CUtils::CheckOpenGLSupport() {
-  // Qt keeps the flags for the life of the process once it has read them, so the costly question is asked until then.
-  static bool flagsAreKnown = false;
-  flagsAreKnown = flagsAreKnown || CanMakeContextCurrent();
-  return flagsAreKnown && IsOpenGLSufficient(static_cast<int>(QGLFormat::openGLVersionFlags()));
+  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return false;
+  // Making a context costs tens of milliseconds, and Qt too keeps the flags for the life of the process.
+  static const bool canAsk = CanMakeContextCurrent();
+  return canAsk && IsOpenGLSufficient(static_cast<int>(QGLFormat::openGLVersionFlags()));
 }
 
 bool CUtils::IsOpenGLSufficient(int versionFlags) {

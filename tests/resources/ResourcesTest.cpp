@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "resources/Resources.h"
+#include "utils/KitResources.h"
 
 #include <QFile>
 #include <QImage>
@@ -16,7 +16,7 @@ QImage ResourceImage(const QString& name) {
 
 class ResourcesTest : public testing::Test {
  protected:
-  void SetUp() override { InitVorlaneResources(); }
+  void SetUp() override { InitKitResources(); }
 };
 
 TEST_F(ResourcesTest, EveryImageHasItsSizeAndATwiceAsDenseTwin) {

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+
+#include "tests/support/Sandbox.h"
+#include "tests/utils/TestFiles.h"
+#include "utils/CActionUtils.h"
+#include "utils/CUtils.h"
+
+namespace {
+
+using Map = QMap<QString, QVariant>;
+
+Map Prefs(const QString& name, bool overwrite, const QString& category = "Work") {
+  return {{"baseUrlString", "http://example.org/"},
+          {"ActionName", "Set Base URL"},
+          {"ActionListName", name},
+          {"ActionListCategory", category},
+          {"ActionListOverwrite", overwrite}};
+}
+
+QString ListPath(const QString& name) {
+  return CUtils::GetSequenceFolder() + "/" + name + ".xqq";
+}
+
+class ActionLists : public testing::Test {
+ protected:
+  void SetUp() override { QDir().mkpath(CUtils::GetSequenceFolder()); }
+  static QStringList Files() { return Tree(CUtils::GetSequenceFolder()); }
+};
+
+TEST_F(ActionLists, ANewListHoldsNameCategoryAndOneAction) {
+  Map prefs = Prefs("My List", true);
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  EXPECT_EQ(prefs, Map({{"baseUrlString", "http://example.org/"}}));
+
+  const QSettings list(ListPath("My_List"), QSettings::IniFormat);
+  EXPECT_EQ(list.allKeys(),
+            QStringList({"ActionName0", "ActionPrefs0", "IOSettings", "SequenceCategory", "SequenceName"}));
+  EXPECT_EQ(list.value("SequenceName"), "My List");
+  EXPECT_EQ(list.value("SequenceCategory"), "Work");
+  EXPECT_EQ(list.value("IOSettings").toInt(), 0);
+  EXPECT_EQ(list.value("ActionName0"), "Set Base URL");
+  EXPECT_EQ(list.value("ActionPrefs0").toMap(), prefs);
+  EXPECT_EQ(Files(), QStringList("My_List.xqq"));
+}
+
+// The file that the host reads: the same bytes, and the same values for a reader of it.
+TEST_F(ActionLists, TheFormatDoesNotDrift) {
+  Map prefs = Prefs("My List", true);
+  prefs["baseUrlString"] = QString::fromUtf8("http://ex\xc3\xa4mple.org/a b/;\"q\"");
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  Map second = Prefs("My List", false);
+  CActionUtils::SaveAsCustomActionList(&second);
+
+  const QString golden = QStringLiteral(UTILS_TEST_DATA "/two-actions.xqq");
+  EXPECT_EQ(ReadText(ListPath("My_List")), ReadText(golden));
+  const QSettings written(ListPath("My_List"), QSettings::IniFormat);
+  const QSettings reference(golden, QSettings::IniFormat);
+  ASSERT_EQ(reference.allKeys().size(), 7);
+  ASSERT_EQ(written.allKeys(), reference.allKeys());
+  for (const QString& key : reference.allKeys()) EXPECT_EQ(written.value(key), reference.value(key));
+  EXPECT_EQ(reference.value("ActionPrefs0").toMap(), prefs);
+  EXPECT_EQ(reference.value("ActionPrefs1").toMap(), second);
+}
+
+TEST_F(ActionLists, MissingKeysReadAsEmpty) {
+  Map prefs;
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  EXPECT_EQ(Files(), QStringList("Action.xqq"));
+  EXPECT_EQ(IniValue(ListPath("Action"), "SequenceName"), "");
+  EXPECT_EQ(IniValue(ListPath("Action"), "SequenceCategory"), "Favorites");
+  EXPECT_EQ(IniValue(ListPath("Action"), "ActionName0"), "");
+  EXPECT_TRUE(IniValue(ListPath("Action"), "ActionPrefs0").toMap().isEmpty());
+  CActionUtils::SaveAsCustomActionList(nullptr);
+}
+
+TEST_F(ActionLists, AppendingTakesTheLowestFreeNumberAndTheWholeMap) {
+  Map prefs = Prefs("L", false);
+  CActionUtils::SaveAsCustomActionList(&prefs);  // no such list yet: made as action 0
+  EXPECT_FALSE(prefs.contains("ActionName"));
+  for (int number : {1, 2}) {
+    Map more = Prefs("L", false, "Elsewhere");
+    const Map before = more;
+    CActionUtils::SaveAsCustomActionList(&more);
+    EXPECT_EQ(more, before);
+    EXPECT_EQ(IniValue(ListPath("L"), QString("ActionPrefs%1").arg(number)).toMap(), before);
+  }
+  EXPECT_EQ(IniValue(ListPath("L"), "SequenceCategory"), "Work");
+
+  QSettings(ListPath("L"), QSettings::IniFormat).remove("ActionName1");
+  Map filling = Prefs("L", false);
+  filling["ActionName"] = "fills the gap";
+  CActionUtils::SaveAsCustomActionList(&filling);
+  EXPECT_EQ(IniValue(ListPath("L"), "ActionName1"), "fills the gap");
+  EXPECT_FALSE(IniValue(ListPath("L"), "ActionName3").isValid());
+}
+
+TEST_F(ActionLists, OverwritingLeavesNothingOfTheOldListEvenWithinOneMillisecond) {
+  for (int i = 0; i < 50; ++i) {
+    Map prefs = Prefs("L", true, QString("c%1").arg(i, 3));
+    CActionUtils::SaveAsCustomActionList(&prefs);
+    EXPECT_EQ(IniValue(ListPath("L"), "SequenceCategory"), QString("c%1").arg(i, 3));
+    Map appended = Prefs("L", false);
+    CActionUtils::SaveAsCustomActionList(&appended);
+  }
+  Map prefs = Prefs("L", true);
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  EXPECT_FALSE(IniValue(ListPath("L"), "ActionName1").isValid());
+  EXPECT_EQ(Files(), QStringList("L.xqq"));
+}
+
+TEST_F(ActionLists, AListThatCannotBeReplacedIsKept) {
+  Map prefs = Prefs("L", true);
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  const std::string before = ReadText(ListPath("L"));
+  for (bool overwrite : {true, false}) {
+    Map again = Prefs("L", overwrite, "Other");
+    const Map asGiven = again;
+    {
+      const FullDisk full;
+      CActionUtils::SaveAsCustomActionList(&again);
+    }
+    EXPECT_EQ(again, asGiven);
+    EXPECT_EQ(ReadText(ListPath("L")), before);
+    EXPECT_EQ(Files(), QStringList("L.xqq"));
+  }
+
+  // A folder of the list's name can neither be deleted nor appended to.
+  QDir().mkpath(ListPath("D") + "/inside");
+  for (bool overwrite : {true, false}) {
+    Map blocked = Prefs("D", overwrite);
+    const Map asGiven = blocked;
+    CActionUtils::SaveAsCustomActionList(&blocked);
+    EXPECT_EQ(blocked, asGiven);
+  }
+  EXPECT_EQ(Files(), QStringList({"D.xqq", "D.xqq/inside", "L.xqq"}));
+}
+
+TEST_F(ActionLists, AppendingToAFileThatIsNoListLeavesItAlone) {
+  WriteFile(ListPath("L"), "[General]\nSequenceName=L\nwhatever this line is\n");
+  Map prefs = Prefs("L", false);
+  CActionUtils::SaveAsCustomActionList(&prefs);
+  EXPECT_EQ(ReadText(ListPath("L")), "[General]\nSequenceName=L\nwhatever this line is\n");
+}
+
+TEST_F(ActionLists, OddNamesAreWrittenAndFound) {
+  const QStringList names = {
+      "-rf",  "trailing.", "two\nlines", QString::fromUtf8("\xc3\xa9t\xc3\xa9 \xe6\x97\xa5"), QString(240, 'n'),
+      "%d%s", "#;=[x]"};
+  for (const QString& name : names) {
+    Map prefs = Prefs(name, true, "category of " + name);
+    CActionUtils::SaveAsCustomActionList(&prefs);
+    EXPECT_EQ(IniValue(ListPath(QString(name).replace(' ', '_')), "SequenceName"), name);
+    EXPECT_TRUE(CActionUtils::GetActionListCategories().contains("category of " + name));
+  }
+  Map tooLong = Prefs(QString(300, 'n'), true);
+  CActionUtils::SaveAsCustomActionList(&tooLong);
+  EXPECT_EQ(Files().size(), names.size());
+}
+
+TEST_F(ActionLists, CategoriesStartWithTheTwoFixedOnesAndIgnoreCase) {
+  EXPECT_EQ(CActionUtils::GetActionListCategories(), QStringList({"Default", "Favorites"}));
+  const QList<QPair<QString, QString>> lists = {{"a", "work"}, {"b", "Work"}, {"c", "DEFAULT"}, {"d", "Home"}};
+  for (const auto& [name, category] : lists) {
+    Map prefs = Prefs(name, true, category);
+    CActionUtils::SaveAsCustomActionList(&prefs);
+  }
+  WriteFile(ListPath("empty"), "");
+  WriteFile(CUtils::GetSequenceFolder() + "/other.txt", "[General]\nSequenceCategory=Not a list\n");
+  QDir().mkpath(ListPath("folder"));
+  // Opened, a named pipe would block this test until its time limit.
+  ASSERT_EQ(mkfifo(QFile::encodeName(CUtils::GetSequenceFolder() + "/pipe").constData(), 0600), 0);
+  QFile::link("pipe", ListPath("linked-pipe"));
+
+  const QStringList categories = CActionUtils::GetActionListCategories();
+  EXPECT_EQ(categories.mid(0, 2), QStringList({"Default", "Favorites"}));
+  EXPECT_EQ(categories.size(), 4);
+  EXPECT_TRUE(categories.contains("Home"));
+  EXPECT_TRUE(categories.contains("work", Qt::CaseInsensitive));
+}
+
+}  // namespace

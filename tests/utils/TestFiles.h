@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <string>
+
+// Creates or replaces a file with that content, and the folders above it.
+void WriteFile(const QString& path, const QByteArray& content = "x");
+std::string ReadText(const QString& path);
+// Every entry below the folder, hidden ones included, as sorted relative paths.
+QStringList Tree(const QString& folder);
+QVariant IniValue(const QString& path, const QString& key);
+
+// While one lives, this process can write nothing to regular files, whoever runs it: what a full disk looks like.
+class FullDisk {
+ public:
+  FullDisk();
+  ~FullDisk();
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+};
