@@ -157,7 +157,7 @@ TEST(CUtils, InstallationIsForTheCurrentUserExactlyForOne) {
   QByteArray padding;
   for (const auto& [value, expected] : table) {
     // A file of the size and time of the one before would not be read again.
-    padding += '\n';
+    padding += "\n\n\n\n";
     WriteFile("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro",
               "[General]\nInstallType=" + value + padding);
     CUtils::GetInstalationType();
