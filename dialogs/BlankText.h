@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+
+// Whether a name that the user typed holds nothing but white space.
+inline bool isBlank(const QString& text) {
+  return text.simplified().remove(QLatin1Char(' ')).isEmpty();
+}

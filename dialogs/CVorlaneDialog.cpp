@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "dialogs/CVorlaneDialog.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "dialogs/CVorlaneHeaderButton.h"
+#include "utils/CUtils.h"
+#include "utils/KitResources.h"
+
+namespace {
+
+constexpr int kShadowThickness = 8;
+constexpr int kHeaderHeight = 30;
+constexpr int kResizeBorder = 9;
+
+constexpr QLatin1String kPreviewName("VorlanePreviewClass");
+constexpr QLatin1String kMainWindowName("VorlaneClass");
+
+constexpr QLatin1String kHeaderStyle(
+    "QFrame#VDheaderFrame {\n"
+    "background-image: url(:/Vorlane/Resources/VorlaneHeader.png);\n"
+    "background-repeat: no-repeat;\n"
+    "}");
+
+constexpr QLatin1String kBlueTheme(
+    "QWidget#main_widget {background-color: rgb(255,255,255);color: rgb(0, 0, 0);}"
+    "QFrame#VDmainFrame {background: rgb(147, 147 ,147);border: 1px solid rgb(50,50,170);}"
+    "QGroupBox {border: 1px solid rgb(190,190,190);margin: 4px;margin-top: 6px;padding-top: 5px;}"
+    "QGroupBox::title {padding-left: 2px;padding-right: 2px;left: 10px;top: -5 px;}"
+    "QLineEdit::disabled {background-color: rgb(235,235,235);}"
+    "QWidget#button_widget {color: white;"
+    "background-color:qlineargradient(spread:repeat, x1:0, y1:0, x2:0, y2:1, "
+    "stop:0 rgba(70,90,160), stop:1 rgba(40,60,90));"
+    "border-top-left-radius: 6px;border-bottom-left-radius: 6px;"
+    "border-top-right-radius: 6px;border-bottom-right-radius: 6px;}");
+
+// What makes the blue theme grey. The first pair matches nothing in the sheet above; it stays for sheets that have it.
+constexpr QLatin1String kGreyReplacements[][2] = {
+    {QLatin1String("background: rgb(0,0,31);"), QLatin1String("background: rgb(40,36,36);")},
+    {QLatin1String("rgb(50,50,170);"), QLatin1String("rgb(140,130,130);")},
+    {QLatin1String("rgba(70,90,160)"), QLatin1String("rgba(140,130,130)")},
+    {QLatin1String("rgba(40,60,90)"), QLatin1String("rgba(40,36,36)")},
+};
+
+QString headerButtonStyle() {
+  const QString lit = QStringLiteral(
+      "background-color: qlineargradient(spread:repeat, x1:0, y1:0, x2:1, y2:0, "
+      "stop:0 rgba(210, 210, 210), stop:1 rgba(210, 210, 210));"
+      "color: white;background-image: url(none.png);border: none;}");
+  return QStringLiteral(
+             "QToolButton {background-color: transparent;color: white;background-image: url(none.png);border: none;}"
+             "QToolButton QWidget {background-color: black;}"
+             "QToolButton:disabled{background-color: transparent;color: silver;"
+             "background-image: url(none.png);border: none;}"
+             "QToolButton:checked{%1QToolButton:hover{%1QToolButton:pressed {%1"
+             "QToolTip {background-color: white;color: black;background-image: url(none.png);border: none;}")
+      .arg(lit);
+}
+
+void frameLook(QFrame* frame) {
+  frame->setFrameShape(QFrame::StyledPanel);
+  frame->setFrameShadow(QFrame::Raised);
+}
+
+QString resource(const char* file) {
+  return QStringLiteral(":/Vorlane/Resources/") + QLatin1String(file);
+}
+
+// Qt's inclusive edges make this differ from QRect::center() for odd sizes, where a remembered place would wander.
+QPoint centredTopLeft(const QRect& window, const QRect& reference) {
+  return {(reference.left() + reference.right()) / 2 - (window.right() - window.left()) / 2,
+          (reference.top() + reference.bottom()) / 2 - (window.bottom() - window.top()) / 2};
+}
+
+}  // namespace
+
+// One of the eight image frames around the main frame. Corners hold one image, edges repeat theirs.
+struct CVorlaneDialog::ShadowPiece {
+  QFrame* CVorlaneDialog::*frame;
+  const char* place;
+  int row;
+  int column;
+  const char* imagePosition;  // of a corner; null for an edge
+};
+
+struct CVorlaneDialog::HeaderButton {
+  const char* objectName;
+  QString text;
+  int iconSize;
+  const char* normalIcon;
+  const char* disabledIcon;
+  const char* slot;
+};
+
+CVorlaneDialog::CVorlaneDialog(QWidget* parent, bool flag) : QDialog(parent, Qt::FramelessWindowHint), shellFlag(flag) {
+  InitKitResources();
+  const Context context = findContext(parent);
+  const bool translucent = CUtils::CheckOpenGLSupport();
+  if (translucent) setAttribute(Qt::WA_TranslucentBackground);
+  frameExtraHeight = translucent ? 51 : 35;
+  frameExtraWidth = translucent ? 16 : 0;
+
+  resize(730, 599);
+  QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+  policy.setHeightForWidth(sizePolicy().hasHeightForWidth());
+  setSizePolicy(policy);
+  setMinimumSize(100, 100);
+  QIcon icon;
+  icon.addFile(resource("Icons/App_icon_256x256.png"), QSize(), QIcon::Normal, QIcon::Off);
+  setWindowIcon(icon);
+  setProperty("iconSize", QSize(24, 24));
+
+  buildFrame();
+  applyContext(context);
+
+  framelessHandler.activateOn(this);
+  framelessHandler.setWidgetResizable(true);
+  for (QFrame* shadow : {VDshadowBtm, VDshadowBtmLeft, VDshadowBtmRight, VDshadowLeft, VDshadowRight, VDshadowTop,
+                         VDshadowTopLeft, VDshadowTopRight}) {
+    shadow->hide();
+  }
+  framelessHandler.setMoveBarHeight(kHeaderHeight);
+  framelessHandler.setBorderWidth(kResizeBorder);
+}
+
+CVorlaneDialog::~CVorlaneDialog() = default;
+
+CVorlaneDialog::Context CVorlaneDialog::findContext(QWidget* parent) {
+  for (QObject* ancestor = parent; ancestor; ancestor = ancestor->parent()) {
+    if (ancestor->objectName() == kMainWindowName) return Context::MainWindow;
+    if (ancestor->objectName() == kPreviewName) {
+      previewParent = qobject_cast<QWidget*>(ancestor);
+      return Context::Preview;
+    }
+  }
+  return Context::Standalone;
+}
+
+void CVorlaneDialog::buildFrame() {
+  VDgridLayout = new QGridLayout(this);
+  VDgridLayout->setObjectName(QStringLiteral("VDgridLayout"));
+  VDgridLayout->setSpacing(0);
+  VDgridLayout->setContentsMargins(0, 0, 0, 0);
+
+  for (const ShadowPiece& piece : {ShadowPiece{&CVorlaneDialog::VDshadowTopLeft, "TopLeft", 0, 0, "bottom right"},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowTop, "Top", 0, 1, nullptr},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowTopRight, "TopRight", 0, 2, "bottom left"},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowLeft, "Left", 1, 0, nullptr}}) {
+    addShadow(piece);
+  }
+  buildMainFrame();
+  VDgridLayout->addWidget(VDmainFrame, 1, 1);
+  for (const ShadowPiece& piece : {ShadowPiece{&CVorlaneDialog::VDshadowRight, "Right", 1, 2, nullptr},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowBtmLeft, "BtmLeft", 2, 0, "top right"},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowBtm, "Btm", 2, 1, nullptr},
+                                   ShadowPiece{&CVorlaneDialog::VDshadowBtmRight, "BtmRight", 2, 2, "top left"}}) {
+    addShadow(piece);
+  }
+}
+
+void CVorlaneDialog::addShadow(const ShadowPiece& piece) {
+  const QString place = QLatin1String(piece.place);
+  const QString name = QStringLiteral("VDshadow") + place;
+  auto* frame = new QFrame(this);
+  frame->setObjectName(name);
+  if (piece.column != 1) frame->setFixedWidth(kShadowThickness);
+  if (piece.row != 1) frame->setFixedHeight(kShadowThickness);
+  QString style =
+      QStringLiteral("QFrame#%1 {\nbackground-image: url(:/Vorlane/Resources/DialogShadow-%2.png);\n").arg(name, place);
+  if (piece.imagePosition) {
+    style += QStringLiteral("background-repeat: no-repeat;\nbackground-position: %1;\nborder: 0px transparent;\n}")
+                 .arg(QLatin1String(piece.imagePosition));
+  } else {
+    style += QStringLiteral("background-repeat: repeat-%1;\nborder: 0px transparent;\n\n}")
+                 .arg(piece.row == 1 ? QLatin1Char('y') : QLatin1Char('x'));
+  }
+  frame->setStyleSheet(style);
+  frameLook(frame);
+  VDgridLayout->addWidget(frame, piece.row, piece.column);
+  this->*piece.frame = frame;
+}
+
+void CVorlaneDialog::buildMainFrame() {
+  VDmainFrame = new QFrame(this);
+  VDmainFrame->setObjectName(QStringLiteral("VDmainFrame"));
+  VDmainFrame->setMinimumSize(40, 40);
+  VDmainFrame->setStyleSheet(kBlueTheme);
+  frameLook(VDmainFrame);
+  VDMainVerticalLayout = new QVBoxLayout(VDmainFrame);
+  VDMainVerticalLayout->setObjectName(QStringLiteral("VDMainVerticalLayout"));
+  VDMainVerticalLayout->setSpacing(2);
+  VDMainVerticalLayout->setContentsMargins(0, 0, 0, 0);
+
+  VDheaderWidget = new QWidget(VDmainFrame);
+  VDheaderWidget->setObjectName(QStringLiteral("VDheaderWidget"));
+  VDheaderWidget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  VDheaderWidget->setMinimumSize(0, kHeaderHeight);
+  VDheaderWidget->setMaximumSize(QWIDGETSIZE_MAX, kHeaderHeight);
+  VDheaderWidget->setStyleSheet(kHeaderStyle);
+  VDHeaderHorizontalLayout = new QHBoxLayout(VDheaderWidget);
+  VDHeaderHorizontalLayout->setObjectName(QStringLiteral("VDHeaderHorizontalLayout"));
+  VDHeaderHorizontalLayout->setSpacing(6);
+  VDHeaderHorizontalLayout->setContentsMargins(10, 3, 5, 2);
+
+  VDPrefixLabel = new QLabel(VDheaderWidget);
+  VDPrefixLabel->setObjectName(QStringLiteral("VDPrefixLabel"));
+  VDPrefixLabel->setStyleSheet(QStringLiteral("color:white;"));
+  VDHeaderHorizontalLayout->addWidget(VDPrefixLabel);
+  VDtitleLabel = new QLabel(VDheaderWidget);
+  VDtitleLabel->setObjectName(QStringLiteral("VDtitleLabel"));
+  VDtitleLabel->setStyleSheet(QStringLiteral("color: white;"));
+  // The title takes the free room, so that it follows the prefix and the buttons stand at the right.
+  VDHeaderHorizontalLayout->addWidget(VDtitleLabel, 1);
+  VDMainVerticalLayout->addWidget(VDheaderWidget);
+
+  VDcontentWidget = new QWidget(VDmainFrame);
+  VDcontentWidget->setObjectName(QStringLiteral("VDcontentWidget"));
+  auto* contentLayout = new QVBoxLayout(VDcontentWidget);
+  contentLayout->setContentsMargins(1, 1, 1, 1);
+  VDMainVerticalLayout->addWidget(VDcontentWidget);
+}
+
+void CVorlaneDialog::applyContext(Context context) {
+  if (context != Context::MainWindow) {
+    QString style = VDmainFrame->styleSheet();
+    for (const auto& pair : kGreyReplacements) style.replace(pair[0], pair[1]);
+    VDmainFrame->setStyleSheet(style);
+  }
+  if (context == Context::Standalone) {
+    VDPrefixLabel->setText(tr("Nolva Reader Advanced Tools") + QStringLiteral(" -"));
+  } else {
+    VDPrefixLabel->hide();
+  }
+}
+
+bool CVorlaneDialog::VDisInPreview() const {
+  return previewParent && previewParent->objectName() == kPreviewName;
+}
+
+void CVorlaneDialog::VDaddMainWidget(QWidget* form, bool fixedSize) {
+  if (!form) return;
+  const int width = form->width() + frameExtraWidth;
+  fixedHeight = form->height() + frameExtraHeight;
+  setGeometry(QRect(geometry().topLeft(), QSize(width, fixedHeight)));
+  const QRect reference =
+      VDisInPreview() ? previewParent->geometry() : QGuiApplication::primaryScreen()->availableGeometry();
+  move(centredTopLeft(geometry(), reference));
+
+  setMinimumHeight(fixedHeight);
+  if (fixedSize) {
+    // The width leaves out the frame's extra width on purpose.
+    setFixedSize(form->width(), fixedHeight);
+  } else {
+    setMinimumWidth(width);
+  }
+  updateGeometry();
+  VDcontentWidget->layout()->addWidget(form);
+  VDcontentWidget->layout()->setContentsMargins(0, 0, 0, 0);
+  framelessHandler.setWidgetResizable(!fixedSize);
+}
+
+CVorlaneHeaderButton* CVorlaneDialog::addHeaderButton(const HeaderButton& description) {
+  auto* button = new CVorlaneHeaderButton(VDheaderWidget);
+  button->setObjectName(QLatin1String(description.objectName));
+  button->setAccessibleName(description.text);
+  button->setFixedSize(24, 24);
+  button->setFocusPolicy(Qt::NoFocus);
+  QIcon icon;
+  icon.addFile(resource(description.normalIcon), QSize(), QIcon::Normal, QIcon::Off);
+  icon.addFile(resource(description.disabledIcon), QSize(), QIcon::Disabled, QIcon::On);
+  button->setIcon(icon);
+  button->setIconSize(QSize(description.iconSize, description.iconSize));
+  button->setAutoRaise(true);
+  button->setStyleSheet(headerButtonStyle());
+  VDHeaderHorizontalLayout->addWidget(button);
+  connect(button, SIGNAL(clicked()), this, description.slot);
+  return button;
+}
+
+void CVorlaneDialog::VDaddCloseButton() {
+  VDcloseButton = addHeaderButton(
+      {"vorlaneHeaderCloseBtn", tr("Close"), 14, "WinClose.png", "WinClose_disabled.png", SLOT(reject())});
+}
+
+void CVorlaneDialog::VDaddTopButtons() {
+  VDaddToActionListButton =
+      addHeaderButton({"VDtoolbarAddToActionListButton", tr("Add to/Create new Action"), 20, "PaneActionList_extra.png",
+                       "PaneActionList_disabled.png", SLOT(on_VDShowSaveDialog())});
+  VDaddToActionListButton->setToolTip(VDaddToActionListButton->accessibleName());
+  VDaddToFavoritesButton =
+      addHeaderButton({"VDtoolbarAddToCollectionsButton", tr("Add to Favorites/Save settings"), 20, "Collection.png",
+                       "Collection_disabled.png", SLOT(on_VDShowSaveCollectionDialog())});
+  VDaddToFavoritesButton->setToolTip(VDaddToFavoritesButton->accessibleName());
+}
+
+void CVorlaneDialog::VDhideAddToActionListButton() {
+  if (VDaddToActionListButton) VDaddToActionListButton->hide();
+}
+
+int CVorlaneDialog::exec() {
+  return QDialog::exec();
+}
