@@ -110,6 +110,14 @@ std::string LiteralStringBytes(std::string_view text) {
   return bytes;
 }
 
+ObjectId MakeId(std::uint64_t number, std::uint64_t generation) {
+  if (number == 0 || number >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()) ||
+      generation >= 65535) {
+    throw PdfSyntaxError();
+  }
+  return {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(generation)};
+}
+
 }  // namespace
 
 bool PdfLexer::IsSpace(char c) {
@@ -187,18 +195,6 @@ std::uint64_t PdfLexer::ReadUnsigned() {
   return ToUnsigned(ReadRegular());
 }
 
-namespace {
-
-ObjectId MakeId(std::uint64_t number, std::uint64_t generation) {
-  if (number == 0 || number >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()) ||
-      generation >= 65535) {
-    throw PdfSyntaxError();
-  }
-  return {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(generation)};
-}
-
-}  // namespace
-
 ObjectId PdfLexer::ReadObjectHeader() {
   const std::uint64_t number = ReadUnsigned();
   SkipSpace();
@@ -216,6 +212,17 @@ ObjectId PdfLexer::ToReference(std::string_view text) {
   lexer.SkipSpace();
   if (text.substr(lexer.Position()) != "R") throw PdfSyntaxError();
   return MakeId(number, generation);
+}
+
+std::vector<std::uint64_t> PdfLexer::ToUnsignedArray(std::string_view text) {
+  std::vector<std::uint64_t> numbers;
+  if (text.empty() || text.front() != '[') throw PdfSyntaxError();
+  PdfLexer lexer(text, 1);
+  for (;;) {
+    lexer.SkipSpace();
+    if (lexer.Peek() == ']') return numbers;
+    numbers.push_back(lexer.ReadUnsigned());
+  }
 }
 
 std::string PdfLexer::ToBytes(std::string_view text) {

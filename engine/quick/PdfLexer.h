@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/quick/ObjectId.h"
 
@@ -53,6 +54,8 @@ class PdfLexer {
   static ObjectId ToReference(std::string_view text);
   // Digits and nothing else.
   static std::uint64_t ToUnsigned(std::string_view text);
+  // "[ 1 2 3 ]"
+  static std::vector<std::uint64_t> ToUnsignedArray(std::string_view text);
   // The bytes of a literal or hexadecimal string object.
   static std::string ToBytes(std::string_view text);
 

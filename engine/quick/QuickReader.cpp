@@ -1,18 +1,183 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/quick/QuickReader.h"
 
+#include <algorithm>
+#include <limits>
+
+#include "engine/quick/ObjectFinder.h"
+#include "engine/quick/PdfFileText.h"
+#include "engine/quick/PdfLexer.h"
+#include "engine/quick/PdfSyntaxError.h"
+#include "engine/quick/RawDictionary.h"
+#include "engine/quick/XrefChain.h"
+
 namespace engine {
 
-std::optional<QuickDocument> QuickReader::Read(const InputFile&) {
-  return std::nullopt;
+namespace {
+
+// Readers look for the header in so many bytes at the start, and for "startxref" in so many at the end.
+constexpr std::size_t kHeaderWindow = 1024;
+constexpr std::size_t kTailWindow = 1024;
+
+template <typename Answer>
+auto ValueOrNothing(Answer answer) -> std::optional<decltype(answer())> {
+  try {
+    return answer();
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
 }
 
-std::optional<FileTail> QuickReader::ReadTail(const InputFile&) {
-  return std::nullopt;
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
 }
 
-std::optional<std::string> QuickReader::ReadDictionary(const InputFile&, const FileTail&, ObjectId) {
-  return std::nullopt;
+// "%PDF-1.7"
+bool IsHeader(std::string_view text) {
+  if (text.compare(0, 5, "%PDF-") != 0) return false;
+  std::size_t i = 5;
+  while (i < text.size() && IsDigit(text[i])) ++i;
+  return i > 5 && i + 1 < text.size() && text[i] == '.' && IsDigit(text[i + 1]);
+}
+
+std::uint64_t FindHeader(const InputFile& file) {
+  const std::string text = file.ReadAt(0, kHeaderWindow);
+  for (std::size_t i = text.find('%'); i != std::string::npos; i = text.find('%', i + 1)) {
+    if (IsHeader(std::string_view(text).substr(i))) return i;
+  }
+  throw PdfSyntaxError();
+}
+
+// The number behind the last "startxref". A file that ends right there is cut off, but can be continued.
+std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
+  const std::size_t window = static_cast<std::size_t>(std::min<std::uint64_t>(kTailWindow, file.Size()));
+  const std::string text = file.Read(file.Size() - window, window) + '\n';
+  const std::size_t begin = text.rfind("startxref");
+  if (begin == std::string::npos || begin == 0 || !PdfLexer::IsSpace(text[begin - 1])) throw PdfSyntaxError();
+  PdfLexer lexer(text, begin);
+  lexer.Expect("startxref");
+  lexer.SkipSpace();
+  const std::uint64_t offset = lexer.ReadUnsigned();
+  std::size_t end = lexer.Position();
+  while (end < text.size() && PdfLexer::IsSpace(text[end])) ++end;
+  if (endRequired && text.compare(end, 5, "%%EOF") != 0) throw PdfSyntaxError();
+  if (offset == 0) throw PdfSyntaxError();
+  return offset;
+}
+
+bool IsRepeated(std::string_view key) {
+  constexpr std::string_view kOwnToSection[] = {"/Size", "/Root",    "/Prev",         "/XRefStm", "/Type",
+                                                "/W",    "/Index",   "/Length",       "/Filter",  "/DecodeParms",
+                                                "/F",    "/FFilter", "/FDecodeParms", "/DL"};
+  return std::find(std::begin(kOwnToSection), std::end(kOwnToSection), key) == std::end(kOwnToSection);
+}
+
+FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::string& trailerText, bool stream) {
+  const RawDictionary trailer(trailerText);
+  FileTail tail;
+  tail.headerOffset = file.HeaderOffset();
+  tail.startXref = startXref;
+  if (!stream) tail.kind = trailer.Has("/XRefStm") ? FileTail::Kind::kHybrid : FileTail::Kind::kTable;
+  if (stream) tail.kind = FileTail::Kind::kStream;
+  const std::uint64_t size = trailer.Unsigned("/Size");
+  if (size == 0 || size >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) throw PdfSyntaxError();
+  tail.size = static_cast<std::uint32_t>(size);
+  tail.root = trailer.Reference("/Root");
+  for (const RawDictionary::Entry& entry : trailer.Entries()) {
+    if (IsRepeated(entry.key)) tail.entries.push_back({std::string(entry.key), std::string(trailer.Text(entry))});
+  }
+  return tail;
+}
+
+std::string ReadBaseUrl(const RawDictionary& catalog) {
+  const RawDictionary::Entry* uri = catalog.Find("/URI");
+  if (uri == nullptr) return {};
+  if (uri->value.kind == PdfLexer::Kind::kReference) throw PdfSyntaxError();
+  if (uri->value.kind != PdfLexer::Kind::kDictionary) return {};
+  const RawDictionary uriDictionary(catalog.Text(*uri));
+  const RawDictionary::Entry* base = uriDictionary.Find("/Base");
+  if (base == nullptr) return {};
+  switch (base->value.kind) {
+    case PdfLexer::Kind::kReference:
+      throw PdfSyntaxError();
+    case PdfLexer::Kind::kString:
+    case PdfLexer::Kind::kHexString:
+      return PdfLexer::ToBytes(uriDictionary.Text(*base));
+    default:
+      return {};
+  }
+}
+
+QuickDocument ReadDocument(const InputFile& input) {
+  if (!IsHeader(input.ReadAt(0, 16))) throw PdfSyntaxError();
+  const PdfFileText file(input);
+  const std::uint64_t startXref = ReadStartXref(file, true);
+  const XrefChain chain(file, startXref);
+  QuickDocument document;
+  document.tail = MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
+  if (document.tail.Encrypted()) throw PdfSyntaxError();
+
+  const ObjectFinder finder(file, chain);
+  document.catalog = finder.ReadDictionary(document.tail.root, false);
+  const RawDictionary catalog(document.catalog);
+  if (catalog.Text("/Type") != "/Catalog") throw PdfSyntaxError();
+  // Sections whose offsets or numbers are shifted show here, if not at the catalog itself.
+  finder.CheckExists(catalog.Reference("/Pages"));
+  document.baseUrl = ReadBaseUrl(catalog);
+  document.hasAcroForm = catalog.Has("/AcroForm");
+  document.hasPerms = catalog.Has("/Perms");
+  return document;
+}
+
+// The offset of the trailer of the table whose entries begin at `offset`; looks at what stands between only as far as
+// to see that nothing but entries can.
+std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
+  constexpr std::size_t kBlock = 64 * 1024;
+  for (;;) {
+    const std::string text = file.Read(offset, kBlock);
+    const std::size_t other = text.find_first_not_of("0123456789nf \t\f\r\n");
+    if (other != std::string::npos) return offset + other;
+    if (text.size() < kBlock) throw PdfSyntaxError();
+    offset += text.size();
+  }
+}
+
+FileTail ReadTailOf(const InputFile& input) {
+  const PdfFileText file(input, FindHeader(input));
+  const std::uint64_t startXref = ReadStartXref(file, false);
+  const std::string start = file.Read(startXref, 64);
+  const std::size_t begin = std::min(start.find_first_not_of(std::string_view("\0\t\n\f\r ", 6)), start.size());
+  if (start.compare(begin, 4, "xref") != 0) {
+    const PdfFileText::Object object = file.ReadObject(startXref);
+    if (RawDictionary(object.dictionary).Text("/Type") != "/XRef") throw PdfSyntaxError();
+    return MakeTail(file, startXref, object.dictionary, true);
+  }
+  const std::string trailer = file.ParseAt(FindTrailer(file, startXref + begin + 4), [](std::string_view text) {
+    PdfLexer lexer(text);
+    lexer.Expect("trailer");
+    lexer.SkipSpace();
+    const RawDictionary dictionary(text.substr(lexer.Position()));
+    return std::string(text.substr(lexer.Position(), dictionary.End()));
+  });
+  return MakeTail(file, startXref, trailer, false);
+}
+
+}  // namespace
+
+std::optional<QuickDocument> QuickReader::Read(const InputFile& file) {
+  return ValueOrNothing([&] { return ReadDocument(file); });
+}
+
+std::optional<FileTail> QuickReader::ReadTail(const InputFile& file) {
+  return ValueOrNothing([&] { return ReadTailOf(file); });
+}
+
+std::optional<std::string> QuickReader::ReadDictionary(const InputFile& input, const FileTail& tail, ObjectId object) {
+  return ValueOrNothing([&] {
+    const PdfFileText file(input, tail.headerOffset);
+    const XrefChain chain(file, tail.startXref);
+    return ObjectFinder(file, chain).ReadDictionary(object, tail.Encrypted());
+  });
 }
 
 }  // namespace engine

@@ -26,9 +26,14 @@ class RawDictionary {
   std::size_t End() const { return end_; }
   const std::vector<Entry>& Entries() const { return entries_; }
   const Entry* Find(std::string_view key) const;
+  bool Has(std::string_view key) const { return Find(key) != nullptr; }
   std::string_view Text(const Entry& entry) const {
     return text_.substr(entry.value.begin, entry.value.end - entry.value.begin);
   }
+  // The value of an entry that must be there.
+  std::string_view Text(std::string_view key) const;
+  std::uint64_t Unsigned(std::string_view key) const { return PdfLexer::ToUnsigned(Text(key)); }
+  ObjectId Reference(std::string_view key) const { return PdfLexer::ToReference(Text(key)); }
 
  private:
   std::string_view text_;

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "engine/quick/ObjectId.h"
+#include "engine/quick/PdfFileText.h"
+#include "engine/quick/XrefChain.h"
+
+namespace engine {
+
+// Finds dictionary objects by their numbers, at their own offsets or in object streams (ISO 32000-1, 7.5.7). All
+// members throw PdfSyntaxError.
+class ObjectFinder {
+ public:
+  // Both must outlive this object.
+  ObjectFinder(const PdfFileText& file, const XrefChain& chain) : file_(file), chain_(chain) {}
+
+  // The text of the dictionary, "<<" to ">>". In an encrypted file object streams are out of reach.
+  std::string ReadDictionary(ObjectId object, bool encrypted) const;
+  // Throws unless there is such an object, as far as that can be seen without reading it.
+  void CheckExists(ObjectId object) const;
+
+ private:
+  std::string ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const;
+  std::uint64_t StreamOffset(const XrefSection::Entry& entry) const;
+  std::uint64_t StreamLength(std::string_view text) const;
+
+  const PdfFileText& file_;
+  const XrefChain& chain_;
+};
+
+}  // namespace engine

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/quick/PdfFileText.h"
+
+#include "engine/quick/PdfLexer.h"
+#include "engine/quick/RawDictionary.h"
+
+namespace engine {
+
+namespace {
+
+constexpr std::uint64_t kMostRead = 64 * 1024 * 1024;
+
+}  // namespace
+
+PdfFileText::PdfFileText(const InputFile& file, std::uint64_t headerOffset)
+    : file_(file), headerOffset_(headerOffset), readBefore_(file.BytesRead()) {
+  if (headerOffset > file.Size()) throw PdfSyntaxError();
+}
+
+std::string PdfFileText::Read(std::uint64_t offset, std::size_t count) const {
+  if (offset > Size() || file_.BytesRead() - readBefore_ > kMostRead) throw PdfSyntaxError();
+  return file_.ReadAt(headerOffset_ + offset, count);
+}
+
+PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
+  return ParseAt(offset, [offset](std::string_view text) {
+    PdfLexer lexer(text);
+    Object object;
+    object.id = lexer.ReadObjectHeader();
+    lexer.SkipSpace();
+    const RawDictionary dictionary(text.substr(lexer.Position()));
+    object.dictionary = text.substr(lexer.Position(), dictionary.End());
+    lexer = PdfLexer(text, lexer.Position() + dictionary.End());
+    lexer.SkipSpace();
+    if (lexer.Accept("endobj")) return object;
+    lexer.Expect("stream");
+    const std::size_t end = lexer.Position();
+    if (text.size() - end < 2) throw PdfSyntaxError(true);
+    if (text[end] == '\n') {
+      object.dataOffset = offset + end + 1;
+    } else if (text.compare(end, 2, "\r\n") == 0) {
+      object.dataOffset = offset + end + 2;
+    } else {
+      throw PdfSyntaxError();
+    }
+    return object;
+  });
+}
+
+void PdfFileText::CheckObject(std::uint64_t offset, ObjectId id) const {
+  const std::string text = Read(offset, 64);
+  PdfLexer lexer(text);
+  if (lexer.ReadObjectHeader() != id) throw PdfSyntaxError();
+  lexer.SkipSpace();
+  if (text.compare(lexer.Position(), 2, "<<") != 0) throw PdfSyntaxError();
+}
+
+void PdfFileText::CheckStreamEnd(const Object& object, std::uint64_t length) const {
+  if (object.dataOffset == 0 || length > Size()) throw PdfSyntaxError();
+  const std::string text = Read(object.dataOffset + length, 32);
+  PdfLexer lexer(text);
+  lexer.SkipSpace();
+  lexer.Expect("endstream");
+}
+
+}  // namespace engine

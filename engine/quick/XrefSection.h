@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/quick/PdfFileText.h"
+#include "engine/quick/StreamDecoder.h"
+
+namespace engine {
+
+// One cross-reference table or stream (ISO 32000-1, 7.5.4 and 7.5.8): its subsections and its trailer, read without its
+// entries. All members throw PdfSyntaxError for what is damaged or unusual.
+class XrefSection {
+ public:
+  struct Entry {
+    enum class Type { kFree, kOffset, kInStream } type = Type::kFree;
+    std::uint64_t offset = 0;        // kOffset: where the object starts
+    std::uint32_t generation = 0;    // kOffset
+    std::uint32_t streamNumber = 0;  // kInStream: the object stream
+    std::uint32_t index = 0;         // kInStream: which of its objects
+  };
+
+  // The section that starts at the offset exactly. `file` must outlive this object.
+  XrefSection(const PdfFileText& file, std::uint64_t offset);
+
+  bool IsStream() const { return decoder_ != nullptr; }
+  // The dictionary of the trailer or of the stream.
+  const std::string& Trailer() const { return trailer_; }
+  // One more than the highest object number with an entry here.
+  std::uint64_t EndNumber() const;
+  std::size_t SubsectionCount() const { return subsections_.size(); }
+  // No value when this section does not have an entry for the object.
+  std::optional<Entry> Find(std::uint32_t number) const;
+
+ private:
+  struct Subsection {
+    std::uint64_t first;
+    std::uint64_t count;
+    std::uint64_t position;  // of its first entry: offset in the file, or number of the row in the stream
+  };
+
+  void ReadTable(const PdfFileText& file, std::uint64_t offset);
+  void ReadStream(const PdfFileText& file, std::uint64_t offset);
+  void ReadWidths(std::string_view text);
+  void ReadIndex(std::string_view text);
+  void AddSubsection(std::uint64_t first, std::uint64_t count, std::uint64_t position);
+  Entry ReadTableEntry(std::uint64_t offset) const;
+  Entry ReadStreamEntry(std::uint64_t row) const;
+
+  const PdfFileText& file_;
+  std::string trailer_;
+  std::vector<Subsection> subsections_;
+  std::size_t widths_[3] = {};
+  std::unique_ptr<StreamDecoder> decoder_;
+};
+
+}  // namespace engine

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "engine/quick/ObjectId.h"
+
+// What libqpdf reads in a file, to compare the quick reader with.
+struct FullParser {
+  engine::ObjectId root;
+  std::string baseUrl;
+  int pageCount = 0;
+  bool sound = false;      // nothing to warn of
+  bool encrypted = false;  // with an empty user password
+
+  // No value when libqpdf cannot open the file.
+  static std::optional<FullParser> Read(const std::string& bytes);
+};

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/quick/QuickReader.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <chrono>
+
+#include "engine/base/InputFile.h"
+#include "engine/base/OutputFile.h"
+#include "engine/quick/BaseUrl.h"
+#include "engine/save/AppendUpdate.h"
+#include "tests/engine/quick/FullParser.h"
+#include "tests/engine/quick/SampleFile.h"
+#include "tests/engine/quick/Tools.h"
+
+using engine::AppendUpdate;
+using engine::FileTail;
+using engine::InputFile;
+using engine::OutputFile;
+using engine::QuickDocument;
+using engine::QuickReader;
+
+namespace {
+
+// Ends in what has to be escaped.
+const std::string kNewUrl = "http://example.net/new/(x)\\";
+
+std::string Updated(const InputFile& input, const QuickDocument& document, const std::string& url) {
+  OutputFile output;
+  AppendUpdate(input, document.tail, {{document.tail.root, WithBaseUrl(document, url)}}, output);
+  return output.TakeBytes();
+}
+
+class SampleTest : public testing::TestWithParam<SampleFile> {};
+
+std::string NameOf(const testing::TestParamInfo<SampleFile>& info) {
+  std::string name;
+  for (const char c : info.param.name.substr(0, info.param.name.size() - 4)) name += std::isalnum(c) ? c : '_';
+  return name;
+}
+
+}  // namespace
+
+TEST_P(SampleTest, AnswersAsTheFullParserOrNotAtAll) {
+  const auto start = std::chrono::steady_clock::now();
+  const auto input = InputFile::Open(GetParam().path);
+  const auto document = QuickReader::Read(*input);
+  const auto tail = QuickReader::ReadTail(*input);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_LT(input->BytesRead(), 64 * 1024u + 4 * input->Size());
+
+  ASSERT_EQ(document.has_value(), GetParam().answered);
+  if (!document) return;
+  EXPECT_EQ(document->baseUrl, GetParam().baseUrl);
+  const auto full = FullParser::Read(ReadFile(GetParam().path));
+  ASSERT_TRUE(full.has_value());
+  EXPECT_TRUE(document->tail.root == full->root);
+  EXPECT_EQ(document->baseUrl, full->baseUrl);
+  // The tail alone is the same, and leads to the same catalog.
+  ASSERT_TRUE(tail.has_value());
+  EXPECT_EQ(tail->startXref, document->tail.startXref);
+  EXPECT_EQ(tail->kind, document->tail.kind);
+  EXPECT_EQ(tail->size, document->tail.size);
+  EXPECT_EQ(QuickReader::ReadDictionary(*input, *tail, tail->root), document->catalog);
+}
+
+TEST_P(SampleTest, UpdateKeepsTheFileAndIsReadByOthers) {
+  if (!GetParam().answered) GTEST_SKIP() << "left to the full parser";
+  const std::string before = ReadFile(GetParam().path);
+  const auto wasRead = FullParser::Read(before);
+  std::string previous = before;
+  // Three times in a row: set, set again, remove.
+  for (const std::string& url : {kNewUrl, std::string("b"), std::string()}) {
+    const auto input = InputFile::FromBytes(previous);
+    const auto document = QuickReader::Read(*input);
+    ASSERT_TRUE(document.has_value());
+    const std::string after = Updated(*input, *document, url);
+    EXPECT_EQ(after, Updated(*input, *document, url)) << "the same input must give the same bytes";
+    ASSERT_EQ(after.compare(0, previous.size(), previous), 0);
+
+    const auto isRead = FullParser::Read(after);
+    ASSERT_TRUE(isRead.has_value());
+    EXPECT_EQ(isRead->baseUrl, url);
+    EXPECT_EQ(isRead->pageCount, wasRead->pageCount);
+    EXPECT_TRUE(isRead->sound || !wasRead->sound);
+    const auto again = QuickReader::Read(*InputFile::FromBytes(after));
+    ASSERT_TRUE(again.has_value());
+    EXPECT_EQ(again->baseUrl, url);
+    EXPECT_EQ(again->tail.kind == FileTail::Kind::kStream, document->tail.kind == FileTail::Kind::kStream);
+    previous = after;
+  }
+}
+
+TEST_P(SampleTest, OutsideToolsAcceptTheUpdate) {
+  if (!GetParam().answered) GTEST_SKIP() << "left to the full parser";
+  const auto input = InputFile::Open(GetParam().path);
+  const auto document = QuickReader::Read(*input);
+  ASSERT_TRUE(document.has_value());
+  WriteFile("out.pdf", Updated(*input, *document, kNewUrl));
+  const ToolResult check = RunTool("qpdf --check out.pdf");
+  EXPECT_EQ(check.status, RunTool("qpdf --check '" + GetParam().path + "'").status) << check.output;
+  const ToolResult base = RunTool("mutool show out.pdf trailer/Root/URI/Base");
+  EXPECT_EQ(base.status, 0);
+  EXPECT_EQ(base.output, "(http://example.net/new/\\(x\\)\\\\)\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, SampleTest, testing::ValuesIn(SampleFile::All()), NameOf);
+
+TEST(QuickReaderTest, KeepsEveryOtherByteOfTheCatalog) {
+  struct {
+    const char* catalog;
+    const char* url;
+    const char* expected;
+  } const cases[] = {
+      {"<</Pages 2 0 R>>", "u", "<</Pages 2 0 R/URI <</Base (u)>>>>"},
+      {"<</Pages 2 0 R %c\n/URI<</A(>>)/Base (x) /B 1>>/C[]>>", "u",
+       "<</Pages 2 0 R %c\n/URI<</A(>>)/Base (u) /B 1>>/C[]>>"},
+      {"<</URI<</A 1/Base<41>/B 2>>>>", "", "<</URI<</A 1/B 2>>>>"},
+      {"<</A 1/URI<</Base(x)>>/B 2>>", "", "<</A 1/B 2>>"},
+      {"<</URI<</A 1>>>>", "u(\\", "<</URI<</A 1/Base (u\\(\\\\)>>>>"},
+      {"<</URI/Odd/B 2>>", "u", "<</URI<</Base (u)>>/B 2>>"},
+      {"<</URI null/B 2>>", "", "<</B 2>>"},
+      {"<</B 2>>", "", "<</B 2>>"},
+  };
+  for (const auto& c : cases) {
+    QuickDocument document;
+    document.catalog = c.catalog;
+    EXPECT_EQ(WithBaseUrl(document, c.url), c.expected);
+  }
+  EXPECT_EQ(engine::WithBaseObject("<</URI 5 0 R>>", "(u)"), std::nullopt);
+  EXPECT_EQ(engine::WithBaseObject("<</A 1", "(u)"), std::nullopt);
+  EXPECT_EQ(engine::WithBaseObject("<</A 1>>", "<0102>"), "<</A 1/URI <</Base <0102>>>>>");
+}
