@@ -12,6 +12,7 @@ enum LibraryErrorCode : int {
   kErrorBadArgument = 5,        // an argument is out of its range
   kErrorOutOfMemory = 6,        // memory ran out
   kErrorInternal = 7,           // an unexpected failure inside the engine
+  kErrorBackendMissing = 8,     // the engine's backend module is not beside the engine or cannot be loaded
   kErrorFileNotFound = 100,     // the file, or a folder of its path, does not exist
   kErrorFileUnreadable = 101,   // the file exists but cannot be read (rights, a folder, a device error)
   kErrorNotPdf = 102,           // the file holds no PDF
@@ -21,6 +22,7 @@ enum LibraryErrorCode : int {
   kErrorUnsupportedSecurity = 106,  // the document uses a security handler the engine does not know
   kErrorFileTooLarge = 107,     // the document is larger than this call can handle
   kErrorSourceChanged = 108,    // the loaded file changed, shrank or vanished before it was saved
+  kErrorCannotAppend = 109,     // no update could be appended to a signed document; a second try rewrites it
   kErrorCannotWrite = 200,      // the target cannot be created (rights, a read-only file system, a folder in its place)
   kErrorDiskFull = 201,         // no space is left, or a quota is used up
 };

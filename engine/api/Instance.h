@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/api/BufferPool.h"
+#include "engine/document/Document.h"
+#include "pdflib/LibraryErrorCodes.h"
+
+namespace engine {
+
+// What one HPLCreateLibrary made: documents, the selected one, buffers, the latest string result and the last error.
+class Instance {
+ public:
+  // Takes the document over, selects it and returns its ID: positive, not given twice within the instance.
+  int Add(std::unique_ptr<Document> document);
+  // Throws EngineError kErrorNoDocument, as do all members that name a document. The selection of a removed document
+  // goes to the latest of those that are left.
+  void Remove(int documentId);
+  void Select(int documentId);
+  Document& Selected();
+  // 0 when there is no document.
+  int SelectedId() const { return selected_; }
+  int DocumentCount() const { return static_cast<int>(documents_.size()); }
+  // The documents in the order of their opening, `index` from 1 on. Throws EngineError kErrorBadArgument.
+  int DocumentId(int index) const;
+
+  BufferPool& Buffers() { return buffers_; }
+
+  LibraryErrorCode LastError() const { return lastError_; }
+  void SetLastError(LibraryErrorCode code) { lastError_ = code; }
+
+  // Keep a string result until the next one of either kind; the pointer is good until then. Throws EngineError
+  // kErrorFileTooLarge for a result whose length is no int.
+  wchar_t* Keep(std::wstring text);
+  char* Keep(std::string bytes);
+  void ForgetResult();
+  int WideResultLength() const { return static_cast<int>(wideResult_.size()); }
+  int ByteResultLength() const { return static_cast<int>(byteResult_.size()); }
+
+ private:
+  struct Entry {
+    int id;
+    std::unique_ptr<Document> document;
+  };
+  std::vector<Entry>::iterator Find(int documentId);
+
+  std::vector<Entry> documents_;
+  int lastId_ = 0;
+  int selected_ = 0;
+  BufferPool buffers_;
+  std::wstring wideResult_;
+  std::string byteResult_;
+  LibraryErrorCode lastError_ = kErrorNone;
+};
+
+}  // namespace engine

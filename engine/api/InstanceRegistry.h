@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include "engine/api/Instance.h"
+
+namespace engine {
+
+// The living instances of the process, by ID.
+class InstanceRegistry {
+ public:
+  static InstanceRegistry& Get();
+
+  // A new instance's ID: positive and not in use.
+  int Create();
+  // False when there is none.
+  bool Release(int id);
+  // Null when there is none.
+  Instance* Find(int id);
+
+ private:
+  InstanceRegistry() = default;
+
+  std::unordered_map<int, std::unique_ptr<Instance>> instances_;
+  int lastId_ = 0;
+};
+
+}  // namespace engine

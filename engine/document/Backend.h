@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/document/BackendDocument.h"
+
+namespace engine {
+
+// What the backend module offers; see BackendModule.
+class Backend {
+ public:
+  virtual ~Backend() = default;
+
+  // Opens a document. Throws EngineError: kErrorNotPdf, kErrorDamaged, kErrorPasswordNeeded, kErrorPasswordWrong or
+  // kErrorUnsupportedSecurity.
+  virtual std::unique_ptr<BackendDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password) = 0;
+  // A document of one empty page, 612 by 792 points.
+  virtual std::unique_ptr<BackendDocument> New() = 0;
+
+  // The family names of the installed fonts (UTF-8), sorted, each once; of those that cover the character, if it is not 0.
+  virtual std::vector<std::string> FontFamilies(char32_t character) = 0;
+};
+
+}  // namespace engine
+
+// The module's only export; its answer lives as long as the process.
+extern "C" engine::Backend* HalvexEngineBackend();

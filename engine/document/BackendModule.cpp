@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/document/BackendModule.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "engine/base/EngineError.h"
+
+namespace engine {
+
+namespace {
+
+constexpr char kFileName[] = "HalvexEngineBackend.so";
+constexpr char kEntryPoint[] = "HalvexEngineBackend";
+
+std::string& LibraryPath() {
+  static std::string path;
+  return path;
+}
+
+// The path with all links followed; empty when it leads nowhere.
+std::string Resolve(const std::string& path) {
+  char* const resolved = realpath(path.c_str(), nullptr);
+  std::string result = resolved != nullptr ? resolved : "";
+  std::free(resolved);
+  return result;
+}
+
+Backend& Load() {
+  BackendModule::NoteLibraryPath();
+  const std::string library = Resolve(LibraryPath());
+  const std::string path = library.substr(0, library.rfind('/') + 1) + kFileName;
+  // The module stays until the process ends: what it links keeps state that is costly to build again.
+  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  if (module == nullptr) throw EngineError(kErrorBackendMissing, dlerror());
+  const auto entry = reinterpret_cast<decltype(&HalvexEngineBackend)>(dlsym(module, kEntryPoint));
+  if (entry == nullptr) throw EngineError(kErrorBackendMissing, path + " is no backend of this library");
+  return *entry();
+}
+
+}  // namespace
+
+Backend& BackendModule::Get() {
+  static Backend& backend = Load();
+  return backend;
+}
+
+void BackendModule::NoteLibraryPath() {
+  std::string& path = LibraryPath();
+  if (!path.empty()) return;
+  Dl_info info = {};
+  if (dladdr(reinterpret_cast<const void*>(&BackendModule::Get), &info) == 0 || info.dli_fname == nullptr) return;
+  path = info.dli_fname;
+  if (path.empty() || path[0] != '/') path = Resolve(path);
+}
+
+}  // namespace engine
