@@ -14,8 +14,12 @@ namespace {
 constexpr std::uint64_t kSlotLimit = std::uint64_t{1} << 22;
 std::uint64_t gLastSerial = 0;
 
-std::uint64_t NumberOf(void* handle) { return reinterpret_cast<std::uintptr_t>(handle); }
-void* HandleOf(std::uint64_t number) { return reinterpret_cast<void*>(static_cast<std::uintptr_t>(number)); }
+std::uint64_t NumberOf(void* handle) {
+  return reinterpret_cast<std::uintptr_t>(handle);
+}
+void* HandleOf(std::uint64_t number) {
+  return reinterpret_cast<void*>(static_cast<std::uintptr_t>(number));
+}
 
 [[noreturn]] void ThrowUnknown(void* handle) {
   const std::uint64_t number = NumberOf(handle);

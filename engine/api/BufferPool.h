@@ -15,11 +15,11 @@ namespace engine {
 // twice, in any instance, so that one used after its release, or one of another instance, is told from a living buffer.
 class BufferPool {
  public:
-  // A buffer for `size` bytes. Never null, which would mean an empty text: when the buffer cannot be made, the handle is
-  // one whose every use fails with the reason, and `error` is set to it.
+  // A buffer for `size` bytes. Never null, which would mean an empty text: when the buffer cannot be made, the handle
+  // is one whose every use fails with the reason, and `error` is set to it.
   void* Create(int size, LibraryErrorCode& error);
-  // Appends to the buffer. Throws EngineError: kErrorBadBuffer for an unknown handle or more bytes than it was made for,
-  // kErrorBadArgument for a negative size or null with a size above 0. Nothing is appended then.
+  // Appends to the buffer. Throws EngineError: kErrorBadBuffer for an unknown handle or more bytes than it was made
+  // for, kErrorBadArgument for a negative size or null with a size above 0. Nothing is appended then.
   void Append(void* handle, const void* source, int size);
   // False when the handle is unknown.
   bool Release(void* handle);

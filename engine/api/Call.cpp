@@ -33,6 +33,8 @@ LibraryErrorCode CodeOfCurrentException() noexcept {
   }
 }
 
-Instance* FindInstance(int id) noexcept { return InstanceRegistry::Get().Find(id); }
+Instance* FindInstance(int id) noexcept {
+  return InstanceRegistry::Get().Find(id);
+}
 
 }  // namespace engine

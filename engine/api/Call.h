@@ -11,8 +11,8 @@
 
 namespace engine {
 
-// One call of an exported function, inside Trap(): the instance, and the wide-string buffers that the call was given and
-// that end with it, whatever happens.
+// One call of an exported function, inside Trap(): the instance, and the wide-string buffers that the call was given
+// and that end with it, whatever happens.
 class Call {
  public:
   Call(Instance& instance, const std::initializer_list<void*>& wideBuffers)
@@ -23,18 +23,18 @@ class Call {
   Call(const Call&) = delete;
   Call& operator=(const Call&) = delete;
 
-  engine::Instance& Instance() { return instance_; }
+  Instance& Library() { return instance_; }
   // The selected document; throws EngineError kErrorNoDocument.
-  engine::Document& Document() { return instance_.Selected(); }
+  Document& Selected() { return instance_.Selected(); }
 
-  // The text in a wide-string buffer, empty for null. Throws EngineError as BufferPool::Bytes, and kErrorBadBuffer for a
-  // size that is no number of units.
+  // The text in a wide-string buffer, empty for null. Throws EngineError as BufferPool::Bytes, and kErrorBadBuffer for
+  // a size that is no number of units.
   std::wstring_view Text(void* buffer) const;
   // The same for a byte-string buffer; null is an unknown buffer.
   std::string_view Bytes(void* buffer) const { return instance_.Buffers().Bytes(buffer); }
 
  private:
-  engine::Instance& instance_;
+  Instance& instance_;
   const std::initializer_list<void*>& wideBuffers_;
 };
 

@@ -19,7 +19,9 @@ int InstanceRegistry::Create() {
   return lastId_;
 }
 
-bool InstanceRegistry::Release(int id) { return instances_.erase(id) != 0; }
+bool InstanceRegistry::Release(int id) {
+  return instances_.erase(id) != 0;
+}
 
 Instance* InstanceRegistry::Find(int id) {
   const auto found = instances_.find(id);

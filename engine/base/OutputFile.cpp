@@ -214,6 +214,12 @@ void OutputFile::CopyRange(const InputFile& source, std::uint64_t offset, std::u
   }
 }
 
+std::shared_ptr<const InputFile> OutputFile::ReadBack() {
+  if (InMemory()) return InputFile::FromBytes(buffer_);
+  Flush();
+  return InputFile::Open(temporary_.empty() ? DescriptorPath(descriptor_) : temporary_);
+}
+
 void OutputFile::Commit() {
   if (InMemory()) return;
   Flush();

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace engine {
@@ -41,6 +42,9 @@ class OutputFile {
 
   // Bytes written so far.
   std::uint64_t Size() const { return written_ + buffer_.size(); }
+
+  // What was written so far, for reading it before it is put in place.
+  std::shared_ptr<const InputFile> ReadBack();
 
   // Puts the file in place. Nothing may be written afterwards. Does nothing in memory.
   void Commit();

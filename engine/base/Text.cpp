@@ -12,8 +12,12 @@ constexpr std::uint32_t kReplacement = 0xFFFD;
 constexpr std::uint32_t kFirstRawByte = 0xDC80;  // stands for the byte 0x80
 constexpr std::uint32_t kLastRawByte = 0xDCFF;
 
-bool IsCharacter(std::uint32_t unit) { return unit < 0xD800 || (unit > 0xDFFF && unit <= 0x10FFFF); }
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+bool IsCharacter(std::uint32_t unit) {
+  return unit < 0xD800 || (unit > 0xDFFF && unit <= 0x10FFFF);
+}
+bool IsContinuation(unsigned char byte) {
+  return (byte & 0xC0) == 0x80;
+}
 
 // Calls `put` with each byte of the character's UTF-8 form.
 template <typename Put>
@@ -62,7 +66,8 @@ std::wstring Decode(std::string_view bytes, Malformed malformed) {
   text.reserve(bytes.size());
   while (!bytes.empty()) {
     const Decoded next = DecodeUtf8(bytes);
-    text.push_back(static_cast<wchar_t>(next.length > 0 ? next.character : malformed(static_cast<unsigned char>(bytes[0]))));
+    text.push_back(
+        static_cast<wchar_t>(next.length > 0 ? next.character : malformed(static_cast<unsigned char>(bytes[0]))));
     bytes.remove_prefix(std::max<std::size_t>(next.length, 1));
   }
   return text;
@@ -81,7 +86,8 @@ std::wstring WideFromUtf16BigEndian(std::string_view bytes) {
   std::wstring text;
   text.reserve(bytes.size() / 2);
   const auto unitAt = [&](std::size_t i) -> std::uint32_t {
-    return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i]) << 8 | static_cast<unsigned char>(bytes[i + 1]));
+    return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i]) << 8 |
+                                      static_cast<unsigned char>(bytes[i + 1]));
   };
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     std::uint32_t unit = unitAt(i);
@@ -97,7 +103,9 @@ std::wstring WideFromUtf16BigEndian(std::string_view bytes) {
   return text;
 }
 
-bool StartsWith(std::string_view bytes, std::string_view start) { return bytes.substr(0, start.size()) == start; }
+bool StartsWith(std::string_view bytes, std::string_view start) {
+  return bytes.substr(0, start.size()) == start;
+}
 
 }  // namespace
 

@@ -20,8 +20,9 @@ class Backend {
   // A document of one empty page, 612 by 792 points.
   virtual std::unique_ptr<BackendDocument> New() = 0;
 
-  // The family names of the installed fonts (UTF-8), sorted, each once; of those that cover the character, if it is not 0.
-  virtual std::vector<std::string> FontFamilies(char32_t character) = 0;
+  // The family names of the installed fonts (UTF-8), sorted, each once; only of those that cover the language (BCP 47),
+  // if it is not empty.
+  virtual std::vector<std::string> FontFamilies(const std::string& language) = 0;
 };
 
 }  // namespace engine

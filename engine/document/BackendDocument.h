@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ class OutputFile;
 class BackendDocument {
  public:
   struct PageGeometry {
-    double width = 0;   // of the media box (ISO 32000-1, 14.11.2), in points
+    double width = 0;  // of the media box (ISO 32000-1, 14.11.2), in points
     double height = 0;
     int rotation = 0;  // clockwise: 0, 90, 180 or 270
   };
@@ -53,11 +54,12 @@ class BackendDocument {
   // Whether the document had to be repaired, at loading or when a part of it was read later.
   virtual bool Repaired() = 0;
 
-  // The objects that hold the changes, for an incremental update; strings are encrypted where the file is. `tail` gets a
-  // higher size and a new /Info when an object has to be added.
+  // The objects that hold the changes, for an incremental update; strings are encrypted where the file is. `tail` gets
+  // a higher size and a new /Info when an object has to be added. None when they cannot be written as an update.
   virtual std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) = 0;
   // Whether `updated`, this document with an incremental update, holds the changes and every other object where it was.
-  virtual bool Verify(const InputFile& updated, const Changes& changes, const std::vector<ChangedObject>& objects) = 0;
+  virtual bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
+                      const std::vector<ChangedObject>& objects) = 0;
   // Writes the whole document anew, with its encryption and page count.
   virtual void Rewrite(const Changes& changes, OutputFile& output) = 0;
 };

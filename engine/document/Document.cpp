@@ -77,7 +77,9 @@ const std::string& Document::StoredBaseUrl() {
   return *fullBaseUrl_;
 }
 
-std::string Document::BaseUrl() { return changes_.baseUrl ? *changes_.baseUrl : StoredBaseUrl(); }
+std::string Document::BaseUrl() {
+  return changes_.baseUrl ? *changes_.baseUrl : StoredBaseUrl();
+}
 
 void Document::SetBaseUrl(const std::string& url) {
   if (url == StoredBaseUrl()) {
@@ -110,12 +112,19 @@ BackendDocument::PageGeometry Document::PageGeometry() {
   return Full().Page(selectedPage_);
 }
 
-bool Document::Repaired() { return !quick_ && source_ != nullptr && Full().Repaired(); }
+bool Document::Repaired() {
+  return !quick_ && source_ != nullptr && Full().Repaired();
+}
 
 BackendDocument::Signatures Document::Signatures() {
   if (quick_ && !quick_->hasAcroForm && !quick_->hasPerms) return {};
   if (!signatures_) signatures_ = Full().FindSignatures();
   return *signatures_;
+}
+
+int Document::EncryptionStatus() {
+  if (quick_ || !Full().Encrypted()) return 0;  // the quick reader opens no encrypted document
+  return Full().OpenedWith().owner ? 2 : 1;
 }
 
 BackendDocument& Document::Full() {
@@ -161,7 +170,8 @@ std::unique_ptr<OutputFile> Document::Write(const MakeOutput& make) {
     case SavePlan::Way::kIncremental:
       if (Append(*output)) break;
       appendFailed_ = true;
-      // Whoever asked how the save is going to be written was told otherwise; with signatures at stake, let them ask anew.
+      // Whoever asked how the save is going to be written was told otherwise; with signatures at stake, let them ask
+      // anew.
       if (Signatures().count > 0) throw EngineError(kErrorCannotAppend, "the signed document can only be rewritten");
       return Write(make);
     case SavePlan::Way::kRewrite:
@@ -179,8 +189,9 @@ bool Document::Append(OutputFile& output) {
   }
   FileTail tail = *Tail();
   const std::vector<ChangedObject> objects = Full().Update(changes_, tail);
+  if (objects.empty()) return false;
   AppendUpdate(*source_, tail, objects, output);
-  return Full().Verify(*output.ReadBack(), changes_, objects);
+  return Full().Verify(output.ReadBack(), changes_, objects);
 }
 
 }  // namespace engine

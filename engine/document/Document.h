@@ -23,8 +23,8 @@ class Document {
  public:
   // One empty page; no file.
   static std::unique_ptr<Document> New();
-  // `password` opens an encrypted document as user or owner and is ignored for others. Throws EngineError with the codes
-  // of InputFile::Open and Backend::Open.
+  // `password` opens an encrypted document as user or owner and is ignored for others. Throws EngineError with the
+  // codes of InputFile::Open and Backend::Open.
   static std::unique_ptr<Document> FromFile(const std::string& path, const std::string& password);
   static std::unique_ptr<Document> FromBytes(std::string bytes, const std::string& password);
 
@@ -48,6 +48,8 @@ class Document {
   // Whether the document was damaged and is known in its repaired form.
   bool Repaired();
   BackendDocument::Signatures Signatures();
+  // 0: not encrypted; 1: encrypted, opened as user; 2: opened as owner.
+  int EncryptionStatus();
   // The full parser's view, opened on first use.
   BackendDocument& Full();
 

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Document properties: base URL, document information, facts about the document.
+
+#include <iterator>
+#include <string>
+
+#include "engine/api/Call.h"
+#include "engine/api/Exports.h"
+#include "engine/base/EngineError.h"
+#include "engine/base/Text.h"
+
+using engine::Call;
+using engine::Document;
+using engine::EngineError;
+using engine::SavePlan;
+using engine::Trap;
+using engine::Utf8FromWide;
+using engine::WideFromUtf8;
+
+namespace {
+
+// The document information dictionary's own keys (ISO 32000-1, table 317); the function's key is the index.
+constexpr const char* kInformationKeys[] = {nullptr,   "Author",   "Title",        "Subject", "Keywords",
+                                            "Creator", "Producer", "CreationDate", "ModDate"};
+
+// Facts that no function of the library has been made for. Append-only.
+enum FactKey { kHowSaved = 1000, kWhyRewritten = 1001, kSignatureCount = 1002, kCertificationLevel = 1003 };
+
+const char* NameOf(SavePlan::Way way) {
+  switch (way) {
+    case SavePlan::Way::kUnchanged:
+      return "unchanged";
+    case SavePlan::Way::kIncremental:
+      return "incremental";
+    case SavePlan::Way::kRewrite:
+      break;
+  }
+  return "rewrite";
+}
+
+std::string InformationKey(int key) {
+  if (key < 1 || key >= static_cast<int>(std::size(kInformationKeys))) {
+    throw EngineError(kErrorBadArgument, "unknown information key");
+  }
+  return kInformationKeys[key];
+}
+
+std::string Fact(Document& document, int key) {
+  switch (key) {
+    case kHowSaved:
+      return NameOf(document.Plan().way);
+    case kWhyRewritten:
+      return document.Plan().reason;
+    case kSignatureCount:
+      return std::to_string(document.Signatures().count);
+    case kCertificationLevel: {
+      const int level = document.Signatures().certificationLevel;
+      return level > 0 ? std::to_string(level) : std::string();
+    }
+    default:
+      return document.Information(InformationKey(key));
+  }
+}
+
+std::string CustomKey(std::wstring_view key) {
+  std::string name = Utf8FromWide(key);
+  if (name.empty() || name.find('\0') != std::string::npos) {
+    throw EngineError(kErrorBadArgument, "an information key is a text without NUL");
+  }
+  return name;
+}
+
+}  // namespace
+
+int HPLSetBaseURL(int instance, void* url) {
+  return Trap<int>(instance, {url}, [&](Call& call) {
+    call.Selected().SetBaseUrl(engine::UrlFromWide(call.Text(url)));
+    return 1;
+  });
+}
+
+wchar_t* HPLGetBaseURL(int instance) {
+  return Trap<wchar_t*>(instance, [](Call& call) { return engine::WideFromUrl(call.Selected().BaseUrl()); });
+}
+
+wchar_t* HPLGetInformation(int instance, int key) {
+  return Trap<wchar_t*>(instance, [&](Call& call) { return WideFromUtf8(Fact(call.Selected(), key)); });
+}
+
+int HPLSetInformation(int instance, int key, void* value) {
+  return Trap<int>(instance, {value}, [&](Call& call) {
+    call.Selected().SetInformation(InformationKey(key), Utf8FromWide(call.Text(value)));
+    return 1;
+  });
+}
+
+wchar_t* HPLGetCustomInformation(int instance, void* key) {
+  return Trap<wchar_t*>(instance, {key}, [&](Call& call) {
+    return WideFromUtf8(call.Selected().Information(CustomKey(call.Text(key))));
+  });
+}
+
+int HPLSetCustomInformation(int instance, void* key, void* value) {
+  return Trap<int>(instance, {key, value}, [&](Call& call) {
+    call.Selected().SetInformation(CustomKey(call.Text(key)), Utf8FromWide(call.Text(value)));
+    return 1;
+  });
+}

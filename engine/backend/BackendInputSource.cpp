@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/BackendInputSource.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace engine {
+
+namespace {
+
+constexpr std::size_t kBlock = 16 * 1024;
+
+bool IsEndOfLine(char character) {
+  return character == '\r' || character == '\n';
+}
+
+}  // namespace
+
+BackendInputSource::BackendInputSource(std::shared_ptr<const InputFile> file)
+    : file_(std::move(file)), name_(file_->Path()) {}
+
+bool BackendInputSource::Load() {
+  if (position_ >= blockStart_ && position_ < blockStart_ + static_cast<qpdf_offset_t>(block_.size())) return true;
+  block_.resize(kBlock);
+  blockStart_ = position_;
+  block_.resize(file_->ReadAt(static_cast<std::uint64_t>(position_), block_.data(), kBlock));
+  return !block_.empty();
+}
+
+qpdf_offset_t BackendInputSource::findAndSkipNextEOL() {
+  qpdf_offset_t found = -1;
+  while (Load()) {
+    const char* const end = Here() + Left();
+    const char* const stop =
+        found < 0 ? std::find_if(Here(), end, IsEndOfLine) : std::find_if_not(Here(), end, IsEndOfLine);
+    position_ += stop - Here();
+    if (stop == end) continue;
+    if (found >= 0) break;
+    found = position_;
+  }
+  return found < 0 ? position_ : found;
+}
+
+void BackendInputSource::seek(qpdf_offset_t offset, int whence) {
+  const qpdf_offset_t base = whence == SEEK_SET   ? 0
+                             : whence == SEEK_CUR ? position_
+                                                  : static_cast<qpdf_offset_t>(file_->Size());
+  if (offset < -base) throw std::runtime_error(name_ + ": seek before the start");
+  position_ = base + offset;
+}
+
+std::size_t BackendInputSource::read(char* target, std::size_t length) {
+  last_offset = position_;
+  std::size_t done = 0;
+  while (done < length) {
+    if (length - done >= kBlock) {
+      const std::size_t got = file_->ReadAt(static_cast<std::uint64_t>(position_), target + done, length - done);
+      position_ += static_cast<qpdf_offset_t>(got);
+      done += got;
+      break;
+    }
+    if (!Load()) break;
+    const std::size_t count = std::min(length - done, Left());
+    std::memcpy(target + done, Here(), count);
+    position_ += static_cast<qpdf_offset_t>(count);
+    done += count;
+  }
+  return done;
+}
+
+}  // namespace engine

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <qpdf/InputSource.hh>
+#include <string>
+
+#include "engine/base/InputFile.h"
+
+namespace engine {
+
+// An InputFile as the parser reads it: in blocks, since it asks for a few bytes at a time.
+class BackendInputSource : public InputSource {
+ public:
+  explicit BackendInputSource(std::shared_ptr<const InputFile> file);
+
+  qpdf_offset_t findAndSkipNextEOL() override;
+  std::string const& getName() const override { return name_; }
+  qpdf_offset_t tell() override { return position_; }
+  void seek(qpdf_offset_t offset, int whence) override;
+  void rewind() override { position_ = 0; }
+  std::size_t read(char* target, std::size_t length) override;
+  void unreadCh(char) override { --position_; }
+
+ private:
+  // Whether the block holds the byte at the position, after reading the block there if it does not yet.
+  bool Load();
+  const char* Here() const { return block_.data() + (position_ - blockStart_); }
+  std::size_t Left() const { return block_.size() - static_cast<std::size_t>(position_ - blockStart_); }
+
+  std::shared_ptr<const InputFile> file_;
+  std::string name_;
+  qpdf_offset_t position_ = 0;
+  std::string block_;
+  qpdf_offset_t blockStart_ = 0;
+};
+
+}  // namespace engine

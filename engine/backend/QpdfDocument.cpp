@@ -1,0 +1,340 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/QpdfDocument.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+#include <qpdf/QPDFXRefEntry.hh>
+#include <qpdf/QUtil.hh>
+#include <utility>
+
+#include "engine/backend/BackendInputSource.h"
+#include "engine/backend/ObjectWriter.h"
+#include "engine/backend/SignatureSearch.h"
+#include "engine/backend/StringCipher.h"
+#include "engine/base/EngineError.h"
+#include "engine/base/InputFile.h"
+#include "engine/base/OutputFile.h"
+
+namespace engine {
+
+namespace {
+
+// The parser's exceptions as the engine's.
+template <typename Body>
+auto Translated(Body&& body) {
+  try {
+    return body();
+  } catch (const EngineError&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const QPDFExc& error) {
+    throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
+                      error.what());
+  } catch (const std::exception& error) {
+    throw EngineError(kErrorDamaged, error.what());
+  }
+}
+
+// ISO 32000-1, annex H.3, note 13: the header stands within the first 1024 bytes.
+bool HasHeader(const InputFile& file) {
+  return file.ReadAt(0, 1024).find("%PDF-") != std::string::npos;
+}
+
+bool TellsOfRepair(const QPDFExc& warning) {
+  return warning.getMessageDetail().find("reconstruct cross-reference table") != std::string::npos;
+}
+
+// Null when the password does not fit.
+std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password) {
+  const std::shared_ptr<QPDF> document = QPDF::create();
+  document->setSuppressWarnings(true);
+  try {
+    document->processInputSource(std::make_shared<BackendInputSource>(file), password.c_str());
+  } catch (const QPDFExc& error) {
+    if (error.getErrorCode() == qpdf_e_password) return nullptr;
+    throw;
+  }
+  return document;
+}
+
+// Old security handlers take passwords in PDFDocEncoding or what a producer thought it was, new ones in UTF-8.
+std::vector<std::string> Encodings(const std::string& password) {
+  std::vector<std::string> encodings = {password};
+  for (std::string& other : QUtil::possible_repaired_encodings(password)) {
+    if (std::find(encodings.begin(), encodings.end(), other) == encodings.end()) encodings.push_back(std::move(other));
+  }
+  return encodings;
+}
+
+std::string BaseUrlOf(QPDFObjectHandle catalog) {
+  QPDFObjectHandle uri = catalog.getKey("/URI");
+  if (!uri.isDictionary()) return {};
+  QPDFObjectHandle base = uri.getKey("/Base");
+  return base.isString() ? base.getStringValue() : std::string();
+}
+
+// A copy of the entry's dictionary, or a new one in place of a missing or broken one.
+QPDFObjectHandle DictionaryCopy(QPDFObjectHandle object) {
+  return object.isDictionary() ? object.shallowCopy() : QPDFObjectHandle::newDictionary();
+}
+
+void SetBaseUrl(QPDFObjectHandle catalog, const std::string& url) {
+  QPDFObjectHandle uri = DictionaryCopy(catalog.getKey("/URI"));
+  if (url.empty()) {
+    uri.removeKey("/Base");
+  } else {
+    uri.replaceKey("/Base", QPDFObjectHandle::newString(url));
+  }
+  if (uri.getKeys().empty()) {
+    catalog.removeKey("/URI");
+  } else {
+    catalog.replaceKey("/URI", uri);
+  }
+}
+
+std::string InformationOf(QPDFObjectHandle information, const std::string& key) {
+  if (!information.isDictionary()) return {};
+  QPDFObjectHandle value = information.getKey("/" + key);
+  return value.isString() ? value.getUTF8Value() : std::string();
+}
+
+void SetInformation(QPDFObjectHandle information, const Changes& changes) {
+  for (const auto& [key, value] : changes.information) {
+    if (value.empty()) {
+      information.removeKey("/" + key);
+    } else {
+      information.replaceKey("/" + key, QPDFObjectHandle::newUnicodeString(value));
+    }
+  }
+}
+
+// Gives a dictionary entry another value for a while.
+class ScopedEntry {
+ public:
+  ScopedEntry(QPDFObjectHandle dictionary, std::string key)
+      : dictionary_(std::move(dictionary)), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
+  ~ScopedEntry() { dictionary_.replaceKey(key_, old_); }
+  ScopedEntry(const ScopedEntry&) = delete;
+  ScopedEntry& operator=(const ScopedEntry&) = delete;
+
+ private:
+  QPDFObjectHandle dictionary_;
+  std::string key_;
+  QPDFObjectHandle old_;
+};
+
+// The parser takes an exception out of a pipeline for a broken stream and goes on; this one keeps it.
+class OutputPipeline : public Pipeline {
+ public:
+  explicit OutputPipeline(OutputFile& output) : Pipeline("output", nullptr), output_(output) {}
+
+  void write(unsigned char const* data, std::size_t length) override {
+    if (failure_) return;
+    try {
+      output_.Write(data, length);
+    } catch (...) {
+      failure_ = std::current_exception();
+    }
+  }
+  void finish() override {}
+  void ThrowFailure() const {
+    if (failure_) std::rethrow_exception(failure_);
+  }
+
+ private:
+  OutputFile& output_;
+  std::exception_ptr failure_;
+};
+
+bool SamePlace(const QPDFXRefEntry& one, const QPDFXRefEntry& other) {
+  constexpr int kInFile = 1;
+  if (one.getType() != other.getType()) return false;
+  return one.getType() == kInFile ? one.getOffset() == other.getOffset()
+                                  : one.getObjStreamNumber() == other.getObjStreamNumber() &&
+                                        one.getObjStreamIndex() == other.getObjStreamIndex();
+}
+
+ObjectId IdOf(QPDFObjectHandle object) {
+  return {static_cast<std::uint32_t>(object.getObjectID()), static_cast<std::uint32_t>(object.getGeneration())};
+}
+
+void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& value) {
+  for (FileTail::Entry& entry : tail.entries) {
+    if (entry.key == key) {
+      entry.value = value;
+      return;
+    }
+  }
+  tail.entries.push_back({key, value});
+}
+
+}  // namespace
+
+std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile> file, const std::string& password) {
+  std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  try {
+    for (std::string& encoded : Encodings(password)) {
+      document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });
+      document->password_ = std::move(encoded);
+      if (document->qpdf_ != nullptr) break;
+    }
+    if (document->qpdf_ != nullptr) Translated([&] { return document->qpdf_->getRoot(); });
+  } catch (const EngineError& error) {
+    if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
+    throw;
+  }
+  if (document->qpdf_ == nullptr) {
+    throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
+  }
+  document->file_ = std::move(file);
+  return document;
+}
+
+std::unique_ptr<QpdfDocument> QpdfDocument::New() {
+  std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  document->qpdf_ = QPDF::create();
+  document->qpdf_->emptyPDF();
+  const QPDFObjectHandle page = QPDFObjectHandle::parse("<< /Type /Page /MediaBox [0 0 612 792] /Resources << >> >>");
+  document->qpdf_->addPage(document->qpdf_->makeIndirectObject(page), false);
+  return document;
+}
+
+std::string QpdfDocument::BaseUrl() {
+  return Translated([&] { return BaseUrlOf(qpdf_->getRoot()); });
+}
+
+std::string QpdfDocument::Information(const std::string& key) {
+  return Translated([&] { return InformationOf(qpdf_->getTrailer().getKey("/Info"), key); });
+}
+
+int QpdfDocument::PageCount() {
+  return Translated([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
+}
+
+BackendDocument::PageGeometry QpdfDocument::Page(int page) {
+  return Translated([&] {
+    QPDFPageObjectHelper helper(qpdf_->getAllPages().at(static_cast<std::size_t>(page) - 1));
+    PageGeometry geometry{612, 792, 0};  // what readers take a broken page for
+    QPDFObjectHandle box = helper.getAttribute("/MediaBox", false);
+    if (box.isRectangle()) {
+      const QPDFObjectHandle::Rectangle rectangle = box.getArrayAsRectangle();
+      geometry.width = rectangle.urx - rectangle.llx;
+      geometry.height = rectangle.ury - rectangle.lly;
+    }
+    QPDFObjectHandle rotate = helper.getAttribute("/Rotate", false);
+    if (rotate.isInteger()) geometry.rotation = static_cast<int>((rotate.getIntValue() % 360 + 360) % 360) / 90 * 90;
+    return geometry;
+  });
+}
+
+BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
+  if (file_ == nullptr || !Encrypted()) return {};
+  return Translated([&]() -> PasswordMatch {
+    for (const std::string& encoded : Encodings(password)) {
+      const std::shared_ptr<QPDF> opened = TryOpen(file_, encoded);
+      if (opened != nullptr) return {opened->userPasswordMatched(), opened->ownerPasswordMatched()};
+    }
+    return {};
+  });
+}
+
+bool QpdfDocument::Linearized() {
+  return file_ != nullptr && Translated([&] { return qpdf_->isLinearized(); });
+}
+
+BackendDocument::Signatures QpdfDocument::FindSignatures() {
+  return Translated([&] { return SearchSignatures(*qpdf_); });
+}
+
+bool QpdfDocument::Repaired() {
+  for (const QPDFExc& warning : qpdf_->getWarnings()) repaired_ = repaired_ || TellsOfRepair(warning);
+  return repaired_;
+}
+
+std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail& tail) {
+  return Translated([&]() -> std::vector<ChangedObject> {
+    std::vector<ChangedObject> objects;
+    bool encryptable = true;
+    const auto add = [&](ObjectId id, QPDFObjectHandle object) {
+      const std::optional<StringCipher> cipher = StringCipher::For(*qpdf_, id);
+      encryptable = encryptable && cipher;
+      if (cipher) objects.push_back({id, ObjectWriter(*cipher).Write(std::move(object))});
+    };
+    QPDFObjectHandle catalog = qpdf_->getRoot();
+    if (IdOf(catalog) != tail.root) return {};
+    if (const auto table = qpdf_->getXRefTable(); !table.empty()) {
+      tail.size = std::max(tail.size, static_cast<std::uint32_t>(table.rbegin()->first.getObj()) + 1);
+    }
+    if (changes.baseUrl) {
+      QPDFObjectHandle changed = catalog.shallowCopy();
+      SetBaseUrl(changed, *changes.baseUrl);
+      add(tail.root, changed);
+    }
+    if (!changes.information.empty()) {
+      QPDFObjectHandle old = qpdf_->getTrailer().getKey("/Info");
+      QPDFObjectHandle changed = DictionaryCopy(old);
+      SetInformation(changed, changes);
+      ObjectId id = IdOf(old);
+      if (!old.isIndirect() || !old.isDictionary()) {
+        id = {tail.size++, 0};
+        SetTrailerEntry(tail, "/Info", std::to_string(id.number) + " 0 R");
+      }
+      add(id, changed);
+    }
+    return encryptable ? objects : std::vector<ChangedObject>();
+  });
+}
+
+bool QpdfDocument::Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
+                          const std::vector<ChangedObject>& objects) {
+  try {
+    const std::unique_ptr<QpdfDocument> other = Open(std::move(updated), password_);
+    if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return false;
+    for (const auto& [key, value] : changes.information) {
+      if (other->Information(key) != value) return false;
+    }
+    const auto before = qpdf_->getXRefTable();
+    const auto after = other->qpdf_->getXRefTable();
+    const auto kept = [&](const auto& entry) {
+      const QPDFObjGen id = entry.first;
+      if (std::any_of(objects.begin(), objects.end(),
+                      [&](const ChangedObject& object) { return static_cast<int>(object.id.number) == id.getObj(); })) {
+        return true;
+      }
+      const auto found = after.find(id);
+      return found != after.end() && SamePlace(entry.second, found->second);
+    };
+    return std::all_of(before.begin(), before.end(), kept) && !other->Repaired();
+  } catch (const EngineError&) {
+    return false;
+  }
+}
+
+void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
+  Translated([&] {
+    QPDFObjectHandle catalog = qpdf_->getRoot();
+    QPDFObjectHandle trailer = qpdf_->getTrailer();
+    const ScopedEntry uri(catalog, "/URI");
+    const ScopedEntry info(trailer, "/Info");
+    if (changes.baseUrl) SetBaseUrl(catalog, *changes.baseUrl);
+    if (!changes.information.empty()) {
+      QPDFObjectHandle changed = DictionaryCopy(trailer.getKey("/Info"));
+      SetInformation(changed, changes);
+      trailer.replaceKey("/Info", qpdf_->makeIndirectObject(changed));
+    }
+    OutputPipeline pipeline(output);
+    QPDFWriter writer(*qpdf_);
+    writer.setOutputPipeline(&pipeline);
+    writer.setStreamDataMode(qpdf_s_preserve);
+    writer.write();
+    pipeline.ThrowFailure();
+    return true;
+  });
+}
+
+}  // namespace engine

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <qpdf/QPDF.hh>
+#include <string>
+#include <vector>
+
+#include "engine/document/BackendDocument.h"
+
+namespace engine {
+
+class QpdfDocument : public BackendDocument {
+ public:
+  // See Backend.
+  static std::unique_ptr<QpdfDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password);
+  static std::unique_ptr<QpdfDocument> New();
+
+  std::string BaseUrl() override;
+  std::string Information(const std::string& key) override;
+  int PageCount() override;
+  PageGeometry Page(int page) override;
+  bool Encrypted() override { return qpdf_->isEncrypted(); }
+  PasswordMatch OpenedWith() override { return {qpdf_->userPasswordMatched(), qpdf_->ownerPasswordMatched()}; }
+  PasswordMatch Check(const std::string& password) override;
+  bool Linearized() override;
+  Signatures FindSignatures() override;
+  bool Repaired() override;
+  std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) override;
+  bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
+              const std::vector<ChangedObject>& objects) override;
+  void Rewrite(const Changes& changes, OutputFile& output) override;
+
+ private:
+  QpdfDocument() = default;
+
+  std::shared_ptr<const InputFile> file_;  // null for a new document
+  std::string password_;                   // the encoding of it that opened the document
+  std::shared_ptr<QPDF> qpdf_;
+  bool repaired_ = false;
+};
+
+}  // namespace engine

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <qpdf/QPDF.hh>
+#include <string>
+
+#include "engine/quick/ObjectId.h"
+
+namespace engine {
+
+// Encrypts the strings of one object of a document with the document's own key (ISO 32000-1, 7.6.2; ISO
+// 32000-2, 7.6.3).
+class StringCipher {
+ public:
+  // No value when the document encrypts its strings in a way that is not known. Of a document that leaves its strings
+  // in the clear, or all of itself, the cipher changes nothing.
+  static std::optional<StringCipher> For(QPDF& document, ObjectId object);
+
+  bool Encrypts() const { return method_ != Method::kNone; }
+  std::string Encrypt(const std::string& bytes) const;
+
+ private:
+  enum class Method { kNone, kRc4, kAes };
+
+  StringCipher(Method method, std::string key) : method_(method), key_(std::move(key)) {}
+
+  Method method_;
+  std::string key_;
+};
+
+}  // namespace engine
