@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "dialogs/CVorlaneDialog.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <QFrame>
+#include <QLabel>
+#include <QLayout>
+#include <QScreen>
+#include <QTest>
+#include <QToolButton>
+
+#include "tests/dialogs/MeetDialog.h"
+#include "utils/CUtils.h"
+
+namespace {
+
+// A dialog around a 400 x 300 form, as a subclass makes it.
+class FormDialog : public CVorlaneDialog {
+  Q_OBJECT
+ public:
+  FormDialog(QWidget* parent, bool fixedSize) : CVorlaneDialog(parent, false) {
+    auto* form = new QWidget(this);
+    form->setObjectName("main_widget");
+    form->resize(400, 300);
+    VDtitleLabel->setText("Title");
+    VDaddMainWidget(form, fixedSize);
+  }
+  QStringList calls;
+
+ public Q_SLOTS:
+  void on_VDShowSaveDialog() { calls << "list"; }
+  void on_VDShowSaveCollectionDialog() { calls << "favorites"; }
+};
+
+// The frame's outermost pixel, and one of the white area.
+std::pair<QColor, QColor> drawnColours(CVorlaneDialog& dialog) {
+  dialog.show();
+  const QImage image = dialog.grab().toImage();
+  return {image.pixelColor(image.width() / 2, 0), image.pixelColor(image.width() / 2, image.height() / 2)};
+}
+
+TEST(CVorlaneDialog, TakesThemeAndPrefixFromTheNearestKnownAncestor) {
+  const QColor blue(50, 50, 170);
+  const QColor grey(140, 130, 130);
+  struct Case {
+    const char* outer;
+    const char* inner;
+    QColor border;
+    bool prefix;
+  };
+  for (const Case& c :
+       {Case{"VorlaneClass", "", blue, false}, Case{"", "VorlaneClass", blue, false},
+        Case{"VorlanePreviewClass", "", grey, false}, Case{"VorlaneClass", "VorlanePreviewClass", grey, false},
+        Case{"VorlanePreviewClass", "VorlaneClass", blue, false}, Case{"", "", grey, true},
+        Case{"vorlaneclass", "VorlaneClassX", grey, true}}) {
+    QWidget outer;
+    outer.setObjectName(c.outer);
+    auto* inner = new QWidget(&outer);
+    inner->setObjectName(c.inner);
+    FormDialog dialog(inner, false);
+    const auto& prefix = Child<QLabel>(dialog, "VDPrefixLabel");
+    EXPECT_EQ(drawnColours(dialog), std::make_pair(c.border, QColor(Qt::white))) << c.outer << "/" << c.inner;
+    EXPECT_EQ(prefix.isVisible(), c.prefix) << c.outer << "/" << c.inner;
+    if (c.prefix) {
+      EXPECT_EQ(prefix.text(), "Nolva Reader Advanced Tools -");
+    }
+  }
+}
+
+TEST(CVorlaneDialog, TheGreyThemeIsTheBlueOneWithThreeColoursExchanged) {
+  QWidget host;
+  host.setObjectName("VorlaneClass");
+  const FormDialog blue(&host, false);
+  const FormDialog grey(nullptr, false);
+  QString expected = Child<QFrame>(blue, "VDmainFrame").styleSheet();
+  for (const auto& [from, to] : {std::make_pair("1px solid rgb(50,50,170)", "1px solid rgb(140,130,130)"),
+                                 std::make_pair("stop:0 rgba(70,90,160)", "stop:0 rgba(140,130,130)"),
+                                 std::make_pair("stop:1 rgba(40,60,90)", "stop:1 rgba(40,36,36)")}) {
+    EXPECT_EQ(expected.count(from), 1) << from;
+    expected.replace(from, to);
+  }
+  EXPECT_EQ(Child<QFrame>(grey, "VDmainFrame").styleSheet(), expected);
+}
+
+TEST(CVorlaneDialog, SizesItselfAroundTheForm) {
+  const bool translucent = CUtils::CheckOpenGLSupport();
+  const QSize full = translucent ? QSize(416, 351) : QSize(400, 335);
+
+  FormDialog resizable(nullptr, false);
+  EXPECT_EQ(resizable.testAttribute(Qt::WA_TranslucentBackground), translucent);
+  EXPECT_EQ(resizable.size(), full);
+  EXPECT_EQ(resizable.minimumSize(), full);
+  EXPECT_EQ(resizable.maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+
+  FormDialog fixed(nullptr, true);
+  EXPECT_EQ(fixed.minimumSize(), QSize(400, full.height()));
+  EXPECT_EQ(fixed.maximumSize(), QSize(400, full.height()));
+  EXPECT_EQ(fixed.size(), QSize(400, full.height()));
+  // Centred while it still had the frame's extra width.
+  EXPECT_EQ(fixed.pos(), resizable.pos());
+}
+
+TEST(CVorlaneDialog, CentresOnThePreviewWindowOrTheScreen) {
+  const auto centre = [](const QRect& r) { return QPoint((r.left() + r.right()) / 2, (r.top() + r.bottom()) / 2); };
+  const auto half = [](const QWidget& w) { return QPoint((w.width() - 1) / 2, (w.height() - 1) / 2); };
+  QWidget window;
+  window.setGeometry(51, 70, 501, 444);
+  const FormDialog other(&window, false);
+  EXPECT_EQ(other.pos(), centre(QApplication::primaryScreen()->availableGeometry()) - half(other));
+  window.setObjectName("VorlanePreviewClass");
+  const FormDialog preview(&window, false);
+  EXPECT_EQ(preview.pos(), centre(window.geometry()) - half(preview));
+}
+
+TEST(CVorlaneDialog, HasItsHeaderAndKeepsTheShadowHidden) {
+  FormDialog dialog(nullptr, false);
+  dialog.VDhideAddToActionListButton();  // too early: nothing to hide
+  dialog.VDaddTopButtons();
+  dialog.VDaddCloseButton();
+  dialog.VDaddMainWidget(nullptr, true);
+  dialog.show();
+  for (const char* place : {"TopLeft", "Top", "TopRight", "Left", "Right", "BtmLeft", "Btm", "BtmRight"}) {
+    auto& shadow = Child<QFrame>(dialog, (std::string("VDshadow") + place).c_str());
+    EXPECT_TRUE(shadow.isHidden()) << place;
+    EXPECT_TRUE(shadow.width() == 8 || shadow.height() == 8) << place;
+  }
+  EXPECT_EQ(Child<QWidget>(dialog, "VDheaderWidget").height(), 30);
+
+  int right = Child<QLabel>(dialog, "VDtitleLabel").geometry().right();
+  for (const char* name :
+       {"VDtoolbarAddToActionListButton", "VDtoolbarAddToCollectionsButton", "vorlaneHeaderCloseBtn"}) {
+    const auto& button = Child<QToolButton>(dialog, name);
+    EXPECT_EQ(button.size(), QSize(24, 24)) << name;
+    EXPECT_FALSE(button.icon().pixmap(button.iconSize()).isNull()) << name;
+    EXPECT_FALSE(button.accessibleName().isEmpty()) << name;
+    EXPECT_EQ(button.focusPolicy(), Qt::NoFocus) << name;
+    EXPECT_EQ(button.x(), right + 7) << name;
+    right = button.geometry().right();
+  }
+  dialog.VDhideAddToActionListButton();
+  EXPECT_FALSE(Child<QWidget>(dialog, "VDtoolbarAddToActionListButton").isVisible());
+}
+
+TEST(CVorlaneDialog, HeaderButtonsReachTheSubclassOnceAndTheCloseButtonRejects) {
+  FormDialog dialog(nullptr, false);
+  dialog.VDaddTopButtons();
+  dialog.VDaddCloseButton();
+  MeetDialog(QString(), [&dialog](QDialog& shown) {
+    auto& list = Child<QToolButton>(shown, "VDtoolbarAddToActionListButton");
+    QTest::mouseClick(&list, Qt::LeftButton);
+    QTest::mouseDClick(&list, Qt::LeftButton);  // the second half of a double click
+    QTest::mouseRelease(&list, Qt::LeftButton);
+    EXPECT_EQ(dialog.calls, QStringList("list"));
+    Child<QToolButton>(shown, "VDtoolbarAddToCollectionsButton").click();
+    EXPECT_EQ(dialog.calls.last(), "favorites");
+    Child<QToolButton>(shown, "vorlaneHeaderCloseBtn").click();
+  });
+  EXPECT_EQ(dialog.exec(), QDialog::Rejected);
+}
+
+TEST(CVorlaneDialog, DragsByTheHeaderAndResizesOnlyWithoutAFixedSize) {
+  for (const bool fixedSize : {false, true}) {
+    FormDialog dialog(nullptr, fixedSize);
+    dialog.show();
+    const auto drag = [&dialog](QPoint from, QPoint by) {
+      QTest::mousePress(&dialog, Qt::LeftButton, {}, from);
+      QMouseEvent move(QEvent::MouseMove, from + by, dialog.mapToGlobal(from + by), Qt::NoButton, Qt::LeftButton, {});
+      QApplication::sendEvent(&dialog, &move);
+      QTest::mouseRelease(&dialog, Qt::LeftButton, {}, from);
+    };
+    const QRect before = dialog.geometry();
+    drag({60, 20}, {25, 15});
+    EXPECT_EQ(dialog.geometry(), before.translated(25, 15));
+    drag({dialog.width() - 2, 100}, {41, 0});
+    EXPECT_EQ(dialog.width(), before.width() + (fixedSize ? 0 : 40));
+  }
+}
+
+TEST(CVorlaneDialog, EveryTextIsTranslated) {
+  const PseudoLocale pseudo;
+  FormDialog dialog(nullptr, false);
+  dialog.VDaddTopButtons();
+  dialog.VDaddCloseButton();
+  EXPECT_EQ(UntranslatedTexts(dialog), QStringList("Title"));
+}
+
+}  // namespace
+
+#include "CVorlaneDialogTest.moc"

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <QApplication>
+#include <QDialog>
+#include <QTranslator>
+
+// Calls `meet` once, from the event loop, when a modal dialog of that object name is up; the call decides how it ends.
+// A dialog that does not come within ten seconds fails the test and every modal dialog is closed, so that none hangs.
+void MeetDialog(const QString& objectName, const std::function<void(QDialog&)>& meet);
+
+// The child of that type and name; fails the test and throws when there is none.
+template <typename T>
+T& Child(const QWidget& parent, const char* objectName) {
+  T* child = parent.findChild<T*>(QLatin1String(objectName));
+  if (!child) throw std::runtime_error(std::string("no child ") + objectName);
+  return *child;
+}
+
+// While one lives, every translated text stands in brackets.
+class PseudoLocale : public QTranslator {
+ public:
+  PseudoLocale() { QCoreApplication::installTranslator(this); }
+  ~PseudoLocale() override { QCoreApplication::removeTranslator(this); }
+  bool isEmpty() const override { return false; }
+  QString translate(const char* context, const char* text, const char*, int) const override {
+    return QStringLiteral("[%1|%2]").arg(QString::fromUtf8(context), QString::fromUtf8(text));
+  }
+};
+
+// The texts that a person or a screen reader meets in the widget and its children and that did not pass through the
+// pseudo-locale.
+QStringList UntranslatedTexts(const QWidget& root);

@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+#include <fstream>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMetaMethod>
+#include <QPluginLoader>
+#include <QPushButton>
+#include <QSettings>
+#include <QTest>
+#include <QToolButton>
+
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "plugin/CActionInterface.h"
+#include "plugin/DialogLoadStruct.h"
+#include "tests/dialogs/MeetDialog.h"
+#include "tests/support/Sandbox.h"
+#include "utils/CUtils.h"
+
+namespace {
+
+using Map = QMap<QString, QVariant>;
+
+constexpr char kDialog[] = "SetBaseURLPrefsDialog";
+
+class ShowDialog : public testing::Test {
+ protected:
+  void SetUp() override {
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    CUtils::SetupFolders();
+    loader_.setFileName(QStringLiteral(SETBASEURL_FILE));
+    ASSERT_TRUE(loader_.load()) << loader_.errorString().toStdString();
+    action_ = qobject_cast<CActionInterface*>(loader_.instance());
+    ASSERT_NE(action_, nullptr);
+    info_.settings = &settings_;
+  }
+
+  int show(const std::function<void(QDialog&)>& meet) {
+    MeetDialog(kDialog, meet);
+    return action_->ShowDialogProc(&window_, &info_);
+  }
+  static void press(QDialog& dialog, const char* button) { Child<QAbstractButton>(dialog, button).click(); }
+  static QLineEdit& field(QDialog& dialog) { return Child<QLineEdit>(dialog, "lineEdit"); }
+  static QVariant rememberedGeometry() {
+    const QSettings file(CUtils::GetSettingsFolder() + "/VorlaneViewerSettings.vsf", QSettings::IniFormat);
+    return file.value("SetBaseURLPrefsDialoggeometry");
+  }
+
+  QPluginLoader loader_;
+  CActionInterface* action_ = nullptr;
+  Map settings_;
+  DialogLoadStruct info_{};
+  QWidget window_;
+};
+
+TEST_F(ShowDialog, OnlyAcceptingWritesTheMap) {
+  struct Case {
+    const char* what;
+    std::function<void(QDialog&)> end;
+    int result;
+  };
+  const Case cases[] = {
+      {"OK", [](QDialog& d) { press(d, "okButton"); }, 1},
+      {"Return in the field", [](QDialog& d) { QTest::keyClick(&field(d), Qt::Key_Return); }, 1},
+      {"Enter in the field", [](QDialog& d) { QTest::keyClick(&field(d), Qt::Key_Enter); }, 1},
+      {"Cancel", [](QDialog& d) { press(d, "cancelButton"); }, 0},
+      {"close button", [](QDialog& d) { press(d, "vorlaneHeaderCloseBtn"); }, 0},
+      {"Escape", [](QDialog& d) { QTest::keyClick(&field(d), Qt::Key_Escape); }, 0},
+      {"window system's close", [](QDialog& d) { d.close(); }, 0},
+  };
+  for (const Case& c : cases) {
+    settings_ = {{"baseUrlString", "before"}, {"other", 7}};
+    EXPECT_EQ(show([&c](QDialog& dialog) {
+                EXPECT_EQ(field(dialog).text(), "before");
+                field(dialog).setText("after");
+                c.end(dialog);
+              }),
+              c.result)
+        << c.what;
+    Map expected{{"baseUrlString", c.result ? "after" : "before"}, {"other", 7}};
+    if (c.result) expected["ActionName"] = "Set Base URL";
+    EXPECT_EQ(settings_, expected) << c.what;
+  }
+}
+
+TEST_F(ShowDialog, AnEmptyMapShowsAnEmptyFieldAndClearEmptiesIt) {
+  EXPECT_EQ(show([](QDialog& dialog) {
+              EXPECT_EQ(field(dialog).text(), "");
+              field(dialog).setText("x");
+              press(dialog, "clearButton");
+              EXPECT_TRUE(dialog.isVisible());
+              press(dialog, "okButton");
+            }),
+            1);
+  EXPECT_EQ(settings_, Map({{"baseUrlString", ""}, {"ActionName", "Set Base URL"}}));
+}
+
+TEST_F(ShowDialog, StartsFromTheDocumentUnlessToldNotTo) {
+  // Not loaded: answers an empty base URL, which replaces the stored one.
+  HalvexPDFLibraryCPDylibCPP1311 document(L"/nonexistent");
+  info_.document = &document;
+  for (const bool skip : {true, false}) {
+    info_.skipDocumentValue = skip;
+    settings_ = {{"baseUrlString", "stored"}};
+    const QString expected = skip ? "stored" : "";
+    EXPECT_EQ(show([&expected](QDialog& dialog) {
+                EXPECT_EQ(field(dialog).text(), expected);
+                dialog.reject();
+              }),
+              0);
+    EXPECT_EQ(settings_, Map({{"baseUrlString", expected}}));
+  }
+}
+
+TEST_F(ShowDialog, HidesTheActionListButtonOnly) {
+  for (const bool hide : {false, true}) {
+    info_.hideAddToActionList = hide;
+    show([hide](QDialog& dialog) {
+      EXPECT_EQ(Child<QToolButton>(dialog, "VDtoolbarAddToActionListButton").isVisible(), !hide);
+      EXPECT_TRUE(Child<QToolButton>(dialog, "VDtoolbarAddToCollectionsButton").isVisible());
+      EXPECT_TRUE(Child<QToolButton>(dialog, "vorlaneHeaderCloseBtn").isVisible());
+      dialog.reject();
+    });
+  }
+}
+
+TEST_F(ShowDialog, LooksLikeAnAction) {
+  show([](QDialog& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Set Base URL");
+    EXPECT_EQ(Child<QLabel>(dialog, "VDtitleLabel").text(), "Set Base URL");
+    EXPECT_STREQ(dialog.metaObject()->className(), "CPrefsDialog");
+    const QMetaObject& meta = *dialog.metaObject();
+    EXPECT_EQ(meta.method(meta.methodOffset()).methodSignature(), "on_VDShowSaveDialog()");
+    EXPECT_EQ(meta.method(meta.methodOffset() + 1).methodSignature(), "on_VDShowSaveCollectionDialog()");
+    EXPECT_EQ(meta.methodCount() - meta.methodOffset(), 2);
+    const auto drawn = [&dialog](QIcon::Mode mode) { return dialog.windowIcon().pixmap(128, 128, mode).toImage(); };
+    EXPECT_FALSE(drawn(QIcon::Normal).isNull());
+    EXPECT_NE(drawn(QIcon::Normal), drawn(QIcon::Selected));
+    EXPECT_EQ(drawn(QIcon::Active), drawn(QIcon::Selected));
+    EXPECT_NE(drawn(QIcon::Normal), drawn(QIcon::Disabled));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    QStringList order;
+    for (int i = 0; i < 5; ++i) {
+      order << QApplication::focusWidget()->objectName();
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(order, QStringList({"lineEdit", "clearButton", "okButton", "cancelButton", "lineEdit"}));
+    dialog.reject();
+  });
+}
+
+TEST_F(ShowDialog, EveryTextIsTranslatedButTheStoredName) {
+  const PseudoLocale pseudo;
+  show([](QDialog& dialog) {
+    EXPECT_EQ(UntranslatedTexts(dialog), QStringList());
+    EXPECT_EQ(dialog.windowTitle(), "[SetBaseURLPrefsDialog|Set Base URL]");
+    press(dialog, "okButton");
+  });
+  EXPECT_EQ(settings_.value("ActionName"), "Set Base URL");
+}
+
+TEST_F(ShowDialog, RemembersItsPlaceUnderAPreviewWindowOnly) {
+  const QPoint place(77, 55);
+  window_.setObjectName("VorlaneClass");
+  show([&place](QDialog& dialog) {
+    dialog.move(place);
+    press(dialog, "okButton");
+  });
+  EXPECT_FALSE(rememberedGeometry().isValid());
+
+  window_.setObjectName("VorlanePreviewClass");
+  window_.setGeometry(200, 150, 500, 400);
+  show([&place](QDialog& dialog) {
+    EXPECT_NE(dialog.pos(), place);
+    dialog.move(place);
+    dialog.reject();
+  });
+  EXPECT_EQ(rememberedGeometry().type(), QVariant::ByteArray);
+  show([&place](QDialog& dialog) {
+    EXPECT_EQ(dialog.pos(), place);
+    dialog.reject();
+  });
+  window_.setObjectName("VorlaneClass");
+  show([&place](QDialog& dialog) {
+    EXPECT_NE(dialog.pos(), place);
+    dialog.reject();
+  });
+}
+
+TEST_F(ShowDialog, StoresAnActionListAndCloses) {
+  settings_ = {{"baseUrlString", "before"}};
+  EXPECT_EQ(show([](QDialog& dialog) {
+              field(dialog).setText("stored");
+              MeetDialog("saveAsActionlistDialog", [](QDialog& save) {
+                Child<QLineEdit>(save, "actionListNameLineEdit").setText("My List");
+                press(save, "saveButton");
+              });
+              press(dialog, "VDtoolbarAddToActionListButton");
+              EXPECT_FALSE(dialog.isVisible());
+            }),
+            0);
+  EXPECT_EQ(settings_, Map({{"baseUrlString", "before"}}));
+  const QSettings list(CUtils::GetSequenceFolder() + "/My_List.xqq", QSettings::IniFormat);
+  EXPECT_EQ(list.value("ActionName0"), "Set Base URL");
+  EXPECT_EQ(list.value("ActionPrefs0").toMap(), Map({{"baseUrlString", "stored"}}));
+}
+
+TEST_F(ShowDialog, StoresAFavoriteAndCloses) {
+  settings_ = {{"baseUrlString", "before"}};
+  EXPECT_EQ(show([](QDialog& dialog) {
+              const QImage selected = dialog.windowIcon().pixmap(128, 128, QIcon::Selected).toImage();
+              MeetDialog("saveAsCollectionDialog", [&selected](QDialog& save) {
+                EXPECT_EQ(Child<QToolButton>(save, "icon_toolButton").icon().pixmap(128, 128).toImage(), selected);
+                Child<QLineEdit>(save, "collectionNameLineEdit").setText("F");
+                press(save, "saveButton");
+              });
+              press(dialog, "VDtoolbarAddToCollectionsButton");
+              EXPECT_FALSE(dialog.isVisible());
+            }),
+            0);
+  EXPECT_EQ(settings_, Map({{"baseUrlString", "before"}}));
+}
+
+TEST_F(ShowDialog, SurvivesItsParentsDestruction) {
+  struct Case {
+    const char* slot;
+    const char* opened;
+  };
+  for (const Case& c : {Case{nullptr, kDialog}, Case{"on_VDShowSaveDialog", "saveAsActionlistDialog"},
+                        Case{"on_VDShowSaveCollectionDialog", "saveAsCollectionDialog"}}) {
+    auto* window = new QWidget;
+    MeetDialog(kDialog, [&c, window](QDialog& dialog) {
+      MeetDialog(c.opened, [window](QDialog&) { delete window; });
+      if (c.slot) QMetaObject::invokeMethod(&dialog, c.slot, Qt::QueuedConnection);
+    });
+    EXPECT_EQ(action_->ShowDialogProc(window, &info_), 0) << c.opened;
+  }
+}
+
+TEST_F(ShowDialog, WithoutAMapItShowsNothing) {
+  info_.settings = nullptr;
+  EXPECT_EQ(action_->ShowDialogProc(nullptr, &info_), 0);
+  EXPECT_EQ(action_->ShowDialogProc(nullptr, nullptr), 0);
+}
+
+long residentKilobytes() {
+  long pages = 0;
+  std::ifstream("/proc/self/statm") >> pages >> pages;
+  return pages * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+TEST_F(ShowDialog, AThousandDialogsLeaveNothingBehind) {
+  const auto showMany = [this](int count) {
+    for (int i = 0; i < count; ++i) {
+      show([i](QDialog& dialog) { press(dialog, i % 2 ? "okButton" : "cancelButton"); });
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  };
+  showMany(100);
+  const auto windows = QApplication::topLevelWidgets().size();
+  const long before = residentKilobytes();
+  showMany(1000);
+  EXPECT_EQ(QApplication::topLevelWidgets().size(), windows);
+  const long grown = residentKilobytes() - before;
+  RecordProperty("grown_kilobytes", static_cast<int>(grown));
+#ifndef __SANITIZE_ADDRESS__  // which keeps freed memory for a while
+  EXPECT_LT(grown, 2048);     // two kilobytes a dialog, of some hundred that each one takes
+#endif
+}
+
+}  // namespace
