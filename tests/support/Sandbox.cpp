@@ -13,6 +13,7 @@ QString gFolder;
 }  // namespace
 
 void Sandbox::Install() {
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   gSystemTemp = qgetenv("TMPDIR");
   gSandbox = new Sandbox;
   gSandbox->Enter();
