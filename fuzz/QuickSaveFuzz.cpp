@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+// Load, set, append, read again: the new base URL is there for both readers and nothing else has changed.
+#include <cstdio>
+#include <cstdlib>
+
+#include "engine/base/InputFile.h"
+#include "engine/base/OutputFile.h"
+#include "engine/quick/BaseUrl.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/save/AppendUpdate.h"
+#include "tests/engine/quick/FullParser.h"
+
+using engine::AppendUpdate;
+using engine::InputFile;
+using engine::OutputFile;
+using engine::QuickReader;
+
+namespace {
+
+void Require(bool condition, const char* what) {
+  if (condition) return;
+  std::fprintf(stderr, "violated: %s\n", what);
+  std::abort();
+}
+
+void CheckUpdate(const std::string& bytes, const std::string& url) {
+  const auto input = InputFile::FromBytes(bytes);
+  const auto document = QuickReader::Read(*input);
+  if (!document) return;
+  OutputFile output;
+  AppendUpdate(*input, document->tail, {{document->tail.root, WithBaseUrl(*document, url)}}, output);
+  const std::string after = output.TakeBytes();
+  Require(after.compare(0, bytes.size(), bytes) == 0, "the source is a prefix");
+
+  const auto again = QuickReader::Read(*InputFile::FromBytes(after));
+  Require(again && again->baseUrl == url, "the quick reader reads its own update");
+  const auto before = FullParser::Read(bytes);
+  if (!before || !before->sound) return;
+  const auto full = FullParser::Read(after);
+  Require(full.has_value(), "the full parser opens the update");
+  Require(full->sound, "the update gives nothing to warn of");
+  Require(full->baseUrl == url, "the full parser reads the new base URL");
+  Require(full->pageCount == before->pageCount, "the page count is kept");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
+  CheckUpdate(bytes, "http://example.net/(\\");
+  CheckUpdate(bytes, "");
+  return 0;
+}
