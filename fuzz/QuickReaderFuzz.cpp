@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const auto document = QuickReader::Read(*input);
   if (!document) return 0;
   const auto full = FullParser::Read(bytes);
-  if (!full || !full->sound) return 0;
+  if (!full || !full->Sound()) return 0;
   if (document->tail.root != full->root || document->baseUrl != full->baseUrl) {
     std::fprintf(stderr, "quick: object %u, base URL \"%s\"; full: object %u, base URL \"%s\"\n",
                  document->tail.root.number, document->baseUrl.c_str(), full->root.number, full->baseUrl.c_str());

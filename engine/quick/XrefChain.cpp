@@ -40,6 +40,10 @@ XrefChain::XrefChain(const PdfFileText& file, std::uint64_t startXref) : file_(f
 }
 
 XrefSection::Entry XrefChain::Find(std::uint32_t number) const {
+  // A reader that has met the number on a section's own stream may take it for that.
+  for (const Link& link : links_) {
+    if (link.section.StreamNumber() == number) throw PdfSyntaxError();
+  }
   for (const Link& link : links_) {
     if (const auto entry = link.section.Find(number)) {
       if (entry->type == XrefSection::Entry::Type::kFree) break;

@@ -70,6 +70,7 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
 void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   const PdfFileText::Object object = file.ReadObject(offset);
   trailer_ = object.dictionary;
+  streamNumber_ = object.id.number;
   const RawDictionary dictionary(trailer_);
   if (dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
   const std::uint64_t length = dictionary.Unsigned("/Length");

@@ -28,6 +28,8 @@ class XrefSection {
   XrefSection(const PdfFileText& file, std::uint64_t offset);
 
   bool IsStream() const { return decoder_ != nullptr; }
+  // The number of the stream object; 0 for a table.
+  std::uint32_t StreamNumber() const { return streamNumber_; }
   // The dictionary of the trailer or of the stream.
   const std::string& Trailer() const { return trailer_; }
   // One more than the highest object number with an entry here.
@@ -54,6 +56,7 @@ class XrefSection {
   const PdfFileText& file_;
   std::string trailer_;
   std::vector<Subsection> subsections_;
+  std::uint32_t streamNumber_ = 0;
   std::size_t widths_[3] = {};
   std::unique_ptr<StreamDecoder> decoder_;
 };

@@ -26,8 +26,8 @@ std::optional<FullParser> FullParser::Read(const std::string& bytes) {
     result.root = {static_cast<std::uint32_t>(root.getObjectID()), static_cast<std::uint32_t>(root.getGeneration())};
     result.baseUrl = BaseUrlOf(pdf.getRoot());
     result.pageCount = static_cast<int>(pdf.getAllPages().size());
-    result.encrypted = pdf.isEncrypted();
-    result.sound = pdf.getWarnings().empty();
+    const auto warnings = pdf.getWarnings();
+    if (!warnings.empty()) result.warning = warnings.front().what();
     return result;
   } catch (const std::exception&) {
     return std::nullopt;

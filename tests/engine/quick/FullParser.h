@@ -11,8 +11,9 @@ struct FullParser {
   engine::ObjectId root;
   std::string baseUrl;
   int pageCount = 0;
-  bool sound = false;      // nothing to warn of
-  bool encrypted = false;  // with an empty user password
+  std::string warning;  // the first one; empty for a sound file
+
+  bool Sound() const { return warning.empty(); }
 
   // No value when libqpdf cannot open the file.
   static std::optional<FullParser> Read(const std::string& bytes);

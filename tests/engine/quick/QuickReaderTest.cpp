@@ -91,7 +91,7 @@ TEST_P(PlainSampleTest, UpdateKeepsTheFileAndIsReadByOthers) {
     ASSERT_TRUE(isRead.has_value());
     EXPECT_EQ(isRead->baseUrl, url);
     EXPECT_EQ(isRead->pageCount, wasRead->pageCount);
-    EXPECT_TRUE(isRead->sound || !wasRead->sound);
+    EXPECT_TRUE(isRead->Sound() || !wasRead->Sound());
     const auto again = QuickReader::Read(*InputFile::FromBytes(after));
     ASSERT_TRUE(again.has_value());
     EXPECT_EQ(again->baseUrl, url);

@@ -334,6 +334,7 @@ def defects():
         4, body(), directory=[(1, 0), (1, 80), (3, 160)]).xref_stream()
     yield "object-stream-offset-huge", File().put_in_stream(
         4, body(), directory=[(1, 9000000000), (2, 80), (3, 160)]).xref_stream()
+    yield "xref-stream-number-of-pages", File().put_in_stream(4, body()).xref_stream(number=2)
     inside = File().put_in_stream(4, body())
     inside.entries[4] = (2, 4, 0)
     yield "object-stream-in-itself", inside.xref_stream()
