@@ -176,7 +176,7 @@ TEST(Wrapper, EveryMemberForwardsToItsOwnFunction) {
   const OpenFake fake(FAKELIBRARY_FILE);
   Wrapper wrapper(Wide(FAKELIBRARY_FILE));
   ASSERT_TRUE(wrapper.LibraryLoaded());
-  fake->wideResult = L"a\0b\U0010FFFF" + std::wstring(1, L'\0');
+  fake->wideResult = {L'a', L'\0', L'\U0010FFFF', L'\0'};
   fake->byteResult = std::string("\0x\0", 3);
   ASSERT_EQ(Functions().size(), 849U);
   std::size_t row = 0;
