@@ -24,11 +24,7 @@ using engine::QuickReader;
 namespace {
 
 std::string Sample(const std::string& name) {
-  for (const SampleFile& file : SampleFile::All()) {
-    if (file.name == name) return file.path;
-  }
-  ADD_FAILURE() << "no sample " << name;
-  return {};
+  return SampleFile::Named(name).path;
 }
 
 std::string Appended(const std::string& source, const FileTail& tail, const std::vector<ChangedObject>& changes) {

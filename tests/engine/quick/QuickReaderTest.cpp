@@ -12,6 +12,7 @@
 #include "engine/quick/BaseUrl.h"
 #include "engine/save/AppendUpdate.h"
 #include "tests/engine/quick/FullParser.h"
+#include "tests/engine/quick/LargeFile.h"
 #include "tests/engine/quick/SampleFile.h"
 #include "tests/engine/quick/Tools.h"
 
@@ -114,6 +115,66 @@ TEST_P(PlainSampleTest, OutsideToolsAcceptTheUpdate) {
 
 INSTANTIATE_TEST_SUITE_P(Samples, SampleTest, testing::ValuesIn(SampleFile::All()), NameOf);
 INSTANTIATE_TEST_SUITE_P(Samples, PlainSampleTest, testing::ValuesIn(PlainSamples()), NameOf);
+
+// Counted in bytes, which do not depend on the machine's load.
+TEST(QuickReaderTest, CostDoesNotGrowWithTheObjects) {
+  using Kind = LargeFile::Kind;
+  for (const Kind kind : {Kind::kTable, Kind::kStream, Kind::kObjectStreams}) {
+    for (const bool catalogLast : {false, true}) {
+      std::uint64_t read[2] = {};
+      std::size_t size[2] = {};
+      for (int large = 0; large < 2; ++large) {
+        const std::string bytes = LargeFile::Make(kind, large != 0 ? 200000 : 1000, catalogLast);
+        size[large] = bytes.size();
+        const auto input = InputFile::FromBytes(bytes);
+        const auto document = QuickReader::Read(*input);
+        ASSERT_TRUE(document.has_value());
+        EXPECT_EQ(document->baseUrl, "http://example.org/");
+        read[large] = input->BytesRead();
+      }
+      // A cross-reference stream must be inflated as far as the entry of the catalog or of its object stream, which is
+      // a small part of the file; all else is constant.
+      const bool inflates = kind == Kind::kObjectStreams || (kind == Kind::kStream && catalogLast);
+      const std::uint64_t bound = read[0] + 16 * 1024 + (inflates ? size[1] / 25 : 0);
+      EXPECT_LT(read[1], bound) << static_cast<int>(kind) << catalogLast;
+      EXPECT_LT(read[0], 64 * 1024u);
+    }
+  }
+}
+
+TEST(QuickReaderTest, EncryptedFileHasATailAndARawCatalog) {
+  const std::string options[] = {"40", "128 --use-aes=y", "256"};
+  for (const std::string& bits : options) {
+    for (const char* streams : {"disable", "generate"}) {
+      const std::string keyLength = bits.substr(0, bits.find(' '));
+      const std::string rest = bits.substr(keyLength.size());
+      ASSERT_EQ(RunTool("qpdf --object-streams=" + std::string(streams) + " --allow-weak-crypto --encrypt '' owner " +
+                        keyLength + rest + " -- '" + SampleFile::Named("table-lf.pdf").path + "' encrypted.pdf")
+                    .status,
+                0);
+      const auto input = InputFile::Open("encrypted.pdf");
+      EXPECT_FALSE(QuickReader::Read(*input).has_value());
+      const auto tail = QuickReader::ReadTail(*input);
+      ASSERT_TRUE(tail.has_value());
+      EXPECT_TRUE(tail->Encrypted());
+      const auto catalog = QuickReader::ReadDictionary(*input, *tail, tail->root);
+      if (!catalog) {
+        EXPECT_EQ(tail->kind, FileTail::Kind::kStream);  // inside an encrypted object stream
+        continue;
+      }
+      const auto changed = engine::WithBaseObject(*catalog, "");
+      ASSERT_TRUE(changed.has_value());
+      OutputFile output("out.pdf");
+      AppendUpdate(*input, *tail, {{tail->root, *changed}}, output);
+      output.Commit();
+      const ToolResult check = RunTool("qpdf --check out.pdf");
+      EXPECT_EQ(check.status, 0) << check.output;
+      const auto full = FullParser::Read(ReadFile("out.pdf"));
+      ASSERT_TRUE(full.has_value());
+      EXPECT_EQ(full->baseUrl, "");
+    }
+  }
+}
 
 TEST(QuickReaderTest, KeepsEveryOtherByteOfTheCatalog) {
   struct {

@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
 
@@ -30,4 +31,11 @@ std::vector<SampleFile> SampleFile::All() {
     files.push_back(file);
   }
   return files;
+}
+
+SampleFile SampleFile::Named(const std::string& name) {
+  for (const SampleFile& file : All()) {
+    if (file.name == name) return file;
+  }
+  throw std::out_of_range(name);
 }

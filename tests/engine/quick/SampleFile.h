@@ -13,6 +13,8 @@ struct SampleFile {
   std::string baseUrl;
 
   static std::vector<SampleFile> All();
+  // Throws std::out_of_range for a name that is not in the table.
+  static SampleFile Named(const std::string& name);
 
   friend std::ostream& operator<<(std::ostream& out, const SampleFile& file) { return out << file.name; }
 };
