@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ostream>
+
+#include "tests/engine/EngineFixture.h"
+
+namespace {
+
+using BaseUrlTest = EngineFixture;
+
+// The catalog's entries with their values where /URI may be reached by the quick reader or by the full parser only.
+struct Place {
+  const char* name;
+  bool encrypted;
+
+  friend std::ostream& operator<<(std::ostream& out, const Place& place) { return out << place.name; }
+};
+class BaseUrlPlaceTest : public EngineFixture, public testing::WithParamInterface<Place> {
+ protected:
+  // The loaded document's file; "(x)" and the like stand for themselves in the entries.
+  void Prepare(const std::string& catalogEntries, const std::vector<std::string>& more = {}) {
+    WriteFile("plain.pdf", PlainPdf{catalogEntries, "", "", more}.Bytes());
+    ASSERT_EQ(RunTool(std::string(GetParam().encrypted ? "qpdf --encrypt '' o 256 -- plain.pdf" : "cp plain.pdf") +
+                      " source.pdf")
+                  .status,
+              0);
+    ASSERT_EQ(library_.LoadFromFile(L"source.pdf", L""), 1);
+  }
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Readers, BaseUrlPlaceTest, testing::Values(Place{"Quick", false}, Place{"Full", true}),
+                         [](const auto& form) { return form.param.name; });
+
+TEST_P(BaseUrlPlaceTest, IsReadAndReplacedWhateverStoodThere) {
+  const struct {
+    const char* entries;
+    const wchar_t* before;
+    const wchar_t* set;
+    const char* after;  // /URI as mutool prints it
+  } cases[] = {
+      {"", L"", L"http://e.org/", "<</Base(http://e.org/)>>"},
+      {"/URI << /Base (old) /Keep [ 1 /x ] >>", L"old", L"new", "<</Base(new)/Keep[1/x]>>"},
+      {"/URI << /Base <6F6C64> >>", L"old", L"new", "<</Base(new)>>"},
+      {"/URI 4 0 R", L"ref", L"new", "<</Base(new)/K 1>>"},
+      {"/URI << /Base 5 0 R >>", L"far", L"new", "<</Base(new)>>"},
+      {"/URI (text)", L"", L"new", "<</Base(new)>>"},
+      {"/URI null", L"", L"new", "<</Base(new)>>"},
+      {"/URI << /Base 5 /K 1 >>", L"", L"new", "<</Base(new)/K 1>>"},
+      {"/URI << /Base (old) /K 1 >>", L"old", L"", "<</K 1>>"},
+      {"/URI << /Base (old) >>", L"old", L"", "null"},
+      {"/URI << /Base (old) >>", L"old", L"a(b)\\)c\r\n<", "<</Base(a\\(b\\)\\\\\\)c\\r\\n<)>>"},
+      {"/URI << /Base (\\376\\377\\000a) >>", L"a", L"a", "<</Base(a)>>"},
+      {"/URI << /Base (old) >>", L"old", L"\xE9\x1F600", "<</Base(%C3%A9%F0%9F%98%80)>>"},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.entries);
+    Prepare(each.entries, {"<< /Base (ref) /K 1 >>", "(far)"});
+    EXPECT_EQ(library_.GetBaseURL(), each.before);
+    EXPECT_EQ(library_.SetBaseURL(each.set), 1);
+    EXPECT_EQ(library_.GetInformation(1000), L"incremental");
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+    EXPECT_TRUE(Sound("out.pdf"));
+    std::string shown = Show("out.pdf", "trailer/Root/URI");
+    shown.erase(shown.find_last_not_of('\n') + 1);
+    EXPECT_EQ(shown, each.after);
+    const std::wstring asSet = library_.GetBaseURL();
+    ASSERT_EQ(library_.LoadFromFile(L"out.pdf", L""), 1);
+    EXPECT_EQ(library_.GetBaseURL(), asSet);
+  }
+}
+
+TEST_P(BaseUrlPlaceTest, TheOldValueChangesNothing) {
+  for (const auto& [entries, url] : std::vector<std::pair<std::string, std::wstring>>{
+           {"/URI << /Base (same) >>", L"same"}, {"", L""}, {"/URI << /Base 7 >>", L""}}) {
+    Prepare(entries);
+    EXPECT_EQ(library_.SetBaseURL(L"other"), 1);
+    EXPECT_EQ(library_.SetBaseURL(url), 1);
+    EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
+    ASSERT_EQ(library_.SaveToFile(L"copy.pdf"), 1);
+    EXPECT_EQ(ReadFile("copy.pdf"), ReadFile("source.pdf"));
+  }
+}
+
+TEST_P(BaseUrlPlaceTest, TwentyMillionCharacters) {
+  Prepare("");
+  const std::wstring url = L"http://e.org/" + std::wstring(20'000'000, L'(');
+  ASSERT_EQ(library_.SetBaseURL(url), 1);
+  EXPECT_TRUE(library_.GetBaseURL() == url);
+  ASSERT_EQ(library_.SaveToFile(L"long.pdf"), 1);
+  ASSERT_EQ(library_.LoadFromFile(L"long.pdf", L""), 1);
+  EXPECT_TRUE(library_.GetBaseURL() == url);
+}

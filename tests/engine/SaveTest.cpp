@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ostream>
+
+#include "tests/engine/EngineFixture.h"
+
+namespace {
+
+constexpr wchar_t kUrl[] = L"https://example.org/(base)/";
+constexpr char kUrlInFile[] = "/Base(https://example.org/\\(base\\)/)";
+
+using SaveTest = EngineFixture;
+
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+// A file with strings in the catalog, information, and two signature fields, one of them signed.
+PlainPdf Rich() {
+  return {
+      "/Lang (en\\)\\000x) /ViewerPreferences << /K (nested) >> /AcroForm << /Fields [ 4 0 R 6 0 R ] >> "
+      "/Perms << /DocMDP 5 0 R >>",
+      "/Annots [ 4 0 R ]",
+      "/Info 7 0 R",
+      {"<< /FT /Sig /T (one) /V 5 0 R /Subtype /Widget /Rect [ 0 0 0 0 ] >>",
+       "<< /Type /Sig /Filter /A /ByteRange [ 0 1 2 3 ] /Contents <3031> /Reference [ << /TransformMethod /DocMDP "
+       "/TransformParams << /P 1 >> >> ] >>",
+       "<< /FT /Sig /T (two) /Kids [ 6 0 R ] >>", "<< /Title (Plain \\(title\\)) /Own (mine) >>"}};
+}
+
+// A way to store the rich file, by qpdf's options for it.
+struct Form {
+  const char* name;
+  const char* options;
+  const wchar_t* password;
+
+  friend std::ostream& operator<<(std::ostream& out, const Form& form) { return out << form.name; }
+};
+
+class SaveFormTest : public EngineFixture, public testing::WithParamInterface<Form> {
+ protected:
+  void SetUp() override {
+    WriteFile("plain.pdf", Rich().Bytes());
+    const ToolResult made =
+        RunTool("qpdf --allow-weak-crypto " + std::string(GetParam().options) + " plain.pdf source.pdf");
+    ASSERT_EQ(made.status, 0) << made.output;
+    ASSERT_EQ(library_.LoadFromFile(L"source.pdf", GetParam().password), 1) << library_.LastErrorCode();
+  }
+  std::string QpdfPassword() const { return "--password=" + Narrow(GetParam().password); }
+  std::string MutoolPassword() const {
+    return GetParam().password[0] != 0 ? "-p " + Narrow(GetParam().password) : std::string();
+  }
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, SaveFormTest,
+    testing::Values(
+        Form{"Table", "", L""}, Form{"Streams", "--object-streams=generate", L""},
+        Form{"Linearized", "--linearize", L""}, Form{"LinearizedStreams", "--linearize --object-streams=generate", L""},
+        Form{"Rc4Key40", "--encrypt '' o 40 --", L""}, Form{"Rc4Key128", "--encrypt '' o 128 --use-aes=n --", L""},
+        Form{"Rc4CryptFilter", "--encrypt '' o 128 --force-V4 --", L""},
+        Form{"Rc4ClearMetadata", "--encrypt '' o 128 --cleartext-metadata --", L""},
+        Form{"Aes128", "--encrypt u o 128 --use-aes=y --", L"u"},
+        Form{"Aes128ByOwner", "--encrypt u o 128 --use-aes=y --", L"o"},
+        Form{"Aes128Streams", "--object-streams=generate --encrypt '' o 128 --use-aes=y --", L""},
+        Form{"Aes256R5", "--encrypt u o 256 --force-R5 --", L"u"}, Form{"Aes256", "--encrypt u o 256 --", L"u"},
+        Form{"Aes256ClearMetadata", "--encrypt '' o 256 --cleartext-metadata --", L""},
+        Form{"Aes256Streams", "--linearize --object-streams=generate --encrypt u o 256 --", L"o"}),
+    [](const auto& form) { return form.param.name; });
+
+TEST_P(SaveFormTest, AppendsTheUrlAndKeepsEverythingElse) {
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"incremental");
+  EXPECT_EQ(library_.GetInformation(1001), L"");
+  EXPECT_EQ(library_.GetInformation(1002), L"1");
+  EXPECT_EQ(library_.GetInformation(1003), L"1");
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+
+  const std::string source = ReadFile("source.pdf");
+  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), source));
+  EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
+  const std::string catalog = Show("out.pdf", "trailer/Root", MutoolPassword());
+  EXPECT_NE(catalog.find(kUrlInFile), std::string::npos) << catalog;
+  EXPECT_NE(catalog.find("(nested)"), std::string::npos) << catalog;
+  EXPECT_EQ(Show("out.pdf", "trailer/Encrypt", MutoolPassword()),
+            Show("source.pdf", "trailer/Encrypt", MutoolPassword()));
+  // Each password still opens it, and to the other parser the decrypted catalogs differ by the URL only.
+  const std::string decrypt = "qpdf --decrypt --qdf --static-id --no-original-object-ids " + QpdfPassword();
+  ASSERT_EQ(RunTool(decrypt + " source.pdf before.pdf && " + decrypt + " out.pdf after.pdf").status, 0);
+  ASSERT_EQ(library_.LoadFromFile(L"after.pdf", L""), 1);
+  EXPECT_EQ(library_.GetBaseURL(), kUrl);
+  EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
+  EXPECT_EQ(Show("after.pdf", "trailer/Root/Lang"), Show("before.pdf", "trailer/Root/Lang"));
+  EXPECT_EQ(Show("after.pdf", "trailer/Root/AcroForm/Fields/0/V"),
+            Show("before.pdf", "trailer/Root/AcroForm/Fields/0/V"));
+
+  // A second update on top, and the way back in place.
+  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", GetParam().password), 1);
+  EXPECT_EQ(library_.GetBaseURL(), kUrl);
+  ASSERT_EQ(library_.SetBaseURL(L""), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
+  ASSERT_EQ(library_.SetBaseURL(L"third"), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), source));
+  EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
+  EXPECT_NE(Show("out.pdf", "trailer/Root/URI", MutoolPassword()).find("(third)"), std::string::npos);
+}
+
+TEST_P(SaveFormTest, InformationIsAppended) {
+  EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
+  EXPECT_EQ(library_.GetCustomInformation(L"Own"), L"mine");
+  ASSERT_EQ(library_.SetInformation(2, L"\x20AC \x1F600"), 1);
+  ASSERT_EQ(library_.SetInformation(1, L"Somebody"), 1);
+  ASSERT_EQ(library_.SetCustomInformation(L"Own", L""), 1);
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"incremental");
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), ReadFile("source.pdf")));
+  EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
+
+  const std::string tool =
+      "pdfinfo " + std::string(GetParam().password[0] != 0
+                                   ? (GetParam().password[0] == L'o' ? "-opw " : "-upw ") + Narrow(GetParam().password)
+                                   : "");
+  const std::string shown = RunTool(tool + " out.pdf").output;
+  EXPECT_NE(shown.find("\xE2\x82\xAC \xF0\x9F\x98\x80"), std::string::npos) << shown;
+  EXPECT_NE(shown.find("Author:          Somebody"), std::string::npos) << shown;
+  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", GetParam().password), 1);
+  EXPECT_EQ(library_.GetInformation(2), L"\x20AC \x1F600");
+  EXPECT_EQ(library_.GetCustomInformation(L"Own"), L"");
+  EXPECT_EQ(library_.GetBaseURL(), kUrl);
+}
+
+TEST_F(SaveTest, InformationIsAddedWhereThereWasNone) {
+  ASSERT_TRUE(Load("plain.pdf", PlainPdf().Bytes()));
+  EXPECT_EQ(library_.GetInformation(2), L"");
+  ASSERT_EQ(library_.SetInformation(2, L"new"), 1);
+  EXPECT_EQ(library_.SetInformation(9, L"x"), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorBadArgument);
+  EXPECT_EQ(library_.SetCustomInformation(L"", L"x"), 0);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_TRUE(Sound("out.pdf"));
+  EXPECT_NE(RunTool("pdfinfo out.pdf").output.find("Title:           new"), std::string::npos);
+}
+
+TEST_F(SaveTest, EncryptionVariantsThatToolsDoNotMake) {
+  WriteFile("plain.pdf", Rich().Bytes());
+  ASSERT_EQ(RunTool("qpdf --encrypt '' o 256 -- plain.pdf aes.pdf").status, 0);
+  std::string bytes = ReadFile("aes.pdf");
+  // The same length, so that no offset moves: strings in the clear, streams encrypted.
+  const std::string both = "/StmF /StdCF /StrF /StdCF";
+  const std::size_t at = bytes.find(both);
+  ASSERT_NE(at, std::string::npos);
+  bytes.replace(at, both.size(), "/StmF/StdCF/StrF/Identity");
+  ASSERT_TRUE(Load("identity.pdf", bytes)) << library_.LastErrorCode();
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_NE(ReadFile("out.pdf").find("(https://example.org/\\(base\\)/)"), std::string::npos);
+}
+
+TEST_F(SaveTest, DamagedFilesAreRewritten) {
+  std::string bytes = Rich().Bytes();
+  const std::string start = "startxref\n";
+  bytes.insert(bytes.rfind(start) + start.size(), "9");
+  ASSERT_TRUE(Load("damaged.pdf", bytes));
+  EXPECT_EQ(library_.GetDocumentRepaired(), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
+  EXPECT_EQ(library_.GetInformation(1001), L"cross-reference repaired");
+  EXPECT_EQ(library_.GetInformation(1002), L"1");
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_TRUE(Sound("out.pdf"));
+  EXPECT_NE(Show("out.pdf", "trailer/Root/URI").find(kUrlInFile), std::string::npos);
+  // The document itself is as it was loaded.
+  ASSERT_EQ(library_.SetBaseURL(L""), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
+}
+
+TEST_F(SaveTest, NewAndInMemoryDocuments) {
+  ASSERT_EQ(library_.NewDocument(), 1);
+  EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SetInformation(2, L"title"), 1);
+  const std::string fresh = library_.SaveToString();
+  WriteFile("fresh.pdf", fresh);
+  EXPECT_TRUE(Sound("fresh.pdf"));
+  EXPECT_NE(Show("fresh.pdf", "trailer/Root/URI").find(kUrlInFile), std::string::npos);
+
+  ASSERT_EQ(library_.LoadFromString(fresh, L""), 1);
+  EXPECT_EQ(library_.GetInformation(2), L"title");
+  EXPECT_EQ(library_.SaveToString(), fresh);
+  ASSERT_EQ(library_.SetBaseURL(L"x"), 1);
+  const std::string updated = library_.SaveToString();
+  EXPECT_TRUE(StartsWith(updated, fresh));
+  EXPECT_EQ(library_.GetDocumentFileName(), L"");
+}
+
+TEST_F(SaveTest, FileNamesOfAnyBytes) {
+  ASSERT_TRUE(Load("plain.pdf", PlainPdf().Bytes()));
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  const std::wstring name = L"\x20AC \xDCFF\xDC80.pdf";
+  ASSERT_EQ(library_.SaveToFile(name), 1);
+  EXPECT_EQ(access("\xE2\x82\xAC \xFF\x80.pdf", F_OK), 0);
+  ASSERT_EQ(library_.LoadFromFile(name, L""), 1);
+  EXPECT_EQ(library_.GetDocumentFileName(), name);
+}
+
+TEST_F(SaveTest, FailuresLoseNothing) {
+  const std::string plain = PlainPdf().Bytes();
+  ASSERT_TRUE(Load("plain.pdf", plain));
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(mkdir("folder.pdf", 0755), 0);
+  for (const wchar_t* target : {L"missing/out.pdf", L"folder.pdf", L"", L"plain.pdf/out.pdf"}) {
+    EXPECT_EQ(library_.SaveToFile(target), 0);
+    EXPECT_EQ(library_.LastErrorCode(), kErrorCannotWrite) << Narrow(target);
+  }
+  // The source gives way to another file, shrinks, vanishes.
+  WriteFile("other.pdf", plain + "%");
+  ASSERT_EQ(rename("other.pdf", "plain.pdf"), 0);
+  EXPECT_EQ(library_.SaveToFile(L"out.pdf"), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorSourceChanged);
+  ASSERT_EQ(library_.LoadFromFile(L"plain.pdf", L""), 1);
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(truncate("plain.pdf", 100), 0);
+  EXPECT_EQ(library_.SaveToFile(L"plain.pdf"), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorSourceChanged);
+  EXPECT_EQ(ReadFile("plain.pdf"), plain.substr(0, 100));
+  ASSERT_EQ(unlink("plain.pdf"), 0);
+  EXPECT_EQ(library_.SaveToFile(L"out.pdf"), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorSourceChanged);
+  EXPECT_NE(access("out.pdf", F_OK), 0);
+}
