@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "plugin/CActionInterface.h"
+
+// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name. Of two actions of one
+// name the first one met counts. Loaded plug-ins stay loaded until the process ends.
+class ActionCatalog {
+ public:
+  explicit ActionCatalog(const QStringList& folders) : folders_(folders) {}
+
+  // The action of that name, or null. Loads no more plug-ins than it takes to find it.
+  CActionInterface* Find(const QString& actionName);
+  // As Find, but throws CommandError(kExitNotLoaded) with what went wrong on the way.
+  CActionInterface& Get(const QString& actionName);
+
+  struct Entry {
+    QString file;
+    CActionInterface* action;
+  };
+  const std::vector<Entry>& All();
+  // One line for each file among the plug-ins that could not be loaded or holds no action.
+  const QStringList& Problems() const { return problems_; }
+
+ private:
+  bool LoadNext();
+  void ListFiles();
+
+  QStringList folders_;
+  QStringList files_;
+  bool listed_ = false;
+  int next_ = 0;
+  std::vector<Entry> entries_;
+  QStringList problems_;
+};

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/ActionList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+
+#include "host/CommandError.h"
+
+namespace {
+
+const QLatin1String kSuffix(".xqq");
+
+QString NameKey(int index) { return QStringLiteral("ActionName%1").arg(index); }
+QString SettingsKey(int index) { return QStringLiteral("ActionPrefs%1").arg(index); }
+
+}  // namespace
+
+ActionList ActionList::Read(const QString& file) {
+  const auto fail = [&](const QString& reason) {
+    return CommandError(kExitNotLoaded, QStringLiteral("Cannot use the action list '%1': %2").arg(file, reason));
+  };
+  // The settings reader does not tell a missing or unreadable file from an empty one.
+  QFile probe(file);
+  if (!QFileInfo(file).isFile()) throw fail(QStringLiteral("there is no such file"));
+  if (!probe.open(QIODevice::ReadOnly)) throw fail(probe.errorString());
+  probe.close();
+
+  const QSettings ini(file, QSettings::IniFormat);
+  ActionList list;
+  list.name_ = ini.value(QStringLiteral("SequenceName")).toString();
+  list.category_ = ini.value(QStringLiteral("SequenceCategory")).toString();
+  for (int index = 0; ini.contains(NameKey(index)); ++index) {
+    const QVariant settings = ini.value(SettingsKey(index));
+    if (settings.isValid() && settings.userType() != QMetaType::QVariantMap) {
+      throw fail(QStringLiteral("the settings of action %1 are damaged").arg(index));
+    }
+    list.steps_.push_back({ini.value(NameKey(index)).toString(), settings.toMap()});
+  }
+  if (ini.status() != QSettings::NoError) throw fail(QStringLiteral("it is not an action list"));
+  if (list.steps_.empty()) throw fail(QStringLiteral("it holds no actions"));
+  return list;
+}
+
+QStringList ActionList::FilesIn(const QString& folder) {
+  QStringList files;
+  const QDir dir(folder);
+  for (const QString& name : dir.entryList({QStringLiteral("*") + kSuffix}, QDir::Files, QDir::Name)) {
+    files += folder + QLatin1Char('/') + name;
+  }
+  return files;
+}
+
+QString ActionList::Locate(const QString& name, const QString& folder) {
+  if (name.contains(QLatin1Char('/')) || (name.endsWith(kSuffix) && QFileInfo::exists(name))) return name;
+  QStringList named;
+  QStringList filed;
+  for (const QString& file : FilesIn(folder)) {
+    if (QSettings(file, QSettings::IniFormat).value(QStringLiteral("SequenceName")).toString() == name) named += file;
+    const QFileInfo info(file);
+    if (info.fileName() == name || info.completeBaseName() == name) filed += file;
+  }
+  const QStringList& found = named.isEmpty() ? filed : named;
+  if (found.isEmpty()) {
+    throw CommandError(kExitNotLoaded, QStringLiteral("There is no action list '%1' in %2.").arg(name, folder));
+  }
+  if (found.size() > 1) {
+    throw CommandError(kExitNotLoaded, QStringLiteral("Several action lists are named '%1': %2")
+                                           .arg(name, found.join(QStringLiteral(", "))));
+  }
+  return found.constFirst();
+}
+
+void ActionList::StoreSettings(const QString& file, int index, const QMap<QString, QVariant>& settings) {
+  QSettings ini(file, QSettings::IniFormat);
+  ini.setValue(SettingsKey(index), settings);
+  ini.sync();
+  if (ini.status() != QSettings::NoError) {
+    throw CommandError(kExitNotLoaded, QStringLiteral("Cannot write the action list '%1'.").arg(file));
+  }
+}

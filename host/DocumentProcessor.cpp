@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/DocumentProcessor.h"
+
+#include <chrono>
+#include <exception>
+
+#include "host/LibraryReasons.h"
+#include "host/NativeName.h"
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "pdflib/LibraryErrorCodes.h"
+#include "plugin/WorkProcInfoStruct.h"
+
+namespace {
+
+// What the engine tells about itself; a library that does not know these keys answers an empty text.
+enum InformationKey : int { kKeyWay = 1000, kKeyWhyRewrite = 1001, kKeySignatures = 1002, kKeyCertification = 1003 };
+
+std::string Narrow(const std::wstring& text) {
+  const QByteArray utf8 = QString::fromStdWString(text).toUtf8();
+  return utf8.toStdString();
+}
+
+}  // namespace
+
+struct DocumentProcessor::Failure {
+  std::string reason;
+};
+
+FileRecord DocumentProcessor::Process(const std::string& file, const std::string& output) {
+  const auto start = std::chrono::steady_clock::now();
+  FileRecord record;
+  record.file = file;
+  record.output = output;
+  const auto failed = [&](const std::string& reason) {
+    record.status = FileRecord::Status::kFailed;
+    record.reason = reason;
+    record.way.clear();
+    record.baseUrlAfter = record.baseUrlBefore;
+  };
+  try {
+    Load(record);
+    RunActions();
+    record.baseUrlAfter = library_.GetBaseURL();
+    CheckSaving(record);
+    Save(record);
+  } catch (const Failure& failure) {
+    failed(failure.reason);
+  } catch (const std::exception& exception) {
+    failed(exception.what());
+  }
+  if (document_ != 0) library_.RemoveDocument(document_);
+  document_ = 0;
+  record.microseconds =
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count();
+  return record;
+}
+
+void DocumentProcessor::Load(FileRecord& record) {
+  if (library_.LoadFromFile(NativeName::ToWide(record.file), options_.password) == 0) {
+    throw Failure{LibraryReason(library_.LastErrorCode())};
+  }
+  document_ = library_.SelectedDocument();
+  record.baseUrlBefore = library_.GetBaseURL();
+}
+
+void DocumentProcessor::RunActions() {
+  for (const RunStep& step : steps_) {
+    // An action may change the map; the next document starts from the settings of the run again.
+    QMap<QString, QVariant> settings = step.settings;
+    WorkProcInfoStruct info{&library_, nullptr, nullptr, nullptr, &settings};
+    const auto failed = [&](const char* reason) {
+      return Failure{"action '" + NativeName::ToBytes(step.name).toStdString() + "': " + reason};
+    };
+    try {
+      step.action->WorkProc(&info);
+    } catch (const std::exception& exception) {
+      throw failed(exception.what());
+    } catch (...) {
+      throw failed("unknown exception");
+    }
+    // WorkProc's result says nothing, so a library call that failed as the action's last one is the only trace of a
+    // document that is not what the user asked for.
+    const int error = library_.LastErrorCode();
+    if (error != kErrorNone) throw failed(LibraryReason(error));
+    if (library_.SelectedDocument() != document_) library_.SelectDocument(document_);
+  }
+}
+
+// How the document would be saved now, and whether policy lets it.
+void DocumentProcessor::CheckSaving(FileRecord& record) {
+  record.way = Narrow(library_.GetInformation(kKeyWay));
+  if (record.way.empty()) record.way = "unknown";
+  if (record.way == "unchanged" || record.way == "unknown") return;
+
+  const std::wstring certification = library_.GetInformation(kKeyCertification);
+  if (certification == L"1") record.warnings.push_back("the document's certification forbids changes");
+  if (record.way != "rewrite") return;
+
+  const std::string why = Narrow(library_.GetInformation(kKeyWhyRewrite));
+  const std::wstring signatures = library_.GetInformation(kKeySignatures);
+  const bool isSigned = !signatures.empty() && signatures != L"0";
+  const std::string rewritten = why.empty() ? "" : " (" + why + ")";
+  if (isSigned && !options_.allowBreakingSignatures) {
+    throw Failure{"signed, and saving would break the signatures: the file must be rewritten" + rewritten};
+  }
+  record.warnings.push_back("the file was rewritten" + rewritten + (isSigned ? ", which breaks its signatures" : ""));
+}
+
+void DocumentProcessor::Save(FileRecord& record) {
+  if (library_.SaveToFile(NativeName::ToWide(record.output)) == 0) {
+    throw Failure{LibraryReason(library_.LastErrorCode())};
+  }
+}

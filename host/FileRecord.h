@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What became of one input file. The report holds one for every file.
+struct FileRecord {
+  enum class Status : unsigned char { kDone, kFailed, kSkipped };
+
+  std::string file;    // as it was named, bytes
+  std::string output;  // bytes; empty when nothing was to be written
+  Status status = Status::kDone;
+  std::string reason;  // why it failed or was skipped; UTF-8
+  std::wstring baseUrlBefore;
+  std::wstring baseUrlAfter;
+  long long microseconds = 0;
+  std::string way;  // "unchanged", "incremental", "rewrite", "unknown", or empty when nothing was saved
+  std::vector<std::string> warnings;
+
+  // One JSON object without line breaks. File names are UTF-8; a byte that is none stands as the escape \udcXX.
+  std::string ToJson() const;
+};

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/InputList.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "host/CommandError.h"
+#include "host/NativeName.h"
+
+namespace {
+
+bool EndsInPdf(std::string_view name) { return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0; }
+
+std::string RealPath(std::string_view name) {
+  const std::unique_ptr<char, decltype(&std::free)> path(realpath(std::string(name).c_str(), nullptr), &std::free);
+  return path ? std::string(path.get()) : std::string();
+}
+
+std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  const std::unique_ptr<DIR, decltype(&closedir)> dir(opendir(folder.c_str()), &closedir);
+  if (!dir) return names;
+  while (const dirent* const entry = readdir(dir.get())) {
+    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string ReadAll(const std::string& listFile) {
+  const auto fail = [&] {
+    return CommandError(kExitUsage, QStringLiteral("Cannot read the list of files '%1': %2")
+                                        .arg(NativeName::ToText(listFile), QString::fromLocal8Bit(std::strerror(errno))));
+  };
+  const int descriptor = listFile == "-" ? STDIN_FILENO : open(listFile.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) throw fail();
+  std::string content;
+  char block[1 << 16];
+  for (;;) {
+    const ssize_t count = read(descriptor, block, sizeof block);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) {
+      const CommandError error = fail();
+      if (descriptor != STDIN_FILENO) close(descriptor);
+      throw error;
+    }
+    if (count == 0) break;
+    content.append(block, static_cast<std::size_t>(count));
+  }
+  if (descriptor != STDIN_FILENO) close(descriptor);
+  return content;
+}
+
+}  // namespace
+
+std::string_view InputList::NameOf(std::size_t index) const {
+  const std::uint64_t begin = entries_[index].offset;
+  const std::uint64_t end = index + 1 < entries_.size() ? entries_[index + 1].offset : names_.size();
+  return std::string_view(names_).substr(begin, end - begin);
+}
+
+std::string InputList::Relative(std::size_t index) const {
+  return std::string(NameOf(index).substr(entries_[index].relative));
+}
+
+void InputList::Add(const std::string& name) {
+  struct stat status;
+  const bool exists = stat(name.c_str(), &status) == 0;
+  if (exists && S_ISDIR(status.st_mode) && recursive_) {
+    const std::string folder = name.back() == '/' ? name : name + '/';
+    AddFolder(folder, folder.size());
+    return;
+  }
+  const std::size_t slash = name.rfind('/');
+  AddFile(name, slash == std::string::npos ? 0 : slash + 1, exists ? &status : nullptr);
+}
+
+void InputList::AddFrom(const std::string& listFile) {
+  const std::string content = ReadAll(listFile);
+  const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
+  for (std::size_t begin = 0; begin < content.size();) {
+    const std::size_t end = std::min(content.find(separator, begin), content.size());
+    if (end > begin) Add(content.substr(begin, end - begin));
+    begin = end + 1;
+  }
+}
+
+// `folder` ends in a slash.
+void InputList::AddFolder(const std::string& folder, std::size_t relative) {
+  for (const std::string& name : NamesIn(folder)) {
+    const std::string path = folder + name;
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0) continue;
+    if (S_ISDIR(status.st_mode)) {
+      const bool leftOut = leaveOut_ != nullptr && *leaveOut_ == FileIdentity{status.st_dev, status.st_ino};
+      if (!leftOut) AddFolder(path + '/', relative);
+    } else if (EndsInPdf(name)) {
+      const bool exists = !S_ISLNK(status.st_mode) || stat(path.c_str(), &status) == 0;
+      if (exists && !S_ISREG(status.st_mode)) continue;
+      AddFile(path, relative, exists ? &status : nullptr);
+    }
+  }
+}
+
+void InputList::AddFile(std::string_view name, std::size_t relative, const struct stat* status) {
+  Entry entry{names_.size(), static_cast<std::uint32_t>(relative), -1, Kind::kFile};
+  if (status != nullptr) {
+    if (S_ISDIR(status->st_mode)) entry.kind = Kind::kFolder;
+    entry.sameAs = FindSame(name, *status);
+  }
+  names_ += name;
+  entries_.push_back(entry);
+}
+
+std::int32_t InputList::FindSame(std::string_view name, const struct stat& status) {
+  const FileIdentity identity{status.st_dev, status.st_ino};
+  const auto [known, isNew] = identities_.try_emplace(identity, static_cast<std::int32_t>(entries_.size()));
+  if (isNew) return -1;
+  const auto first = known->second;
+  const bool hardLinked = status.st_nlink > 1;
+  if (hardLinked && RealPath(NameOf(static_cast<std::size_t>(first))) != RealPath(name)) return -1;
+  return first;
+}

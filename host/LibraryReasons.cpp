@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/LibraryReasons.h"
+
+#include "pdflib/LibraryErrorCodes.h"
+
+const char* LibraryReason(int errorCode) {
+  switch (static_cast<LibraryErrorCode>(errorCode)) {
+    case kErrorNotSupported:
+      return "the PDF library does not support this";
+    case kErrorOutOfMemory:
+      return "not enough memory";
+    case kErrorFileNotFound:
+      return "no such file";
+    case kErrorFileUnreadable:
+      return "cannot read the file";
+    case kErrorNotPdf:
+      return "not a PDF";
+    case kErrorDamaged:
+      return "damaged beyond repair";
+    case kErrorPasswordNeeded:
+      return "a password is needed";
+    case kErrorPasswordWrong:
+      return "wrong password";
+    case kErrorUnsupportedSecurity:
+      return "encrypted in a way that is not supported";
+    case kErrorFileTooLarge:
+      return "the file is too large";
+    case kErrorSourceChanged:
+      return "the file changed while it was open";
+    case kErrorCannotWrite:
+      return "cannot write";
+    case kErrorDiskFull:
+      return "the disk is full";
+    case kErrorNone:
+    case kErrorUnknownInstance:
+    case kErrorBadBuffer:
+    case kErrorNoDocument:
+    case kErrorBadArgument:
+    case kErrorInternal:
+      break;
+  }
+  return "the PDF library failed";
+}

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/Worker.h"
+
+#include "host/Console.h"
+#include "host/ExitCode.h"
+#include "host/Frames.h"
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+
+namespace {
+
+void AppendOutcome(std::string& message, const FileRecord& record) {
+  std::string warnings;
+  for (const std::string& warning : record.warnings) warnings += warning + '\n';
+  const char status = static_cast<char>(record.status);
+  Frames::Append(message, {std::string_view(&status, 1), record.reason, warnings, record.ToJson()});
+}
+
+}  // namespace
+
+int Worker::Run(const WorkerSettings& settings, int jobs, int outcomes, const std::atomic<bool>& stop) {
+  HalvexPDFLibraryCPDylibCPP1311 library(settings.libraryFile);
+  if (!library.LibraryLoaded()) return kExitNotLoaded;
+  std::string message;
+  Frames::Append(message, {kReady});
+  if (!Console::WriteAll(outcomes, message)) return kExitDone;
+
+  DocumentProcessor processor(library, settings.steps, settings.processing);
+  Frames::Reader reader;
+  Frames::Fields job;
+  while (reader.Fill(jobs)) {
+    while (reader.Next(job)) {
+      if (stop.load(std::memory_order_relaxed)) return kExitDone;
+      message.clear();
+      AppendOutcome(message, processor.Process(std::string(job[0]), std::string(job[1])));
+      // Nobody listens any more: the main process is gone.
+      if (!Console::WriteAll(outcomes, message)) return kExitDone;
+    }
+  }
+  return kExitDone;
+}
