@@ -8,10 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "host/CommandError.h"
 #include "host/NativeName.h"
@@ -21,17 +19,20 @@ namespace {
 bool EndsInPdf(std::string_view name) { return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0; }
 
 std::string RealPath(std::string_view name) {
-  const std::unique_ptr<char, decltype(&std::free)> path(realpath(std::string(name).c_str(), nullptr), &std::free);
-  return path ? std::string(path.get()) : std::string();
+  char* const found = realpath(std::string(name).c_str(), nullptr);
+  const std::string path = found != nullptr ? found : "";
+  std::free(found);
+  return path;
 }
 
 std::vector<std::string> NamesIn(const std::string& folder) {
   std::vector<std::string> names;
-  const std::unique_ptr<DIR, decltype(&closedir)> dir(opendir(folder.c_str()), &closedir);
-  if (!dir) return names;
-  while (const dirent* const entry = readdir(dir.get())) {
+  DIR* const dir = opendir(folder.c_str());
+  if (dir == nullptr) return names;
+  while (const dirent* const entry = readdir(dir)) {
     if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
   }
+  closedir(dir);
   std::sort(names.begin(), names.end());
   return names;
 }

@@ -138,7 +138,7 @@ void WorkerPool::HandOut(RunPlan& plan) {
 std::size_t WorkerPool::Depth(const RunPlan& plan) const {
   std::size_t depth = kFirstWaiting;
   if (received_ > 0) {
-    const auto perFile = (Clock::now() - start_) * wanted_ / received_;
+    const auto perFile = std::max<Clock::duration>((Clock::now() - start_) * wanted_ / received_, Clock::duration(1));
     depth = std::clamp<std::size_t>(static_cast<std::size_t>(kWaitingWork / perFile), 1, kMostWaiting);
   }
   const std::size_t fairShare = (plan.Remaining() + returned_.size()) / (2 * wanted_) + 1;

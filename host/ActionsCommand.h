@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/Command.h"
+
+// Lists the action plug-ins.
+class ActionsCommand : public Command {
+ public:
+  ActionsCommand();
+
+ protected:
+  int Execute() override;
+};

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/Command.h"
+
+// Opens an action's settings dialog as the host application does, and prints the settings.
+class EditCommand : public Command {
+ public:
+  EditCommand();
+
+  bool NeedsWindowSystem() const override { return true; }
+
+ protected:
+  void Check() override;
+  int Execute() override;
+
+ private:
+  int index_ = -1;
+};

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "host/Command.h"
+
+// Shows the action lists of the sequence folder.
+class ListsCommand : public Command {
+ public:
+  ListsCommand();
+
+ protected:
+  int Execute() override;
+};

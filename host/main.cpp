@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QApplication>
+#include <csignal>
+#include <exception>
+#include <memory>
+
+#include "host/CommandError.h"
+#include "host/Console.h"
+#include "host/NativeName.h"
+#include "host/Program.h"
+
+int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);
+  NativeName::InstallAsLocale();
+  QStringList arguments;
+  for (int i = 1; i < argc; ++i) arguments += NativeName::ToText(argv[i]);
+  // The application classes would take options of their own out of the command's.
+  int applicationArguments = argc > 0 ? 1 : 0;
+  try {
+    Program program;
+    program.Parse(arguments);
+    std::unique_ptr<QCoreApplication> application;
+    if (program.NeedsWindowSystem()) {
+      program.PrepareWindowSystem();
+      application = std::make_unique<QApplication>(applicationArguments, argv);
+    } else {
+      application = std::make_unique<QCoreApplication>(applicationArguments, argv);
+    }
+    NativeName::InstallAsLocale();
+    QCoreApplication::setApplicationName(QStringLiteral("vorlane-run"));
+    return program.Run();
+  } catch (const CommandError& error) {
+    Console::Error(error.Message());
+    return error.Code();
+  } catch (const std::exception& exception) {
+    Console::Error(QString::fromLocal8Bit(exception.what()));
+    return kExitSomeFailed;
+  }
+}

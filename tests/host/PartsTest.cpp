@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <filesystem>
+
+#include "host/CommandError.h"
+#include "host/Console.h"
+#include "host/FileRecord.h"
+#include "host/Frames.h"
+#include "host/InputList.h"
+#include "host/NativeName.h"
+#include "host/OutputNames.h"
+#include "host/ResumedReport.h"
+
+namespace {
+
+void WriteFile(const QString& name, const QByteArray& content) {
+  QFile file(name);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(content);
+}
+
+TEST(NativeName, AnyBytesComeBack) {
+  std::string all;
+  for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
+  const std::string names[] = {
+      "plain.pdf", "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", "\xFF\xFE",         "cut \xE2\x82", "overlong \xC0\xAF",
+      "surrogate \xED\xB2\x80", "above \xF4\x90\x80\x80",   "\x80\xC3\xA4\x80", all,            ""};
+  for (const std::string& name : names) {
+    EXPECT_EQ(NativeName::ToBytes(NativeName::ToText(name)).toStdString(), name);
+  }
+  EXPECT_EQ(NativeName::ToText("\xC3\xA4\xF0\x9F\x98\x80"), QString::fromUtf8("\xC3\xA4\xF0\x9F\x98\x80"));
+  EXPECT_EQ(NativeName::ToWide("a\xF0\x9F\x98\x80\xFF"), (std::wstring{L'a', wchar_t{0x1F600}, wchar_t{0xDCFF}}));
+  EXPECT_EQ(NativeName::ToUnitPerByte("\xC3\xA4"), (std::wstring{wchar_t{0xC3}, wchar_t{0xA4}}));
+}
+
+TEST(Console, NamesCannotBreakALine) { EXPECT_EQ(Console::OneLine("a\nb\x1b\x7F\xC3\xA4"), "a\\x0Ab\\x1B\\x7F\xC3\xA4"); }
+
+TEST(OutputNames, CopyNumbersDependOnTheOrderOnly) {
+  OutputNames names("out");
+  const std::pair<const char*, const char*> rows[] = {
+      {"a.pdf", "out/a.pdf"},         {"a.pdf", "out/a (1).pdf"}, {"a (1).pdf", "out/a (1) (1).pdf"},
+      {"a.pdf", "out/a (2).pdf"},     {"d.e/a", "out/d.e/a"},     {"d.e/a", "out/d.e/a (1)"},
+      {".pdf", "out/.pdf"},           {".pdf", "out/.pdf (1)"},   {"A.pdf", "out/A.pdf"},
+      {"x (1).pdf", "out/x (1).pdf"}, {"x.pdf", "out/x.pdf"},     {"x.pdf", "out/x (2).pdf"}};
+  for (const auto& [relative, output] : rows) EXPECT_EQ(names.For(relative), output);
+}
+
+TEST(FileRecord, JsonHoldsEveryValue) {
+  FileRecord record;
+  record.file = "q\"\\\n\xFF\xC3\xA4.pdf";
+  record.status = FileRecord::Status::kFailed;
+  record.reason = "why \xE2\x82\xAC";
+  record.baseUrlBefore = {L'x', wchar_t{0x1F600}, wchar_t{0xD800}, wchar_t{7}};
+  record.microseconds = 1002003;
+  record.warnings = {"one", "two"};
+  const std::string json = record.ToJson();
+  EXPECT_EQ(json.find('\n'), std::string::npos);
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+  EXPECT_EQ(NativeName::ToBytes(object["file"].toString()).toStdString(), record.file);
+  EXPECT_EQ(object["status"].toString(), "failed");
+  EXPECT_EQ(object["reason"].toString(), QString::fromUtf8("why \xE2\x82\xAC"));
+  EXPECT_EQ(object["baseUrlBefore"].toString().size(), 5);
+  EXPECT_DOUBLE_EQ(object["milliseconds"].toDouble(), 1002.003);
+  EXPECT_EQ(object["warnings"].toArray().size(), 2);
+}
+
+TEST(ResumedReport, ReadsBothFormsAndPassesOverATornLine) {
+  const QByteArray done = R"({"file":"a","output":"o/a","status":"done"})";
+  const QByteArray failed = R"({"file":"b","output":"o/b","status":"failed"})";
+  const struct {
+    const char* name;
+    QByteArray content;
+    std::size_t count;
+  } rows[] = {{"lines", done + '\n' + failed + '\n', 1},
+              {"array", "[\n" + done + ",\n" + failed + "\n]\n", 1},
+              {"laid out anew", QJsonDocument::fromJson('[' + done + ',' + failed + ']').toJson(), 1},
+              {"torn", done + '\n' + failed.left(12), 1},
+              {"only a torn line", done.left(20), 0},
+              {"empty", "", 0},
+              {"empty array", "[\n]\n", 0},
+              {"failed, then done", failed + '\n' + done + '\n' + done + '\n', 1}};
+  for (const auto& row : rows) {
+    WriteFile("report", row.content);
+    std::size_t carried = 0;
+    const ResumedReport report("report", [&](const QByteArray&) { ++carried; });
+    EXPECT_EQ(report.Count(), row.count) << row.name;
+    EXPECT_EQ(carried, row.count) << row.name;
+    EXPECT_EQ(report.Done("a", "o/a"), row.count == 1) << row.name;
+    EXPECT_FALSE(report.Done("a", "elsewhere/a") || report.Done("b", "o/b")) << row.name;
+  }
+  WriteFile("report", "%PDF-1.4\n");
+  EXPECT_THROW(ResumedReport("report", [](const QByteArray&) {}), CommandError);
+  EXPECT_THROW(ResumedReport("missing", [](const QByteArray&) {}), CommandError);
+}
+
+TEST(InputList, FoldersLinksAndLists) {
+  namespace fs = std::filesystem;
+  fs::create_directories("d/sub");
+  fs::create_directories("d/out");
+  for (const char* name : {"d/b.PDF", "d/a.pdf", "d/sub/c.pdf", "d/notes.txt", "d/out/left.pdf"}) WriteFile(name, "x");
+  fs::create_directory_symlink("..", "d/sub/loop");
+  fs::create_symlink("a.pdf", "d/link.pdf");
+  fs::create_hard_link("d/a.pdf", "d/hard.pdf");
+  struct stat status;
+  ASSERT_EQ(stat("d/out", &status), 0);
+  const FileIdentity out{status.st_dev, status.st_ino};
+
+  InputList inputs(true, &out);
+  inputs.Add("d");
+  inputs.Add("missing");
+  WriteFile("names", QByteArray("d/a.pdf\0new\nline\0", 17));
+  inputs.AddFrom("names");
+  std::vector<std::string> files;
+  std::vector<long> same;
+  for (std::size_t i = 0; i < inputs.Count(); ++i) {
+    files.push_back(inputs.File(i));
+    same.push_back(inputs.SameFileAs(i));
+  }
+  EXPECT_THAT(files, testing::ElementsAre("d/a.pdf", "d/b.PDF", "d/hard.pdf", "d/link.pdf", "d/sub/c.pdf", "missing",
+                                          "d/a.pdf", "new\nline"));
+  EXPECT_THAT(same, testing::ElementsAre(-1, -1, -1, 0, -1, -1, 0, -1));
+  EXPECT_EQ(inputs.Relative(4), "sub/c.pdf");
+  EXPECT_EQ(inputs.Relative(6), "a.pdf");
+  EXPECT_THROW(inputs.AddFrom("nowhere"), CommandError);
+}
+
+TEST(Frames, MessagesSurviveAnyCutting) {
+  std::string bytes;
+  const std::string large(200000, 'x');
+  Frames::Append(bytes, {"", "a", std::string_view("\0b", 2)});
+  Frames::Append(bytes, {});
+  Frames::Append(bytes, {large});
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  Frames::Reader reader;
+  Frames::Fields fields;
+  std::vector<std::vector<std::string>> messages;
+  for (std::size_t at = 0; at < bytes.size(); at += 7) {
+    ASSERT_TRUE(Console::WriteAll(ends[1], std::string_view(bytes).substr(at, 7)));
+    ASSERT_TRUE(reader.Fill(ends[0]));
+    while (reader.Next(fields)) messages.emplace_back(fields.begin(), fields.end());
+  }
+  close(ends[1]);
+  EXPECT_FALSE(reader.Fill(ends[0]));
+  close(ends[0]);
+  EXPECT_THAT(messages, testing::ElementsAre(testing::ElementsAre("", "a", std::string("\0b", 2)), testing::IsEmpty(),
+                                             testing::ElementsAre(large)));
+}
+
+}  // namespace
