@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+#include "tests/host/ProgramRun.h"
+
+namespace {
+
+void Interrupt(QProcess& process, int signal) { kill(static_cast<pid_t>(process.processId()), signal); }
+
+// Waits until the run has left traces of its work.
+void WaitForLines(const QString& file, int lines) {
+  QElapsedTimer timer;
+  timer.start();
+  while (timer.elapsed() < 20000 && (!QFile::exists(file) || ReadFile(file).count('\n') < lines)) usleep(5000);
+}
+
+class Interrupted : public testing::TestWithParam<std::pair<const char*, int>> {};
+
+TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
+  const auto [jobs, signal] = GetParam();
+  QStringList files;
+  for (int i = 0; i < 30; ++i) files += QString("slow%1.pdf").arg(i);
+  for (const QString& file : files) WriteFile(file, MakePdf());
+  const QStringList run = ProbeRun({"--jobs", jobs, "--output-dir", "out", "--report", "r.jsonl"});
+  const auto process = StartProgram(run + files);
+  WaitForLines("r.jsonl", 3);
+  Interrupt(*process, signal);
+  const ProgramResult result = FinishProgram(*process);
+  EXPECT_EQ(result.code, 128 + signal);
+  EXPECT_THAT(result.err.toStdString(), testing::HasSubstr("left: interrupted"));
+  const auto report = ReadReport(ReadFile("r.jsonl"));
+  EXPECT_LT(report.size(), files.size());
+  for (const QJsonObject& record : report) EXPECT_EQ(record["status"].toString(), "done");
+  EXPECT_EQ(QDir("out").entryList(QDir::Files | QDir::Hidden).size(), report.size());
+
+  EXPECT_EQ(RunProgram(run + QStringList{"--resume", "r.jsonl"} + files).code, 0);
+  EXPECT_EQ(ReadFile("r.jsonl").count('\n'), files.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, Interrupted,
+                         testing::Values(std::make_pair("1", SIGINT), std::make_pair("2", SIGTERM),
+                                         std::make_pair("0", SIGINT)));
+
+TEST(InterruptedTwice, FilesInHandAreNotWaitedFor) {
+  WriteFile("hang.pdf", MakePdf());
+  const auto process = StartProgram(ProbeRun({"--set", "log=log", "--in-place", "--report", "-", "hang.pdf"}));
+  WaitForLines("log", 2);
+  Interrupt(*process, SIGINT);
+  EXPECT_FALSE(process->waitForFinished(300));
+  Interrupt(*process, SIGINT);
+  const ProgramResult result = FinishProgram(*process);
+  EXPECT_EQ(result.code, 130);
+  EXPECT_EQ(ReadReport(result.out)["hang.pdf"]["reason"].toString(), "interrupted");
+  EXPECT_EQ(ReadFile("hang.pdf"), MakePdf());
+}
+
+}  // namespace

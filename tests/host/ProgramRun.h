@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QList>
+#include <QMap>
+#include <QProcess>
+#include <QStringList>
+#include <memory>
+
+// Runs the program as a user does, in the test's working folder.
+struct ProgramResult {
+  int code = -1;  // 128 + signal when it crashed
+  QByteArray out;
+  QByteArray err;
+};
+
+std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
+ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
+ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());
+
+// "run" with the Probe action.
+QStringList ProbeRun(const QStringList& more);
+
+void WriteFile(const QString& name, const QByteArray& content);
+QByteArray ReadFile(const QString& name);
+// A one-page PDF; `catalog` holds further entries of the catalog, `objects` further objects from number 4 on.
+QByteArray MakePdf(const QByteArray& catalog = QByteArray(), const QList<QByteArray>& objects = {});
+// A PDF with one signed field, with a certification of this level unless 0.
+QByteArray MakeSignedPdf(int certification = 0);
+// The same bytes with a cross-reference offset that leads nowhere.
+QByteArray BreakXref(QByteArray pdf);
+
+// The records of a report of either form, by file.
+QMap<QString, QJsonObject> ReadReport(const QByteArray& report);
+// What an independent program reads as the file's base URL.
+QByteArray BaseUrlOf(const QString& file);

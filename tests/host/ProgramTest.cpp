@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSettings>
+
+#include "tests/host/ProgramRun.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+const QStringList kSet{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://new/"};
+
+QStringList Words(const char* text) { return QString::fromUtf8(text).split(' ', Qt::SkipEmptyParts); }
+
+QString ProbeTools() { return QFileInfo(PROBEACTION_FILE).path(); }
+
+// An action list as the dialogs write it.
+void WriteList(const QString& file, const QString& name, const QStringList& actions) {
+  QSettings ini(file, QSettings::IniFormat);
+  ini.setValue("SequenceName", name);
+  ini.setValue("SequenceCategory", "Tests");
+  ini.setValue("IOSettings", 0);
+  for (int i = 0; i < actions.size(); ++i) {
+    ini.setValue(QString("ActionName%1").arg(i), actions[i]);
+    ini.setValue(QString("ActionPrefs%1").arg(i), QVariantMap{{"baseUrlString", QString("http://%1/").arg(i)}});
+  }
+}
+
+TEST(Program, BadUsageIsOneLineAndCode2) {
+  WriteFile("a.pdf", MakePdf());
+  const std::pair<const char*, const char*> rows[] = {
+      {"", "No command"},
+      {"fly", "Unknown command 'fly'"},
+      {"--bogus", "Unknown option"},
+      {"run --bogus", "Unknown option 'bogus'"},
+      {"run --jobs", "Missing value"},
+      {"run a.pdf --in-place", "'--list' or '--action'"},
+      {"run --action A a.pdf", "'--output-dir' or '--in-place'"},
+      {"run --action A --in-place", "No file"},
+      {"run --action A --in-place --output-dir o a.pdf", "exclude each other"},
+      {"run --action A --list L --in-place a.pdf", "exclude each other"},
+      {"run --list L --set k=v --in-place a.pdf", "exclude each other"},
+      {"run --action A --password p --password-file f --in-place a.pdf", "exclude each other"},
+      {"run --action A --action B --in-place a.pdf", "given twice"},
+      {"run --action A --set k --in-place a.pdf", "KEY=VALUE"},
+      {"run --action A --set k=1 --set k=2 --in-place a.pdf", "given twice"},
+      {"run --action A --in-place --jobs two a.pdf", "whole number"},
+      {"run --action A --in-place --jobs -1 a.pdf", "whole number"},
+      {"run --action A --in-place --jobs 0 --timeout 3 a.pdf", "--timeout"},
+      {"run --action A --output-dir= a.pdf", "needs a name"},
+      {"run --action Probe --in-place --files-from nowhere", "nowhere"},
+      {"run --action Probe --in-place --password-file nowhere a.pdf", "nowhere"},
+      {"run --action Probe --in-place --resume nowhere a.pdf", "nowhere"},
+      {"run --action Probe --in-place --resume a.pdf a.pdf", "not a report"},
+      {"run --action Probe --in-place --report a.pdf a.pdf", "overwrite an input"},
+      {"run --action Probe --in-place --report no/where a.pdf", "Cannot write the report"},
+      {"run --action Probe --output-dir a.pdf/o a.pdf", "output folder"},
+      {"show", "No file"},
+      {"edit", "'--action' or '--list'"},
+      {"edit --list l.xqq", "need each other"},
+      {"edit --action A --context attic", "--context"},
+      {"edit --action A extra", "extra"},
+      {"lists --bogus", "Unknown option"},
+      {"actions --tools-dir", "Missing value"}};
+  for (const auto& [arguments, message] : rows) {
+    QStringList words = Words(arguments);
+    if (words.contains("Probe")) words += {"--tools-dir", ProbeTools()};
+    const ProgramResult result = RunProgram(words);
+    EXPECT_EQ(result.code, 2) << arguments << result.err.toStdString();
+    EXPECT_THAT(result.err.toStdString(), HasSubstr(message)) << arguments;
+    EXPECT_EQ(result.err.count('\n'), 1) << result.err.toStdString();
+    EXPECT_TRUE(result.out.isEmpty()) << arguments;
+  }
+  EXPECT_EQ(ReadFile("a.pdf"), MakePdf());
+}
+
+TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
+  WriteFile("a.pdf", MakePdf());
+  WriteFile("noise.xqq", "\x7F""ELF\n\n[[[");
+  WriteList("unknown.xqq", "Unknown", {"Set Base URL", "No Such Action"});
+  WriteList("gap.xqq", "Gap", {});
+  QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionName0", "Set Base URL");
+  QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionPrefs0", "text");
+  QDir().mkdir("tools");
+  WriteFile("tools/broken.so", "no library");
+  const std::pair<QStringList, const char*> rows[] = {
+      {{"run", "--action", "No Such Action"}, "Unknown action 'No Such Action'"},
+      {{"run", "--list", "./unknown.xqq"}, "Unknown action 'No Such Action'"},
+      {{"run", "--list", "./missing.xqq"}, "no such file"},
+      {{"run", "--list", "No Such List"}, "no action list 'No Such List'"},
+      {{"run", "--list", "./noise.xqq"}, "noise.xqq"},
+      {{"run", "--list", "./gap.xqq"}, "no actions"},
+      {{"run", "--list", "./badprefs.xqq"}, "damaged"},
+      {{"run", "--action", "Set Base URL", "--tools-dir", "tools"}, "broken.so"},
+      {{"run", "--action", "Set Base URL", "--tools-dir", "nowhere"}, "nowhere"},
+      {{"run", "--action", "Set Base URL", "--pdf-library", "nowhere"}, "PDF library"},
+      {{"run", "--action", "Set Base URL", "--pdf-library", SETBASEURL_FILE}, "PDF library"},
+      {{"run", "--action", "Set Base URL", "--jobs", "0", "--pdf-library", "nowhere"}, "PDF library"}};
+  for (const auto& [arguments, message] : rows) {
+    const ProgramResult result = RunProgram(arguments + QStringList{"--in-place", "a.pdf"});
+    EXPECT_EQ(result.code, 3) << arguments.join(' ').toStdString() << result.err.toStdString();
+    EXPECT_THAT(result.err.toStdString(), HasSubstr(message));
+  }
+  EXPECT_EQ(ReadFile("a.pdf"), MakePdf());
+  EXPECT_EQ(RunProgram({"show", "--pdf-library", "nowhere", "a.pdf"}).code, 3);
+  EXPECT_EQ(RunProgram({"actions", "--tools-dir", "tools"}).code, 3);
+}
+
+TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
+  QDir().mkdir("in");
+  QDir().mkpath("out/taken.pdf");
+  WriteFile("in/good.pdf", MakePdf());
+  WriteFile("in/taken.pdf", MakePdf());
+  WriteFile("in/text.pdf", "no PDF at all");
+  WriteFile("in/empty.pdf", "");
+  WriteFile("in/hopeless.pdf", "%PDF-1.4\nnothing more");
+  WriteFile("in/signed.pdf", BreakXref(MakeSignedPdf()));
+  ASSERT_EQ(QProcess::execute("qpdf", {"--encrypt", "user", "owner", "256", "--", "in/good.pdf", "in/locked.pdf"}), 0);
+  WriteFile("out/own.pdf", MakePdf());
+  const QStringList files{"in/good.pdf",   "in/missing.pdf", "in/text.pdf",  "in/empty.pdf", "in/hopeless.pdf", "in",
+                          "in/locked.pdf", "in/taken.pdf",   "out/own.pdf", "in/signed.pdf"};
+  const std::pair<const char*, const char*> rows[] = {
+      {"in/missing.pdf", "no such file"},    {"in/text.pdf", "not a PDF"},
+      {"in/empty.pdf", "not a PDF"},         {"in/hopeless.pdf", "damaged beyond repair"},
+      {"in", "is a folder"},                 {"in/locked.pdf", "a password is needed"},
+      {"in/taken.pdf", "cannot write"},      {"out/own.pdf", "would overwrite an input"},
+      {"in/signed.pdf", "break the signatures"}};
+  const ProgramResult result = RunProgram(kSet + QStringList{"--output-dir", "out", "--report", "r.json"} + files);
+  EXPECT_EQ(result.code, 1);
+  const auto report = ReadReport(ReadFile("r.json"));
+  for (const auto& [file, reason] : rows) {
+    EXPECT_THAT(report[file]["reason"].toString().toStdString(), HasSubstr(reason)) << file;
+    EXPECT_THAT(result.err.toStdString(), HasSubstr(std::string(file) + ": ")) << file;
+  }
+  EXPECT_EQ(report.size(), files.size());
+  EXPECT_EQ(report["in/good.pdf"]["status"].toString(), "done");
+  EXPECT_EQ(report["in/good.pdf"]["baseUrlAfter"].toString(), "http://new/");
+  EXPECT_EQ(BaseUrlOf("out/good.pdf"), "http://new/");
+  EXPECT_EQ(ReadFile("out/own.pdf"), MakePdf());
+  EXPECT_EQ(QDir("out").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList({"good.pdf", "own.pdf", "taken.pdf"}));
+
+  WriteFile("pw", "user\n");
+  for (const QStringList& password : {QStringList{"--password", "user"}, QStringList{"--password-file", "pw"}}) {
+    EXPECT_EQ(RunProgram(kSet + password + QStringList{"--output-dir", "out", "in/locked.pdf"}).code, 0);
+  }
+  const ProgramResult wrong = RunProgram(kSet + QStringList{"--password", "x", "--in-place", "in/locked.pdf"});
+  EXPECT_EQ(wrong.code, 1);
+  EXPECT_THAT(wrong.err.toStdString(), HasSubstr("in/locked.pdf: wrong password"));
+}
+
+TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
+  QDir().mkdir("locked");
+  WriteFile("locked/a.pdf", MakePdf());
+  WriteFile("large.pdf", MakePdf("/X 4 0 R", {"<</Length 3000000>>stream\n" + QByteArray(3000000, 'x') + "\nendstream"}));
+  const QByteArray large = ReadFile("large.pdf");
+  QStringList limited = kSet + QStringList{"--in-place", "large.pdf"};
+  QProcess process;
+  process.start("bash", QStringList{"-c", "trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\"", VORLANE_RUN_FILE} + limited);
+  const ProgramResult full = FinishProgram(process);
+  EXPECT_EQ(full.code, 1) << full.err.toStdString();
+  EXPECT_THAT(full.err.toStdString(), HasSubstr("large.pdf: "));
+  EXPECT_TRUE(ReadFile("large.pdf") == large);
+
+  if (geteuid() != 0) {
+    QFile::setPermissions("locked", QFile::ReadOwner | QFile::ExeOwner);
+    const ProgramResult locked = RunProgram(kSet + QStringList{"--in-place", "locked/a.pdf"});
+    QFile::setPermissions("locked", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_EQ(locked.code, 1);
+    EXPECT_THAT(locked.err.toStdString(), HasSubstr("cannot write"));
+    EXPECT_EQ(ReadFile("locked/a.pdf"), MakePdf());
+  }
+  EXPECT_EQ(QDir(".").entryList(QDir::Files | QDir::Hidden), QStringList({"large.pdf"}));
+}
+
+TEST(Program, SignedDocuments) {
+  WriteFile("signed.pdf", MakeSignedPdf());
+  WriteFile("certified.pdf", MakeSignedPdf(1));
+  WriteFile("broken.pdf", BreakXref(MakeSignedPdf()));
+  const ProgramResult result = RunProgram(kSet + QStringList{"--allow-breaking-signatures", "--in-place", "--report",
+                                                             "r.json", "signed.pdf", "certified.pdf", "broken.pdf"});
+  EXPECT_EQ(result.code, 0) << result.err.toStdString();
+  auto report = ReadReport(ReadFile("r.json"));
+  EXPECT_EQ(report["signed.pdf"]["way"].toString(), "incremental");
+  EXPECT_TRUE(report["signed.pdf"]["warnings"].toArray().isEmpty());
+  EXPECT_TRUE(ReadFile("signed.pdf").startsWith(MakeSignedPdf()));
+  EXPECT_THAT(report["certified.pdf"]["warnings"][0].toString().toStdString(), HasSubstr("certification"));
+  EXPECT_EQ(report["broken.pdf"]["way"].toString(), "rewrite");
+  EXPECT_THAT(report["broken.pdf"]["warnings"][0].toString().toStdString(), HasSubstr("breaks its signatures"));
+
+  const QByteArray once = ReadFile("signed.pdf");
+  EXPECT_EQ(RunProgram(kSet + QStringList{"--in-place", "--report", "r.json", "signed.pdf"}).code, 0);
+  report = ReadReport(ReadFile("r.json"));
+  EXPECT_EQ(report["signed.pdf"]["way"].toString(), "unchanged");
+  EXPECT_EQ(ReadFile("signed.pdf"), once);
+}
+
+TEST(Program, ListsByNameAndByFile) {
+  EXPECT_EQ(RunProgram({"lists"}).code, 0);  // makes the folders
+  const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + "/nolva software/PDF Tools/Actions/";
+  ASSERT_TRUE(QFileInfo(folder).isDir());
+  WriteList(folder + "My_List.xqq", "My List", {"Set Base URL", "Set Base URL"});
+  WriteList(folder + "twin1.xqq", "Twin", {"Set Base URL"});
+  WriteList(folder + "twin2.xqq", "Twin", {"Set Base URL"});
+  for (const QString& name : {QString("My List"), QString("My_List"), QString("My_List.xqq"), folder + "My_List.xqq"}) {
+    WriteFile("a.pdf", MakePdf());
+    const ProgramResult result = RunProgram({"run", "--list", name, "--in-place", "a.pdf"});
+    EXPECT_EQ(result.code, 0) << name.toStdString() << result.err.toStdString();
+    EXPECT_EQ(BaseUrlOf("a.pdf"), "http://1/");
+  }
+  EXPECT_THAT(RunProgram({"run", "--list", "Twin", "--in-place", "a.pdf"}).err.toStdString(), HasSubstr("Several"));
+  EXPECT_EQ(RunProgram({"run", "--list", "twin2", "--in-place", "a.pdf"}).code, 0);
+
+  const ProgramResult text = RunProgram({"lists"});
+  EXPECT_THAT(text.out.toStdString(), HasSubstr("My List\tTests\tSet Base URL, Set Base URL\n"));
+  const QJsonArray json = QJsonDocument::fromJson(RunProgram({"lists", "--json"}).out).array();
+  EXPECT_EQ(json[0]["actions"][1]["settings"]["baseUrlString"].toString(), "http://1/");
+  WriteFile(folder + "noise.xqq", "x");
+  const ProgramResult noisy = RunProgram({"lists"});
+  EXPECT_EQ(noisy.code, 3);
+  EXPECT_EQ(noisy.out, text.out);
+}
+
+TEST(Program, ShowsActionsHelpVersionAndUrls) {
+  EXPECT_EQ(RunProgram({"actions"}).out, "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\n");
+  const QJsonArray actions = QJsonDocument::fromJson(RunProgram({"actions", "--json"}).out).array();
+  EXPECT_EQ(actions[0]["flags"].toInt(), 15);
+  EXPECT_THAT(RunProgram({"--version"}).out.toStdString(), testing::MatchesRegex("vorlane-run [0-9.]+\n"));
+  EXPECT_THAT(RunProgram({"--help"}).out.toStdString(), HasSubstr("Exit codes"));
+  EXPECT_THAT(RunProgram({"run", "--help"}).out.toStdString(), HasSubstr("vorlane-run run [options] FILE..."));
+
+  WriteFile("a.pdf", MakePdf("/URI<</Base(http://old/)>>"));
+  WriteFile("-b\n.pdf", MakePdf());
+  const ProgramResult shown = RunProgram({"show", "a.pdf", "missing.pdf", "--", "-b\n.pdf"});
+  EXPECT_EQ(shown.code, 1);
+  EXPECT_EQ(shown.out, "a.pdf\thttp://old/\n-b\\x0A.pdf\t\n");
+  EXPECT_EQ(shown.err, "missing.pdf: no such file\n");
+
+  QProcess closed;
+  closed.start("bash", {"-c", "\"$0\" actions --json | true; exit ${PIPESTATUS[0]}", VORLANE_RUN_FILE});
+  EXPECT_LE(FinishProgram(closed).code, 1);
+}
+
+TEST(Program, EditHandsTheDialogWhatTheHostWould) {
+  WriteFile("a.pdf", MakePdf("/URI<</Base(http://old/)>>"));
+  WriteList("l.xqq", "L", {"Probe", "Probe"});
+  const QByteArray list = ReadFile("l.xqq");
+  const QStringList edit{"edit", "--tools-dir", ProbeTools()};
+  const std::pair<const char*, const char*> contexts[] = {
+      {"main", "VorlaneClass"}, {"preview", "VorlanePreviewClass"}, {"standalone", "none"}};
+  for (const auto& [context, parent] : contexts) {
+    const ProgramResult result = RunProgram(edit + QStringList{"--action", "Probe", "--set", "accept=1", "--context", context, "--document", "a.pdf"});
+    EXPECT_EQ(result.code, 0) << result.err.toStdString();
+    const QJsonObject settings = QJsonDocument::fromJson(result.out).object();
+    EXPECT_EQ(settings["context"].toString(), parent);
+    EXPECT_EQ(settings["document"].toString(), "http://old/");
+    EXPECT_TRUE(settings["skip"].toBool());
+  }
+  const ProgramResult cancelled = RunProgram(edit + QStringList{"--list", "./l.xqq", "--index", "1"});
+  EXPECT_EQ(cancelled.code, 1);
+  EXPECT_TRUE(cancelled.out.isEmpty());
+  EXPECT_EQ(ReadFile("l.xqq"), list);
+  EXPECT_EQ(RunProgram(edit + QStringList{"--list", "./l.xqq", "--index", "2"}).code, 3);
+  EXPECT_EQ(RunProgram(edit + QStringList{"--action", "Probe", "--document", "missing.pdf"}).code, 3);
+
+  QSettings("l.xqq", QSettings::IniFormat).setValue("ActionPrefs1", QVariantMap{{"accept", true}});
+  EXPECT_EQ(RunProgram(edit + QStringList{"--list", "./l.xqq", "--index", "1"}).code, 0);
+  const QSettings stored("l.xqq", QSettings::IniFormat);
+  EXPECT_EQ(stored.value("ActionPrefs1").toMap()["context"].toString(), "VorlaneClass");
+  EXPECT_EQ(stored.value("ActionPrefs0").toMap()["baseUrlString"].toString(), "http://0/");
+  EXPECT_EQ(stored.value("SequenceName").toString(), "L");
+}
+
+}  // namespace
