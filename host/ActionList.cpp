@@ -12,8 +12,12 @@ namespace {
 
 const QLatin1String kSuffix(".xqq");
 
-QString NameKey(int index) { return QStringLiteral("ActionName%1").arg(index); }
-QString SettingsKey(int index) { return QStringLiteral("ActionPrefs%1").arg(index); }
+QString NameKey(int index) {
+  return QStringLiteral("ActionName%1").arg(index);
+}
+QString SettingsKey(int index) {
+  return QStringLiteral("ActionPrefs%1").arg(index);
+}
 
 }  // namespace
 
@@ -66,8 +70,9 @@ QString ActionList::Locate(const QString& name, const QString& folder) {
     throw CommandError(kExitNotLoaded, QStringLiteral("There is no action list '%1' in %2.").arg(name, folder));
   }
   if (found.size() > 1) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("Several action lists are named '%1': %2")
-                                           .arg(name, found.join(QStringLiteral(", "))));
+    throw CommandError(
+        kExitNotLoaded,
+        QStringLiteral("Several action lists are named '%1': %2").arg(name, found.join(QStringLiteral(", "))));
   }
   return found.constFirst();
 }

@@ -21,12 +21,10 @@ int ActionsCommand::Execute() {
   QString text;
   for (const ActionCatalog::Entry& entry : catalog.All()) {
     CActionInterface& action = *entry.action;
-    array += QJsonObject{{QStringLiteral("name"), action.GetActionName()},
-                         {QStringLiteral("displayName"), action.GetDisplayName()},
-                         {QStringLiteral("group"), action.GetGroupName()},
-                         {QStringLiteral("flags"), action.GetActionFlags()},
-                         {QStringLiteral("help"), action.GetActionHelp()},
-                         {QStringLiteral("file"), entry.file}};
+    array += QJsonObject{
+        {QStringLiteral("name"), action.GetActionName()}, {QStringLiteral("displayName"), action.GetDisplayName()},
+        {QStringLiteral("group"), action.GetGroupName()}, {QStringLiteral("flags"), action.GetActionFlags()},
+        {QStringLiteral("help"), action.GetActionHelp()}, {QStringLiteral("file"), entry.file}};
     text += QStringLiteral("%1\t%2\t%3\t%4\n")
                 .arg(action.GetActionName(), action.GetGroupName(), QString::number(action.GetActionFlags()),
                      action.GetActionHelp());

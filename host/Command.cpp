@@ -15,7 +15,9 @@
 
 namespace {
 
-std::string_view View(const QByteArray& bytes) { return {bytes.constData(), static_cast<std::size_t>(bytes.size())}; }
+std::string_view View(const QByteArray& bytes) {
+  return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
 
 }  // namespace
 
@@ -60,7 +62,9 @@ void Command::AddOption(const QString& name, const QString& description, const Q
   parser_.addOption(QCommandLineOption(name, description, value));
 }
 
-QByteArray Command::BytesOf(const char* name) const { return NativeName::ToBytes(Value(name)); }
+QByteArray Command::BytesOf(const char* name) const {
+  return NativeName::ToBytes(Value(name));
+}
 
 int Command::Number(const char* name, int fallback, int least, int most) const {
   if (!IsSet(name)) return fallback;
@@ -77,8 +81,9 @@ int Command::Number(const char* name, int fallback, int least, int most) const {
 
 void Command::Exclude(const char* one, const char* other) const {
   if (IsSet(one) && IsSet(other)) {
-    throw CommandError(kExitUsage, QStringLiteral("Options '--%1' and '--%2' exclude each other.")
-                                       .arg(QLatin1String(one), QLatin1String(other)));
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("Options '--%1' and '--%2' exclude each other.").arg(QLatin1String(one), QLatin1String(other)));
   }
 }
 
@@ -117,8 +122,8 @@ std::wstring Command::Password() const {
   if (!IsSet("password-file")) return NativeName::ToWide(View(BytesOf("password")));
   QFile file(Value("password-file"));
   if (!file.open(QIODevice::ReadOnly)) {
-    throw CommandError(kExitUsage,
-                       QStringLiteral("Cannot read the password file '%1': %2").arg(file.fileName(), file.errorString()));
+    throw CommandError(
+        kExitUsage, QStringLiteral("Cannot read the password file '%1': %2").arg(file.fileName(), file.errorString()));
   }
   QByteArray line = file.readLine(1 << 20);
   while (line.endsWith('\n') || line.endsWith('\r')) line.chop(1);

@@ -9,7 +9,9 @@
 
 namespace {
 
-std::string_view View(const QByteArray& bytes) { return {bytes.constData(), static_cast<std::size_t>(bytes.size())}; }
+std::string_view View(const QByteArray& bytes) {
+  return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
 
 }  // namespace
 
@@ -23,11 +25,17 @@ bool Console::WriteAll(int descriptor, std::string_view bytes) {
   return true;
 }
 
-bool Console::Print(const QByteArray& text) { return WriteAll(STDOUT_FILENO, View(text)); }
+bool Console::Print(const QByteArray& text) {
+  return WriteAll(STDOUT_FILENO, View(text));
+}
 
-bool Console::Print(const QString& text) { return Print(NativeName::ToBytes(text)); }
+bool Console::Print(const QString& text) {
+  return Print(NativeName::ToBytes(text));
+}
 
-void Console::Error(const QString& message) { ErrorAbout("vorlane-run", View(NativeName::ToBytes(message))); }
+void Console::Error(const QString& message) {
+  ErrorAbout("vorlane-run", View(NativeName::ToBytes(message)));
+}
 
 void Console::ErrorAbout(std::string_view subject, std::string_view message) {
   WriteAll(STDERR_FILENO, View(OneLine(subject) + ": " + OneLine(message) + '\n'));

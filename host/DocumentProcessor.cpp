@@ -107,7 +107,15 @@ void DocumentProcessor::CheckSaving(FileRecord& record) {
 }
 
 void DocumentProcessor::Save(FileRecord& record) {
-  if (library_.SaveToFile(NativeName::ToWide(record.output)) == 0) {
-    throw Failure{LibraryReason(library_.LastErrorCode())};
+  const std::wstring output = NativeName::ToWide(record.output);
+  if (library_.SaveToFile(output) != 0) return;
+  int error = library_.LastErrorCode();
+  // Only the attempt showed that a signed document must be rewritten; the next attempt would do so.
+  if (error == kErrorCannotAppend) {
+    if (!options_.allowBreakingSignatures) throw Failure{"signed, and saving would break the signatures"};
+    record.way = "rewrite";
+    record.warnings.push_back("the file was rewritten, which breaks its signatures");
+    error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
+  if (error != kErrorNone) throw Failure{LibraryReason(error)};
 }

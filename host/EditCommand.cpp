@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/EditCommand.h"
 
+#include <climits>
+#include <memory>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QWidget>
-#include <climits>
-#include <memory>
 
 #include "host/ActionCatalog.h"
 #include "host/ActionList.h"
@@ -36,12 +36,13 @@ std::unique_ptr<Library> OpenDocument(const std::wstring& libraryFile, const std
                                       const std::wstring& password) {
   auto library = std::make_unique<Library>(libraryFile);
   if (!library->LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
+    throw CommandError(kExitNotLoaded,
+                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   if (library->LoadFromFile(NativeName::ToWide(file), password) == 0) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("Cannot open '%1': %2")
-                                           .arg(NativeName::ToText(file),
-                                                QLatin1String(LibraryReason(library->LastErrorCode()))));
+    throw CommandError(kExitNotLoaded,
+                       QStringLiteral("Cannot open '%1': %2")
+                           .arg(NativeName::ToText(file), QLatin1String(LibraryReason(library->LastErrorCode()))));
   }
   return library;
 }
@@ -94,7 +95,8 @@ int EditCommand::Execute() {
     listFile = ActionList::Locate(Value("list"), CUtils::GetSequenceFolder());
     const ActionList list = ActionList::Read(listFile);
     if (index_ >= static_cast<int>(list.Steps().size())) {
-      throw CommandError(kExitNotLoaded, QStringLiteral("The action list '%1' has no action %2.").arg(listFile).arg(index_));
+      throw CommandError(kExitNotLoaded,
+                         QStringLiteral("The action list '%1' has no action %2.").arg(listFile).arg(index_));
     }
     const ActionList::Step& step = list.Steps()[static_cast<std::size_t>(index_)];
     actionName = step.actionName;

@@ -16,7 +16,9 @@
 
 namespace {
 
-bool EndsInPdf(std::string_view name) { return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0; }
+bool EndsInPdf(std::string_view name) {
+  return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0;
+}
 
 std::string RealPath(std::string_view name) {
   char* const found = realpath(std::string(name).c_str(), nullptr);
@@ -30,7 +32,8 @@ std::vector<std::string> NamesIn(const std::string& folder) {
   DIR* const dir = opendir(folder.c_str());
   if (dir == nullptr) return names;
   while (const dirent* const entry = readdir(dir)) {
-    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) names.emplace_back(entry->d_name);
+    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+      names.emplace_back(entry->d_name);
   }
   closedir(dir);
   std::sort(names.begin(), names.end());
@@ -39,8 +42,9 @@ std::vector<std::string> NamesIn(const std::string& folder) {
 
 std::string ReadAll(const std::string& listFile) {
   const auto fail = [&] {
-    return CommandError(kExitUsage, QStringLiteral("Cannot read the list of files '%1': %2")
-                                        .arg(NativeName::ToText(listFile), QString::fromLocal8Bit(std::strerror(errno))));
+    return CommandError(kExitUsage,
+                        QStringLiteral("Cannot read the list of files '%1': %2")
+                            .arg(NativeName::ToText(listFile), QString::fromLocal8Bit(std::strerror(errno))));
   };
   const int descriptor = listFile == "-" ? STDIN_FILENO : open(listFile.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throw fail();

@@ -27,8 +27,9 @@ struct std::hash<FileIdentity> {
 // little more in memory than their names.
 class InputList {
  public:
-  // With `recursive`, folders stand for the "*.pdf" files below them (the suffix in any case), in the byte order of their
-  // names; links to folders are not followed. `leaveOut`, if not null, is a folder that is not entered: the output's own.
+  // With `recursive`, folders stand for the "*.pdf" files below them (the suffix in any case), in the byte order of
+  // their names; links to folders are not followed. `leaveOut`, if not null, is a folder that is not entered: the
+  // output's own.
   InputList(bool recursive, const FileIdentity* leaveOut) : recursive_(recursive), leaveOut_(leaveOut) {}
 
   void Add(const std::string& name);

@@ -35,6 +35,10 @@ void Interruption::LeaveToParent() {
   Handle(SIGTERM, SIG_IGN);
 }
 
-int Interruption::Signal() { return gSignal; }
+int Interruption::Signal() {
+  return gSignal;
+}
 
-int Interruption::Count() { return gCount; }
+int Interruption::Count() {
+  return gCount;
+}

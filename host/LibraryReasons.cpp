@@ -31,6 +31,10 @@ const char* LibraryReason(int errorCode) {
       return "cannot write";
     case kErrorDiskFull:
       return "the disk is full";
+    case kErrorBackendMissing:
+      return "a part of the PDF library that this needs is missing";
+    case kErrorCannotAppend:
+      return "signed, and no update can be appended";
     case kErrorNone:
     case kErrorUnknownInstance:
     case kErrorBadBuffer:

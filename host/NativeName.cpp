@@ -7,7 +7,9 @@ namespace {
 
 constexpr char32_t kEscape = 0xDC00;
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+bool IsContinuation(unsigned char byte) {
+  return (byte & 0xC0) == 0x80;
+}
 
 // Length of the well-formed UTF-8 sequence at the start of `bytes` and its code point; length 0 when there is none.
 int DecodeOne(std::string_view bytes, char32_t& codePoint) {
@@ -17,7 +19,10 @@ int DecodeOne(std::string_view bytes, char32_t& codePoint) {
     codePoint = lead;
     return 1;
   }
-  const int length = lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+  const int length = lead >= 0xC2 && lead < 0xE0   ? 2
+                     : lead >= 0xE0 && lead < 0xF0 ? 3
+                     : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                   : 0;
   if (length == 0 || bytes.size() < static_cast<std::size_t>(length)) return 0;
   codePoint = lead & (0x7Fu >> length);
   for (int i = 1; i < length; ++i) {

@@ -5,7 +5,9 @@
 
 namespace {
 
-std::uint64_t Hash(const std::string& name) { return std::hash<std::string>()(name); }
+std::uint64_t Hash(const std::string& name) {
+  return std::hash<std::string>()(name);
+}
 
 }  // namespace
 
@@ -13,7 +15,9 @@ OutputNames::OutputNames(const std::string& folder) : folder_(folder) {
   if (folder_.back() != '/') folder_ += '/';
 }
 
-bool OutputNames::Take(const std::string& name) { return taken_.try_emplace(Hash(name), 1).second; }
+bool OutputNames::Take(const std::string& name) {
+  return taken_.try_emplace(Hash(name), 1).second;
+}
 
 std::string OutputNames::For(const std::string& relative) {
   if (Take(relative)) return folder_ + relative;

@@ -49,9 +49,9 @@ QString Program::Help() const {
   for (const std::unique_ptr<Command>& command : commands_) {
     text += QStringLiteral("  %1  %2\n").arg(command->Name(), -10).arg(command->Summary());
   }
-  text +=
-      QStringLiteral("\nExit codes: 0 all done; 1 some documents failed; 2 bad usage; 3 a plug-in, an action list or the "
-                     "PDF library\ncould not be loaded; 130 or 143 interrupted.\n");
+  text += QStringLiteral(
+      "\nExit codes: 0 all done; 1 some documents failed; 2 bad usage; 3 a plug-in, an action list or the "
+      "PDF library\ncould not be loaded; 130 or 143 interrupted.\n");
   return text;
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <QCommandLineParser>
 #include <QStringList>
-#include <memory>
 #include <vector>
 
 #include "host/Command.h"

@@ -58,9 +58,9 @@ bool ResumedReport::Take(const QByteArray& json, const std::function<void(const 
   if (!file.isString() || !status.isString()) return false;
   if (status.toString() != QLatin1String("done")) return true;
   const QString output = record.value(QLatin1String("output")).toString();
-  const bool isNew = done_.insert(Key(NativeName::ToBytes(file.toString()).toStdString(),
-                                      NativeName::ToBytes(output).toStdString()))
-                         .second;
+  const bool isNew =
+      done_.insert(Key(NativeName::ToBytes(file.toString()).toStdString(), NativeName::ToBytes(output).toStdString()))
+          .second;
   if (isNew) each(json);
   return true;
 }

@@ -29,7 +29,9 @@ namespace {
 constexpr int kMostJobs = 1024;
 constexpr int kMostSeconds = 1000000;
 
-int Cores() { return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs)); }
+int Cores() {
+  return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
+}
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   struct stat status;
@@ -74,13 +76,16 @@ RunCommand::RunCommand()
   AddOption(QStringLiteral("output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
-  AddOption(QStringLiteral("files-from"), QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
+  AddOption(QStringLiteral("files-from"),
+            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("recursive"), QStringLiteral("A folder stands for the PDF files below it."));
   AddPasswordOptions();
-  AddOption(QStringLiteral("report"),
-            QStringLiteral("JSON report: an array at the end; '-' or a name ending in .jsonl: a line for each file as it finishes."),
-            QStringLiteral("FILE"));
+  AddOption(
+      QStringLiteral("report"),
+      QStringLiteral(
+          "JSON report: an array at the end; '-' or a name ending in .jsonl: a line for each file as it finishes."),
+      QStringLiteral("FILE"));
   AddOption(QStringLiteral("resume"), QStringLiteral("Leaves out the files that this earlier report says are done."),
             QStringLiteral("REPORT"));
   AddOption(QStringLiteral("jobs"),
@@ -174,6 +179,7 @@ int RunCommand::Execute() {
   const std::string earlier = BytesOf("resume").toStdString();
   const ResumedReport resumed = earlier.empty() ? ResumedReport() : ResumedReport(earlier, [](const QByteArray&) {});
   const bool append = !earlier.empty() && RunReporter::IsStreamed(report) && IdentityOf(report) == IdentityOf(earlier);
+  if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
   RunReporter reporter(report, append, IsSet("quiet"));
   reporter.SetTotal(inputs.Count());
   if (!earlier.empty() && !append) {
@@ -183,7 +189,6 @@ int RunCommand::Execute() {
   }
 
   CallSequenceProc(steps, &CActionInterface::PreSequenceProc, "before");
-  if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
   RunPlan plan(inputs, outputFolder, resumed);
   if (jobs_ == 0) {
     RunHere(plan, steps, options, reporter);
@@ -201,7 +206,8 @@ void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const
                          RunReporter& reporter) const {
   HalvexPDFLibraryCPDylibCPP1311 library(LibraryFile());
   if (!library.LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
+    throw CommandError(kExitNotLoaded,
+                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   DocumentProcessor processor(library, steps, options);
   while (Interruption::Signal() == 0) {

@@ -64,14 +64,17 @@ RunReporter::RunReporter(const std::string& report, bool append, bool quiet)
     device_ = std::move(file);
   }
   if (!opened) {
-    throw CommandError(kExitUsage, QStringLiteral("Cannot write the report '%1': %2")
-                                       .arg(NativeName::ToText(report), device_->errorString()));
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("Cannot write the report '%1': %2").arg(NativeName::ToText(report), device_->errorString()));
   }
 }
 
 RunReporter::~RunReporter() = default;
 
-void RunReporter::Carry(std::string_view json) { Write(json); }
+void RunReporter::Carry(std::string_view json) {
+  Write(json);
+}
 
 void RunReporter::Write(std::string_view json) {
   if (form_ == Form::kNone) return;
@@ -136,8 +139,8 @@ bool RunReporter::Finish(bool interrupted) {
     Flush();
   }
   if (broken_) {
-    Console::Error(QStringLiteral("Cannot write the report '%1': %2")
-                       .arg(NativeName::ToText(name_), device_->errorString()));
+    Console::Error(
+        QStringLiteral("Cannot write the report '%1': %2").arg(NativeName::ToText(name_), device_->errorString()));
   }
   if (!quiet_) Summarize(interrupted);
   return !broken_;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QIODevice>
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <QIODevice>
 #include <string>
 
 #include "host/Outcome.h"
@@ -14,10 +14,10 @@
 // progress bar and the closing line. Keeps counts only.
 class RunReporter {
  public:
-  // Names of reports: "-" streams one JSON line for each file as it finishes to the standard output; a name that ends in
-  // ".jsonl", or that is no regular file, does so to that file; any other name gets a JSON array, written at the end and
-  // at once. Empty: no report.
-  // `append` goes on with a report of lines, without its last line if that was cut off.
+  // Names of reports: "-" streams one JSON line for each file as it finishes to the standard output; a name that ends
+  // in
+  // ".jsonl", or that is no regular file, does so to that file; any other name gets a JSON array, written at the end
+  // and at once. Empty: no report. `append` goes on with a report of lines, without its last line if that was cut off.
   // Throws CommandError(kExitUsage) when the report cannot be written.
   RunReporter(const std::string& report, bool append, bool quiet);
   ~RunReporter();

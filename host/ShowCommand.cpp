@@ -23,7 +23,8 @@ int ShowCommand::Execute() {
   const std::wstring password = Password();
   HalvexPDFLibraryCPDylibCPP1311 library(LibraryFile());
   if (!library.LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
+    throw CommandError(kExitNotLoaded,
+                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   int code = kExitDone;
   for (const QString& argument : parser_.positionalArguments()) {

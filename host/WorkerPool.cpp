@@ -35,7 +35,9 @@ void CloseEnd(int& descriptor) {
   descriptor = -1;
 }
 
-CommandError NotLoaded(const QString& what) { return CommandError(kExitNotLoaded, what); }
+CommandError NotLoaded(const QString& what) {
+  return CommandError(kExitNotLoaded, what);
+}
 
 }  // namespace
 
@@ -233,9 +235,9 @@ void WorkerPool::Bury(Member& member) {
     record.file = member.outstanding.front().file;
     record.output = member.outstanding.front().output;
     record.status = FileRecord::Status::kFailed;
-    record.reason = member.timedOut                  ? "took longer than the time limit"
-                    : Interruption::Count() > 1      ? "interrupted"
-                                                     : HowItEnded(status);
+    record.reason = member.timedOut             ? "took longer than the time limit"
+                    : Interruption::Count() > 1 ? "interrupted"
+                                                : HowItEnded(status);
     reporter_.Take(record);
     member.outstanding.pop_front();
   }

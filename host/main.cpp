@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <QApplication>
 #include <csignal>
 #include <exception>
 #include <memory>
+#include <QApplication>
 
 #include "host/CommandError.h"
 #include "host/Console.h"

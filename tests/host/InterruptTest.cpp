@@ -11,7 +11,9 @@
 
 namespace {
 
-void Interrupt(QProcess& process, int signal) { kill(static_cast<pid_t>(process.processId()), signal); }
+void Interrupt(QProcess& process, int signal) {
+  kill(static_cast<pid_t>(process.processId()), signal);
+}
 
 // Waits until the run has left traces of its work.
 void WaitForLines(const QString& file, int lines) {

@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <filesystem>
 
 #include "host/CommandError.h"
 #include "host/Console.h"
@@ -28,9 +29,16 @@ void WriteFile(const QString& name, const QByteArray& content) {
 TEST(NativeName, AnyBytesComeBack) {
   std::string all;
   for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
-  const std::string names[] = {
-      "plain.pdf", "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", "\xFF\xFE",         "cut \xE2\x82", "overlong \xC0\xAF",
-      "surrogate \xED\xB2\x80", "above \xF4\x90\x80\x80",   "\x80\xC3\xA4\x80", all,            ""};
+  const std::string names[] = {"plain.pdf",
+                               "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
+                               "\xFF\xFE",
+                               "cut \xE2\x82",
+                               "overlong \xC0\xAF",
+                               "surrogate \xED\xB2\x80",
+                               "above \xF4\x90\x80\x80",
+                               "\x80\xC3\xA4\x80",
+                               all,
+                               ""};
   for (const std::string& name : names) {
     EXPECT_EQ(NativeName::ToBytes(NativeName::ToText(name)).toStdString(), name);
   }
@@ -39,7 +47,9 @@ TEST(NativeName, AnyBytesComeBack) {
   EXPECT_EQ(NativeName::ToUnitPerByte("\xC3\xA4"), (std::wstring{wchar_t{0xC3}, wchar_t{0xA4}}));
 }
 
-TEST(Console, NamesCannotBreakALine) { EXPECT_EQ(Console::OneLine("a\nb\x1b\x7F\xC3\xA4"), "a\\x0Ab\\x1B\\x7F\xC3\xA4"); }
+TEST(Console, NamesCannotBreakALine) {
+  EXPECT_EQ(Console::OneLine("a\nb\x1b\x7F\xC3\xA4"), "a\\x0Ab\\x1B\\x7F\xC3\xA4");
+}
 
 TEST(OutputNames, CopyNumbersDependOnTheOrderOnly) {
   OutputNames names("out");

@@ -3,10 +3,10 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <QFile>
 #include <QGuiApplication>
 #include <QWidget>
-#include <cstdlib>
 #include <stdexcept>
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
@@ -17,7 +17,7 @@ namespace {
 
 void Log(const WorkProcInfoStruct* info, const std::string& line) {
   QFile file(info->settings->value(QStringLiteral("log")).toString());
-  if (!file.open(QIODevice::Append | QIODevice::Unbuffered)) return;
+  if (file.fileName().isEmpty() || !file.open(QIODevice::Append | QIODevice::Unbuffered)) return;
   file.write((line + '\n').c_str());
 }
 

@@ -35,8 +35,9 @@ ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input) 
 }
 
 QStringList ProbeRun(const QStringList& more) {
-  return QStringList{"run",   "--tools-dir", QFileInfo(PROBEACTION_FILE).path(), "--action", "Probe", "--set",
-                     "baseUrlString=http://new/"} + more;
+  return QStringList{"run",   "--tools-dir", QFileInfo(PROBEACTION_FILE).path(), "--action",
+                     "Probe", "--set",       "baseUrlString=http://new/"} +
+         more;
 }
 
 void WriteFile(const QString& name, const QByteArray& content) {
@@ -69,13 +70,15 @@ QByteArray MakePdf(const QByteArray& catalog, const QList<QByteArray>& objects) 
 
 QByteArray MakeSignedPdf(int certification) {
   QByteArray catalog = "/AcroForm<</SigFlags 3/Fields[4 0 R]>>";
-  QByteArray signature = "<</Type/Sig/Filter/Adobe.PPKLite/SubFilter/adbe.pkcs7.detached/ByteRange[0 1 2 3]/Contents<00>";
+  QByteArray signature =
+      "<</Type/Sig/Filter/Adobe.PPKLite/SubFilter/adbe.pkcs7.detached/ByteRange[0 1 2 3]/Contents<00>";
   if (certification > 0) {
     catalog += "/Perms<</DocMDP 5 0 R>>";
     signature += "/Reference[<</Type/SigRef/TransformMethod/DocMDP/TransformParams<</Type/TransformParams/V/1.2/P " +
                  QByteArray::number(certification) + ">>>>]";
   }
-  return MakePdf(catalog, {"<</FT/Sig/T(s)/Type/Annot/Subtype/Widget/Rect[0 0 0 0]/P 3 0 R/V 5 0 R>>", signature + ">>"});
+  return MakePdf(catalog,
+                 {"<</FT/Sig/T(s)/Type/Annot/Subtype/Widget/Rect[0 0 0 0]/P 3 0 R/V 5 0 R>>", signature + ">>"});
 }
 
 QByteArray BreakXref(QByteArray pdf) {

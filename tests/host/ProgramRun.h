@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
 #include <QMap>
 #include <QProcess>
 #include <QStringList>
-#include <memory>
 
 // Runs the program as a user does, in the test's working folder.
 struct ProgramResult {

@@ -18,9 +18,13 @@ namespace {
 
 const QStringList kSet{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://new/"};
 
-QStringList Words(const char* text) { return QString::fromUtf8(text).split(' ', Qt::SkipEmptyParts); }
+QStringList Words(const char* text) {
+  return QString::fromUtf8(text).split(' ', Qt::SkipEmptyParts);
+}
 
-QString ProbeTools() { return QFileInfo(PROBEACTION_FILE).path(); }
+QString ProbeTools() {
+  return QFileInfo(PROBEACTION_FILE).path();
+}
 
 // An action list as the dialogs write it.
 void WriteList(const QString& file, const QString& name, const QStringList& actions) {
@@ -84,7 +88,9 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
 
 TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
   WriteFile("a.pdf", MakePdf());
-  WriteFile("noise.xqq", "\x7F""ELF\n\n[[[");
+  WriteFile("noise.xqq",
+            "\x7F"
+            "ELF\n\n[[[");
   WriteList("unknown.xqq", "Unknown", {"Set Base URL", "No Such Action"});
   WriteList("gap.xqq", "Gap", {});
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionName0", "Set Base URL");
@@ -125,14 +131,17 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
   WriteFile("in/signed.pdf", BreakXref(MakeSignedPdf()));
   ASSERT_EQ(QProcess::execute("qpdf", {"--encrypt", "user", "owner", "256", "--", "in/good.pdf", "in/locked.pdf"}), 0);
   WriteFile("out/own.pdf", MakePdf());
-  const QStringList files{"in/good.pdf",   "in/missing.pdf", "in/text.pdf",  "in/empty.pdf", "in/hopeless.pdf", "in",
-                          "in/locked.pdf", "in/taken.pdf",   "out/own.pdf", "in/signed.pdf"};
-  const std::pair<const char*, const char*> rows[] = {
-      {"in/missing.pdf", "no such file"},    {"in/text.pdf", "not a PDF"},
-      {"in/empty.pdf", "not a PDF"},         {"in/hopeless.pdf", "damaged beyond repair"},
-      {"in", "is a folder"},                 {"in/locked.pdf", "a password is needed"},
-      {"in/taken.pdf", "cannot write"},      {"out/own.pdf", "would overwrite an input"},
-      {"in/signed.pdf", "break the signatures"}};
+  const QStringList files{"in/good.pdf", "in/missing.pdf", "in/text.pdf",  "in/empty.pdf", "in/hopeless.pdf",
+                          "in",          "in/locked.pdf",  "in/taken.pdf", "out/own.pdf",  "in/signed.pdf"};
+  const std::pair<const char*, const char*> rows[] = {{"in/missing.pdf", "no such file"},
+                                                      {"in/text.pdf", "not a PDF"},
+                                                      {"in/empty.pdf", "not a PDF"},
+                                                      {"in/hopeless.pdf", "damaged beyond repair"},
+                                                      {"in", "is a folder"},
+                                                      {"in/locked.pdf", "a password is needed"},
+                                                      {"in/taken.pdf", "cannot write"},
+                                                      {"out/own.pdf", "would overwrite an input"},
+                                                      {"in/signed.pdf", "break the signatures"}};
   const ProgramResult result = RunProgram(kSet + QStringList{"--output-dir", "out", "--report", "r.json"} + files);
   EXPECT_EQ(result.code, 1);
   const auto report = ReadReport(ReadFile("r.json"));
@@ -145,7 +154,8 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
   EXPECT_EQ(report["in/good.pdf"]["baseUrlAfter"].toString(), "http://new/");
   EXPECT_EQ(BaseUrlOf("out/good.pdf"), "http://new/");
   EXPECT_EQ(ReadFile("out/own.pdf"), MakePdf());
-  EXPECT_EQ(QDir("out").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList({"good.pdf", "own.pdf", "taken.pdf"}));
+  EXPECT_EQ(QDir("out").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+            QStringList({"good.pdf", "own.pdf", "taken.pdf"}));
 
   WriteFile("pw", "user\n");
   for (const QStringList& password : {QStringList{"--password", "user"}, QStringList{"--password-file", "pw"}}) {
@@ -159,11 +169,13 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
 TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
   QDir().mkdir("locked");
   WriteFile("locked/a.pdf", MakePdf());
-  WriteFile("large.pdf", MakePdf("/X 4 0 R", {"<</Length 3000000>>stream\n" + QByteArray(3000000, 'x') + "\nendstream"}));
+  WriteFile("large.pdf",
+            MakePdf("/X 4 0 R", {"<</Length 3000000>>stream\n" + QByteArray(3000000, 'x') + "\nendstream"}));
   const QByteArray large = ReadFile("large.pdf");
   QStringList limited = kSet + QStringList{"--in-place", "large.pdf"};
   QProcess process;
-  process.start("bash", QStringList{"-c", "trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\"", VORLANE_RUN_FILE} + limited);
+  process.start("bash",
+                QStringList{"-c", "trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\"", VORLANE_RUN_FILE} + limited);
   const ProgramResult full = FinishProgram(process);
   EXPECT_EQ(full.code, 1) << full.err.toStdString();
   EXPECT_THAT(full.err.toStdString(), HasSubstr("large.pdf: "));
@@ -191,9 +203,10 @@ TEST(Program, SignedDocuments) {
   EXPECT_EQ(report["signed.pdf"]["way"].toString(), "incremental");
   EXPECT_TRUE(report["signed.pdf"]["warnings"].toArray().isEmpty());
   EXPECT_TRUE(ReadFile("signed.pdf").startsWith(MakeSignedPdf()));
-  EXPECT_THAT(report["certified.pdf"]["warnings"][0].toString().toStdString(), HasSubstr("certification"));
+  EXPECT_THAT(report["certified.pdf"]["warnings"].toArray()[0].toString().toStdString(), HasSubstr("certification"));
   EXPECT_EQ(report["broken.pdf"]["way"].toString(), "rewrite");
-  EXPECT_THAT(report["broken.pdf"]["warnings"][0].toString().toStdString(), HasSubstr("breaks its signatures"));
+  EXPECT_THAT(report["broken.pdf"]["warnings"].toArray()[0].toString().toStdString(),
+              HasSubstr("breaks its signatures"));
 
   const QByteArray once = ReadFile("signed.pdf");
   EXPECT_EQ(RunProgram(kSet + QStringList{"--in-place", "--report", "r.json", "signed.pdf"}).code, 0);
@@ -256,7 +269,8 @@ TEST(Program, EditHandsTheDialogWhatTheHostWould) {
   const std::pair<const char*, const char*> contexts[] = {
       {"main", "VorlaneClass"}, {"preview", "VorlanePreviewClass"}, {"standalone", "none"}};
   for (const auto& [context, parent] : contexts) {
-    const ProgramResult result = RunProgram(edit + QStringList{"--action", "Probe", "--set", "accept=1", "--context", context, "--document", "a.pdf"});
+    const ProgramResult result = RunProgram(
+        edit + QStringList{"--action", "Probe", "--set", "accept=1", "--context", context, "--document", "a.pdf"});
     EXPECT_EQ(result.code, 0) << result.err.toStdString();
     const QJsonObject settings = QJsonDocument::fromJson(result.out).object();
     EXPECT_EQ(settings["context"].toString(), parent);
