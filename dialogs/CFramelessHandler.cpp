@@ -171,10 +171,12 @@ std::optional<QRect> CFramelessHandler::resizedFrame(const CCursorPosCalculator&
 }
 
 void CFramelessHandler::resizeWidget(const QPoint& globalPos) {
-  const auto frame = resizedFrame(pressCursorPos, widget->frameGeometry(), widget->minimumSize(), globalPos);
+  const QRect current = widget->frameGeometry();
+  const auto frame = resizedFrame(pressCursorPos, current, widget->minimumSize(), globalPos);
   if (!frame) return;
-  widget->move(frame->topLeft());
-  widget->resize(frame->size());
+  // Move and resize as one request: in between, a window system may report the moved window with its old size, and the
+  // next step of the drag would take the far edge from there.
+  widget->setGeometry(QRect(frame->topLeft() + widget->geometry().topLeft() - current.topLeft(), frame->size()));
 }
 
 void CFramelessHandler::moveWidget(const QPoint& globalPos) {
