@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/quick/BaseUrl.h"
 
-#include "engine/quick/PdfSyntaxError.h"
+#include <string_view>
+
 #include "engine/quick/RawDictionary.h"
 
 namespace engine {
@@ -27,25 +28,6 @@ std::string Without(std::string_view text, const RawDictionary& dictionary, std:
     result.replace(entry->keyBegin, entry->value.end - entry->keyBegin, "");
   }
   return result;
-}
-
-std::string WithBase(std::string_view catalog, const std::string& stringObject) {
-  const RawDictionary dictionary(catalog);
-  if (dictionary.End() != catalog.size()) throw PdfSyntaxError();
-  const RawDictionary::Entry* uri = dictionary.Find(kUri);
-  if (uri != nullptr && uri->value.kind == PdfLexer::Kind::kReference) throw PdfSyntaxError();
-  if (uri == nullptr || uri->value.kind != PdfLexer::Kind::kDictionary) {
-    if (stringObject.empty()) return Without(catalog, dictionary, kUri);
-    return With(catalog, dictionary, kUri, "<</Base " + stringObject + ">>");
-  }
-  const std::string_view uriText = dictionary.Text(*uri);
-  const RawDictionary uriDictionary(uriText);
-  if (!stringObject.empty()) {
-    return With(catalog, dictionary, kUri, With(uriText, uriDictionary, kBase, stringObject));
-  }
-  const std::size_t others = uriDictionary.Entries().size() - (uriDictionary.Find(kBase) != nullptr ? 1 : 0);
-  if (others == 0) return Without(catalog, dictionary, kUri);
-  return With(catalog, dictionary, kUri, Without(uriText, uriDictionary, kBase));
 }
 
 }  // namespace
@@ -74,16 +56,22 @@ std::string LiteralString(const std::string& bytes) {
   return text + ')';
 }
 
-std::optional<std::string> WithBaseObject(const std::string& catalog, const std::string& stringObject) {
-  try {
-    return WithBase(catalog, stringObject);
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
-}
-
 std::string WithBaseUrl(const QuickDocument& document, const std::string& url) {
-  return WithBase(document.catalog, url.empty() ? std::string() : LiteralString(url));
+  const std::string_view catalog = document.catalog;
+  const RawDictionary dictionary(catalog);
+  const RawDictionary::Entry* uri = dictionary.Find(kUri);
+  if (uri == nullptr || uri->value.kind != PdfLexer::Kind::kDictionary) {
+    if (url.empty()) return Without(catalog, dictionary, kUri);
+    return With(catalog, dictionary, kUri, "<</Base " + LiteralString(url) + ">>");
+  }
+  const std::string_view uriText = dictionary.Text(*uri);
+  const RawDictionary uriDictionary(uriText);
+  if (!url.empty()) {
+    return With(catalog, dictionary, kUri, With(uriText, uriDictionary, kBase, LiteralString(url)));
+  }
+  const std::size_t others = uriDictionary.Entries().size() - (uriDictionary.Has(kBase) ? 1 : 0);
+  if (others == 0) return Without(catalog, dictionary, kUri);
+  return With(catalog, dictionary, kUri, Without(uriText, uriDictionary, kBase));
 }
 
 }  // namespace engine

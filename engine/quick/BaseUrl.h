@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "engine/quick/QuickDocument.h"
@@ -12,11 +11,6 @@ namespace engine {
 // byte of it is kept. `url` is ASCII; its delimiters are escaped. An empty one removes /Base, and /URI when nothing
 // else is in it.
 std::string WithBaseUrl(const QuickDocument& document, const std::string& url);
-
-// The same for the text of a catalog dictionary and a string object as it shall stand in the file, for instance
-// "<8F02...>" in an encrypted file; an empty one removes the entry. A /URI that is no dictionary is replaced. No value
-// when the text is no plain dictionary or /URI is a reference.
-std::optional<std::string> WithBaseObject(const std::string& catalog, const std::string& stringObject);
 
 // The bytes as a literal string object (ISO 32000-1, 7.3.4.2).
 std::string LiteralString(const std::string& bytes);

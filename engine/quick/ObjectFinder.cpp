@@ -62,12 +62,9 @@ std::string DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
 
 }  // namespace
 
-std::string ObjectFinder::ReadDictionary(ObjectId object, bool encrypted) const {
+std::string ObjectFinder::ReadDictionary(ObjectId object) const {
   const XrefSection::Entry entry = chain_.Find(object.number);
-  if (entry.type == Type::kInStream) {
-    if (encrypted) throw PdfSyntaxError();
-    return ReadFromStream(object, entry);
-  }
+  if (entry.type == Type::kInStream) return ReadFromStream(object, entry);
   PdfFileText::Object found = file_.ReadObject(OffsetOf(entry, object));
   if (found.id != object || found.dataOffset != 0) throw PdfSyntaxError();
   return std::move(found.dictionary);

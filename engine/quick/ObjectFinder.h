@@ -16,8 +16,8 @@ class ObjectFinder {
   // Both must outlive this object.
   ObjectFinder(const PdfFileText& file, const XrefChain& chain) : file_(file), chain_(chain) {}
 
-  // The text of the dictionary, "<<" to ">>". In an encrypted file object streams are out of reach.
-  std::string ReadDictionary(ObjectId object, bool encrypted) const;
+  // The text of the dictionary, "<<" to ">>".
+  std::string ReadDictionary(ObjectId object) const;
   // Throws unless there is such an object, as far as that can be seen without reading it.
   void CheckExists(ObjectId object) const;
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
+#include <string_view>
 
 #include "engine/quick/ObjectFinder.h"
 #include "engine/quick/PdfFileText.h"
@@ -118,7 +120,7 @@ QuickDocument ReadDocument(const InputFile& input) {
   if (document.tail.Encrypted()) throw PdfSyntaxError();
 
   const ObjectFinder finder(file, chain);
-  document.catalog = finder.ReadDictionary(document.tail.root, false);
+  document.catalog = finder.ReadDictionary(document.tail.root);
   const RawDictionary catalog(document.catalog);
   if (catalog.Text("/Type") != "/Catalog") throw PdfSyntaxError();
   // Sections whose offsets or numbers are shifted show here, if not at the catalog itself.
@@ -170,14 +172,6 @@ std::optional<QuickDocument> QuickReader::Read(const InputFile& file) {
 
 std::optional<FileTail> QuickReader::ReadTail(const InputFile& file) {
   return ValueOrNothing([&] { return ReadTailOf(file); });
-}
-
-std::optional<std::string> QuickReader::ReadDictionary(const InputFile& input, const FileTail& tail, ObjectId object) {
-  return ValueOrNothing([&] {
-    const PdfFileText file(input, tail.headerOffset);
-    const XrefChain chain(file, tail.startXref);
-    return ObjectFinder(file, chain).ReadDictionary(object, tail.Encrypted());
-  });
 }
 
 }  // namespace engine

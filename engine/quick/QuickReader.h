@@ -2,7 +2,6 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
 #include "engine/quick/QuickDocument.h"
 
@@ -21,10 +20,6 @@ class QuickReader {
   // The last cross-reference section alone, of encrypted files too and of files with bytes before the header. For a
   // document that a full parser opened without repair; no value when no update can be appended.
   static std::optional<FileTail> ReadTail(const InputFile& file);
-
-  // The bytes of a dictionary object as they stand in the file, strings of an encrypted file still encrypted. No value
-  // for an object inside an object stream of an encrypted file.
-  static std::optional<std::string> ReadDictionary(const InputFile& file, const FileTail& tail, ObjectId object);
 };
 
 }  // namespace engine

@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 
 ToolResult RunTool(const std::string& command) {
   ToolResult result;
@@ -19,8 +18,11 @@ ToolResult RunTool(const std::string& command) {
 }
 
 std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  std::string bytes(file ? static_cast<std::size_t>(file.tellg()) : 0, '\0');
+  file.seekg(0);
+  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return bytes;
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
