@@ -54,7 +54,7 @@ HalvexPDFLibraryCPDylibCPP1311::~HalvexPDFLibraryCPDylibCPP1311() {
 }
 
 HalvexPDFLibraryCPDylibCPP1311::LibraryFunction HalvexPDFLibraryCPDylibCPP1311::AttachFunction(const char* name,
-                                                                                              bool optional) {
+                                                                                               bool optional) {
   void* const symbol = libraryHandle_ != nullptr ? dlsym(libraryHandle_, name) : nullptr;
   if (symbol == nullptr && !optional) loadFailed_ = true;
   return reinterpret_cast<LibraryFunction>(symbol);
@@ -83,8 +83,14 @@ std::wstring HalvexPDFLibraryCPDylibCPP1311::WideStringResult(wchar_t* text, int
   return std::wstring(text, static_cast<std::size_t>(length));
 }
 
-int HalvexPDFLibraryCPDylibCPP1311::StringResultLength() { return Invoke<int>(Slot::StringResultLength); }
+int HalvexPDFLibraryCPDylibCPP1311::StringResultLength() {
+  return Invoke<int>(Slot::StringResultLength);
+}
 
-int HalvexPDFLibraryCPDylibCPP1311::AnsiStringResultLength() { return Invoke<int>(Slot::AnsiStringResultLength); }
+int HalvexPDFLibraryCPDylibCPP1311::AnsiStringResultLength() {
+  return Invoke<int>(Slot::AnsiStringResultLength);
+}
 
-void HalvexPDFLibraryCPDylibCPP1311::ReleaseBuffer(void* buffer) { Invoke<int>(Slot::ReleaseBuffer, buffer); }
+void HalvexPDFLibraryCPDylibCPP1311::ReleaseBuffer(void* buffer) {
+  Invoke<int>(Slot::ReleaseBuffer, buffer);
+}

@@ -52,7 +52,8 @@ struct HalvexPDFLibraryCPDylibCPP1311::Argument<std::wstring> {
 template <>
 struct HalvexPDFLibraryCPDylibCPP1311::Argument<std::string> {
   static bool Fits(const std::string& text) { return text.size() <= std::size_t{std::numeric_limits<int>::max()}; }
-  Argument(HalvexPDFLibraryCPDylibCPP1311& library, const std::string& text) : passed(library.StringParm(text, release)) {}
+  Argument(HalvexPDFLibraryCPDylibCPP1311& library, const std::string& text)
+      : passed(library.StringParm(text, release)) {}
   void Done(HalvexPDFLibraryCPDylibCPP1311& library) const {
     if (release != 0) library.ReleaseBuffer(passed);
   }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <QMap>
 #include <QString>
 #include <QVariant>
-#include <cstddef>
 
 class HalvexPDFLibraryCPDylibCPP1311;
 

@@ -10,6 +10,11 @@ def quoted(url):
     return url if url else "(none)"
 
 
+def shortest(path):
+    relative = os.path.relpath(path)
+    return path if relative.startswith("..") else relative
+
+
 def show(record):
     print(os.path.basename(record["file"]))
     if record["status"] != "done":
@@ -19,7 +24,7 @@ def show(record):
     print(f"  after   {quoted(record['baseUrlAfter'])}")
     way = {"incremental": "the old bytes kept, the change appended", "rewrite": "written anew",
            "unchanged": "a copy, nothing to change"}.get(record.get("way"), "")
-    print(f"  result  {os.path.relpath(record['output'])}" + (f"  ({way})" if way else ""))
+    print(f"  result  {shortest(record['output'])}" + (f"  ({way})" if way else ""))
     for warning in record.get("warnings", []):
         print(f"  warning: {warning}")
 
@@ -28,7 +33,7 @@ def main():
     # File names need not be valid in the locale's encoding.
     sys.stdout.reconfigure(encoding="utf-8", errors="surrogateescape")
     with open(sys.argv[-1], encoding="utf-8", errors="surrogateescape") as report:
-        records = json.load(report)
+        records = sorted(json.load(report), key=lambda record: record["file"])
     failed = [record for record in records if record["status"] != "done"]
     if "--failed" in sys.argv:
         print(" ".join(os.path.basename(record["file"]) for record in failed))

@@ -5,9 +5,13 @@
 
 extern "C" {
 #define HPL_SERVICE(name, c_result, c_parameters) \
-  c_result HPL##name c_parameters { return {}; }
+  c_result HPL##name c_parameters {               \
+    return {};                                    \
+  }
 #define HPL_FUNCTION(name, result, kinds, c_result, c_parameters, c_names) \
-  c_result HPL##name c_parameters { return {}; }
+  c_result HPL##name c_parameters {                                        \
+    return {};                                                             \
+  }
 #pragma GCC diagnostic ignored "-Wunused-parameter"
 #include "pdflib/LibraryFunctions.def"
 }

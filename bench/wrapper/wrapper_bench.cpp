@@ -11,7 +11,9 @@ namespace {
 
 constexpr const char* kLibrary = NOOPLIBRARY_FILE;
 
-std::wstring LibraryName() { return std::wstring(kLibrary, kLibrary + std::strlen(kLibrary)); }
+std::wstring LibraryName() {
+  return std::wstring(kLibrary, kLibrary + std::strlen(kLibrary));
+}
 
 void BareCall(benchmark::State& state) {
   void* const library = dlopen(kLibrary, RTLD_LAZY | RTLD_LOCAL);

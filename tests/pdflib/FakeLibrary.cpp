@@ -35,13 +35,17 @@ R Answer() {
   if constexpr (std::is_same_v<R, char*>) return gRecorder.byteResult.data();
 }
 
-int Length(std::size_t own) { return gRecorder.reportedLength == -1 ? static_cast<int>(own) : gRecorder.reportedLength; }
+int Length(std::size_t own) {
+  return gRecorder.reportedLength == -1 ? static_cast<int>(own) : gRecorder.reportedLength;
+}
 
 }  // namespace
 
 extern "C" {
 
-HPL_EXPORT FakeRecorder* FakeLibraryRecorder() { return &gRecorder; }
+HPL_EXPORT FakeRecorder* FakeLibraryRecorder() {
+  return &gRecorder;
+}
 
 int HPLCreateLibrary() {
   Record("HPLCreateLibrary");

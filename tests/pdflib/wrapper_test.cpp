@@ -13,7 +13,9 @@ namespace {
 
 using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
 
-std::wstring Wide(const char* path) { return std::wstring(path, path + std::strlen(path)); }
+std::wstring Wide(const char* path) {
+  return std::wstring(path, path + std::strlen(path));
+}
 
 // Keeps the recording library open, so that its record survives the wrapper under test.
 class OpenFake {
@@ -123,8 +125,12 @@ void CheckForwarding(const OpenFake& fake, Wrapper& wrapper, const FunctionRow& 
   std::vector<std::variant<int, double, void*>> expected{fake->instanceId};
   for (int i = 0; i < static_cast<int>(kinds.size()); ++i) {
     switch (kinds[static_cast<std::size_t>(i)]) {
-      case 'i': expected.emplace_back(ArgumentAt<int>(i)); break;
-      case 'd': expected.emplace_back(ArgumentAt<double>(i)); break;
+      case 'i':
+        expected.emplace_back(ArgumentAt<int>(i));
+        break;
+      case 'd':
+        expected.emplace_back(ArgumentAt<double>(i));
+        break;
       case 'w': {
         const auto text = ArgumentAt<std::wstring>(i);
         void* const buffer = text.empty() ? nullptr : calls.NextBuffer(BytesOf(text));
@@ -231,9 +237,8 @@ TEST(Wrapper, LayoutIsWhatHostsRelyOn) {
     std::uint8_t loadFailed;
     void* functions[856];
   };
-  std::vector<std::string> names = {"HPLCreateLibrary",       "HPLReleaseLibrary",
-                                    "HPLCreateBuffer",        "HPLAddToBuffer",
-                                    "HPLReleaseBuffer",       "HPLStringResultLength",
+  std::vector<std::string> names = {"HPLCreateLibrary",         "HPLReleaseLibrary", "HPLCreateBuffer",
+                                    "HPLAddToBuffer",           "HPLReleaseBuffer",  "HPLStringResultLength",
                                     "HPLAnsiStringResultLength"};
   for (const FunctionRow& row : Functions()) names.push_back(std::string("HPL") + row.name);
   std::sort(names.begin(), names.end());

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
 
+#include <cstring>
 #include <QJsonObject>
 #include <QPluginLoader>
 #include <QPointer>
-#include <cstring>
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "plugin/CActionInterface.h"

@@ -20,7 +20,9 @@ void Sandbox::Install() {
   testing::UnitTest::GetInstance()->listeners().Append(gSandbox);
 }
 
-QString Sandbox::Folder() { return gFolder; }
+QString Sandbox::Folder() {
+  return gFolder;
+}
 
 void Sandbox::Enter() {
   gSystemTemp.isEmpty() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", gSystemTemp);
@@ -42,7 +44,9 @@ void Sandbox::Enter() {
   QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, gFolder + "/config");
 }
 
-void Sandbox::OnTestStart(const testing::TestInfo&) { Enter(); }
+void Sandbox::OnTestStart(const testing::TestInfo&) {
+  Enter();
+}
 
 void Sandbox::OnTestEnd(const testing::TestInfo&) {
   QDir::setCurrent(QStringLiteral("/"));

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
 #include <memory>
+#include <QTemporaryDir>
 
 // Gives every test a home, XDG and temporary folder of its own, and makes it the working directory's neighbour:
 // nothing that a test does reaches the user's files.
