@@ -15,6 +15,7 @@
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/SignatureSearch.h"
 #include "engine/backend/StringCipher.h"
+#include "engine/backend/StructureGuard.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
@@ -177,6 +178,7 @@ void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& 
 
 std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile> file, const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  GuardStructure(*file);
   try {
     for (std::string& encoded : Encodings(password)) {
       document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });

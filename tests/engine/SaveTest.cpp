@@ -2,9 +2,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <optional>
 #include <ostream>
 
 #include "tests/engine/EngineFixture.h"
+#include "tests/engine/quick/FullParser.h"
+#include "tests/engine/quick/SampleFile.h"
 
 namespace {
 
@@ -209,6 +214,37 @@ TEST_F(SaveTest, FileNamesOfAnyBytes) {
   EXPECT_EQ(access("\xE2\x82\xAC \xFF\x80.pdf", F_OK), 0);
   ASSERT_EQ(library_.LoadFromFile(name, L""), 1);
   EXPECT_EQ(library_.GetDocumentFileName(), name);
+}
+
+// Every layout and defect that files are made for: what the full parser can open is saved, and sound if it was.
+class SampleTest : public EngineFixture, public testing::WithParamInterface<SampleFile> {};
+INSTANTIATE_TEST_SUITE_P(Files, SampleTest, testing::ValuesIn(SampleFile::All()), [](const auto& sample) {
+  std::string name = sample.param.name.substr(0, sample.param.name.find('.'));
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+});
+
+TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
+  const bool bomb = GetParam().name.find("bomb") != std::string::npos;
+  const auto reference = bomb ? std::nullopt : FullParser::Read(ReadFile(GetParam().path));
+  const auto start = std::chrono::steady_clock::now();
+  const bool loaded = library_.LoadFromFile(Wide(GetParam().path), L"") == 1;
+  EXPECT_EQ(loaded, reference.has_value()) << library_.LastErrorCode();
+  if (loaded) {
+    EXPECT_EQ(Narrow(library_.GetBaseURL()), reference->baseUrl);
+    ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+    const auto saved = FullParser::Read(ReadFile("out.pdf"));
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->baseUrl, Narrow(kUrl));
+    EXPECT_EQ(saved->pageCount, reference->pageCount);
+    EXPECT_TRUE(saved->Sound() || !reference->Sound());
+    if (reference->Sound()) {
+      EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), ReadFile(GetParam().path)) ||
+                  GetParam().name == "root-is-dictionary.pdf");
+    }
+  }
+  if (bomb) EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST_F(SaveTest, FailuresLoseNothing) {
