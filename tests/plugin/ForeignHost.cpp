@@ -9,15 +9,14 @@
 #include <QTextStream>
 #include <QTimer>
 
-namespace host {
-
-struct Call {
+// The host's own words for the contract. Only the names of the interface and its records are shared with the plug-in.
+struct WorkProcInfoStruct {
   void* fields[4];
   QMap<QString, QVariant>* settings;
   void* more[4];  // fields that the action knows nothing of
 };
 
-struct Edit {
+struct DialogLoadStruct {
   void* fields[4];
   QMap<QString, QVariant>* settings;
   void* field6;
@@ -25,12 +24,13 @@ struct Edit {
   unsigned char skipDocumentValue;
 };
 
-struct Action {
-  virtual ~Action() = default;
-  virtual int work(Call*) = 0;
-  virtual int edit(QWidget*, Edit*) = 0;
-  virtual int before(Call*) = 0;
-  virtual int after(Call*) = 0;
+class CActionInterface {
+ public:
+  virtual ~CActionInterface() = default;
+  virtual int work(WorkProcInfoStruct*) = 0;
+  virtual int edit(QWidget*, DialogLoadStruct*) = 0;
+  virtual int before(WorkProcInfoStruct*) = 0;
+  virtual int after(WorkProcInfoStruct*) = 0;
   virtual QString name() = 0;
   virtual QString displayName() = 0;
   virtual QString help() = 0;
@@ -38,6 +38,8 @@ struct Action {
   virtual int flags() = 0;
   virtual QString icon() = 0;
 };
+
+namespace {
 
 int fail(const QString& what) {
   QTextStream(stderr) << what << '\n';
@@ -48,7 +50,7 @@ int run(const QString& file) {
   QPluginLoader loader(file);
   QObject* root = loader.instance();
   if (!root) return fail(loader.errorString());
-  auto* action = static_cast<Action*>(root->qt_metacast("com.Halvex.Vorlane.ActionInterface_1.0"));
+  auto* action = static_cast<CActionInterface*>(root->qt_metacast("com.Halvex.Vorlane.ActionInterface_1.0"));
   if (!action) return fail("not an action");
   if (action->name() != "Set Base URL" || action->group() != "Document Properties" || action->flags() != 15) {
     return fail("not the action");
@@ -58,8 +60,8 @@ int run(const QString& file) {
   QWidget window;
   window.setObjectName("VorlaneClass");
   QMap<QString, QVariant> settings{{"baseUrlString", "http://old.example/"}, {"mine", 1}};
-  Edit edit{};
-  edit.settings = &settings;
+  DialogLoadStruct info{};
+  info.settings = &settings;
   QTimer timer;
   QObject::connect(&timer, &QTimer::timeout, [] {
     QWidget* dialog = QApplication::activeModalWidget();
@@ -68,15 +70,15 @@ int run(const QString& file) {
     dialog->findChild<QPushButton*>("okButton")->click();
   });
   timer.start(1);
-  if (action->edit(&window, &edit) != 1) return fail("the dialog was not accepted");
+  if (action->edit(&window, &info) != 1) return fail("the dialog was not accepted");
   const QMap<QString, QVariant> expected{
       {"ActionName", "Set Base URL"}, {"baseUrlString", "http://new.example/"}, {"mine", 1}};
   return settings == expected ? 0 : fail("the map was not edited");
 }
 
-}  // namespace host
+}  // namespace
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  return host::run(QString::fromLocal8Bit(argv[1]));
+  return run(QString::fromLocal8Bit(argv[1]));
 }
