@@ -244,7 +244,7 @@ TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
                   GetParam().name == "root-is-dictionary.pdf");
     }
   }
-  if (bomb) EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_TRUE(!bomb || std::chrono::steady_clock::now() - start < std::chrono::seconds(10));
 }
 
 TEST_F(SaveTest, FailuresLoseNothing) {
