@@ -20,16 +20,16 @@ constexpr int kShadowThickness = 8;
 constexpr int kHeaderHeight = 30;
 constexpr int kResizeBorder = 9;
 
-constexpr QLatin1String kPreviewName("VorlanePreviewClass");
-constexpr QLatin1String kMainWindowName("VorlaneClass");
+const QLatin1String kPreviewName("VorlanePreviewClass");
+const QLatin1String kMainWindowName("VorlaneClass");
 
-constexpr QLatin1String kHeaderStyle(
+const QLatin1String kHeaderStyle(
     "QFrame#VDheaderFrame {\n"
     "background-image: url(:/Vorlane/Resources/VorlaneHeader.png);\n"
     "background-repeat: no-repeat;\n"
     "}");
 
-constexpr QLatin1String kBlueTheme(
+const QLatin1String kBlueTheme(
     "QWidget#main_widget {background-color: rgb(255,255,255);color: rgb(0, 0, 0);}"
     "QFrame#VDmainFrame {background: rgb(147, 147 ,147);border: 1px solid rgb(50,50,170);}"
     "QGroupBox {border: 1px solid rgb(190,190,190);margin: 4px;margin-top: 6px;padding-top: 5px;}"
@@ -42,7 +42,7 @@ constexpr QLatin1String kBlueTheme(
     "border-top-right-radius: 6px;border-bottom-right-radius: 6px;}");
 
 // What makes the blue theme grey. The first pair matches nothing in the sheet above; it stays for sheets that have it.
-constexpr QLatin1String kGreyReplacements[][2] = {
+const QLatin1String kGreyReplacements[][2] = {
     {QLatin1String("background: rgb(0,0,31);"), QLatin1String("background: rgb(40,36,36);")},
     {QLatin1String("rgb(50,50,170);"), QLatin1String("rgb(140,130,130);")},
     {QLatin1String("rgba(70,90,160)"), QLatin1String("rgba(140,130,130)")},

@@ -14,7 +14,7 @@ constexpr std::size_t kMostSections = 1024;
 
 }  // namespace
 
-XrefChain::XrefChain(const PdfFileText& file, std::uint64_t startXref) : file_(file) {
+XrefChain::XrefChain(const PdfFileText& file, std::uint64_t startXref) {
   std::set<std::uint64_t> visited;
   const auto visit = [&](std::uint64_t offset) {
     if (offset == 0 || visited.size() >= kMostSections || !visited.insert(offset).second) throw PdfSyntaxError();

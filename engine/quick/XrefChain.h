@@ -28,7 +28,6 @@ class XrefChain {
     bool hybrid;  // some of its objects are in a stream beside the table
   };
 
-  const PdfFileText& file_;
   std::vector<Link> links_;
 };
 
