@@ -25,7 +25,7 @@ struct Picture {
 };
 
 constexpr Picture kPictures[] = {
-    {"settings-main-window", "VorlaneClass", nullptr, nullptr},
+    {"settings-main", "VorlaneClass", nullptr, nullptr},
     {"settings-preview", "VorlanePreviewClass", nullptr, nullptr},
     {"settings-standalone", "", nullptr, nullptr},
     {"add-to-action", "VorlaneClass", "VDtoolbarAddToActionListButton", "actionListNameLineEdit"},
