@@ -176,7 +176,9 @@ int RunCommand::Execute() {
 
   // Read before the new report may take the earlier one's place, and once more to carry its records over.
   const std::string report = BytesOf("report").toStdString();
-  const std::string earlier = BytesOf("resume").toStdString();
+  std::string earlier = BytesOf("resume").toStdString();
+  // The first run of a job that is told to resume itself has nothing to resume.
+  if (earlier == report && !IdentityOf(report)) earlier.clear();
   const ResumedReport resumed = earlier.empty() ? ResumedReport() : ResumedReport(earlier, [](const QByteArray&) {});
   const bool append = !earlier.empty() && RunReporter::IsStreamed(report) && IdentityOf(report) == IdentityOf(earlier);
   if (!outputFolder.empty()) MakeOutputFolder(outputFolder);

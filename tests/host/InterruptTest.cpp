@@ -22,14 +22,14 @@ void WaitForLines(const QString& file, int lines) {
   while (timer.elapsed() < 20000 && (!QFile::exists(file) || ReadFile(file).count('\n') < lines)) usleep(5000);
 }
 
-class Interrupted : public testing::TestWithParam<std::pair<const char*, int>> {};
+class Interrupted : public testing::TestWithParam<std::pair<int, int>> {};
 
 TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
   const auto [jobs, signal] = GetParam();
   QStringList files;
   for (int i = 0; i < 30; ++i) files += QString("slow%1.pdf").arg(i);
   for (const QString& file : files) WriteFile(file, MakePdf());
-  const QStringList run = ProbeRun({"--jobs", jobs, "--output-dir", "out", "--report", "r.jsonl"});
+  const QStringList run = ProbeRun({"--jobs", QString::number(jobs), "--output-dir", "out", "--report", "r.jsonl"});
   const auto process = StartProgram(run + files);
   WaitForLines("r.jsonl", 3);
   Interrupt(*process, signal);
@@ -46,8 +46,8 @@ TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, Interrupted,
-                         testing::Values(std::make_pair("1", SIGINT), std::make_pair("2", SIGTERM),
-                                         std::make_pair("0", SIGINT)));
+                         testing::Values(std::make_pair(1, SIGINT), std::make_pair(2, SIGTERM),
+                                         std::make_pair(0, SIGINT)));
 
 TEST(InterruptedTwice, FilesInHandAreNotWaitedFor) {
   WriteFile("hang.pdf", MakePdf());
