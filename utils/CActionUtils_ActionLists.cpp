@@ -32,6 +32,11 @@ void AppendAction(const QString& path, const QMap<QString, QVariant>& prefs) {
   while (list.contains(NameKey(number))) ++number;
   list.setValue(NameKey(number), prefs.value(kActionName).toString());
   list.setValue(PrefsKey(number), prefs);
+  list.sync();
+  if (list.status() == QSettings::NoError) return;
+  // Qt keeps what it could not write, and would write it with the next action.
+  list.remove(NameKey(number));
+  list.remove(PrefsKey(number));
 }
 
 void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QFile>
+#include <QLabel>
+#include <QTextCodec>
+#include <QTextEdit>
+
+#include "utils/CActionUtils.h"
+#include "utils/KitResources.h"
+
+QPointer<QLabel> CActionUtils::mNavBarLabel;
+QPointer<QTextEdit> CActionUtils::mInfoLabel;
+
+void CActionUtils::SetTargetLabels(QLabel* navBar, QTextEdit* info) {
+  mNavBarLabel = navBar;
+  mInfoLabel = info;
+}
+
+void CActionUtils::SetHelp(QString fileName) {
+  InitKitResources();
+  QFile page(QLatin1String(":/Vorlane/Resources/HelpFiles/") + fileName);
+  const QByteArray html = page.open(QFile::ReadOnly | QFile::Text) ? page.readAll() : QByteArray();
+  SetHelpHtml(QTextCodec::codecForHtml(html)->toUnicode(html));
+}
+
+void CActionUtils::SetHelpHtml(QString html) {
+  if (mInfoLabel) mInfoLabel->setText(html);
+}
+
+void CActionUtils::SetCurrentSection(QString section) {
+  if (mNavBarLabel) mNavBarLabel->setText(section);
+}
