@@ -130,6 +130,12 @@ TEST_F(ActionLists, AListThatCannotBeReplacedIsKept) {
     EXPECT_EQ(Files(), QStringList("L.xqq"));
   }
 
+  // What could not be appended then is not appended later on.
+  Map appended = Prefs("L", false);
+  CActionUtils::SaveAsCustomActionList(&appended);
+  EXPECT_EQ(IniValue(ListPath("L"), "ActionPrefs1").toMap(), appended);
+  EXPECT_FALSE(IniValue(ListPath("L"), "ActionName2").isValid());
+
   // A folder of the list's name can neither be deleted nor appended to.
   QDir().mkpath(ListPath("D") + "/inside");
   for (bool overwrite : {true, false}) {

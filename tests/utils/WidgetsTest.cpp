@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <QComboBox>
+#include <QFont>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPointer>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <QTextEdit>
+
+#include "tests/pdflib/FakeLibrary.h"
+#include "utils/CActionUtils.h"
+
+namespace {
+
+struct Picker {
+  std::function<void(QComboBox*)> setUp;
+  QSize iconSize;
+  int rows, rowHeight, visible;
+};
+
+QList<Picker> Pickers() {
+  const int untouched = QComboBox().maxVisibleItems();
+  return {{[](QComboBox* combo) { CActionUtils::SetupColorPickerComboBox(combo, true); }, {15, 15}, 12, 17, 4},
+          {[](QComboBox* combo) { CActionUtils::SetupColorPickerComboBox(combo, false); }, {15, 15}, 11, 17, 4},
+          {CActionUtils::SetupLineStylePickerComboBox, {70, 14}, 5, 15, untouched},
+          {CActionUtils::SetupUnderlineStylePickerComboBox, {70, 16}, 7, 19, 8},
+          {CActionUtils::SetupLineWeightPickerComboBox, {30, 14}, 12, 15, untouched}};
+}
+
+TEST(Pickers, HaveTheirGeometryAndReplaceModelAndView) {
+  for (const Picker& picker : Pickers()) {
+    QComboBox combo;
+    combo.resize(140, 24);
+    picker.setUp(&combo);
+    const QPointer<QAbstractItemModel> firstModel = combo.model();
+    const QPointer<QAbstractItemView> firstView = combo.view();
+    picker.setUp(&combo);
+    EXPECT_TRUE(firstModel.isNull());
+    EXPECT_TRUE(firstView.isNull());
+
+    EXPECT_EQ(combo.iconSize(), picker.iconSize);
+    EXPECT_EQ(combo.count(), picker.rows);
+    EXPECT_EQ(combo.maxVisibleItems(), picker.visible);
+    ASSERT_NE(qobject_cast<QStandardItemModel*>(combo.model()), nullptr);
+    const auto* view = qobject_cast<QTableView*>(combo.view());
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->model(), combo.model());
+    EXPECT_EQ(view->iconSize(), picker.iconSize);
+    EXPECT_TRUE(view->verticalHeader()->isHidden() && view->horizontalHeader()->isHidden());
+    EXPECT_EQ(view->columnWidth(0), 138);
+    EXPECT_EQ(view->minimumSize(), QSize(138, picker.rows * picker.rowHeight));
+    EXPECT_EQ(view->maximumSize(), view->minimumSize());
+    for (int row = 0; row < picker.rows; ++row) EXPECT_EQ(view->rowHeight(row), picker.rowHeight);
+    EXPECT_EQ(view->styleSheet(),
+              "QTableView {gridline-color: white; background-color: white; selection-background-color: lightblue;}");
+    picker.setUp(nullptr);
+  }
+}
+
+QImage IconOf(const QComboBox& combo, int row) {
+  return combo.itemIcon(row).pixmap(combo.iconSize()).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+TEST(Pickers, ColorsAreFramedAndCarryTheirColor) {
+  const QList<QPair<QString, QColor>> table = {
+      {"Black", {0, 0, 0}},      {"White", {255, 255, 255}}, {"Gray", {160, 160, 164}},     {"Red", {255, 0, 0}},
+      {"Orange", {255, 127, 0}}, {"Yellow", {255, 255, 0}},  {"Green", {0, 255, 0}},        {"Cyan", {0, 255, 255}},
+      {"Blue", {0, 0, 255}},     {"Fuchsia", {255, 0, 255}}, {"Custom...", {255, 255, 255}}};
+  for (bool withNone : {true, false}) {
+    QComboBox combo;
+    CActionUtils::SetupColorPickerComboBox(&combo, withNone);
+    const int first = withNone ? 1 : 0;
+    if (withNone) {
+      EXPECT_EQ(combo.itemText(0), "(none)");
+      EXPECT_TRUE(combo.itemIcon(0).isNull());
+    }
+    for (int i = 0; i < table.size(); ++i) {
+      const auto& [text, color] = table[i];
+      EXPECT_EQ(combo.itemText(first + i), text);
+      const QImage icon = IconOf(combo, first + i);
+      EXPECT_EQ(icon.size(), QSize(15, 15));
+      EXPECT_EQ(icon.pixelColor(7, 7), color);
+      for (const QPoint& corner : {QPoint(0, 0), QPoint(13, 0), QPoint(0, 13), QPoint(13, 13)}) {
+        EXPECT_EQ(icon.pixelColor(corner), QColor(Qt::black)) << qPrintable(text);
+      }
+      const bool isCustom = i == table.size() - 1;
+      EXPECT_EQ(combo.itemData(first + i, Qt::UserRole + 1), isCustom ? QVariant() : QVariant(color));
+      EXPECT_EQ(combo.itemData(first + i), isCustom && withNone ? QVariant(QColor(Qt::white)) : QVariant());
+      // The lookups count with "(none)", whatever the picker shows.
+      EXPECT_EQ(CActionUtils::GetColorPickerColor(1 + i), isCustom ? QColor(Qt::black) : color);
+      EXPECT_EQ(CActionUtils::GetColorPickerIndex(color), isCustom ? 2 : 1 + i);
+    }
+  }
+  for (int index : {0, 11, 12, -5, INT_MIN, INT_MAX})
+    EXPECT_EQ(CActionUtils::GetColorPickerColor(index), QColor(Qt::black));
+  for (const QColor& other : {QColor(255, 128, 0), QColor(255, 0, 0, 254), QColor(), QColor::fromHsv(0, 255, 255)}) {
+    EXPECT_EQ(CActionUtils::GetColorPickerIndex(other), 11);
+  }
+}
+
+// How many pixels of a row or column of an icon are drawn, and how often drawn and blank alternate.
+int Inked(const QImage& icon, const QPoint& from, const QPoint& step) {
+  int count = 0;
+  for (QPoint p = from; icon.rect().contains(p); p += step) count += qAlpha(icon.pixel(p)) > 127;
+  return count;
+}
+
+int Dashes(const QImage& icon, int y) {
+  int count = 0;
+  for (int x = 1; x < icon.width(); ++x) count += qAlpha(icon.pixel(x, y)) > 127 && qAlpha(icon.pixel(x - 1, y)) <= 127;
+  return count;
+}
+
+TEST(Pickers, LineStylesDiffer) {
+  QComboBox combo;
+  CActionUtils::SetupLineStylePickerComboBox(&combo);
+  QList<int> dashes;
+  for (int row = 0; row < 5; ++row) {
+    const QImage icon = IconOf(combo, row);
+    EXPECT_EQ(combo.itemText(row), "");
+    EXPECT_EQ(Inked(icon, {15, 0}, {0, 1}), 2);  // every line begins with ink, two pixels of it
+    EXPECT_EQ(Inked(icon, {10, 0}, {0, 1}), 0);  // blank before and after the line
+    EXPECT_EQ(Inked(icon, {65, 0}, {0, 1}), 0);
+    dashes << Dashes(icon, 7);
+  }
+  EXPECT_EQ(dashes[0], 1);
+  EXPECT_LT(dashes[1], dashes[3]);  // dash, dash-dot, dash-dot-dot, dot: ever more pieces
+  EXPECT_LT(dashes[3], dashes[4]);
+  EXPECT_LT(dashes[4], dashes[2]);
+}
+
+TEST(Pickers, UnderlinesLieWhereTheyShould) {
+  QComboBox combo;
+  CActionUtils::SetupUnderlineStylePickerComboBox(&combo);
+  EXPECT_EQ(combo.itemText(0), "(none)");
+  EXPECT_TRUE(combo.itemIcon(0).isNull());
+  const QList<QList<int>> inkedRows = {{}, {9}, {8, 10}, {8, 9, 10}, {9}, {9}, {9}};
+  for (int row = 1; row < combo.count(); ++row) {
+    const QImage icon = IconOf(combo, row);
+    QList<int> inked;
+    for (int y = 0; y < icon.height(); ++y) {
+      if (Inked(icon, {0, y}, {1, 0}) > 0) inked << y;
+    }
+    EXPECT_EQ(inked, inkedRows[row]) << row;
+    EXPECT_EQ(Dashes(icon, 9) == 1, row == 1 || row == 3) << row;
+    EXPECT_EQ(Inked(icon, {2, 0}, {0, 1}) + Inked(icon, {68, 0}, {0, 1}), 0);
+  }
+}
+
+TEST(Pickers, WeightsRise) {
+  QComboBox combo;
+  CActionUtils::SetupLineWeightPickerComboBox(&combo);
+  const QStringList texts = {"0.1", "0.25", "0.5", "0.75", "1", "1.5", "2", "2.5", "3", "4", "5", "6"};
+  const int grays[] = {200, 170, 140, 60, 0, 0, 0, 0, 0, 0, 0, 0};
+  const int widths[] = {1, 1, 1, 1, 1, 2, 2, 3, 3, 4, 5, 6};
+  for (int row = 0; row < texts.size(); ++row) {
+    const QImage icon = IconOf(combo, row);
+    EXPECT_EQ(combo.itemText(row), texts[row]);
+    EXPECT_EQ(icon.pixelColor(15, 7), QColor(grays[row], grays[row], grays[row])) << row;
+    EXPECT_EQ(Inked(icon, {15, 0}, {0, 1}), widths[row]) << row;
+  }
+}
+
+TEST(Pickers, StandardFontsArePlainItems) {
+  QComboBox combo;
+  combo.addItem("before");
+  CActionUtils::SetupStandardFontsComboBox(&combo);
+  ASSERT_EQ(combo.count(), 3);
+  EXPECT_EQ(combo.itemText(0) + combo.itemText(1) + combo.itemText(2), "ArialTimes New RomanCourier");
+  CActionUtils::SetupStandardFontsComboBox(nullptr);
+  CActionUtils::SetupSystemFontsComboBox(nullptr);
+}
+
+TEST(Pickers, SystemFontsAreTheLibrarysLines) {
+  // The recording library, found by the name and on the path that the library itself would be.
+  void* library = dlopen("HalvexPDFLibraryCPDylib1311.dylib", RTLD_NOW);
+  ASSERT_NE(library, nullptr) << dlerror();
+  FakeRecorder& recorder = *reinterpret_cast<decltype(&FakeLibraryRecorder)>(dlsym(library, "FakeLibraryRecorder"))();
+  const QList<QPair<std::wstring, QStringList>> table = {
+      {L"", {}},
+      {L"\r\n\r\n", {}},
+      {L"Arial", {"Arial"}},
+      {L"B\r\n\r\nA\U0001F600\u00e9\r\n\r\n", {"B", "", QString::fromUtf8("A\xf0\x9f\x98\x80\xc3\xa9")}}};
+  QComboBox combo;
+  for (const auto& [answer, fonts] : table) {
+    combo.addItem("before");
+    recorder.calls.clear();
+    recorder.wideResult = answer;
+    CActionUtils::SetupSystemFontsComboBox(&combo);
+    QStringList items;
+    for (int row = 0; row < combo.count(); ++row) items << combo.itemText(row);
+    EXPECT_EQ(items, fonts);
+    const auto asked = std::find_if(recorder.calls.begin(), recorder.calls.end(),
+                                    [](const FakeCall& call) { return call.name == "HPLGetInstalledFontsByCharset"; });
+    ASSERT_NE(asked, recorder.calls.end());
+    EXPECT_EQ(std::get<int>(asked->arguments.at(asked->arguments.size() - 2)), 2);
+    EXPECT_EQ(std::get<int>(asked->arguments.back()), 1);
+    EXPECT_EQ(recorder.calls.back().name, "HPLReleaseLibrary");
+  }
+  dlclose(library);
+}
+
+TEST(Pickers, BorderDashes) {
+  struct Row {
+    int style;
+    double width;
+    const char* dash;
+  };
+  const Row table[] = {{1, 1, "10 4"},
+                       {2, 1, "6 4"},
+                       {3, 1, "10 4 4 4"},
+                       {4, 1, "10 4 4 4 4 4"},
+                       {1, 0.5, "7 3"},
+                       {2, 0, "3 2"},
+                       {0, 1, "invalid"},
+                       {5, 1, "invalid"},
+                       {INT_MIN, 1, "invalid"},
+                       {1, NAN, "0 0"},
+                       {2, 1e300, "2147483647 2147483647"}};
+  for (const Row& row : table) EXPECT_EQ(CActionUtils::GetBorderDash(row.style, row.width), row.dash);
+}
+
+TEST(TextItems, WrappedTextIsHigher) {
+  const QFont font("Sans", 12);
+  const QString html = "several <b>words</b> that do not fit into one narrow line";
+  const double oneLine = CActionUtils::GetTextItemHeight(font, html, 10000);
+  EXPECT_GT(oneLine, 0);
+  EXPECT_EQ(CActionUtils::GetTextItemHeight(font, html, -1), oneLine);
+  EXPECT_GT(CActionUtils::GetTextItemHeight(font, html, 100), 2 * oneLine);
+  EXPECT_GT(CActionUtils::GetTextItemHeight(QFont("Sans", 40), html, 10000), oneLine);
+}
+
+TEST(TextItems, IconsAreScaledAndAdded) {
+  QIcon icon;
+  CActionUtils::GenerateTextItemIcon(300.7, 100.2, "Text", &icon);
+  ASSERT_EQ(icon.availableSizes(), QList<QSize>{QSize(128, 42)});
+  const QImage image = icon.pixmap(128, 42).toImage().convertToFormat(QImage::Format_ARGB32);
+  EXPECT_EQ(qAlpha(image.pixel(127, 41)), 0);
+  int ink = 0;
+  for (int y = 0; y < image.height(); ++y) ink += Inked(image.convertToFormat(QImage::Format_ARGB32), {0, y}, {1, 0});
+  EXPECT_GT(ink, 0);
+
+  CActionUtils::GenerateTextItemIcon(10, 100, "Text", &icon);  // keeps the first
+  EXPECT_EQ(icon.availableSizes().size(), 2);
+  for (double size : {0.0, 0.9, -5.0, 1e300, double(NAN)}) {
+    CActionUtils::GenerateTextItemIcon(size, 10, "Text", &icon);
+    CActionUtils::GenerateTextItemIcon(10, size, "Text", &icon);
+  }
+  EXPECT_EQ(icon.availableSizes().size(), 2);
+  CActionUtils::GenerateTextItemIcon(10, 10, "Text", nullptr);
+}
+
+TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
+  CActionUtils::SetHelp("Action_SetBaseUrl.html");  // no targets yet
+  auto label = std::make_unique<QLabel>();
+  auto page = std::make_unique<QTextEdit>();
+  CActionUtils::SetTargetLabels(label.get(), page.get());
+  CActionUtils::SetHelp("Action_SetBaseUrl.html");
+  EXPECT_TRUE(page->toPlainText().contains("base URL", Qt::CaseInsensitive));
+  EXPECT_FALSE(page->toPlainText().contains(QChar::ReplacementCharacter));
+  CActionUtils::SetCurrentSection("Section");
+  EXPECT_EQ(label->text(), "Section");
+  CActionUtils::SetHelpHtml("<b>bold</b> text");
+  EXPECT_EQ(page->toPlainText(), "bold text");
+  for (const char* absent : {"absent.html", "", "../../../etc/passwd"}) {
+    CActionUtils::SetHelpHtml("something");
+    CActionUtils::SetHelp(absent);
+    EXPECT_EQ(page->toPlainText(), "");
+  }
+  page.reset();
+  CActionUtils::SetHelpHtml("gone");
+  CActionUtils::SetCurrentSection("still there");
+  EXPECT_EQ(label->text(), "still there");
+  label.reset();
+  CActionUtils::SetCurrentSection("gone");
+}
+
+TEST(ToolIcons, AreFoundByFileName) {
+  EXPECT_FALSE(CActionUtils::GetIconForTool("Action_SetBaseURL.png").pixmap(16, 16).isNull());
+  EXPECT_TRUE(CActionUtils::GetIconForTool("absent.png").pixmap(16, 16).isNull());
+}
+
+}  // namespace
