@@ -73,7 +73,7 @@ QString resource(const char* file) {
   return QStringLiteral(":/Vorlane/Resources/") + QLatin1String(file);
 }
 
-// Qt's inclusive edges make this differ from QRect::center() for odd sizes, where a remembered place would wander.
+// Where the window's centre is the reference's; of two middle pixels of either, the one before.
 QPoint centredTopLeft(const QRect& window, const QRect& reference) {
   return {(reference.left() + reference.right()) / 2 - (window.right() - window.left()) / 2,
           (reference.top() + reference.bottom()) / 2 - (window.bottom() - window.top()) / 2};
