@@ -328,6 +328,8 @@ def defects():
     yield "xref-stream-of-odd-filter", File().put(body()).xref_stream(coding="none", extra=b" /Filter /ASCIIHexDecode")
     yield "xref-stream-tiff-predictor", File().put(body()).xref_stream(
         coding="flate", extra=b" /DecodeParms << /Predictor 2 /Columns 7 >>")
+    yield "xref-stream-parms-with-reference", File().put(body()).xref_stream(
+        coding="flate", extra=b" /DecodeParms << /Predictor 1 /Odd 2 0 R >>")
     yield "object-stream-of-wrong-number", File().put_in_stream(
         4, body(), directory=[(7, 0), (8, 80), (9, 160)]).xref_stream()
     yield "object-stream-number-twice", File().put_in_stream(
