@@ -50,10 +50,17 @@ bool TellsOfRepair(const QPDFExc& warning) {
   return warning.getMessageDetail().find("reconstruct cross-reference table") != std::string::npos;
 }
 
+// A repair reads every byte. Of a file with holes that may be any number of them, at no cost to who made it.
+bool RepairIsBounded(const InputFile& file) {
+  constexpr std::uint64_t kLargestWithHoles = std::uint64_t{1} << 30;
+  return !file.Sparse() || file.Size() <= kLargestWithHoles;
+}
+
 // Null when the password does not fit.
 std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password) {
   const std::shared_ptr<QPDF> document = QPDF::create();
   document->setSuppressWarnings(true);
+  document->setAttemptRecovery(RepairIsBounded(*file));
   try {
     document->processInputSource(std::make_shared<BackendInputSource>(file), password.c_str());
   } catch (const QPDFExc& error) {

@@ -247,6 +247,19 @@ TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
   EXPECT_TRUE(!bomb || std::chrono::steady_clock::now() - start < std::chrono::seconds(10));
 }
 
+TEST_F(SaveTest, HugeFilesWithHolesAreNotSearched) {
+  constexpr off_t kSize = off_t{3} << 30;
+  WriteFile("zeros.pdf", "");
+  WriteFile("front.pdf", PlainPdf().Bytes());
+  if (truncate("zeros.pdf", kSize) != 0 || truncate("front.pdf", kSize) != 0) GTEST_SKIP() << "no room for such files";
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(library_.LoadFromFile(L"zeros.pdf", L""), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorNotPdf);
+  EXPECT_EQ(library_.LoadFromFile(L"front.pdf", L""), 0);
+  EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
+}
+
 TEST_F(SaveTest, FailuresLoseNothing) {
   const std::string plain = PlainPdf().Bytes();
   ASSERT_TRUE(Load("plain.pdf", plain));
