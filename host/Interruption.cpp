@@ -7,10 +7,14 @@ namespace {
 
 volatile std::sig_atomic_t gSignal = 0;
 volatile std::sig_atomic_t gCount = 0;
+volatile std::sig_atomic_t gEndAtSecond = 0;
 
 void Note(int number) {
   if (gSignal == 0) gSignal = number;
   gCount = gCount + 1;
+  if (gCount < 2 || gEndAtSecond == 0) return;
+  std::signal(number, SIG_DFL);
+  std::raise(number);
 }
 
 void Handle(int number, void (*handler)(int)) {
@@ -28,6 +32,10 @@ void Interruption::Install() {
   Handle(SIGPIPE, SIG_IGN);
   // Workers are waited for, whatever the caller left behind.
   Handle(SIGCHLD, SIG_DFL);
+}
+
+void Interruption::EndAtSecond() {
+  gEndAtSecond = 1;
 }
 
 void Interruption::LeaveToParent() {

@@ -6,6 +6,8 @@ namespace Interruption {
 
 // Catches SIGINT and SIGTERM from now on and ignores SIGPIPE.
 void Install();
+// In a process that works alone: a second signal ends it, whatever it holds.
+void EndAtSecond();
 // In a worker process: the main process alone decides when to stop.
 void LeaveToParent();
 // The signal that came first, or 0.

@@ -192,7 +192,9 @@ int RunCommand::Execute() {
 
   CallSequenceProc(steps, &CActionInterface::PreSequenceProc, "before");
   RunPlan plan(inputs, outputFolder, resumed);
-  if (jobs_ == 0) {
+  // A worker would only cost time where no other file needs to be kept from a crash.
+  const bool alone = jobs_ == 0 || (inputs.Count() == 1 && !IsSet("jobs") && timeout_ == 0);
+  if (alone) {
     RunHere(plan, steps, options, reporter);
   } else if (inputs.Count() > 0) {
     RunInWorkers(plan, steps, options, reporter);
@@ -212,6 +214,7 @@ void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const
                        QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   DocumentProcessor processor(library, steps, options);
+  Interruption::EndAtSecond();
   while (Interruption::Signal() == 0) {
     const std::optional<RunPlan::Step> step = plan.Next();
     if (!step) return;

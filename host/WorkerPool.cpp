@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstring>
 #include <new>
+#include <thread>
 
 #include "host/CommandError.h"
 #include "host/Interruption.h"
@@ -23,6 +24,10 @@ namespace {
 constexpr std::chrono::microseconds kWaitingWork(5000);
 constexpr std::size_t kMostWaiting = 64;
 constexpr std::size_t kFirstWaiting = 4;
+// With more than this waiting at every worker, outcomes are collected in batches: to be woken for each one would take
+// the workers' time where all cores are theirs.
+constexpr std::size_t kPlentyWaiting = 20;
+constexpr std::chrono::microseconds kBatch(500);
 constexpr int kPollMilliseconds = 500;
 
 std::string HowItEnded(int status) {
@@ -177,6 +182,9 @@ void WorkerPool::Send(Member& member) {
 }
 
 void WorkerPool::Wait() {
+  const bool plenty = std::all_of(members_.begin(), members_.end(),
+                                  [](const Member& member) { return member.outstanding.size() > kPlentyWaiting; });
+  if (plenty) std::this_thread::sleep_for(kBatch);
   std::vector<pollfd> polled;
   for (const Member& member : members_) {
     polled.push_back({member.outcomes, POLLIN, 0});

@@ -50,16 +50,20 @@ INSTANTIATE_TEST_SUITE_P(Ways, Interrupted,
                                          std::make_pair(0, SIGINT)));
 
 TEST(InterruptedTwice, FilesInHandAreNotWaitedFor) {
-  WriteFile("hang.pdf", MakePdf());
-  const auto process = StartProgram(ProbeRun({"--set", "log=log", "--in-place", "--report", "-", "hang.pdf"}));
-  WaitForLines("log", 2);
-  Interrupt(*process, SIGINT);
-  EXPECT_FALSE(process->waitForFinished(300));
-  Interrupt(*process, SIGINT);
-  const ProgramResult result = FinishProgram(*process);
-  EXPECT_EQ(result.code, 130);
-  EXPECT_EQ(ReadReport(result.out)["hang.pdf"]["reason"].toString(), "interrupted");
-  EXPECT_EQ(ReadFile("hang.pdf"), MakePdf());
+  for (const char* jobs : {"1", "0"}) {
+    QFile::remove("log");
+    WriteFile("hang.pdf", MakePdf());
+    const auto process =
+        StartProgram(ProbeRun({"--set", "log=log", "--in-place", "--report", "-", "--jobs", jobs, "hang.pdf"}));
+    WaitForLines("log", 2);
+    Interrupt(*process, SIGINT);
+    EXPECT_FALSE(process->waitForFinished(300));
+    Interrupt(*process, SIGINT);
+    const ProgramResult result = FinishProgram(*process);
+    EXPECT_EQ(result.code, 130);
+    EXPECT_EQ(ReadReport(result.out)["hang.pdf"]["reason"].toString(), *jobs == '1' ? "interrupted" : "");
+    EXPECT_EQ(ReadFile("hang.pdf"), MakePdf());
+  }
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ int ProbeAction::WorkProc(WorkProcInfoStruct* info) {
   if (named(L"abort")) std::abort();
   if (named(L"exit")) std::exit(0);
   if (named(L"throw")) throw std::runtime_error("thrown on purpose");
-  if (named(L"hang")) sleep(1000);
+  while (named(L"hang")) sleep(1000);
   if (named(L"slow")) usleep(100000);
   QString url = info->settings->value(QStringLiteral("baseUrlString")).toString();
   if (url == QLatin1String("platform")) url = QGuiApplication::platformName();
