@@ -10,8 +10,16 @@
 
 #include "host/NativeName.h"
 
-std::unique_ptr<QProcess> StartProgram(const QStringList& arguments) {
+void PrepareToRun() {
   NativeName::InstallAsLocale();
+#ifdef __SANITIZE_ADDRESS__
+  // The sanitizer's dlopen() hides whose run path is to be searched.
+  qputenv("LD_LIBRARY_PATH", QFileInfo(HALVEXENGINE_FILE).path().toLocal8Bit());
+#endif
+}
+
+std::unique_ptr<QProcess> StartProgram(const QStringList& arguments) {
+  PrepareToRun();
   auto process = std::make_unique<QProcess>();
   process->start(QStringLiteral(VORLANE_RUN_FILE), arguments);
   EXPECT_TRUE(process->waitForStarted());

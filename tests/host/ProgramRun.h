@@ -16,6 +16,8 @@ struct ProgramResult {
   QByteArray err;
 };
 
+// For tests that start it through another program.
+void PrepareToRun();
 std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
 ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());

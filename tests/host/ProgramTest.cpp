@@ -173,6 +173,7 @@ TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
             MakePdf("/X 4 0 R", {"<</Length 3000000>>stream\n" + QByteArray(3000000, 'x') + "\nendstream"}));
   const QByteArray large = ReadFile("large.pdf");
   QStringList limited = kSet + QStringList{"--in-place", "large.pdf"};
+  PrepareToRun();
   QProcess process;
   process.start("bash",
                 QStringList{"-c", "trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\"", VORLANE_RUN_FILE} + limited);
