@@ -71,6 +71,7 @@ void DocumentProcessor::RunActions() {
     const auto failed = [&](const char* reason) {
       return Failure{"action '" + NativeName::ToBytes(step.name).toStdString() + "': " + reason};
     };
+    const int errorBefore = library_.LastErrorCode();
     try {
       step.action->WorkProc(&info);
     } catch (const std::exception& exception) {
@@ -81,7 +82,7 @@ void DocumentProcessor::RunActions() {
     // WorkProc's result says nothing, so a library call that failed as the action's last one is the only trace of a
     // document that is not what the user asked for.
     const int error = library_.LastErrorCode();
-    if (error != kErrorNone) throw failed(LibraryReason(error));
+    if (error != kErrorNone && error != errorBefore) throw failed(LibraryReason(error));
     if (library_.SelectedDocument() != document_) library_.SelectDocument(document_);
   }
 }

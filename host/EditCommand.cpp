@@ -3,15 +3,17 @@
 
 #include <climits>
 #include <memory>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QWidget>
 
 #include "host/ActionCatalog.h"
 #include "host/ActionList.h"
 #include "host/CommandError.h"
 #include "host/Console.h"
+#include "host/HostFolders.h"
 #include "host/LibraryReasons.h"
 #include "host/NativeName.h"
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
@@ -64,6 +66,19 @@ EditCommand::EditCommand()
   AddPasswordOptions();
 }
 
+void EditCommand::PrepareWindowSystem() const {
+  // Nobody could press a button of a dialog that is not on a screen.
+  if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
+      !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    throw CommandError(kExitNotLoaded, QStringLiteral("There is no display to show the dialog on."));
+  }
+  QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  // The dialogs' style sheets make Qt warn many times over about things that are meant so.
+  if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
+  }
+}
+
 void EditCommand::Check() {
   CheckPasswordOptions();
   Exclude("list", "set");
@@ -87,7 +102,7 @@ void EditCommand::Check() {
 }
 
 int EditCommand::Execute() {
-  CUtils::SetupFolders();
+  SetupHostFolders();
   QString listFile;
   QString actionName = Value("action");
   QMap<QString, QVariant> settings = Settings();

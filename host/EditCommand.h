@@ -9,6 +9,7 @@ class EditCommand : public Command {
   EditCommand();
 
   bool NeedsWindowSystem() const override { return true; }
+  void PrepareWindowSystem() const override;
 
  protected:
   void Check() override;

@@ -8,6 +8,7 @@
 #include "host/ActionList.h"
 #include "host/CommandError.h"
 #include "host/Console.h"
+#include "host/HostFolders.h"
 #include "utils/CUtils.h"
 
 ListsCommand::ListsCommand()
@@ -16,7 +17,7 @@ ListsCommand::ListsCommand()
 }
 
 int ListsCommand::Execute() {
-  CUtils::SetupFolders();
+  SetupHostFolders();
   QJsonArray array;
   QString text;
   bool allRead = true;

@@ -11,6 +11,8 @@
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
+  // A file that grows beyond the limit is a full disk, not a reason to die.
+  std::signal(SIGXFSZ, SIG_IGN);
   NativeName::InstallAsLocale();
   QStringList arguments;
   for (int i = 1; i < argc; ++i) arguments += NativeName::ToText(argv[i]);
