@@ -13,6 +13,7 @@
 #include <cstring>
 #include <new>
 #include <thread>
+#include <utility>
 
 #include "host/CommandError.h"
 #include "host/Interruption.h"
@@ -40,6 +41,14 @@ void CloseEnd(int& descriptor) {
   descriptor = -1;
 }
 
+// Waits for a worker that ends or has ended; how it ended.
+int Reap(pid_t pid) {
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
 CommandError NotLoaded(const QString& what) {
   return CommandError(kExitNotLoaded, what);
 }
@@ -53,11 +62,16 @@ WorkerPool::WorkerPool(const WorkerSettings& settings, std::chrono::seconds time
   stop_ = new (page) std::atomic<bool>(false);
 }
 
-// The workers end by themselves when their pipes do. Waiting for them would cost a short run a good part of its time.
 WorkerPool::~WorkerPool() {
   for (Member& member : members_) {
     CloseEnd(member.jobs);
     CloseEnd(member.outcomes);
+  }
+  // Idle workers end with their pipes; one that still holds a file, after an error here, could hang on it.
+  for (const Member& member : members_) {
+    if (member.pid <= 0) continue;
+    if (!member.outstanding.empty()) kill(member.pid, SIGKILL);
+    Reap(member.pid);
   }
   munmap(stop_, sizeof(*stop_));
 }
@@ -231,9 +245,7 @@ void WorkerPool::Receive(Member& member) {
 void WorkerPool::Bury(Member& member) {
   CloseEnd(member.jobs);
   CloseEnd(member.outcomes);
-  int status = 0;
-  while (waitpid(member.pid, &status, 0) < 0 && errno == EINTR) {
-  }
+  const int status = Reap(std::exchange(member.pid, 0));
   if (!member.ready && WIFEXITED(status) && WEXITSTATUS(status) == kExitNotLoaded) {
     throw NotLoaded(QStringLiteral("The PDF library cannot be loaded any more."));
   }
