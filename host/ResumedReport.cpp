@@ -43,7 +43,7 @@ ResumedReport::ResumedReport(const std::string& reportFile, const std::function<
   // A report that another program has laid out anew.
   file.seek(0);
   const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-  for (const QJsonValue& value : document.array()) {
+  for (const QJsonValue value : document.array()) {
     Take(QJsonDocument(value.toObject()).toJson(QJsonDocument::Compact), each);
   }
   if (!document.isArray() && firstText != "{") {

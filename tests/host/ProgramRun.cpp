@@ -98,7 +98,7 @@ QMap<QString, QJsonObject> ReadReport(const QByteArray& report) {
   QMap<QString, QJsonObject> records;
   const QJsonDocument array = QJsonDocument::fromJson(report);
   if (array.isArray()) {
-    for (const QJsonValue& value : array.array()) records[value["file"].toString()] = value.toObject();
+    for (const QJsonValue value : array.array()) records[value["file"].toString()] = value.toObject();
     return records;
   }
   for (const QByteArray& line : report.split('\n')) {
