@@ -5,6 +5,7 @@ import pathlib
 import random
 import subprocess
 import sys
+import zlib
 
 
 class Writer:
@@ -45,11 +46,17 @@ def pages(path, count, content_size, image_size=0):
         writer.add(b"<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << %s >> /Contents %d 0 R >>"
                    % (resources, number + 1))
         text = b"BT /F1 12 Tf 72 720 Td (Page %d) Tj ET" % (i + 1)
-        writer.add(stream(text + b" " + noise.randbytes(content_size // 2).hex().encode() if content_size else text))
+        if content_size:  # compressed, as producers write it: hexadecimal digits shrink to half
+            packed = zlib.compress(text + b" " + noise.randbytes(content_size).hex().encode())
+            writer.add(stream(packed, b"/Filter /FlateDecode"))
+        else:
+            writer.add(stream(text))
         if image_size:
+            # Noise does not compress, so the stream is as long as the image.
             side = int(image_size ** 0.5)
-            writer.add(stream(noise.randbytes(side * side), b"/Type /XObject /Subtype /Image /Width %d /Height %d "
-                              b"/ColorSpace /DeviceGray /BitsPerComponent 8" % (side, side)))
+            packed = zlib.compress(noise.randbytes(side * side), 1)
+            writer.add(stream(packed, b"/Type /XObject /Subtype /Image /Width %d /Height %d /ColorSpace /DeviceGray "
+                              b"/BitsPerComponent 8 /Filter /FlateDecode" % (side, side)))
     writer.finish()
 
 
