@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPluginLoader>
@@ -17,6 +18,7 @@
 #include "plugin/CActionInterface.h"
 #include "plugin/DialogLoadStruct.h"
 #include "tests/dialogs/xserver/Person.h"
+#include "tests/host/ProgramRun.h"
 #include "tests/support/Sandbox.h"
 #include "utils/CUtils.h"
 
@@ -223,6 +225,41 @@ TEST_F(XServer, TheToolbarStoresAnActionList) {
   }
   EXPECT_EQ(list.value("ActionName1"), "Set Base URL");
   EXPECT_FALSE(list.contains("ActionName2"));
+}
+
+TEST_F(XServer, AListOfTheDialogIsEditedAndRunByTheProgram) {
+  EXPECT_EQ(showSettings([](Person& person) {
+              person.Type("http://listed.example/");
+              person.Click("VDtoolbarAddToActionListButton");
+              person.AwaitDialog(kListDialog);
+              person.Click("actionListNameLineEdit");
+              person.Type("My List");
+              person.Press({"Return"});
+            }),
+            0);
+  WriteFile("a.pdf", MakePdf());
+  const QStringList run{"run", "--list", "My List", "--in-place", "a.pdf"};
+  ProgramResult result = RunProgram(run);
+  EXPECT_EQ(result.code, 0) << result.err.constData();
+  EXPECT_EQ(BaseUrlOf("a.pdf"), "http://listed.example/");
+
+  // The program's own dialog is in front of its main window and has the keyboard.
+  const auto edit = [](const QStringList& keys) {
+    const std::unique_ptr<QProcess> program = StartProgram({"edit", "--list", "My List", "--index", "0"});
+    EXPECT_EQ(QProcess::execute("timeout", {"20", "xdotool", "search", "--sync", "--onlyvisible", "--name",
+                                            "^Set Base URL$", "windowfocus", "--sync"}),
+              0);
+    EXPECT_EQ(QProcess::execute("xdotool", QStringList{"key", "--delay", "20"} + keys), 0);
+    return FinishProgram(*program);
+  };
+  EXPECT_EQ(edit({"x", "Escape"}).code, 1);
+  result = edit({"ctrl+a", "y", "Return"});
+  EXPECT_EQ(result.code, 0) << result.err.constData();
+  EXPECT_EQ(QJsonDocument::fromJson(result.out).object(),
+            QJsonObject({{"ActionName", "Set Base URL"}, {"baseUrlString", "y"}}));
+  result = RunProgram(run);
+  EXPECT_EQ(result.code, 0) << result.err.constData();
+  EXPECT_EQ(BaseUrlOf("a.pdf"), "y");
 }
 
 TEST_F(XServer, TheToolbarStoresAFavoriteWithAnIconAndASettingsFile) {
