@@ -3,6 +3,8 @@
 // clang-format off
 #pragma once
 
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+
 // The forwarding members; inline, so that a call costs what a call through a function pointer costs.
 
 inline int HalvexPDFLibraryCPDylibCPP1311::AddArcToPath(double a1, double a2, double a3) { return Forward<int>(LibraryFunctionSlot::AddArcToPath, a1, a2, a3); }

@@ -109,7 +109,7 @@ def members(functions):
 
 
 def inline_header(functions):
-    out = [NOTICE, "#pragma once\n\n// The forwarding members; inline, so that a call costs what a call through a function pointer costs.\n\n"]
+    out = [NOTICE, f'#pragma once\n\n#include "pdflib/{CLASS}.h"\n\n', "// The forwarding members; inline, so that a call costs what a call through a function pointer costs.\n\n"]
     for f in functions:
         result = RESULT_CPP[f.result]
         arguments = "".join(f", {a}" for a in f.arguments)
