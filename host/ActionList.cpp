@@ -19,6 +19,11 @@ QString SettingsKey(int index) {
   return QStringLiteral("ActionPrefs%1").arg(index);
 }
 
+// A map whose bytes are damaged reads as an empty one, with which an action would undo what it is to set.
+bool StoresEmptyMap(const QByteArray& content, int index) {
+  return content.contains(SettingsKey(index).toLatin1() + R"(=@Variant(\0\0\0\b\0\0\0\0))");
+}
+
 }  // namespace
 
 ActionList ActionList::Read(const QString& file) {
@@ -27,8 +32,10 @@ ActionList ActionList::Read(const QString& file) {
   };
   // The settings reader does not tell a missing or unreadable file from an empty one.
   QFile probe(file);
-  if (!QFileInfo(file).isFile()) throw fail(QStringLiteral("there is no such file"));
+  if (!QFileInfo::exists(file)) throw fail(QStringLiteral("there is no such file"));
+  if (!QFileInfo(file).isFile()) throw fail(QStringLiteral("it is not a regular file"));
   if (!probe.open(QIODevice::ReadOnly)) throw fail(probe.errorString());
+  const QByteArray content = probe.readAll();
   probe.close();
 
   const QSettings ini(file, QSettings::IniFormat);
@@ -37,7 +44,8 @@ ActionList ActionList::Read(const QString& file) {
   list.category_ = ini.value(QStringLiteral("SequenceCategory")).toString();
   for (int index = 0; ini.contains(NameKey(index)); ++index) {
     const QVariant settings = ini.value(SettingsKey(index));
-    if (settings.isValid() && settings.userType() != QMetaType::QVariantMap) {
+    const bool isMap = settings.userType() == QMetaType::QVariantMap;
+    if (settings.isValid() && (!isMap || (settings.toMap().isEmpty() && !StoresEmptyMap(content, index)))) {
       throw fail(QStringLiteral("the settings of action %1 are damaged").arg(index));
     }
     list.steps_.push_back({ini.value(NameKey(index)).toString(), settings.toMap()});

@@ -9,5 +9,6 @@ class ActionsCommand : public Command {
   ActionsCommand();
 
  protected:
+  void Check() override { RefuseArguments(); }
   int Execute() override;
 };

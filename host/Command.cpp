@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 #include <QVariant>
 
@@ -23,19 +24,23 @@ std::string_view View(const QByteArray& bytes) {
 
 Command::Command(const QString& name, const QString& summary) : name_(name), summary_(summary) {
   parser_.setApplicationDescription(summary);
-  parser_.addHelpOption();
+  parser_.addOption(HelpOption());
+}
+
+QCommandLineOption Command::HelpOption() {
+  return QCommandLineOption({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Prints this help."));
 }
 
 void Command::Parse(const QStringList& arguments) {
   // The parser skips the first argument as the program's name.
   if (!parser_.parse(QStringList{name_} + arguments)) throw CommandError(kExitUsage, parser_.errorText());
-  if (IsSet("help")) return;
+  if (OnlyHelps()) return;
   RefuseRepeatedOptions();
   Check();
 }
 
 int Command::Run() {
-  if (!IsSet("help")) return Execute();
+  if (!OnlyHelps()) return Execute();
   QString help = parser_.helpText();
   // The parser names the program; the user typed a command as well.
   const int end = help.indexOf(QLatin1String(" [options]"));
@@ -87,6 +92,13 @@ void Command::Exclude(const char* one, const char* other) const {
   }
 }
 
+void Command::RefuseArguments() const {
+  const QStringList arguments = parser_.positionalArguments();
+  if (!arguments.isEmpty()) {
+    throw CommandError(kExitUsage, QStringLiteral("Unexpected argument '%1'.").arg(arguments.constFirst()));
+  }
+}
+
 void Command::AddToolsOption() {
   AddOption(QStringLiteral("tools-dir"),
             QStringLiteral("Folder of the action plug-ins (default: the installed Tools folder, then ./Tools)."),
@@ -94,7 +106,13 @@ void Command::AddToolsOption() {
 }
 
 QStringList Command::ToolsFolders() const {
-  if (IsSet("tools-dir")) return {Value("tools-dir")};
+  if (IsSet("tools-dir")) {
+    const QString folder = Value("tools-dir");
+    if (!QFileInfo(folder).isDir()) {
+      throw CommandError(kExitNotLoaded, QStringLiteral("There is no folder '%1' of plug-ins.").arg(folder));
+    }
+    return {folder};
+  }
   return {QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/vorlane/Tools"), CUtils::GetActionFolder()};
 }
 

@@ -16,12 +16,16 @@ class Command {
   QString Name() const { return name_; }
   QString Summary() const { return summary_; }
 
+  // Not Qt's own, which promises options of Qt that the commands do not take.
+  static QCommandLineOption HelpOption();
+
   // Takes the arguments after the command's name. Throws CommandError(kExitUsage).
   void Parse(const QStringList& arguments);
   // Whether a QApplication must exist before Run; a QCoreApplication always does. Asked after Parse.
   virtual bool NeedsWindowSystem() const { return false; }
   // Prepares the environment of that QApplication.
   virtual void PrepareWindowSystem() const;
+  bool OnlyHelps() const { return IsSet("help"); }
   // Does the work, or prints the help when it was asked for; answers the exit code. Throws CommandError.
   int Run();
 
@@ -40,11 +44,14 @@ class Command {
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;
+  // Throws CommandError when there is an argument that is no option.
+  void RefuseArguments() const;
   // Marks an option that may be given more than once.
   void AllowRepeated(const char* name) { repeatable_ += QLatin1String(name); }
 
   // Options that several commands share.
   void AddToolsOption();
+  // Throws CommandError when the given folder does not exist.
   QStringList ToolsFolders() const;
   void AddLibraryOption();
   // As the wrapper wants it.

@@ -95,10 +95,7 @@ void EditCommand::Check() {
   if (IsSet("context") && !contexts.contains(Value("context"))) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--context' takes main, preview or standalone."));
   }
-  if (!parser_.positionalArguments().isEmpty()) {
-    throw CommandError(kExitUsage,
-                       QStringLiteral("Unexpected argument '%1'.").arg(parser_.positionalArguments().constFirst()));
-  }
+  RefuseArguments();
 }
 
 int EditCommand::Execute() {

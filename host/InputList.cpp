@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "host/CommandError.h"
 #include "host/NativeName.h"
@@ -27,10 +28,10 @@ std::string RealPath(std::string_view name) {
   return path;
 }
 
-std::vector<std::string> NamesIn(const std::string& folder) {
-  std::vector<std::string> names;
+std::optional<std::vector<std::string>> NamesIn(const std::string& folder) {
   DIR* const dir = opendir(folder.c_str());
-  if (dir == nullptr) return names;
+  if (dir == nullptr) return std::nullopt;
+  std::vector<std::string> names;
   while (const dirent* const entry = readdir(dir)) {
     if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
       names.emplace_back(entry->d_name);
@@ -101,7 +102,13 @@ void InputList::AddFrom(const std::string& listFile) {
 
 // `folder` ends in a slash.
 void InputList::AddFolder(const std::string& folder, std::size_t relative) {
-  for (const std::string& name : NamesIn(folder)) {
+  const std::optional<std::vector<std::string>> names = NamesIn(folder);
+  if (!names) {
+    struct stat status;
+    AddFile(folder, relative, stat(folder.c_str(), &status) == 0 ? &status : nullptr);
+    return;
+  }
+  for (const std::string& name : *names) {
     const std::string path = folder + name;
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) continue;

@@ -41,7 +41,9 @@ class InputList {
   std::string File(std::size_t index) const { return std::string(NameOf(index)); }
   // The part of the name that an output folder repeats: below a given folder the path from there, else the base name.
   std::string Relative(std::size_t index) const;
+  // A folder where none is expected, or, with `recursive`, one that cannot be read.
   bool IsFolder(std::size_t index) const { return entries_[index].kind == Kind::kFolder; }
+  bool IsRecursive() const { return recursive_; }
   // The earlier entry that names the very same file, or -1. Hard links with different names are different files.
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }

@@ -9,5 +9,6 @@ class ListsCommand : public Command {
   ListsCommand();
 
  protected:
+  void Check() override { RefuseArguments(); }
   int Execute() override;
 };

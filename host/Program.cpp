@@ -20,7 +20,7 @@ Program::Program() {
   commands_.push_back(std::make_unique<EditCommand>());
   parser_.setApplicationDescription(QStringLiteral("Runs action plug-ins over PDF files."));
   parser_.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-  parser_.addHelpOption();
+  parser_.addOption(Command::HelpOption());
   parser_.addVersionOption();
   parser_.addPositionalArgument(QStringLiteral("COMMAND"), QStringLiteral("One of the commands below."),
                                 QStringLiteral("COMMAND ..."));

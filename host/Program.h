@@ -16,7 +16,9 @@ class Program {
   // Takes the arguments without the program's own name. Throws CommandError(kExitUsage).
   void Parse(const QStringList& arguments);
   // Whether a QApplication must exist before Run; its environment is prepared then.
-  bool NeedsWindowSystem() const { return command_ != nullptr && command_->NeedsWindowSystem(); }
+  bool NeedsWindowSystem() const {
+    return command_ != nullptr && !command_->OnlyHelps() && command_->NeedsWindowSystem();
+  }
   void PrepareWindowSystem() const { command_->PrepareWindowSystem(); }
   // Needs an application object. Answers the exit code. Throws CommandError.
   int Run();

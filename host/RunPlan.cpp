@@ -33,7 +33,10 @@ std::optional<RunPlan::Step> RunPlan::Next() {
   if (next_ == inputs_.Count()) return std::nullopt;
   const std::size_t index = next_++;
   Job job{inputs_.File(index), {}};
-  if (inputs_.IsFolder(index)) return Failed(job, "is a folder (use --recursive for the files below it)");
+  if (inputs_.IsFolder(index)) {
+    return Failed(
+        job, inputs_.IsRecursive() ? "cannot read the folder" : "is a folder (use --recursive for the files below it)");
+  }
   if (const long same = inputs_.SameFileAs(index); same >= 0) {
     return Settled(job, FileRecord::Status::kSkipped,
                    "the same file as " + inputs_.File(static_cast<std::size_t>(same)));

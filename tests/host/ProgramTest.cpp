@@ -70,6 +70,9 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
       {"show", "No file"},
       {"edit", "'--action' or '--list'"},
       {"edit --list l.xqq", "need each other"},
+      {"actions extra", "Unexpected argument 'extra'"},
+      {"lists extra", "Unexpected argument 'extra'"},
+      {"run --help-all", "Unknown option"},
       {"edit --action A --context attic", "--context"},
       {"edit --action A extra", "extra"},
       {"lists --bogus", "Unknown option"},
@@ -95,6 +98,8 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
   WriteList("gap.xqq", "Gap", {});
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionName0", "Set Base URL");
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionPrefs0", "text");
+  WriteFile("tornprefs.xqq",
+            "[General]\nActionName0=Set Base URL\nActionPrefs0=@Variant(\\0\\0\\0\\b\\0\\0\\0\\x1\\0)\n");
   QDir().mkdir("tools");
   WriteFile("tools/broken.so", "no library");
   const std::pair<QStringList, const char*> rows[] = {
@@ -105,6 +110,7 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
       {{"run", "--list", "./noise.xqq"}, "noise.xqq"},
       {{"run", "--list", "./gap.xqq"}, "no actions"},
       {{"run", "--list", "./badprefs.xqq"}, "damaged"},
+      {{"run", "--list", "./tornprefs.xqq"}, "damaged"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "tools"}, "broken.so"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "nowhere"}, "nowhere"},
       {{"run", "--action", "Set Base URL", "--pdf-library", "nowhere"}, "PDF library"},
@@ -249,6 +255,11 @@ TEST(Program, ShowsActionsHelpVersionAndUrls) {
   EXPECT_THAT(RunProgram({"--version"}).out.toStdString(), testing::MatchesRegex("vorlane-run [0-9.]+\n"));
   EXPECT_THAT(RunProgram({"--help"}).out.toStdString(), HasSubstr("Exit codes"));
   EXPECT_THAT(RunProgram({"run", "--help"}).out.toStdString(), HasSubstr("vorlane-run run [options] FILE..."));
+  QProcess displayless;
+  displayless.start(
+      "env", {"-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", "-u", "QT_QPA_PLATFORM", VORLANE_RUN_FILE, "edit", "--help"});
+  EXPECT_EQ(FinishProgram(displayless).code, 0);
+  EXPECT_EQ(RunProgram({"actions", "--tools-dir", "nowhere"}).code, 3);
 
   WriteFile("a.pdf", MakePdf("/URI<</Base(http://old/)>>"));
   WriteFile("-b\n.pdf", MakePdf());
