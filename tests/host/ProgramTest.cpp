@@ -195,6 +195,12 @@ TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
     EXPECT_EQ(locked.code, 1);
     EXPECT_THAT(locked.err.toStdString(), HasSubstr("cannot write"));
     EXPECT_EQ(ReadFile("locked/a.pdf"), MakePdf());
+
+    QFile::setPermissions("locked", QFile::WriteOwner);
+    const ProgramResult hidden = RunProgram(kSet + QStringList{"--in-place", "--recursive", "locked"});
+    QFile::setPermissions("locked", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_EQ(hidden.code, 1);
+    EXPECT_THAT(hidden.err.toStdString(), HasSubstr("cannot read the folder"));
   }
   EXPECT_EQ(QDir(".").entryList(QDir::Files | QDir::Hidden), QStringList({"large.pdf"}));
 }
