@@ -47,7 +47,8 @@ void AppendText(std::string& json, const std::wstring& text) {
 
 bool IsPlain(std::string_view bytes) {
   for (const char c : bytes) {
-    if (c < 0x20 || c == 0x7F || c == '"' || c == '\\') return false;
+    const auto code = static_cast<unsigned char>(c);
+    if (code < 0x20 || code >= 0x7F || c == '"' || c == '\\') return false;
   }
   return true;
 }

@@ -134,7 +134,9 @@ bool RunReporter::Finish(bool interrupted) {
     pending_ += first_ ? "]\n" : "\n]\n";
     const auto size = static_cast<qint64>(pending_.size());
     broken_ = device_->write(pending_.data(), size) != size || broken_;
-    broken_ = broken_ || !static_cast<QSaveFile&>(*device_).commit();
+    auto& file = static_cast<QSaveFile&>(*device_);
+    // commit() does not look at what writing out the last buffer came to.
+    broken_ = broken_ || !file.flush() || !file.commit();
   } else if (form_ == Form::kLines) {
     Flush();
   }

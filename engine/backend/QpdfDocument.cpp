@@ -185,6 +185,8 @@ void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& 
 
 std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile> file, const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  // The parser would search the whole of it for a header.
+  if (!RepairIsBounded(*file) && !HasHeader(*file)) throw EngineError(kErrorNotPdf, "no header");
   GuardStructure(*file);
   try {
     for (std::string& encoded : Encodings(password)) {
