@@ -178,15 +178,19 @@ TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
   WriteFile("large.pdf",
             MakePdf("/X 4 0 R", {"<</Length 3000000>>stream\n" + QByteArray(3000000, 'x') + "\nendstream"}));
   const QByteArray large = ReadFile("large.pdf");
-  QStringList limited = kSet + QStringList{"--in-place", "large.pdf"};
-  PrepareToRun();
-  QProcess process;
-  process.start("bash",
-                QStringList{"-c", "trap '' XFSZ; ulimit -f 100; exec \"$0\" \"$@\"", VORLANE_RUN_FILE} + limited);
-  const ProgramResult full = FinishProgram(process);
+  const auto runLimited = [](const QString& blocks, const QStringList& files) {
+    PrepareToRun();
+    QProcess process;
+    const QString script = QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$0\" \"$@\"").arg(blocks);
+    process.start("bash", QStringList{"-c", script, VORLANE_RUN_FILE} + kSet + files);
+    return FinishProgram(process);
+  };
+  const ProgramResult full = runLimited("100", {"--in-place", "large.pdf"});
   EXPECT_EQ(full.code, 1) << full.err.toStdString();
   EXPECT_THAT(full.err.toStdString(), HasSubstr("large.pdf: "));
   EXPECT_TRUE(ReadFile("large.pdf") == large);
+  const ProgramResult lost = runLimited("0", {"--in-place", "missing.pdf", "--report", "r.json"});
+  EXPECT_THAT(lost.err.toStdString(), HasSubstr("Cannot write the report"));
 
   if (geteuid() != 0) {
     QFile::setPermissions("locked", QFile::ReadOwner | QFile::ExeOwner);
