@@ -118,6 +118,10 @@ void RunCommand::Check() {
     }
   }
   if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  // It could take the place of a result.
+  if (IsSet("output-dir") && Value("report").endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+    refuse("A report's name cannot end in .pdf.");
+  }
   Settings();
   jobs_ = Number("jobs", Cores(), 0, kMostJobs);
   timeout_ = Number("timeout", 0, 1, kMostSeconds);

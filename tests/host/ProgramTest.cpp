@@ -65,6 +65,7 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
       {"run --action Probe --in-place --resume nowhere a.pdf", "nowhere"},
       {"run --action Probe --in-place --resume a.pdf a.pdf", "not a report"},
       {"run --action Probe --in-place --report a.pdf a.pdf", "overwrite an input"},
+      {"run --action A --output-dir o --report o/a.pdf a.pdf", "cannot end in .pdf"},
       {"run --action Probe --in-place --report no/where a.pdf", "Cannot write the report"},
       {"run --action Probe --output-dir a.pdf/o a.pdf", "output folder"},
       {"show", "No file"},
