@@ -13,7 +13,13 @@
 namespace {
 
 // What the engine tells about itself; a library that does not know these keys answers an empty text.
-enum InformationKey : int { kKeyWay = 1000, kKeyWhyRewrite = 1001, kKeySignatures = 1002, kKeyCertification = 1003 };
+enum InformationKey : int {
+  kKeyWay = 1000,
+  kKeyWhyRewrite = 1001,
+  kKeySignatures = 1002,
+  kKeyCertification = 1003,
+  kKeyLastWay = 1004
+};
 
 std::string Narrow(const std::wstring& text) {
   const QByteArray utf8 = QString::fromStdWString(text).toUtf8();
@@ -109,7 +115,7 @@ void DocumentProcessor::CheckSaving(FileRecord& record) {
 
 void DocumentProcessor::Save(FileRecord& record) {
   const std::wstring output = NativeName::ToWide(record.output);
-  if (library_.SaveToFile(output) != 0) return;
+  if (library_.SaveToFile(output) != 0) return NoteLastWay(record);
   int error = library_.LastErrorCode();
   // Only the attempt showed that a signed document must be rewritten; the next attempt would do so.
   if (error == kErrorCannotAppend) {
@@ -119,4 +125,11 @@ void DocumentProcessor::Save(FileRecord& record) {
     error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
   if (error != kErrorNone) throw Failure{LibraryReason(error)};
+}
+
+// An update that did not read back has been replaced by a rewritten file, against the plan.
+void DocumentProcessor::NoteLastWay(FileRecord& record) {
+  if (record.way != "incremental" || Narrow(library_.GetInformation(kKeyLastWay)) != "rewrite") return;
+  record.way = "rewrite";
+  record.warnings.push_back("the file was rewritten (an appended update was not readable)");
 }

@@ -40,6 +40,7 @@ class DocumentProcessor {
   void RunActions();
   void CheckSaving(FileRecord& record);
   void Save(FileRecord& record);
+  void NoteLastWay(FileRecord& record);
 
   HalvexPDFLibraryCPDylibCPP1311& library_;
   const std::vector<RunStep>& steps_;

@@ -25,7 +25,13 @@ constexpr const char* kInformationKeys[] = {nullptr,   "Author",   "Title",     
                                             "Creator", "Producer", "CreationDate", "ModDate"};
 
 // Facts that no function of the library has been made for. Append-only.
-enum FactKey { kHowSaved = 1000, kWhyRewritten = 1001, kSignatureCount = 1002, kCertificationLevel = 1003 };
+enum FactKey {
+  kPlannedWay = 1000,
+  kWhyRewritten = 1001,
+  kSignatureCount = 1002,
+  kCertificationLevel = 1003,
+  kLastWay = 1004
+};
 
 const char* NameOf(SavePlan::Way way) {
   switch (way) {
@@ -48,7 +54,7 @@ std::string InformationKey(int key) {
 
 std::string Fact(Document& document, int key) {
   switch (key) {
-    case kHowSaved:
+    case kPlannedWay:
       return NameOf(document.Plan().way);
     case kWhyRewritten:
       return document.Plan().reason;
@@ -58,6 +64,8 @@ std::string Fact(Document& document, int key) {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
+    case kLastWay:
+      return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     default:
       return document.Information(InformationKey(key));
   }

@@ -20,14 +20,28 @@ bool IsEndOfLine(char character) {
 
 }  // namespace
 
-BackendInputSource::BackendInputSource(std::shared_ptr<const InputFile> file)
-    : file_(std::move(file)), name_(file_->Path()) {}
+BackendInputSource::BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits)
+    : file_(std::move(file)), edits_(std::move(edits)), name_(file_->Path()) {}
+
+// What stands at the position, without moving on.
+std::size_t BackendInputSource::ReadFile(char* target, std::size_t length) const {
+  const std::size_t got = file_->ReadAt(static_cast<std::uint64_t>(position_), target, length);
+  const qpdf_offset_t end = position_ + static_cast<qpdf_offset_t>(got);
+  for (const Edit& edit : edits_) {
+    qpdf_offset_t at = edit.offset;
+    for (const char byte : edit.bytes) {
+      if (at >= position_ && at < end) target[at - position_] = byte;
+      ++at;
+    }
+  }
+  return got;
+}
 
 bool BackendInputSource::Load() {
   if (position_ >= blockStart_ && position_ < blockStart_ + static_cast<qpdf_offset_t>(block_.size())) return true;
   block_.resize(kBlock);
   blockStart_ = position_;
-  block_.resize(file_->ReadAt(static_cast<std::uint64_t>(position_), block_.data(), kBlock));
+  block_.resize(ReadFile(block_.data(), kBlock));
   return !block_.empty();
 }
 
@@ -58,7 +72,7 @@ std::size_t BackendInputSource::read(char* target, std::size_t length) {
   std::size_t done = 0;
   while (done < length) {
     if (length - done >= kBlock) {
-      const std::size_t got = file_->ReadAt(static_cast<std::uint64_t>(position_), target + done, length - done);
+      const std::size_t got = ReadFile(target + done, length - done);
       position_ += static_cast<qpdf_offset_t>(got);
       done += got;
       break;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <qpdf/InputSource.hh>
 #include <string>
+#include <vector>
 
 #include "engine/base/InputFile.h"
 
@@ -12,7 +13,13 @@ namespace engine {
 // An InputFile as the parser reads it: in blocks, since it asks for a few bytes at a time.
 class BackendInputSource : public InputSource {
  public:
-  explicit BackendInputSource(std::shared_ptr<const InputFile> file);
+  // Bytes that the parser sees in place of the file's own.
+  struct Edit {
+    qpdf_offset_t offset;
+    std::string bytes;
+  };
+
+  explicit BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits = {});
 
   qpdf_offset_t findAndSkipNextEOL() override;
   std::string const& getName() const override { return name_; }
@@ -25,10 +32,12 @@ class BackendInputSource : public InputSource {
  private:
   // Whether the block holds the byte at the position, after reading the block there if it does not yet.
   bool Load();
+  std::size_t ReadFile(char* target, std::size_t length) const;
   const char* Here() const { return block_.data() + (position_ - blockStart_); }
   std::size_t Left() const { return block_.size() - static_cast<std::size_t>(position_ - blockStart_); }
 
   std::shared_ptr<const InputFile> file_;
+  std::vector<Edit> edits_;
   std::string name_;
   qpdf_offset_t position_ = 0;
   std::string block_;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
+#include "engine/backend/CryptFilters.h"
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/SignatureSearch.h"
 #include "engine/backend/StringCipher.h"
@@ -57,17 +58,21 @@ bool RepairIsBounded(const InputFile& file) {
 }
 
 // Null when the password does not fit.
-std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password) {
+std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password,
+                              const std::vector<BackendInputSource::Edit>& edits = {}) {
   const std::shared_ptr<QPDF> document = QPDF::create();
   document->setSuppressWarnings(true);
   document->setAttemptRecovery(RepairIsBounded(*file));
   try {
-    document->processInputSource(std::make_shared<BackendInputSource>(file), password.c_str());
+    document->processInputSource(std::make_shared<BackendInputSource>(file, edits), password.c_str());
   } catch (const QPDFExc& error) {
     if (error.getErrorCode() == qpdf_e_password) return nullptr;
     throw;
   }
-  return document;
+  const std::vector<BackendInputSource::Edit> needed = EditsOfCryptFilters(*document, *file);
+  if (needed.empty()) return document;
+  if (!edits.empty()) throw EngineError(kErrorUnsupportedSecurity, "the crypt filters cannot be read");
+  return TryOpen(file, password, needed);
 }
 
 // Old security handlers take passwords in PDFDocEncoding or what a producer thought it was, new ones in UTF-8.
@@ -267,17 +272,18 @@ bool QpdfDocument::Repaired() {
   return repaired_;
 }
 
+ObjectId QpdfDocument::Root() {
+  return Translated([&] { return IdOf(qpdf_->getRoot()); });
+}
+
 std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail& tail) {
-  return Translated([&]() -> std::vector<ChangedObject> {
+  return Translated([&] {
     std::vector<ChangedObject> objects;
-    bool encryptable = true;
     const auto add = [&](ObjectId id, QPDFObjectHandle object) {
-      const std::optional<StringCipher> cipher = StringCipher::For(*qpdf_, id);
-      encryptable = encryptable && cipher;
-      if (cipher) objects.push_back({id, ObjectWriter(*cipher).Write(std::move(object))});
+      const StringCipher cipher = StringCipher::For(*qpdf_, id);
+      objects.push_back({id, ObjectWriter(cipher).Write(std::move(object))});
     };
     QPDFObjectHandle catalog = qpdf_->getRoot();
-    if (IdOf(catalog) != tail.root) return {};
     if (const auto table = qpdf_->getXRefTable(); !table.empty()) {
       tail.size = std::max(tail.size, static_cast<std::uint32_t>(table.rbegin()->first.getObj()) + 1);
     }
@@ -297,7 +303,7 @@ std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail
       }
       add(id, changed);
     }
-    return encryptable ? objects : std::vector<ChangedObject>();
+    return objects;
   });
 }
 

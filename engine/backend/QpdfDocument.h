@@ -26,6 +26,7 @@ class QpdfDocument : public BackendDocument {
   bool Linearized() override;
   Signatures FindSignatures() override;
   bool Repaired() override;
+  ObjectId Root() override;
   std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) override;
   bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
               const std::vector<ChangedObject>& objects) override;

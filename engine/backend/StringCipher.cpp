@@ -57,7 +57,7 @@ std::string AesCbc(const std::string& key, const std::string& bytes) {
 
 }  // namespace
 
-std::optional<StringCipher> StringCipher::For(QPDF& document, ObjectId object) {
+StringCipher StringCipher::For(QPDF& document, ObjectId object) {
   int revision = 0;
   int permissions = 0;
   int version = 0;
@@ -70,12 +70,14 @@ std::optional<StringCipher> StringCipher::For(QPDF& document, ObjectId object) {
   constexpr int kFirstWithCryptFilters = 4;
   if (version < kFirstWithCryptFilters) strings = QPDF::e_rc4;
   if (strings == QPDF::e_none) return StringCipher(Method::kNone, "");
-  if (strings == QPDF::e_unknown) return std::nullopt;
+  if (strings == QPDF::e_unknown) throw EngineError(kErrorUnsupportedSecurity, "the strings' encryption is unknown");
 
   const bool aes = strings != QPDF::e_rc4;
   std::string key = QPDF::compute_data_key(document.getEncryptionKey(), static_cast<int>(object.number),
                                            static_cast<int>(object.generation), aes, version, revision);
-  if (aes && key.size() != AES128_KEY_SIZE && key.size() != AES256_KEY_SIZE) return std::nullopt;
+  if (aes && key.size() != AES128_KEY_SIZE && key.size() != AES256_KEY_SIZE) {
+    throw EngineError(kErrorUnsupportedSecurity, "the file's key is none of AES");
+  }
   return StringCipher(aes ? Method::kAes : Method::kRc4, std::move(key));
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <optional>
 #include <qpdf/QPDF.hh>
 #include <string>
 
@@ -13,9 +12,9 @@ namespace engine {
 // 32000-2, 7.6.3).
 class StringCipher {
  public:
-  // No value when the document encrypts its strings in a way that is not known. Of a document that leaves its strings
-  // in the clear, or all of itself, the cipher changes nothing.
-  static std::optional<StringCipher> For(QPDF& document, ObjectId object);
+  // Of a document that leaves its strings in the clear, or all of itself, the cipher changes nothing. Throws
+  // EngineError kErrorUnsupportedSecurity when the strings are encrypted in a way that is not known.
+  static StringCipher For(QPDF& document, ObjectId object);
 
   bool Encrypts() const { return method_ != Method::kNone; }
   std::string Encrypt(const std::string& bytes) const;

@@ -54,8 +54,11 @@ class BackendDocument {
   // Whether the document had to be repaired, at loading or when a part of it was read later.
   virtual bool Repaired() = 0;
 
-  // The objects that hold the changes, for an incremental update; strings are encrypted where the file is. `tail` gets
-  // a higher size and a new /Info when an object has to be added. None when they cannot be written as an update.
+  // The catalog; {0, 0} when it is no indirect object.
+  virtual ObjectId Root() = 0;
+  // The objects that hold the changes, for an incremental update whose `tail` has the root of this document; strings
+  // are encrypted where the file is. `tail` gets a higher size and a new /Info when an object has to be added. Throws
+  // EngineError kErrorUnsupportedSecurity when they cannot be encrypted.
   virtual std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) = 0;
   // Whether `updated`, this document with an incremental update, holds the changes and every other object where it was.
   virtual bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,

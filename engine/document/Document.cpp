@@ -145,25 +145,34 @@ SavePlan Document::Plan() {
   if (appendFailed_) return {Way::kRewrite, "an appended update was not readable"};
   if (QuickSuffices()) return {Way::kIncremental, ""};
   if (Full().Repaired()) return {Way::kRewrite, "cross-reference repaired"};
-  if (!Tail()) return {Way::kRewrite, "no update can be appended to the last cross-reference section"};
+  if (!Tail() || Tail()->root != Full().Root())
+    return {Way::kRewrite, "no update can be appended to the last cross-reference section"};
   return {Way::kIncremental, ""};
 }
 
 void Document::SaveToFile(const std::string& path) {
   FollowReplacedSource();
   const bool inPlace = LeadsToSource(path);
-  if (inPlace && Plan().way == SavePlan::Way::kUnchanged) return;
-  Write([&] { return std::make_unique<OutputFile>(path); })->Commit();
+  if (inPlace && Plan().way == SavePlan::Way::kUnchanged) {
+    lastSaved_ = SavePlan::Way::kUnchanged;
+    return;
+  }
+  Written written = Write([&] { return std::make_unique<OutputFile>(path); });
+  written.output->Commit();
+  lastSaved_ = written.way;
   sourceReplaced_ = inPlace;
 }
 
 std::string Document::SaveToBytes() {
-  return Write([] { return std::make_unique<OutputFile>(); })->TakeBytes();
+  Written written = Write([] { return std::make_unique<OutputFile>(); });
+  lastSaved_ = written.way;
+  return written.output->TakeBytes();
 }
 
-std::unique_ptr<OutputFile> Document::Write(const MakeOutput& make) {
+Document::Written Document::Write(const MakeOutput& make) {
   std::unique_ptr<OutputFile> output = make();
-  switch (Plan().way) {
+  const SavePlan::Way way = Plan().way;
+  switch (way) {
     case SavePlan::Way::kUnchanged:
       output->CopyFrom(*source_);
       break;
@@ -179,7 +188,7 @@ std::unique_ptr<OutputFile> Document::Write(const MakeOutput& make) {
       if (source_ != nullptr) source_->CheckUnchanged();
       break;
   }
-  return output;
+  return {std::move(output), way};
 }
 
 bool Document::Append(OutputFile& output) {
@@ -189,7 +198,6 @@ bool Document::Append(OutputFile& output) {
   }
   FileTail tail = *Tail();
   const std::vector<ChangedObject> objects = Full().Update(changes_, tail);
-  if (objects.empty()) return false;
   AppendUpdate(*source_, tail, objects, output);
   return Full().Verify(output.ReadBack(), changes_, objects);
 }

@@ -55,6 +55,9 @@ class Document {
 
   // How a save would be written now.
   SavePlan Plan();
+  // How the latest successful save was written; no value before the first. Differs from the plan when an update that
+  // was to be appended did not read back.
+  std::optional<SavePlan::Way> LastSaved() const { return lastSaved_; }
   // The target becomes the new file whole or stays as it was. Saved onto the file that was loaded, the document is that
   // new file from then on.
   void SaveToFile(const std::string& path);
@@ -62,6 +65,10 @@ class Document {
 
  private:
   using MakeOutput = std::function<std::unique_ptr<OutputFile>()>;
+  struct Written {
+    std::unique_ptr<OutputFile> output;
+    SavePlan::Way way;
+  };
 
   Document() = default;
   static std::unique_ptr<Document> FromSource(std::shared_ptr<const InputFile> source, const std::string& password);
@@ -71,7 +78,7 @@ class Document {
   const std::string& StoredBaseUrl();
   const std::optional<FileTail>& Tail();
   bool QuickSuffices() const { return quick_ && changes_.information.empty(); }
-  std::unique_ptr<OutputFile> Write(const MakeOutput& make);
+  Written Write(const MakeOutput& make);
   bool Append(OutputFile& output);
 
   std::string fileName_;
@@ -83,6 +90,7 @@ class Document {
   std::optional<std::optional<FileTail>> tail_;
   std::optional<BackendDocument::Signatures> signatures_;
   Changes changes_;
+  std::optional<SavePlan::Way> lastSaved_;
   bool appendFailed_ = false;
   bool sourceReplaced_ = false;  // by a save of this document
   int selectedPage_ = 1;

@@ -153,19 +153,90 @@ TEST_F(SaveTest, InformationIsAddedWhereThereWasNone) {
   EXPECT_NE(RunTool("pdfinfo out.pdf").output.find("Title:           new"), std::string::npos);
 }
 
-TEST_F(SaveTest, EncryptionVariantsThatToolsDoNotMake) {
+// A signed file with its strings in the clear, but with the encryption dictionary of an encrypted one in which `text`
+// has given way to `replacement`.
+std::string WithCryptFilters(const std::string& text, const std::string& replacement) {
   WriteFile("plain.pdf", Rich().Bytes());
-  ASSERT_EQ(RunTool("qpdf --encrypt '' o 256 -- plain.pdf aes.pdf").status, 0);
-  std::string bytes = ReadFile("aes.pdf");
-  // The same length, so that no offset moves: strings in the clear, streams encrypted.
-  const std::string both = "/StmF /StdCF /StrF /StdCF";
-  const std::size_t at = bytes.find(both);
-  ASSERT_NE(at, std::string::npos);
-  bytes.replace(at, both.size(), "/StmF/StdCF/StrF/Identity");
-  ASSERT_TRUE(Load("identity.pdf", bytes)) << library_.LastErrorCode();
-  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
-  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_NE(ReadFile("out.pdf").find("(https://example.org/\\(base\\)/)"), std::string::npos);
+  EXPECT_EQ(RunTool("qpdf --encrypt '' o 128 --use-aes=y -- plain.pdf aes.pdf").status, 0);
+  const std::string aes = ReadFile("aes.pdf");
+  const auto cut = [&](const std::string& from, const std::string& to) {
+    const std::size_t begin = aes.find(from);
+    const std::size_t end = aes.find(to, begin);
+    return aes.substr(begin, end + to.size() - begin);
+  };
+  std::string dictionary = cut("<< /CF ", "/V 4 >>");
+  const std::size_t at = dictionary.find(text);
+  EXPECT_NE(at, std::string::npos) << dictionary;
+  dictionary.replace(at, text.size(), replacement);
+  PlainPdf file = Rich();
+  file.trailerEntries += " " + cut("/ID [", "]") + " /Encrypt " + dictionary;
+  return file.Bytes();
+}
+
+TEST_F(SaveTest, StringsInTheClearInEncryptedFiles) {
+  const struct {
+    const char* name;
+    const char* text;
+    const char* replacement;
+    bool otherParser;  // whether qpdf by itself takes the strings for clear
+  } rows[] = {
+      {"strf-identity", "/StrF /StdCF", "/StrF /Identity", true},
+      {"strf-missing", "/StrF /StdCF", "", true},
+      {"cfm-missing", "/CFM /AESV2", "", true},
+      {"cfm-none", "/CFM /AESV2", "/CFM /None", false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string source = WithCryptFilters(row.text, row.replacement);
+    ASSERT_TRUE(Load(std::string(row.name) + ".pdf", source)) << library_.LastErrorCode();
+    EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
+    ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+    EXPECT_EQ(library_.GetInformation(1000), L"incremental");
+    EXPECT_EQ(library_.GetInformation(1004), L"");
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+    EXPECT_EQ(library_.GetInformation(1004), L"incremental");
+    const std::string saved = ReadFile("out.pdf");
+    EXPECT_TRUE(StartsWith(saved, source));
+    EXPECT_NE(saved.find("(https://example.org/\\(base\\)/)", source.size()), std::string::npos);
+    const std::string catalog = Show("out.pdf", "trailer/Root");
+    EXPECT_NE(catalog.find(kUrlInFile), std::string::npos) << catalog;
+    EXPECT_NE(catalog.find("(nested)"), std::string::npos) << catalog;
+    const std::string other = RunTool("qpdf --show-object=1 out.pdf").output;
+    EXPECT_EQ(other.find("(https://example.org/") != std::string::npos, row.otherParser) << other;
+    ASSERT_EQ(library_.LoadFromFile(L"out.pdf", L""), 1);
+    EXPECT_EQ(library_.GetBaseURL(), kUrl);
+
+    // Damaged as well: only a rewrite is left, and it keeps the texts.
+    std::string damaged = source;
+    damaged.insert(damaged.rfind("startxref\n") + 10, "9");
+    ASSERT_TRUE(Load("damaged.pdf", damaged));
+    ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+    EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
+    ASSERT_EQ(library_.SaveToFile(L"rewritten.pdf"), 1) << library_.LastErrorCode();
+    EXPECT_EQ(library_.GetInformation(1004), L"rewrite");
+    EXPECT_TRUE(Sound("rewritten.pdf"));
+    EXPECT_NE(Show("rewritten.pdf", "trailer/Root").find("(nested)"), std::string::npos);
+    EXPECT_NE(Show("rewritten.pdf", "trailer/Info/Title").find("Plain"), std::string::npos);
+  }
+}
+
+TEST_F(SaveTest, UnknownEncryptionOfStringsIsRefused) {
+  const struct {
+    const char* name;
+    const char* text;
+    const char* replacement;
+  } rows[] = {
+      {"strf-undefined", "/StrF /StdCF", "/StrF /Other"},
+      {"stmf-undefined", "/StmF /StdCF", "/StmF /Other"},
+      {"cf-missing", "/CF ", "/FC "},
+      {"cfm-unknown", "/CFM /AESV2", "/CFM /ROT13"},
+      {"cfm-none-escaped", "/CFM /AESV2", "/CFM /N#6Fne"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_FALSE(Load(std::string(row.name) + ".pdf", WithCryptFilters(row.text, row.replacement)));
+    EXPECT_EQ(library_.LastErrorCode(), kErrorUnsupportedSecurity);
+  }
 }
 
 TEST_F(SaveTest, DamagedFilesAreRewritten) {
