@@ -15,11 +15,13 @@ static_assert(sizeof(wchar_t) == 4, "wide strings cross to the library as 32-bit
 
 struct HalvexPDFLibraryLayout {
   using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
-  static_assert(offsetof(Wrapper, libraryHandle_) == 0);
-  static_assert(offsetof(Wrapper, instanceId_) == sizeof(void*));
-  static_assert(offsetof(Wrapper, loadFailed_) == sizeof(void*) + 4);
-  static_assert(offsetof(Wrapper, functions_) == sizeof(void*) + 8);
-  static_assert(sizeof(Wrapper) == sizeof(void*) + 8 + kLibraryFunctionCount * sizeof(void*));
+  static_assert(offsetof(Wrapper, libraryHandle_) == 0, "the library handle is the wrapper's first field");
+  static_assert(offsetof(Wrapper, instanceId_) == sizeof(void*), "the instance ID follows the handle");
+  static_assert(offsetof(Wrapper, loadFailed_) == sizeof(void*) + 4, "the load-failed flag follows the instance ID");
+  static_assert(offsetof(Wrapper, functions_) == sizeof(void*) + 8,
+                "the table of functions starts at the next pointer");
+  static_assert(sizeof(Wrapper) == sizeof(void*) + 8 + kLibraryFunctionCount * sizeof(void*),
+                "the wrapper ends with its table of functions");
 };
 
 // One argument on its way to the library: Fits() before anything is converted, then construction, the call, and Done().

@@ -45,8 +45,9 @@ def read_table():
     lines = (FOLDER / "LibraryFunctions.table").read_text(encoding="ascii").splitlines()
     functions = [Function(line) for line in lines if line and not line.startswith("#")]
     names = [f.name for f in functions]
-    if names != sorted(set(names)):
-        sys.exit("LibraryFunctions.table: names must stand once each, in byte-wise order")
+    for before, name in zip(names, names[1:]):
+        if name <= before:
+            sys.exit(f"LibraryFunctions.table: {name} stands behind {before}; names stand once each, in byte-wise order")
     return functions
 
 

@@ -20,7 +20,9 @@ struct DialogLoadStruct {
   bool skipDocumentValue;    // start from the settings, not from what the document holds
 };
 
-static_assert(sizeof(bool) == 1);
-static_assert(offsetof(DialogLoadStruct, settings) == 4 * sizeof(void*));
-static_assert(offsetof(DialogLoadStruct, hideAddToActionList) == 6 * sizeof(void*));
-static_assert(offsetof(DialogLoadStruct, skipDocumentValue) == 6 * sizeof(void*) + 1);
+static_assert(sizeof(bool) == 1, "the record's booleans are one byte each");
+static_assert(offsetof(DialogLoadStruct, settings) == 4 * sizeof(void*), "settings is the record's fifth pointer");
+static_assert(offsetof(DialogLoadStruct, hideAddToActionList) == 6 * sizeof(void*),
+              "hideAddToActionList follows the record's six pointers");
+static_assert(offsetof(DialogLoadStruct, skipDocumentValue) == 6 * sizeof(void*) + 1,
+              "skipDocumentValue is the byte behind hideAddToActionList");

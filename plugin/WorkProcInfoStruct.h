@@ -18,4 +18,4 @@ struct WorkProcInfoStruct {
   QMap<QString, QVariant>* settings;  // the action's settings, owned by the host; never null in WorkProc
 };
 
-static_assert(offsetof(WorkProcInfoStruct, settings) == 4 * sizeof(void*));
+static_assert(offsetof(WorkProcInfoStruct, settings) == 4 * sizeof(void*), "settings is the record's fifth pointer");
