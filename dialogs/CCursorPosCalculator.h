@@ -4,24 +4,24 @@
 #include <QPoint>
 #include <QRect>
 
-// Where a point lies on the frame of a frameless window. Positions and sizes are in screen pixels.
-//
-// A strip along an edge is borderWidth + 1 pixels wide, both ends included, and one pixel wider than the frame at the
-// right and bottom. Corners reach twice as far along both of their edges, but for the top right one, where the close
-// button needs the room.
+/// Where a point lies on the frame of a frameless window. Positions and sizes are in screen pixels.
+///
+/// A strip along an edge is borderWidth + 1 pixels wide, both ends included, and one pixel wider than the frame at the
+/// right and bottom. Corners reach twice as far along both of their edges, but for the top right one, where the close
+/// button needs the room.
 class CCursorPosCalculator {
  public:
-  // Clears the flags and keeps the three sizes.
+  /// Clears the flags and keeps the three sizes.
   void reset();
-  // Sets every flag for the point `globalPos` and a window whose outer frame is `frameRect`.
+  /// Sets every flag for the point `globalPos` and a window whose outer frame is `frameRect`.
   void recalculate(const QPoint& globalPos, const QRect& frameRect);
 
-  bool onEdges = false;  // on any edge or corner
+  bool onEdges = false;  ///< on any edge or corner
   bool onLeftEdge = false;
   bool onRightEdge = false;
   bool onTopEdge = false;
   bool onBottomEdge = false;
-  bool nearLeftEdge = false;  // within the doubled strip
+  bool nearLeftEdge = false;  ///< within the doubled strip
   bool nearRightEdge = false;
   bool nearTopEdge = false;
   bool nearBottomEdge = false;
@@ -29,8 +29,8 @@ class CCursorPosCalculator {
   bool onBottomLeftCorner = false;
   bool onTopRightCorner = false;
   bool onBottomRightCorner = false;
-  bool onMoveBar = false;  // at or above the bottom of the move bar
-  int borderWidth = 5;     // width of a resize strip
-  int edgeInset = 0;       // how far the strips lie inside the frame's outer edge
-  int moveBarHeight = 0;   // height of the move bar, from the frame's top
+  bool onMoveBar = false;  ///< at or above the bottom of the move bar
+  int borderWidth = 5;     ///< width of a resize strip
+  int edgeInset = 0;       ///< how far the strips lie inside the frame's outer edge
+  int moveBarHeight = 0;   ///< height of the move bar, from the frame's top
 };

@@ -14,11 +14,11 @@ class QMouseEvent;
 class QWidget;
 class QWindowStateChangeEvent;
 
-// Moves and resizes one frameless top-level window with the mouse: a drag in the move bar along its top moves it, a
-// drag on an edge or corner resizes it down to its minimum size, and hovering over an edge shows the resize cursor.
-//
-// The handler watches the window's events and never consumes one. What a drag does is decided at the press and stays
-// until the release. The handler does not track maximization: an owner that does tells it with setWindowState().
+/// Moves and resizes one frameless top-level window with the mouse: a drag in the move bar along its top moves it, a
+/// drag on an edge or corner resizes it down to its minimum size, and hovering over an edge shows the resize cursor.
+///
+/// The handler watches the window's events and never consumes one. What a drag does is decided at the press and stays
+/// until the release. The handler does not track maximization: an owner that does tells it with setWindowState().
 class CFramelessHandler : public QObject {
   Q_OBJECT
 
@@ -26,46 +26,46 @@ class CFramelessHandler : public QObject {
   explicit CFramelessHandler(QObject* parent = nullptr);
   ~CFramelessHandler() override;
 
-  // Starts handling the window, which is not owned; null does nothing. The signals are connected by name to the slots
-  // on_MaxRestore() and on_MoveMaximized() of the window; one that lacks them gets Qt's warning and no reaction.
+  /// Starts handling the window, which is not owned; null does nothing. The signals are connected by name to the slots
+  /// on_MaxRestore() and on_MoveMaximized() of the window; one that lacks them gets Qt's warning and no reaction.
   void activateOn(QWidget* topLevelWidget);
 
   void setWidgetMovable(bool movable) { widgetMovable = movable; }
   bool isWidgetMovable() const { return widgetMovable; }
-  // Covers resizing and the resize cursors.
+  /// Covers resizing and the resize cursors.
   void setWidgetResizable(bool resizable) { widgetResizable = resizable; }
   bool isWidgetResizable() const { return widgetResizable; }
 
-  // Width of the resize strips in pixels; a negative one is ignored.
+  /// Width of the resize strips in pixels; a negative one is ignored.
   void setBorderWidth(int width);
   int borderWidth() const { return pressCursorPos.borderWidth; }
-  // Height of the move bar in pixels, unchecked.
+  /// Height of the move bar in pixels, unchecked.
   void setMoveBarHeight(int height);
   int moveBarHeight() const { return pressCursorPos.moveBarHeight; }
-  // How many pixels the resize strips lie inside the window's outer edge.
+  /// How many pixels the resize strips lie inside the window's outer edge.
   void setEdgeInset(int inset);
   int edgeInset() const { return pressCursorPos.edgeInset; }
-  // Qt::WindowMaximized switches resizing and cursors off; a drag in the move bar then restores the window and takes
-  // it along.
+  /// Qt::WindowMaximized switches resizing and cursors off; a drag in the move bar then restores the window and takes
+  /// it along.
   void setWindowState(int state) { windowState = state; }
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
-  // The decisions, free of any window.
-  // The frame after dragging the zone that `pressed` tells to `globalPos`; the axis that would fall below the minimum
-  // keeps its extent. Empty when the drag turns the frame inside out.
+  /// The decisions, free of any window.
+  /// The frame after dragging the zone that `pressed` tells to `globalPos`; the axis that would fall below the minimum
+  /// keeps its extent. Empty when the drag turns the frame inside out.
   static std::optional<QRect> resizedFrame(const CCursorPosCalculator& pressed, const QRect& frame,
                                            const QSize& minimumSize, const QPoint& globalPos);
-  // The cursor that announces a resize at the point, if any.
+  /// The cursor that announces a resize at the point, if any.
   static std::optional<Qt::CursorShape> resizeCursor(const CCursorPosCalculator& hovered);
-  // Where a window that was dragged out of the maximized state goes: under the cursor, but not beyond the sides of a
-  // screen `availableWidth` wide, with its shadow margin off-screen.
+  /// Where a window that was dragged out of the maximized state goes: under the cursor, but not beyond the sides of a
+  /// screen `availableWidth` wide, with its shadow margin off-screen.
   static QPoint restoredTopLeft(int cursorX, int frameWidth, int availableWidth);
 
  Q_SIGNALS:
-  // Double click in the move bar, or start of a drag there while the window is maximized.
+  /// Double click in the move bar, or start of a drag there while the window is maximized.
   void toggleMaximize();
-  // Never emitted by the handler.
+  /// Never emitted by the handler.
   void movingMaximized();
 
  private:

@@ -9,23 +9,23 @@
 #include "dialogs/CVorlaneDialog.h"
 #include "dialogs/ui_saveAsCollectionDialog.h"
 
-// "Add To Favorites": names an action's settings as a favorite, or writes them to a tool settings file (".tsf", an INI
-// file whose one key "ToolSettings" holds the whole map).
-//
-// Construct it with the settings dialog as parent, call LoadPrefsData, then exec(). Save, enabled once the name holds
-// more than blanks, puts the name into the map under "CollectionName" and accepts; Cancel, Escape and Save Settings to
-// File reject. A file that cannot be written is not reported.
+/// "Add To Favorites": names an action's settings as a favorite, or writes them to a tool settings file (".tsf", an INI
+/// file whose one key "ToolSettings" holds the whole map).
+///
+/// Construct it with the settings dialog as parent, call LoadPrefsData, then exec(). Save, enabled once the name holds
+/// more than blanks, puts the name into the map under "CollectionName" and accepts; Cancel, Escape and Save Settings to
+/// File reject. A file that cannot be written is not reported.
 class CSaveAsCollectionDialog : public CVorlaneDialog {
   Q_OBJECT
 
  public:
-  // The flags are the shell's own; `flags` is not used.
+  /// The flags are the shell's own; `flags` is not used.
   explicit CSaveAsCollectionDialog(QWidget* parent, Qt::WindowFlags flags = Qt::WindowFlags());
   ~CSaveAsCollectionDialog() override;
 
-  // The action's settings; owned by the caller, and outliving the dialog. Without a map nothing is saved.
+  /// The action's settings; owned by the caller, and outliving the dialog. Without a map nothing is saved.
   void LoadPrefsData(QMap<QString, QVariant>* prefs);
-  // What the icon button shows until the user picks another image.
+  /// What the icon button shows until the user picks another image.
   void SetCollectionIcon(const QIcon& icon);
 
  public Q_SLOTS:

@@ -13,40 +13,40 @@ class QHBoxLayout;
 class QLabel;
 class QVBoxLayout;
 
-// The frameless dialog that every settings dialog derives from: a 30 px header with a title and buttons, by which the
-// user moves the dialog, and a content area for the subclass's form.
-//
-// A subclass's constructor runs the shell's constructor, makes its form, sets VDtitleLabel's text, calls
-// VDaddMainWidget and then VDaddTopButtons and VDaddCloseButton, as it needs them; buttons stand in the order of the
-// calls. The forms name their content "main_widget" and a button strip "button_widget" to be drawn in the theme.
-//
-// The context is taken once from the parent chain, by object name: "VorlaneClass" is the host's main window,
-// "VorlanePreviewClass" its preview window, neither is a stand-alone dialog. Only the main window has the blue theme,
-// only a stand-alone dialog shows the host's name before the title.
+/// The frameless dialog that every settings dialog derives from: a 30 px header with a title and buttons, by which the
+/// user moves the dialog, and a content area for the subclass's form.
+///
+/// A subclass's constructor runs the shell's constructor, makes its form, sets VDtitleLabel's text, calls
+/// VDaddMainWidget and then VDaddTopButtons and VDaddCloseButton, as it needs them; buttons stand in the order of the
+/// calls. The forms name their content "main_widget" and a button strip "button_widget" to be drawn in the theme.
+///
+/// The context is taken once from the parent chain, by object name: "VorlaneClass" is the host's main window,
+/// "VorlanePreviewClass" its preview window, neither is a stand-alone dialog. Only the main window has the blue theme,
+/// only a stand-alone dialog shows the host's name before the title.
 class CVorlaneDialog : public QDialog {
   Q_OBJECT
 
  public:
-  // `flag` is kept for the subclass; the shell does not read it.
+  /// `flag` is kept for the subclass; the shell does not read it.
   CVorlaneDialog(QWidget* parent, bool flag);
   ~CVorlaneDialog() override;
 
-  // Puts the form, at the size it has, into the content area; sizes the dialog around it and centres it on the preview
-  // window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
-  // size is the minimum. Null does nothing.
+  /// Puts the form, at the size it has, into the content area; sizes the dialog around it and centres it on the preview
+  /// window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
+  /// size is the minimum. Null does nothing.
   void VDaddMainWidget(QWidget* form, bool fixedSize);
   void VDaddCloseButton();
-  // The add-to-action-list and the add-to-favorites button. The subclass provides their slots on_VDShowSaveDialog()
-  // and on_VDShowSaveCollectionDialog().
+  /// The add-to-action-list and the add-to-favorites button. The subclass provides their slots on_VDShowSaveDialog()
+  /// and on_VDShowSaveCollectionDialog().
   void VDaddTopButtons();
-  // Does nothing before VDaddTopButtons.
+  /// Does nothing before VDaddTopButtons.
   void VDhideAddToActionListButton();
 
  public Q_SLOTS:
   int exec() override;
 
  protected:
-  // Whether the dialog was opened from a preview window that still is one.
+  /// Whether the dialog was opened from a preview window that still is one.
   bool VDisInPreview() const;
 
  private:

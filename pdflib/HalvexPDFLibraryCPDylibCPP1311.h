@@ -9,45 +9,45 @@
 
 #include "pdflib/LibraryFunctionSlots.h"
 
-// The door to the PDF library: opens the library file at run time, makes one library instance and forwards every call.
-//
-// State: fixed by the constructor. LibraryLoaded() is false when the file could not be opened or lacks a function; every
-// member then answers 0, 0.0 or an empty string without touching the library.
-// Errors: nothing is thrown or reported here; a failing library function answers through its result (commonly 0), and
-// LastErrorCode() tells why.
-// Strings: wide strings hold 32-bit code units and go to the library as they are; byte strings may hold any bytes, NUL
-// included. A string whose size in bytes does not fit a 32-bit int is refused: the member answers its default and the
-// library is not called. Results are copies that belong to the caller.
-// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
-// the call.
-// Threads: none; one wrapper, and the instance behind it, is used by one thread at a time.
-//
-// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
-// wrappers with its own copy of this class and hands them to actions. It must not change.
+/// The door to the PDF library: opens the library file at run time, makes one library instance and forwards every call.
+///
+/// State: fixed by the constructor. LibraryLoaded() is false when the file could not be opened or lacks a function; every
+/// member then answers 0, 0.0 or an empty string without touching the library.
+/// Errors: nothing is thrown or reported here; a failing library function answers through its result (commonly 0), and
+/// LastErrorCode() tells why.
+/// Strings: wide strings hold 32-bit code units and go to the library as they are; byte strings may hold any bytes, NUL
+/// included. A string whose size in bytes does not fit a 32-bit int is refused: the member answers its default and the
+/// library is not called. Results are copies that belong to the caller.
+/// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
+/// the call.
+/// Threads: none; one wrapper, and the instance behind it, is used by one thread at a time.
+///
+/// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
+/// wrappers with its own copy of this class and hands them to actions. It must not change.
 class HalvexPDFLibraryCPDylibCPP1311 {
  public:
-  // Opens `fileName` with the dynamic loader's own search rules. Only the low 8 bits of each unit are used, so a path
-  // with other characters is passed as one unit for each byte of its encoded name.
+  /// Opens `fileName` with the dynamic loader's own search rules. Only the low 8 bits of each unit are used, so a path
+  /// with other characters is passed as one unit for each byte of its encoded name.
   explicit HalvexPDFLibraryCPDylibCPP1311(const std::wstring& fileName);
-  // Releases the library instance, if its ID is above 0, and closes the file.
+  /// Releases the library instance, if its ID is above 0, and closes the file.
   ~HalvexPDFLibraryCPDylibCPP1311();
   HalvexPDFLibraryCPDylibCPP1311(const HalvexPDFLibraryCPDylibCPP1311&) = delete;
   HalvexPDFLibraryCPDylibCPP1311& operator=(const HalvexPDFLibraryCPDylibCPP1311&) = delete;
 
-  // True when the file was opened and holds every function. The instance ID is not looked at.
+  /// True when the file was opened and holds every function. The instance ID is not looked at.
   bool LibraryLoaded() const { return !loadFailed_; }
 
   using LibraryFunction = void (*)();
-  // The library's function of that name, or null; null for one that is not optional marks the library as not loaded.
+  /// The library's function of that name, or null; null for one that is not optional marks the library as not loaded.
   LibraryFunction AttachFunction(const char* name, bool optional);
-  // A library buffer with the text's units and no terminating zero, owned by the library; null for an empty text.
+  /// A library buffer with the text's units and no terminating zero, owned by the library; null for an empty text.
   void* WideStringParm(const std::wstring& text);
-  // A library buffer with the text's bytes, for an empty text too; `release` becomes 1: the caller releases the buffer.
+  /// A library buffer with the text's bytes, for an empty text too; `release` becomes 1: the caller releases the buffer.
   void* StringParm(const std::string& text, int& release);
-  // A copy of `length` units; empty for a null pointer or a length below 1.
+  /// A copy of `length` units; empty for a null pointer or a length below 1.
   std::wstring WideStringResult(wchar_t* text, int length);
 
-  // The library's functions. What each does, its units and its results are the library's contract.
+  /// The library's functions. What each does, its units and its results are the library's contract.
   int AddArcToPath(double a1, double a2, double a3);
   int AddBoxToPath(double a1, double a2, double a3, double a4);
   int AddCJKFont(int a1);

@@ -8,29 +8,29 @@ class QWidget;
 struct WorkProcInfoStruct;
 struct DialogLoadStruct;
 
-// What the host asks of every action. The order of the virtual functions is part of the contract with the host.
-// Every call arrives on the host's GUI thread.
+/// What the host asks of every action. The order of the virtual functions is part of the contract with the host.
+/// Every call arrives on the host's GUI thread.
 class CActionInterface {
  public:
   virtual ~CActionInterface() = default;
 
-  // Runs the action on one open document. Called once a document and action of a list.
+  /// Runs the action on one open document. Called once a document and action of a list.
   virtual int WorkProc(WorkProcInfoStruct* info) = 0;
-  // Edits info->settings in a modal dialog; 1 if the user accepted, else 0.
+  /// Edits info->settings in a modal dialog; 1 if the user accepted, else 0.
   virtual int ShowDialogProc(QWidget* parent, DialogLoadStruct* info) = 0;
-  // Called once before and once after the documents of a run; `info` may be null.
+  /// Called once before and once after the documents of a run; `info` may be null.
   virtual int PreSequenceProc(WorkProcInfoStruct* info) = 0;
   virtual int PostSequenceProc(WorkProcInfoStruct* info) = 0;
 
-  // The name that action lists store.
+  /// The name that action lists store.
   virtual QString GetActionName() = 0;
   virtual QString GetDisplayName() = 0;
-  // File name of the action's help page.
+  /// File name of the action's help page.
   virtual QString GetActionHelp() = 0;
   virtual QString GetGroupName() = 0;
-  // Flag bits whose meaning is the host's.
+  /// Flag bits whose meaning is the host's.
   virtual int GetActionFlags() = 0;
-  // File names of the normal, selected and disabled image, joined by "#".
+  /// File names of the normal, selected and disabled image, joined by "#".
   virtual QString GetDefaultIcon() = 0;
 };
 

@@ -5,14 +5,14 @@
 
 #include "plugin/CActionInterface.h"
 
-// The action "Set Base URL": writes the setting "baseUrlString" into every document of a run.
+/// The action "Set Base URL": writes the setting "baseUrlString" into every document of a run.
 class CSetBaseURL : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.halvex.vorlane.setbaseurl")
   Q_INTERFACES(CActionInterface)
 
  public:
-  // Sets the document's base URL; a missing setting sets an empty one. The library's answer is not examined: always 0.
+  /// Sets the document's base URL; a missing setting sets an empty one. The library's answer is not examined: always 0.
   int WorkProc(WorkProcInfoStruct* info) override;
   int ShowDialogProc(QWidget* parent, DialogLoadStruct* info) override;
   int PreSequenceProc(WorkProcInfoStruct* info) override;

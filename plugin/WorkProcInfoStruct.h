@@ -8,14 +8,14 @@
 
 class HalvexPDFLibraryCPDylibCPP1311;
 
-// What the host hands to an action for one call; the action only reads it. The layout is part of the contract with the
-// host, which may append fields of its own.
+/// What the host hands to an action for one call; the action only reads it. The layout is part of the contract with the
+/// host, which may append fields of its own.
 struct WorkProcInfoStruct {
-  HalvexPDFLibraryCPDylibCPP1311* document;  // the open document; never null in WorkProc
+  HalvexPDFLibraryCPDylibCPP1311* document;  ///< the open document; never null in WorkProc
   void* hostField2;
   void* hostField3;
   void* hostField4;
-  QMap<QString, QVariant>* settings;  // the action's settings, owned by the host; never null in WorkProc
+  QMap<QString, QVariant>* settings;  ///< the action's settings, owned by the host; never null in WorkProc
 };
 
 static_assert(offsetof(WorkProcInfoStruct, settings) == 4 * sizeof(void*), "settings is the record's fifth pointer");

@@ -5,12 +5,12 @@
 #include <QList>
 #include <QString>
 
-// The log entry points. Logging is switched off: they take any text and do nothing.
+/// The log entry points. Logging is switched off: they take any text and do nothing.
 void AddToDebugFile(const char* format, ...);
 void StoreErrorToLog(const char* text);
 
-// Error messages kept in memory, oldest first, without a limit, until ClearAll() or the end of the store.
-// Used on the GUI thread only; nothing here fails.
+/// Error messages kept in memory, oldest first, without a limit, until ClearAll() or the end of the store.
+/// Used on the GUI thread only; nothing here fails.
 class CErrorHandler {
  public:
   CErrorHandler() = default;
@@ -18,28 +18,28 @@ class CErrorHandler {
   CErrorHandler(const CErrorHandler&) = delete;
   CErrorHandler& operator=(const CErrorHandler&) = delete;
 
-  // Stores `format` as a finished message, with "%%" reduced to "%". `args` is not expanded: conversions such as "%d"
-  // stay in the text, so callers pass messages that need none.
+  /// Stores `format` as a finished message, with "%%" reduced to "%". `args` is not expanded: conversions such as "%d"
+  /// stay in the text, so callers pass messages that need none.
   void Store(QString format, va_list args);
-  // The same; the variable arguments are not read.
+  /// The same; the variable arguments are not read.
   void StoreError(QString format, ...);
 
-  // The number of stored messages.
+  /// The number of stored messages.
   int GetCount() const { return mErrors.size(); }
-  // The message at `index`, 0 being the oldest; "Unknown error" when there is none.
+  /// The message at `index`, 0 being the oldest; "Unknown error" when there is none.
   QString GetAt(long index) const;
-  // The newest message; "Unknown error" when there is none.
+  /// The newest message; "Unknown error" when there is none.
   QString GetLast() const { return GetAt(GetCount() - 1L); }
-  // Forgets all messages; those copied to the secondary list stay there.
+  /// Forgets all messages; those copied to the secondary list stay there.
   void ClearAll() { mErrors.clear(); }
 
-  // Does nothing: logging is switched off.
+  /// Does nothing: logging is switched off.
   void WriteToLog(const char* text, bool flag);
 
  private:
   QList<QString> mErrors;
 
  public:
-  // A list that gets a copy of every message stored from now on; not owned, may be null.
+  /// A list that gets a copy of every message stored from now on; not owned, may be null.
   QList<QString>* mSecondaryErrors = nullptr;
 };

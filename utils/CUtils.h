@@ -4,78 +4,78 @@
 #include <QDir>
 #include <QString>
 
-// The host's folder layout, fresh temporary names, the application name, the installation type, the OpenGL check and
-// length units.
-//
-// All members are static and used on the GUI thread (Convert() and IsOpenGLSufficient() are pure). Paths have forward
-// slashes. Nothing is reported: the folder accessors neither create nor check anything, and what cannot be made is
-// left out.
-//
-// Five accessors answer a path with a doubled slash ("…/PDF Tools//Settings"): callers append file names to it as it
-// is.
+/// The host's folder layout, fresh temporary names, the application name, the installation type, the OpenGL check and
+/// length units.
+///
+/// All members are static and used on the GUI thread (Convert() and IsOpenGLSufficient() are pure). Paths have forward
+/// slashes. Nothing is reported: the folder accessors neither create nor check anything, and what cannot be made is
+/// left out.
+///
+/// Five accessors answer a path with a doubled slash ("…/PDF Tools//Settings"): callers append file names to it as it
+/// is.
 class CUtils {
  public:
   CUtils() = delete;
 
-  // Stores the application name; the host calls it once at its start.
+  /// Stores the application name; the host calls it once at its start.
   static void SetAppName(QString name);
-  // The stored name, or "PDF Tools" when it is empty.
+  /// The stored name, or "PDF Tools" when it is empty.
   static QString GetAppName();
 
-  // The user's generic application-data location, without a trailing slash.
+  /// The user's generic application-data location, without a trailing slash.
   static QString GetAppDataFolder();
-  // "<application data>/nolva software/PDF Tools/", with a trailing slash.
+  /// "<application data>/nolva software/PDF Tools/", with a trailing slash.
   static QString GetAppDataToolsFolder();
-  // The action lists (".xqq"): "…/PDF Tools/Actions".
+  /// The action lists (".xqq"): "…/PDF Tools/Actions".
   static QString GetSequenceFolder();
-  // "…/PDF Tools//Reports/Action Reports".
+  /// "…/PDF Tools//Reports/Action Reports".
   static QString GetReportsFolder();
-  // "…/PDF Tools//Reports/App Log".
+  /// "…/PDF Tools//Reports/App Log".
   static QString GetAppLogFolder();
-  // "…/PDF Tools/WF".
+  /// "…/PDF Tools/WF".
   static QString GetWFFolder();
-  // "…/PDF Tools//Settings".
+  /// "…/PDF Tools//Settings".
   static QString GetSettingsFolder();
-  // The favourites and the settings history: "…/PDF Tools//Settings/Favorites".
+  /// The favourites and the settings history: "…/PDF Tools//Settings/Favorites".
   static QString GetCollectionsFolder();
-  // "…/PDF Tools//Settings/AdvSplitTemplates".
+  /// "…/PDF Tools//Settings/AdvSplitTemplates".
   static QString GetAdvSplitTemplatesFolder();
-  // The plug-ins: "./Tools", relative to the working directory.
+  /// The plug-ins: "./Tools", relative to the working directory.
   static QString GetActionFolder();
 
-  // Creates whatever is missing of the tree above, and "<documents>/<QCoreApplication::applicationName()>" with
-  // "Input" and "Output" in it. Each step makes one level; one that fails is skipped. Safe to repeat.
+  /// Creates whatever is missing of the tree above, and "<documents>/<QCoreApplication::applicationName()>" with
+  /// "Input" and "Output" in it. Each step makes one level; one that fails is skipped. Safe to repeat.
   static void SetupFolders();
 
-  // Makes a fresh folder in the system's temporary folder. `*name` carries the wanted name in and the folder's full
-  // path out. A taken name gets "_0", "_1", … "_99999" appended; when all are taken, the last one is answered as if it
-  // were fresh. When the folder cannot be made, the temporary folder itself is answered, with a trailing slash in
-  // `*name`. A null `name` makes nothing and answers the temporary folder.
-  //
-  // Once a name is taken, the temporary folder's path and the name are read as a printf format for the number: callers
-  // must not pass a name with a percent sign (see ExpandNumberFormat() for what becomes of one).
+  /// Makes a fresh folder in the system's temporary folder. `*name` carries the wanted name in and the folder's full
+  /// path out. A taken name gets "_0", "_1", … "_99999" appended; when all are taken, the last one is answered as if it
+  /// were fresh. When the folder cannot be made, the temporary folder itself is answered, with a trailing slash in
+  /// `*name`. A null `name` makes nothing and answers the temporary folder.
+  ///
+  /// Once a name is taken, the temporary folder's path and the name are read as a printf format for the number: callers
+  /// must not pass a name with a percent sign (see ExpandNumberFormat() for what becomes of one).
   static QDir GetNewTempFolder(QString* name);
 
-  // A path "<temporary folder>/<baseName>_<n>.pdf" that does not exist, with the lowest n of 1 to 9999; empty when all
-  // are taken. `baseName` is UTF-8; null counts as empty. Nothing is created, so two callers may get the same path.
+  /// A path "<temporary folder>/<baseName>_<n>.pdf" that does not exist, with the lowest n of 1 to 9999; empty when all
+  /// are taken. `baseName` is UTF-8; null counts as empty. Nothing is created, so two callers may get the same path.
   static QString GetNewTempFile(const char* baseName);
 
-  // True when this machine's OpenGL is good enough for the translucent dialog frame. False, without a crash, where no
-  // OpenGL context can be made current, for example without a QGuiApplication or on a platform without OpenGL.
+  /// True when this machine's OpenGL is good enough for the translucent dialog frame. False, without a crash, where no
+  /// OpenGL context can be made current, for example without a QGuiApplication or on a platform without OpenGL.
   static bool CheckOpenGLSupport();
-  // The rule on QGLFormat's version flags: OpenGL 2.0 alone (32 to 64), OpenGL 3.0 and later, or any OpenGL ES 2.0
-  // (2048 and above). 65 to 2047, a desktop OpenGL 2.1 without more among them, is not enough.
+  /// The rule on QGLFormat's version flags: OpenGL 2.0 alone (32 to 64), OpenGL 3.0 and later, or any OpenGL ES 2.0
+  /// (2048 and above). 65 to 2047, a desktop OpenGL 2.1 without more among them, is not enough.
   static bool IsOpenGLSufficient(int versionFlags);
 
-  // Sets mInstalationTypeCurrentUser from "InstallType" in the installation's native settings: true exactly for 1.
+  /// Sets mInstalationTypeCurrentUser from "InstallType" in the installation's native settings: true exactly for 1.
   static void GetInstalationType();
 
-  // Converts a length between the units 0 inch, 1 centimetre, 2 millimetre and 3 point (1/72 inch). Equal or unknown
-  // units answer `value` unchanged. The order of the operations is fixed, so results are the same to the last bit.
+  /// Converts a length between the units 0 inch, 1 centimetre, 2 millimetre and 3 point (1/72 inch). Equal or unknown
+  /// units answer `value` unchanged. The order of the operations is fixed, so results are the same to the last bit.
   static double Convert(long fromUnit, double value, long toUnit);
 
-  // Set by SetAppName(); empty until then.
+  /// Set by SetAppName(); empty until then.
   static QString mApplicationName;
-  // Set by GetInstalationType(); false until then.
+  /// Set by GetInstalationType(); false until then.
   static bool mInstalationTypeCurrentUser;
 };

@@ -7,18 +7,18 @@
 #include <utility>
 #include <vector>
 
-// One expansion of a page-range text, see CActionUtils::GetPageList(), in time linear in the text and the pages named.
-//
-// A single page that is excluded as odd or even does not end its item: the item is read again from its next character
-// on, as far as the empty remainder (page 0), and then, past the comma, the whole rest of the text is read in the same
-// way. Excluded pages are never appended, so which remainders end an item does not depend on what was found before;
-// everything that would be read twice is therefore read once and remembered.
+/// One expansion of a page-range text, see CActionUtils::GetPageList(), in time linear in the text and the pages named.
+///
+/// A single page that is excluded as odd or even does not end its item: the item is read again from its next character
+/// on, as far as the empty remainder (page 0), and then, past the comma, the whole rest of the text is read in the same
+/// way. Excluded pages are never appended, so which remainders end an item does not depend on what was found before;
+/// everything that would be read twice is therefore read once and remembered.
 class PageRangeExpansion {
  public:
-  // `text` must outlive the object.
+  /// `text` must outlive the object.
   PageRangeExpansion(const QString& text, int pageCount, bool skipOdd, bool skipEven);
 
-  // Adds the named pages that are not in `pages` yet, and sorts it.
+  /// Adds the named pages that are not in `pages` yet, and sorts it.
   void Run(QList<int>& pages);
 
  private:

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-// The integer part of `value`; the nearest int for what does not fit one, 0 for what is not a number.
+/// The integer part of `value`; the nearest int for what does not fit one, 0 for what is not a number.
 inline int SaturatedInt(double value) {
   if (std::isnan(value)) return 0;
   if (value <= std::numeric_limits<int>::min()) return std::numeric_limits<int>::min();
