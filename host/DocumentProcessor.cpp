@@ -41,6 +41,7 @@ FileRecord DocumentProcessor::Process(const std::string& file, const std::string
     record.status = FileRecord::Status::kFailed;
     record.reason = reason;
     record.way.clear();
+    record.warnings.clear();
     record.baseUrlAfter = record.baseUrlBefore;
   };
   try {

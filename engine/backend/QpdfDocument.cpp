@@ -307,29 +307,42 @@ std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail
   });
 }
 
-bool QpdfDocument::Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                          const std::vector<ChangedObject>& objects) {
+// The saved document if it is sound and holds the changes, otherwise null.
+std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved,
+                                                      const Changes& changes) const {
   try {
-    const std::unique_ptr<QpdfDocument> other = Open(std::move(updated), password_);
-    if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return false;
+    std::unique_ptr<QpdfDocument> other = Open(std::move(saved), password_);
+    if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return nullptr;
     for (const auto& [key, value] : changes.information) {
-      if (other->Information(key) != value) return false;
+      if (other->Information(key) != value) return nullptr;
     }
-    const auto before = qpdf_->getXRefTable();
-    const auto after = other->qpdf_->getXRefTable();
-    const auto kept = [&](const auto& entry) {
-      const QPDFObjGen id = entry.first;
-      if (std::any_of(objects.begin(), objects.end(),
-                      [&](const ChangedObject& object) { return static_cast<int>(object.id.number) == id.getObj(); })) {
-        return true;
-      }
-      const auto found = after.find(id);
-      return found != after.end() && SamePlace(entry.second, found->second);
-    };
-    return std::all_of(before.begin(), before.end(), kept) && !other->Repaired();
+    return other->Repaired() ? nullptr : std::move(other);
   } catch (const EngineError&) {
-    return false;
+    return nullptr;
   }
+}
+
+bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
+                                const std::vector<ChangedObject>& objects) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated), changes);
+  if (other == nullptr) return false;
+  const auto before = qpdf_->getXRefTable();
+  const auto after = other->qpdf_->getXRefTable();
+  const auto kept = [&](const auto& entry) {
+    const QPDFObjGen id = entry.first;
+    if (std::any_of(objects.begin(), objects.end(),
+                    [&](const ChangedObject& object) { return static_cast<int>(object.id.number) == id.getObj(); })) {
+      return true;
+    }
+    const auto found = after.find(id);
+    return found != after.end() && SamePlace(entry.second, found->second);
+  };
+  return std::all_of(before.begin(), before.end(), kept);
+}
+
+bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten), changes);
+  return other != nullptr && other->Encrypted() == Encrypted();
 }
 
 void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
@@ -338,6 +351,16 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
     QPDFObjectHandle trailer = qpdf_->getTrailer();
     const ScopedEntry uri(catalog, "/URI");
     const ScopedEntry info(trailer, "/Info");
+    const ScopedEntry size(trailer, "/Size");
+    const ScopedEntry oldEncrypt(trailer, "/Encrypt");
+    // The parser does without /Size and the key's /Length, but the writer goes by them.
+    trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+    if (Encrypted()) {
+      QPDFObjectHandle encrypt = DictionaryCopy(trailer.getKey("/Encrypt"));
+      const auto bits = static_cast<long long>(qpdf_->getEncryptionKey().size()) * 8;
+      encrypt.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
+      trailer.replaceKey("/Encrypt", encrypt);
+    }
     if (changes.baseUrl) SetBaseUrl(catalog, *changes.baseUrl);
     if (!changes.information.empty()) {
       QPDFObjectHandle changed = DictionaryCopy(trailer.getKey("/Info"));

@@ -28,12 +28,14 @@ class QpdfDocument : public BackendDocument {
   bool Repaired() override;
   ObjectId Root() override;
   std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) override;
-  bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
-              const std::vector<ChangedObject>& objects) override;
+  bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
+                    const std::vector<ChangedObject>& objects) override;
   void Rewrite(const Changes& changes, OutputFile& output) override;
+  bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) override;
 
  private:
   QpdfDocument() = default;
+  std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved, const Changes& changes) const;
 
   std::shared_ptr<const InputFile> file_;  // null for a new document
   std::string password_;                   // the encoding of it that opened the document

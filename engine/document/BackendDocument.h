@@ -61,10 +61,12 @@ class BackendDocument {
   // EngineError kErrorUnsupportedSecurity when they cannot be encrypted.
   virtual std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) = 0;
   // Whether `updated`, this document with an incremental update, holds the changes and every other object where it was.
-  virtual bool Verify(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                      const std::vector<ChangedObject>& objects) = 0;
+  virtual bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
+                            const std::vector<ChangedObject>& objects) = 0;
   // Writes the whole document anew, with its encryption and page count.
   virtual void Rewrite(const Changes& changes, OutputFile& output) = 0;
+  // Whether `rewritten` opens with the same password, undamaged, encrypted or not as this document, with the changes.
+  virtual bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) = 0;
 };
 
 }  // namespace engine

@@ -186,6 +186,9 @@ Document::Written Document::Write(const MakeOutput& make) {
     case SavePlan::Way::kRewrite:
       Full().Rewrite(changes_, *output);
       if (source_ != nullptr) source_->CheckUnchanged();
+      if (!Full().VerifyRewrite(output->ReadBack(), changes_)) {
+        throw EngineError(kErrorDamaged, "the rewritten document does not read back");
+      }
       break;
   }
   return {std::move(output), way};
@@ -199,7 +202,7 @@ bool Document::Append(OutputFile& output) {
   FileTail tail = *Tail();
   const std::vector<ChangedObject> objects = Full().Update(changes_, tail);
   AppendUpdate(*source_, tail, objects, output);
-  return Full().Verify(output.ReadBack(), changes_, objects);
+  return Full().VerifyUpdate(output.ReadBack(), changes_, objects);
 }
 
 }  // namespace engine

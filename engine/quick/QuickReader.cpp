@@ -146,15 +146,17 @@ std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
 
 FileTail ReadTailOf(const InputFile& input) {
   const PdfFileText file(input, FindHeader(input));
-  const std::uint64_t startXref = ReadStartXref(file, false);
+  std::uint64_t startXref = ReadStartXref(file, false);
+  // Readers allow for space before the section; the update names the place behind it.
   const std::string start = file.Read(startXref, 64);
   const std::size_t begin = std::min(start.find_first_not_of(std::string_view("\0\t\n\f\r ", 6)), start.size());
+  startXref += begin;
   if (start.compare(begin, 4, "xref") != 0) {
     const PdfFileText::Object object = file.ReadObject(startXref);
     if (RawDictionary(object.dictionary).Text("/Type") != "/XRef") throw PdfSyntaxError();
     return MakeTail(file, startXref, object.dictionary, true);
   }
-  const std::string trailer = file.ParseAt(FindTrailer(file, startXref + begin + 4), [](std::string_view text) {
+  const std::string trailer = file.ParseAt(FindTrailer(file, startXref + 4), [](std::string_view text) {
     PdfLexer lexer(text);
     lexer.Expect("trailer");
     lexer.SkipSpace();

@@ -239,6 +239,34 @@ TEST_F(SaveTest, UnknownEncryptionOfStringsIsRefused) {
   }
 }
 
+// Rewriting decrypts and encrypts; the parser finds the key also where entries are missing.
+TEST_F(SaveTest, DamagedEncryptedFilesStayEncryptedAndReadable) {
+  for (const char* const options : {"40", "128 --use-aes=n", "128 --force-V4", "128 --use-aes=y", "256"}) {
+    for (const bool keyLength : {true, false}) {
+      SCOPED_TRACE(options);
+      WriteFile("plain.pdf", Rich().Bytes());
+      ASSERT_EQ(
+          RunTool("qpdf --allow-weak-crypto --encrypt '' o " + std::string(options) + " -- plain.pdf sound.pdf").status,
+          0);
+      std::string bytes = ReadFile("sound.pdf");
+      const std::size_t length = bytes.find("/Length ", bytes.find("/Standard"));
+      const bool rc4WithLongKey = std::string(options) == "128 --use-aes=n";  // 40 bits without the entry
+      if (!keyLength && (length == std::string::npos || rc4WithLongKey)) continue;
+      if (!keyLength) bytes.replace(length, 7, "/Longer");
+      bytes.insert(bytes.rfind("startxref\n") + 10, "9");
+      ASSERT_TRUE(Load("damaged.pdf", bytes)) << library_.LastErrorCode();
+      ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+      EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
+      ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+      EXPECT_TRUE(Sound("out.pdf"));
+      EXPECT_NE(Show("out.pdf", "trailer/Encrypt").find("/Standard"), std::string::npos);
+      const std::string catalog = Show("out.pdf", "trailer/Root");
+      EXPECT_NE(catalog.find(kUrlInFile), std::string::npos) << catalog;
+      EXPECT_NE(catalog.find("(nested)"), std::string::npos) << catalog;
+    }
+  }
+}
+
 TEST_F(SaveTest, DamagedFilesAreRewritten) {
   std::string bytes = Rich().Bytes();
   const std::string start = "startxref\n";

@@ -277,6 +277,11 @@ def defects():
     yield "startxref-negative", plain[:plain.rindex(b"startxref")] + b"startxref\n-5\n%%EOF\n"
     yield "startxref-zero", plain[:plain.rindex(b"startxref")] + b"startxref\n0\n%%EOF\n"
     yield "xref-offset-past-end", plain[:plain.rindex(b"startxref")] + b"startxref\n9999999\n%%EOF\n"
+    yield "xref-offset-before-space", plain.replace(b"startxref\n%d" % plain.rindex(b"xref\n0"),
+                                                    b"startxref\n%d" % (plain.rindex(b"xref\n0") - 1))
+    stream = File().put(body()).xref_stream()
+    yield "xref-stream-offset-before-space", stream.out.replace(b"startxref\n%d" % stream.startxref,
+                                                                b"startxref\n%d" % (stream.startxref - 1))
     yield "xref-shifted", File().put(body()).table(shift=3)
     yield "xref-prev-to-itself", File().put(body()).table(prev=len(File().put(body()).out))
     start = len(File().put(body()).out)
