@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 #include <QString>
 
 /// Whether a name that the user typed holds nothing but white space.

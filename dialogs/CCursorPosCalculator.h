@@ -16,21 +16,21 @@ class CCursorPosCalculator {
   /// Sets every flag for the point `globalPos` and a window whose outer frame is `frameRect`.
   void recalculate(const QPoint& globalPos, const QRect& frameRect);
 
-  bool onEdges = false;  ///< on any edge or corner
-  bool onLeftEdge = false;
-  bool onRightEdge = false;
-  bool onTopEdge = false;
-  bool onBottomEdge = false;
-  bool nearLeftEdge = false;  ///< within the doubled strip
-  bool nearRightEdge = false;
-  bool nearTopEdge = false;
-  bool nearBottomEdge = false;
-  bool onTopLeftCorner = false;
-  bool onBottomLeftCorner = false;
-  bool onTopRightCorner = false;
-  bool onBottomRightCorner = false;
-  bool onMoveBar = false;  ///< at or above the bottom of the move bar
-  int borderWidth = 5;     ///< width of a resize strip
-  int edgeInset = 0;       ///< how far the strips lie inside the frame's outer edge
-  int moveBarHeight = 0;   ///< height of the move bar, from the frame's top
+  bool onEdges = false;              ///< on any edge or corner
+  bool onLeftEdge = false;           ///< within the strip along the left edge
+  bool onRightEdge = false;          ///< within the strip along the right edge
+  bool onTopEdge = false;            ///< within the strip along the top edge
+  bool onBottomEdge = false;         ///< within the strip along the bottom edge
+  bool nearLeftEdge = false;         ///< within twice the strip along the left edge
+  bool nearRightEdge = false;        ///< within twice the strip along the right edge
+  bool nearTopEdge = false;          ///< within twice the strip along the top edge
+  bool nearBottomEdge = false;       ///< within twice the strip along the bottom edge
+  bool onTopLeftCorner = false;      ///< on one of the edges and near the other
+  bool onBottomLeftCorner = false;   ///< on one of the edges and near the other
+  bool onTopRightCorner = false;     ///< on both edges, without the doubled reach
+  bool onBottomRightCorner = false;  ///< on one of the edges and near the other
+  bool onMoveBar = false;            ///< at or above the bottom of the move bar
+  int borderWidth = 5;               ///< width of a resize strip
+  int edgeInset = 0;                 ///< how far the strips lie inside the frame's outer edge
+  int moveBarHeight = 0;             ///< height of the move bar, from the frame's top
 };

@@ -23,6 +23,7 @@ class CFramelessHandler : public QObject {
   Q_OBJECT
 
  public:
+  /// Handles no window yet; moving and resizing are on.
   explicit CFramelessHandler(QObject* parent = nullptr);
   ~CFramelessHandler() override;
 
@@ -30,25 +31,32 @@ class CFramelessHandler : public QObject {
   /// on_MaxRestore() and on_MoveMaximized() of the window; one that lacks them gets Qt's warning and no reaction.
   void activateOn(QWidget* topLevelWidget);
 
+  /// Switches moving by the move bar on or off.
   void setWidgetMovable(bool movable) { widgetMovable = movable; }
+  /// Whether a drag in the move bar moves the window.
   bool isWidgetMovable() const { return widgetMovable; }
-  /// Covers resizing and the resize cursors.
+  /// Switches resizing and the resize cursors on or off.
   void setWidgetResizable(bool resizable) { widgetResizable = resizable; }
+  /// Whether a drag on an edge or corner resizes the window.
   bool isWidgetResizable() const { return widgetResizable; }
 
   /// Width of the resize strips in pixels; a negative one is ignored.
   void setBorderWidth(int width);
+  /// In pixels; 5 unless set.
   int borderWidth() const { return pressCursorPos.borderWidth; }
   /// Height of the move bar in pixels, unchecked.
   void setMoveBarHeight(int height);
+  /// In pixels; 0 unless set.
   int moveBarHeight() const { return pressCursorPos.moveBarHeight; }
   /// How many pixels the resize strips lie inside the window's outer edge.
   void setEdgeInset(int inset);
+  /// In pixels; 0 unless set.
   int edgeInset() const { return pressCursorPos.edgeInset; }
   /// Qt::WindowMaximized switches resizing and cursors off; a drag in the move bar then restores the window and takes
   /// it along.
   void setWindowState(int state) { windowState = state; }
 
+  /// Watches the window's events; always false, so that every event goes on to the window.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
   /// The decisions, free of any window.

@@ -32,10 +32,13 @@ class CSaveAsActionlistDialog : public CVorlaneDialog {
   void actionListChanged(QString name);
 
  public Q_SLOTS:
+  /// Stores the settings under the entered name and accepts; nothing without a map or while Save is disabled.
   void on_Save();
+  /// Enables Save while the name holds more than blanks.
   void on_UpdateUI();
 
  protected:
+  /// Return saves once, Escape rejects.
   void keyPressEvent(QKeyEvent* event) override;
 
  private:

@@ -29,9 +29,14 @@ class CSaveAsCollectionDialog : public CVorlaneDialog {
   void SetCollectionIcon(const QIcon& icon);
 
  public Q_SLOTS:
+  /// Puts the entered name into the map and accepts; nothing without a map or while Save is disabled.
   void on_Save();
+  /// Lets the user pick the image of the icon button; cancelling keeps the one it has.
   void on_CollectionIcon();
+  /// Enables Save while the name holds more than blanks.
   void on_UpdateUI();
+  /// Asks for a file and writes the whole map to it, then rejects, also when the user names none. Nothing without a
+  /// map.
   void on_SaveToFile();
 
  private:

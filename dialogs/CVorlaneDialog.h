@@ -35,14 +35,16 @@ class CVorlaneDialog : public QDialog {
   /// window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
   /// size is the minimum. Null does nothing.
   void VDaddMainWidget(QWidget* form, bool fixedSize);
+  /// Adds the header's close button, which rejects the dialog.
   void VDaddCloseButton();
   /// The add-to-action-list and the add-to-favorites button. The subclass provides their slots on_VDShowSaveDialog()
   /// and on_VDShowSaveCollectionDialog().
   void VDaddTopButtons();
-  /// Does nothing before VDaddTopButtons.
+  /// Hides the add-to-action-list button, as a host can ask for; does nothing before VDaddTopButtons.
   void VDhideAddToActionListButton();
 
  public Q_SLOTS:
+  /// Runs the dialog modally; QDialog::Accepted or QDialog::Rejected.
   int exec() override;
 
  protected:
@@ -64,7 +66,7 @@ class CVorlaneDialog : public QDialog {
   CFramelessHandler framelessHandler;
 
  protected:
-  const bool shellFlag;
+  const bool shellFlag;  ///< the constructor's `flag`
 
  private:
   CVorlaneHeaderButton* VDcloseButton = nullptr;
@@ -86,7 +88,7 @@ class CVorlaneDialog : public QDialog {
   QLabel* VDPrefixLabel = nullptr;
 
  protected:
-  QLabel* VDtitleLabel = nullptr;
+  QLabel* VDtitleLabel = nullptr;  ///< the header's title; the subclass sets its text
 
  private:
   QWidget* VDcontentWidget = nullptr;

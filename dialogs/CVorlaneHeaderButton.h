@@ -9,5 +9,6 @@ class CVorlaneHeaderButton : public QToolButton {
   using QToolButton::QToolButton;
 
  protected:
+  /// Consumes the second press of a double click.
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 };

@@ -31,12 +31,15 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   explicit HalvexPDFLibraryCPDylibCPP1311(const std::wstring& fileName);
   /// Releases the library instance, if its ID is above 0, and closes the file.
   ~HalvexPDFLibraryCPDylibCPP1311();
+  /// One object owns one library instance, so there are no copies.
   HalvexPDFLibraryCPDylibCPP1311(const HalvexPDFLibraryCPDylibCPP1311&) = delete;
+  /// No copies, see the constructor.
   HalvexPDFLibraryCPDylibCPP1311& operator=(const HalvexPDFLibraryCPDylibCPP1311&) = delete;
 
   /// True when the file was opened and holds every function. The instance ID is not looked at.
   bool LibraryLoaded() const { return !loadFailed_; }
 
+  /// Any library function; cast to its own type before it is called.
   using LibraryFunction = void (*)();
   /// The library's function of that name, or null; null for one that is not optional marks the library as not loaded.
   LibraryFunction AttachFunction(const char* name, bool optional);
@@ -47,7 +50,97 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// A copy of `length` units; empty for a null pointer or a length below 1.
   std::wstring WideStringResult(wchar_t* text, int length);
 
-  /// The library's functions. What each does, its units and its results are the library's contract.
+  /// @name Library functions that the free engine implements
+  /// @{
+
+  /// What a password opens: 1 as user, 2 as owner, 3 as both, 0 neither, or the document is not encrypted.
+  int CheckPassword(const std::wstring& password);
+  /// The number of open documents.
+  int DocumentCount();
+  /// 0 for a document that is not encrypted, 1 when it was opened with the user password, 2 with the owner password.
+  int EncryptionStatus();
+  /// The base URL as it stands in the document; empty for none.
+  std::wstring GetBaseURL();
+  /// An entry of the document information dictionary by its name; empty when there is none.
+  std::wstring GetCustomInformation(const std::wstring& key);
+  /// The name that the selected document was loaded by; empty for one that was not loaded from a file.
+  std::wstring GetDocumentFileName();
+  /// The size of the loaded file in bytes; 0 with kErrorFileTooLarge above 2,147,483,647.
+  int GetDocumentFileSize();
+  /// The ID of the open document at a position from 1 on, 0 when there is none.
+  int GetDocumentID(int index);
+  /// 1 when the file was damaged and its cross-reference was rebuilt on loading, else 0.
+  int GetDocumentRepaired();
+  /// An entry of the document information dictionary (ISO 32000-1, 14.3.3): key 1 author, 2 title, 3 subject, 4
+  /// keywords, 5 creator, 6 producer, 7 creation date, 8 modification date (as in the file). Of the free engine also
+  /// 1000 how a save would be written, 1001 why it would be written anew, 1002 the number of signatures, 1003 the
+  /// certification level.
+  std::wstring GetInformation(int key);
+  /// The family names of the fonts on this machine that cover a character set, sorted, separated by "\r\n". Set 1
+  /// Western, 2 every font, 3 Japanese, 4 Korean, 5 simplified and 6 traditional Chinese, 7 Hebrew, 8 Arabic, 9 Greek,
+  /// 10 Turkish, 11 Vietnamese, 12 Thai, 13 Central European, 14 Cyrillic, 15 Baltic. The option is 0 or 1, with the
+  /// same result.
+  std::wstring GetInstalledFontsByCharset(int charsetIndex, int options);
+  /// The same by code page: 0 or 65001 for every font, 874, 932, 936, 949, 950 or 1250 to 1258.
+  std::wstring GetInstalledFontsByCodePage(int codePage, int options);
+  /// 1 when the file starts with a linearization dictionary (ISO 32000-1, annex F), else 0.
+  int IsLinearized();
+  /// Why the latest call of this instance failed, 0 when it did not; of the free engine a LibraryErrorCode.
+  int LastErrorCode();
+  /// The version of the library.
+  std::wstring LibraryVersion();
+  /// The name of the library and its version.
+  std::wstring LibraryVersionEx();
+  /// Opens and selects a document; 1, or 0 when it failed. The name and the password are UTF-8 on the way to the
+  /// system, with U+DC80 to U+DCFF for the bytes 0x80 to 0xFF. The password, user or owner, is ignored for a document
+  /// without one.
+  int LoadFromFile(const std::wstring& fileName, const std::wstring& password);
+  /// The same from the bytes of a file.
+  int LoadFromString(const std::string& source, const std::wstring& password);
+  /// Makes and selects a document of one empty page, 612 by 792 points; 1, or 0 when it failed.
+  int NewDocument();
+  /// The number of pages of the selected document.
+  int PageCount();
+  /// The height of the selected page's media box in points (1/72 inch), before rotation; 792 for a broken box.
+  double PageHeight();
+  /// The rotation of the selected page: 0, 90, 180 or 270 degrees clockwise.
+  int PageRotation();
+  /// The width of the selected page's media box in points (1/72 inch), before rotation; 612 for a broken box.
+  double PageWidth();
+  /// Closes a document without saving it; 1, or 0 for an unknown ID. The latest opened of those left is selected in its
+  /// place.
+  int RemoveDocument(int documentId);
+  /// Saves the selected document; 1, or 0 when it failed and the file is what it was. A sound document is copied byte
+  /// for byte and the changes are appended (ISO 32000-1, 7.5.6).
+  int SaveToFile(const std::wstring& fileName);
+  /// The bytes that SaveToFile() would write; empty when it failed.
+  std::string SaveToString();
+  /// Selects a document, on which the other functions then work; 1, or 0 for an unknown ID.
+  int SelectDocument(int documentId);
+  /// Selects a page, from 1 to PageCount(); 1, or 0 for any other number.
+  int SelectPage(int page);
+  /// The ID of the selected document, 0 for none.
+  int SelectedDocument();
+  /// The number of the selected page; 1 at first.
+  int SelectedPage();
+  /// Sets the base URL of the document's links, the catalog's /Base of /URI (ISO 32000-1, 12.6.4.7); 1, or 0 when it
+  /// failed. An empty one removes the entry. Characters outside ASCII are written as percent-encoded UTF-8 (RFC 3986,
+  /// 2.1), everything else as given.
+  int SetBaseURL(const std::wstring& url);
+  /// Sets an entry of the document information dictionary by its name, an empty value removes it; 1, or 0 when it
+  /// failed.
+  int SetCustomInformation(const std::wstring& key, const std::wstring& value);
+  /// Sets an entry by the keys 1 to 8 of GetInformation(), an empty value removes it; 1, or 0 when it failed. The XMP
+  /// metadata is not changed with it.
+  int SetInformation(int key, const std::wstring& value);
+  /// @}
+
+  /// @name Library functions of the closed library alone
+  /// @{
+
+  /// Calls the library function of this name with "HPL" before it. What it does, and its arguments' meaning, units and
+  /// ranges, are told by the closed library's documentation. The free engine answers the default of the result's type
+  /// (0, 0.0, an empty string) and sets the last error to kErrorNotSupported.
   int AddArcToPath(double a1, double a2, double a3);
   int AddBoxToPath(double a1, double a2, double a3, double a4);
   int AddCJKFont(int a1);
@@ -120,7 +213,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int CheckFileCompliance(const std::wstring& a1, const std::wstring& a2, int a3, int a4);
   int CheckObjects();
   int CheckPageAnnots();
-  int CheckPassword(const std::wstring& password);
   int ClearFileList(const std::wstring& a1);
   int ClearImage(int a1);
   int ClearPageLabels();
@@ -217,7 +309,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int DeletePageLGIDict(int a1);
   int DeletePages(int a1, int a2);
   int DocJavaScriptAction(const std::wstring& a1, const std::wstring& a2);
-  int DocumentCount();
   int DrawArc(double a1, double a2, double a3, double a4, double a5, int a6, int a7);
   int DrawBarcode(double a1, double a2, double a3, double a4, const std::wstring& a5, int a6, int a7);
   int DrawBox(double a1, double a2, double a3, double a4, int a5);
@@ -268,7 +359,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int EncryptFile(const std::wstring& a1, const std::wstring& a2, const std::wstring& a3, const std::wstring& a4, int a5, int a6);
   int EncryptWithFingerprint(const std::wstring& a1);
   int EncryptionAlgorithm();
-  int EncryptionStatus();
   int EncryptionStrength();
   int EndPageUpdate();
   int EndSignProcessToFile(int a1, const std::wstring& a2);
@@ -319,25 +409,19 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::string GetAnnotSoundToString(int a1, int a2);
   std::wstring GetAnnotStrProperty(int a1, int a2);
   double GetBarcodeWidth(double a1, const std::wstring& a2, int a3);
-  std::wstring GetBaseURL();
   int GetCSDictEPSG(int a1);
   int GetCSDictType(int a1);
   std::wstring GetCSDictWKT(int a1);
   std::wstring GetCatalogInformation(const std::wstring& a1);
   std::string GetContentStreamToString();
-  std::wstring GetCustomInformation(const std::wstring& key);
   std::wstring GetCustomKeys(int a1);
   std::wstring GetDestName(int a1);
   int GetDestPage(int a1);
   int GetDestType(int a1);
   double GetDestValue(int a1, int a2);
   std::wstring GetDocJavaScript(const std::wstring& a1);
-  std::wstring GetDocumentFileName();
-  int GetDocumentFileSize();
-  int GetDocumentID(int index);
   std::wstring GetDocumentIdentifier(int a1, int a2);
   std::wstring GetDocumentMetadata();
-  int GetDocumentRepaired();
   std::wstring GetDocumentResourceList();
   int GetEmbeddedFileContentToFile(int a1, const std::wstring& a2);
   std::string GetEmbeddedFileContentToString(int a1);
@@ -417,9 +501,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetImagePageCount(const std::wstring& a1);
   int GetImagePageCountFromString(const std::string& a1);
   int GetImagePtDataDict();
-  std::wstring GetInformation(int key);
-  std::wstring GetInstalledFontsByCharset(int charsetIndex, int options);
-  std::wstring GetInstalledFontsByCodePage(int codePage, int options);
   int GetKerning(const std::wstring& a1);
   int GetMaxObjectNumber();
   int GetMeasureDictBoundsCount(int a1);
@@ -541,15 +622,9 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int InsertTableColumns(int a1, int a2, int a3);
   int InsertTableRows(int a1, int a2, int a3);
   int IsAnnotFormField(int a1);
-  int IsLinearized();
   int IsTaggedPDF();
-  int LastErrorCode();
   std::wstring LastRenderError();
-  std::wstring LibraryVersion();
-  std::wstring LibraryVersionEx();
   int LinearizeFile(const std::wstring& a1, const std::wstring& a2, const std::wstring& a3, int a4);
-  int LoadFromFile(const std::wstring& fileName, const std::wstring& password);
-  int LoadFromString(const std::string& source, const std::wstring& password);
   int LoadState();
   int MergeDocument(int a1);
   int MergeFileList(const std::wstring& a1, const std::wstring& a2);
@@ -566,7 +641,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int NewChildFormField(int a1, const std::wstring& a2, int a3);
   int NewContentStream();
   int NewDestination(int a1, int a2, int a3, double a4, double a5, double a6, double a7);
-  int NewDocument();
   int NewFormField(const std::wstring& a1, int a2);
   int NewNamedDestination(const std::wstring& a1, int a2);
   int NewOptionalContentGroup(const std::wstring& a1);
@@ -590,12 +664,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int OptionalContentGroupCount();
   int OutlineCount();
   std::wstring OutlineTitle(int a1);
-  int PageCount();
   int PageHasFontResources(int a1);
-  double PageHeight();
   int PageJavaScriptAction(const std::wstring& a1, const std::wstring& a2);
-  int PageRotation();
-  double PageWidth();
   int ReleaseImage(int a1);
   int ReleaseImageList(int a1);
   int ReleaseSignProcess(int a1);
@@ -603,7 +673,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int ReleaseTextBlocks(int a1);
   int RemoveAppearanceStream(int a1);
   int RemoveCustomInformation(const std::wstring& a1);
-  int RemoveDocument(int documentId);
   int RemoveEmbeddedFile(int a1);
   int RemoveFormFieldBackgroundColor(int a1);
   int RemoveFormFieldBorderColor(int a1);
@@ -633,18 +702,12 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::string SaveImageToString();
   int SaveState();
   int SaveStyle(const std::wstring& a1);
-  int SaveToFile(const std::wstring& fileName);
-  std::string SaveToString();
   int SecurityInfo(int a1);
   int SelectContentStream(int a1);
-  int SelectDocument(int documentId);
   int SelectFont(int a1);
   int SelectImage(int a1);
-  int SelectPage(int page);
-  int SelectedDocument();
   int SelectedFont();
   int SelectedImage();
-  int SelectedPage();
   int SetActionURL(int a1, const std::wstring& a2);
   int SetAnnotBorderColor(int a1, double a2, double a3, double a4);
   int SetAnnotBorderStyle(int a1, double a2, int a3, double a4, double a5);
@@ -657,7 +720,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SetAnnotStrProperty(int a1, int a2, const std::wstring& a3);
   int SetAnsiMode(int a1);
   int SetAppendInputFromString(const std::string& a1);
-  int SetBaseURL(const std::wstring& url);
   int SetBlendMode(int a1);
   int SetBreakString(const std::wstring& a1);
   int SetCSDictEPSG(int a1, int a2);
@@ -673,7 +735,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SetContentStreamFromString(const std::string& a1);
   int SetContentStreamOptional(int a1);
   int SetCropBox(double a1, double a2, double a3, double a4);
-  int SetCustomInformation(const std::wstring& key, const std::wstring& value);
   int SetCustomLineDash(const std::wstring& a1, double a2);
   int SetDestProperties(int a1, int a2, int a3, double a4, double a5, double a6, double a7);
   int SetDestValue(int a1, int a2, double a3);
@@ -749,7 +810,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SetImageMaskFromImage(int a1);
   int SetImageOptional(int a1);
   int SetImageResolution(int a1, int a2, int a3);
-  int SetInformation(int key, const std::wstring& value);
   int SetJPEGQuality(int a1);
   int SetJavaScriptMode(int a1);
   int SetKerning(const std::wstring& a1, int a2);
@@ -897,6 +957,7 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int UpdateTrueTypeSubsettedFont(const std::wstring& a1);
   int UseKerning(int a1);
   int UseUnsafeContentStreams(int a1);
+  /// @}
 
  private:
   template <typename T>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 /// What LastErrorCode() answers when the engine of this project is behind the wrapper. Append-only: a number keeps its
 /// meaning for good. The last error is that of the latest library call of the instance; a call that succeeds sets it to
 /// 0.

@@ -14,23 +14,28 @@ class CActionInterface {
  public:
   virtual ~CActionInterface() = default;
 
-  /// Runs the action on one open document. Called once a document and action of a list.
+  /// Runs the action on one open document. Called once a document and action of a list. The number answered is the
+  /// host's to interpret; an action that knows of no failure answers 0. `info` and what it points to are the host's,
+  /// and valid during the call only.
   virtual int WorkProc(WorkProcInfoStruct* info) = 0;
   /// Edits info->settings in a modal dialog; 1 if the user accepted, else 0.
   virtual int ShowDialogProc(QWidget* parent, DialogLoadStruct* info) = 0;
-  /// Called once before and once after the documents of a run; `info` may be null.
+  /// Called once before the documents of a run; `info` may be null. 1 lets the run go on.
   virtual int PreSequenceProc(WorkProcInfoStruct* info) = 0;
+  /// Called once after the documents of a run; `info` may be null. 1 for a run that ended well.
   virtual int PostSequenceProc(WorkProcInfoStruct* info) = 0;
 
   /// The name that action lists store.
   virtual QString GetActionName() = 0;
+  /// The name that users read.
   virtual QString GetDisplayName() = 0;
-  /// File name of the action's help page.
+  /// File name of the action's help page, for CActionUtils::SetHelp().
   virtual QString GetActionHelp() = 0;
+  /// The group under which the host's catalogue shows the action.
   virtual QString GetGroupName() = 0;
   /// Flag bits whose meaning is the host's.
   virtual int GetActionFlags() = 0;
-  /// File names of the normal, selected and disabled image, joined by "#".
+  /// File names of the normal, selected and disabled image, joined by "#", relative to ":/Vorlane/Resources/Tools/".
   virtual QString GetDefaultIcon() = 0;
 };
 

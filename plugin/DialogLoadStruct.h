@@ -11,13 +11,13 @@ class HalvexPDFLibraryCPDylibCPP1311;
 /// What the host hands to an action to edit its settings. The layout is part of the contract with the host.
 struct DialogLoadStruct {
   HalvexPDFLibraryCPDylibCPP1311* document;  ///< the document open in the host, or null
-  void* hostField2;
-  void* hostField3;
-  void* hostField4;
-  QMap<QString, QVariant>* settings;  ///< the action's settings, owned by the host, edited in place
-  void* hostField6;
-  bool hideAddToActionList;  ///< hide the dialog's add-to-action-list button
-  bool skipDocumentValue;    ///< start from the settings, not from what the document holds
+  void* hostField2;                          ///< the host's, not read by actions
+  void* hostField3;                          ///< the host's, not read by actions
+  void* hostField4;                          ///< the host's, not read by actions
+  QMap<QString, QVariant>* settings;         ///< the action's settings, owned by the host, edited in place
+  void* hostField6;                          ///< the host's, not read by actions
+  bool hideAddToActionList;                  ///< hide the dialog's add-to-action-list button
+  bool skipDocumentValue;                    ///< start from the settings, not from what the document holds
 };
 
 static_assert(sizeof(bool) == 1, "the record's booleans are one byte each");

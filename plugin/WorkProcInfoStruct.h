@@ -12,10 +12,10 @@ class HalvexPDFLibraryCPDylibCPP1311;
 /// host, which may append fields of its own.
 struct WorkProcInfoStruct {
   HalvexPDFLibraryCPDylibCPP1311* document;  ///< the open document; never null in WorkProc
-  void* hostField2;
-  void* hostField3;
-  void* hostField4;
-  QMap<QString, QVariant>* settings;  ///< the action's settings, owned by the host; never null in WorkProc
+  void* hostField2;                          ///< the host's, not read by actions
+  void* hostField3;                          ///< the host's, not read by actions
+  void* hostField4;                          ///< the host's, not read by actions
+  QMap<QString, QVariant>* settings;         ///< the action's settings, owned by the host; never null in WorkProc
 };
 
 static_assert(offsetof(WorkProcInfoStruct, settings) == 4 * sizeof(void*), "settings is the record's fifth pointer");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 #include <QColor>
 #include <QDir>
 #include <QIcon>
@@ -22,14 +24,29 @@ extern const QStringList gCommandsList;
 /// What actions and their dialogs share. All members are static. Those that take or make widgets, fonts, icons or
 /// settings files belong to the GUI thread; the others are pure. Nothing is reported but by the results, and no member
 /// keeps a settings file open. Settings maps belong to the caller.
+///
+/// Page ranges: a page-range text is a list of items separated by ",": a 1-based page number ("7") or two joined by "-"
+/// ("3-9"). Validate what the user typed with ValidatePageRange(); expand it with GetPageList() once the page count is
+/// known; compress the pages with CollectPageList() where consecutive stretches are wanted.
+///
+/// Remembered locations and links are kept in "<settings folder>/LastVisitedLocations.vsf" under a key that the caller
+/// chooses, one for each purpose; locations and links share the keys. What cannot be read counts as never saved, what
+/// cannot be written is lost.
+///
+/// Pickers: each function fills a combo box, which owns what it is given; a second call replaces the first one's model
+/// and view. Call them when the combo box has its width: the popup is made 2 pixels narrower. A null combo box is left
+/// out.
 class CActionUtils {
  public:
   CActionUtils() = delete;
 
-  // ---- Folders: the accessors of CUtils ----
+  // ---- Folders ----
 
+  /// CUtils::GetSettingsFolder().
   static QString GetSettingsFolder();
+  /// CUtils::GetCollectionsFolder().
   static QString GetCollectionsFolder();
+  /// CUtils::GetSequenceFolder().
   static QString GetSequenceFolder();
   /// CUtils::GetAppDataToolsFolder(), with a trailing slash.
   static QString GetVorlaneAppDataFolder();
@@ -55,10 +72,6 @@ class CActionUtils {
   static QStringList GetActionListCategories();
 
   // ---- Page ranges ----
-  ///
-  /// A page-range text is a list of items separated by ",": a 1-based page number ("7") or two joined by "-" ("3-9").
-  /// Validate what the user typed with ValidatePageRange(); expand it with GetPageList() once the page count is known;
-  /// compress the pages with CollectPageList() where consecutive stretches are wanted.
 
   /// True for a well-formed text; spaces are ignored. Numbers are digits that do not begin with "0", an item holds one
   /// "-" at most, and the text may end with "," but not with "-". A range has to ascend ("4-4" does not) unless
@@ -90,10 +103,9 @@ class CActionUtils {
   // ---- File search and file names ----
 
   /// The absolute paths of the files in `dir` whose suffix, the text after the last ".", is one of `suffixes` ("pdf",
-  /// not
-  /// ".pdf"; case does not matter). Names are taken in case-sensitive order, and with `recursive` a folder's files come
-  /// where the folder stands in that order. Symbolic links are neither listed nor followed, hidden entries are left
-  /// out, and so is what cannot be read. A name filter of `dir` holds for its own entries only. Backslashes become
+  /// not ".pdf"; case does not matter). Names are taken in case-sensitive order, and with `recursive` a folder's files
+  /// come where the folder stands in that order. Symbolic links are neither listed nor followed, hidden entries are
+  /// left out, and so is what cannot be read. A name filter of `dir` holds for its own entries only. Backslashes become
   /// slashes.
   static QStringList SearchFilesInDir(QDir dir, QStringList suffixes, bool recursive);
 
@@ -121,9 +133,6 @@ class CActionUtils {
   static int Round(double value);
 
   // ---- Remembered locations and links ----
-  ///
-  /// Kept in "<settings folder>/LastVisitedLocations.vsf" under a key that the caller chooses, one for each purpose;
-  /// locations and links share the keys. What cannot be read counts as never saved, what cannot be written is lost.
 
   /// Remembers a folder or file path; an empty one too.
   static void SaveLastVisitedLocation(QString key, QString location);
@@ -136,9 +145,6 @@ class CActionUtils {
   static QStringList GetLastEnteredLinks(QString key);
 
   // ---- Picker combo boxes ----
-  ///
-  /// Each fills a combo box, which owns what it is given; a second call replaces the first one's model and view. Call
-  /// them when the combo box has its width: the popup is made 2 pixels narrower. A null combo box is left out.
 
   /// Eleven colours with icons, "Black" to "Custom...", and "(none)" before them if wanted. The colour is the item's
   /// data under Qt::UserRole + 1; "Custom..." has none, but after "(none)" white under Qt::UserRole.
@@ -199,5 +205,6 @@ class CActionUtils {
 
   /// Set by SetTargetLabels(): the line that names the current section, and the help page.
   static QPointer<QLabel> mNavBarLabel;
+  /// See mNavBarLabel.
   static QPointer<QTextEdit> mInfoLabel;
 };

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 #include <cstdarg>
 #include <QList>
 #include <QString>
 
-/// The log entry points. Logging is switched off: they take any text and do nothing.
+/// Takes a printf format and its arguments for the debug file. Logging is switched off: does nothing with any text.
 void AddToDebugFile(const char* format, ...);
+/// Takes an error for the log. Logging is switched off: does nothing with any text.
 void StoreErrorToLog(const char* text);
 
 /// Error messages kept in memory, oldest first, without a limit, until ClearAll() or the end of the store.
