@@ -1,31 +1,69 @@
 # SPDX-License-Identifier: Apache-2.0
-# vorlane_add_action(<name> <sources>...): an action plug-in that links the kit.
+# vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>])
 #
-# Makes the MODULE target <name> without a "lib" prefix, with the two Qt plug-in entry points as its only exports and a
-# run path that finds the PDF library in the folder above the Tools folder; puts it into the Tools folder of the build's
-# staging tree and of the installation.
+# The action plug-in <target>: a MODULE without a "lib" prefix that links Vorlane::ActionKit, runs moc, uic (over FORMS,
+# .ui files) and rcc (over RESOURCES, .qrc files) by itself, exports the two Qt plug-in entry points only, and finds the
+# PDF library in the folder above the Tools folder, where it is installed (lib/vorlane/Tools, component "runtime").
 set(_VORLANE_ADD_ACTION_DIR ${CMAKE_CURRENT_LIST_DIR})
-function(vorlane_add_action name)
-  add_library(${name} MODULE ${ARGN})
-  set_target_properties(${name} PROPERTIES
+function(vorlane_add_action)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "SOURCES;FORMS;RESOURCES")
+  _vorlane_check_action_arguments()
+
+  add_library(${arg_NAME} MODULE ${arg_SOURCES} ${arg_FORMS} ${arg_RESOURCES})
+  target_link_libraries(${arg_NAME} PRIVATE Vorlane::ActionKit)
+  set_target_properties(${arg_NAME} PROPERTIES
     PREFIX "" AUTOMOC ON AUTOUIC ON AUTORCC ON
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
-  target_link_libraries(${name} PRIVATE Vorlane::ActionKit)
+  # uic finds the form of an included "ui_<form>.h" wherever the form is.
+  set(form_folders "")
+  foreach(form ${arg_FORMS})
+    get_filename_component(folder ${form} ABSOLUTE)
+    get_filename_component(folder ${folder} DIRECTORY)
+    list(APPEND form_folders ${folder})
+  endforeach()
+  set_target_properties(${arg_NAME} PROPERTIES AUTOUIC_SEARCH_PATHS "${form_folders}")
+
+  # Hidden visibility does not reach the standard library's templates; the linker's list of exports does.
   if(APPLE)
-    set_target_properties(${name} PROPERTIES BUILD_RPATH "@loader_path/.." INSTALL_RPATH "@loader_path/..")
-    target_link_options(${name} PRIVATE "LINKER:-exported_symbols_list,${_VORLANE_ADD_ACTION_DIR}/action-exports.list")
-    set_target_properties(${name} PROPERTIES LINK_DEPENDS ${_VORLANE_ADD_ACTION_DIR}/action-exports.list)
+    set(origin "@loader_path")
+    set(exports ${_VORLANE_ADD_ACTION_DIR}/action-exports.list)
+    set(exports_option "LINKER:-exported_symbols_list,${exports}")
   else()
-    set_target_properties(${name} PROPERTIES BUILD_RPATH "$ORIGIN/.." INSTALL_RPATH "$ORIGIN/..")
-    # Hidden visibility does not reach the standard library's templates; the version script does.
-    target_link_options(${name} PRIVATE "LINKER:--version-script=${_VORLANE_ADD_ACTION_DIR}/action-exports.map")
-    set_target_properties(${name} PROPERTIES LINK_DEPENDS ${_VORLANE_ADD_ACTION_DIR}/action-exports.map)
+    set(origin "$ORIGIN")
+    set(exports ${_VORLANE_ADD_ACTION_DIR}/action-exports.map)
+    set(exports_option "LINKER:--version-script=${exports}")
   endif()
+  target_link_options(${arg_NAME} PRIVATE "${exports_option}")
+  set_target_properties(${arg_NAME} PROPERTIES
+    LINK_DEPENDS "${exports}" BUILD_RPATH "${origin}/.." INSTALL_RPATH "${origin}/..")
+
   if(VORLANE_STAGE_TOOLS)
-    set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${VORLANE_STAGE_TOOLS})
+    set_target_properties(${arg_NAME} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${VORLANE_STAGE_TOOLS})
   endif()
-  if(NOT VORLANE_TOOLS_DIR)
-    set(VORLANE_TOOLS_DIR lib/vorlane/Tools)
-  endif()
-  install(TARGETS ${name} LIBRARY DESTINATION ${VORLANE_TOOLS_DIR} COMPONENT runtime)
+  install(TARGETS ${arg_NAME} LIBRARY DESTINATION lib/vorlane/Tools COMPONENT runtime)
 endfunction()
+
+# A mistake is told here, in the caller's words, and not by whatever it would break later.
+macro(_vorlane_check_action_arguments)
+  set(usage "vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>])")
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "vorlane_add_action: unknown argument: ${arg_UNPARSED_ARGUMENTS}\n  ${usage}")
+  endif()
+  if(arg_KEYWORDS_MISSING_VALUES)
+    message(FATAL_ERROR "vorlane_add_action: no value for: ${arg_KEYWORDS_MISSING_VALUES}\n  ${usage}")
+  endif()
+  foreach(needed NAME SOURCES)
+    if(NOT arg_${needed})
+      message(FATAL_ERROR "vorlane_add_action: ${needed} is missing\n  ${usage}")
+    endif()
+  endforeach()
+  foreach(kind "SOURCES:cpp|cc|cxx|c|h|hpp|mm" "FORMS:ui" "RESOURCES:qrc")
+    string(REGEX MATCH "^[A-Z]+" keyword ${kind})
+    string(REGEX REPLACE "^[A-Z]+:" "" endings ${kind})
+    foreach(file ${arg_${keyword}})
+      if(NOT file MATCHES "\\.(${endings})$" AND NOT file MATCHES "\\$<")
+        message(FATAL_ERROR "vorlane_add_action: ${file} does not belong to ${keyword}\n  ${usage}")
+      endif()
+    endforeach()
+  endforeach()
+endmacro()

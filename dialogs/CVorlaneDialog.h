@@ -18,7 +18,8 @@ class QVBoxLayout;
 ///
 /// A subclass's constructor runs the shell's constructor, makes its form, sets VDtitleLabel's text, calls
 /// VDaddMainWidget and then VDaddTopButtons and VDaddCloseButton, as it needs them; buttons stand in the order of the
-/// calls. The forms name their content "main_widget" and a button strip "button_widget" to be drawn in the theme.
+/// calls. The forms name their content "main_widget" and a button strip "button_widget" to be drawn in the theme. The
+/// settings dialog of an action leaves most of it to CSettingsDialogUtils.
 ///
 /// The context is taken once from the parent chain, by object name: "VorlaneClass" is the host's main window,
 /// "VorlanePreviewClass" its preview window, neither is a stand-alone dialog. Only the main window has the blue theme,
@@ -52,6 +53,8 @@ class CVorlaneDialog : public QDialog {
   bool VDisInPreview() const;
 
  private:
+  friend class CSettingsDialogUtils;
+
   enum class Context { Standalone, MainWindow, Preview };
 
   struct ShadowPiece;

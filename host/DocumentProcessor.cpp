@@ -8,18 +8,10 @@
 #include "host/NativeName.h"
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/LibraryInformationKeys.h"
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
-
-// What the engine tells about itself; a library that does not know these keys answers an empty text.
-enum InformationKey : int {
-  kKeyWay = 1000,
-  kKeyWhyRewrite = 1001,
-  kKeySignatures = 1002,
-  kKeyCertification = 1003,
-  kKeyLastWay = 1004
-};
 
 std::string Narrow(const std::wstring& text) {
   const QByteArray utf8 = QString::fromStdWString(text).toUtf8();
@@ -96,16 +88,16 @@ void DocumentProcessor::RunActions() {
 
 // How the document would be saved now, and whether policy lets it.
 void DocumentProcessor::CheckSaving(FileRecord& record) {
-  record.way = Narrow(library_.GetInformation(kKeyWay));
+  record.way = Narrow(library_.GetInformation(kInformationWayOfSaving));
   if (record.way.empty()) record.way = "unknown";
   if (record.way == "unchanged" || record.way == "unknown") return;
 
-  const std::wstring certification = library_.GetInformation(kKeyCertification);
+  const std::wstring certification = library_.GetInformation(kInformationCertification);
   if (certification == L"1") record.warnings.push_back("the document's certification forbids changes");
   if (record.way != "rewrite") return;
 
-  const std::string why = Narrow(library_.GetInformation(kKeyWhyRewrite));
-  const std::wstring signatures = library_.GetInformation(kKeySignatures);
+  const std::string why = Narrow(library_.GetInformation(kInformationWhyRewrite));
+  const std::wstring signatures = library_.GetInformation(kInformationSignatures);
   const bool isSigned = !signatures.empty() && signatures != L"0";
   const std::string rewritten = why.empty() ? "" : " (" + why + ")";
   if (isSigned && !options_.allowBreakingSignatures) {
@@ -130,7 +122,7 @@ void DocumentProcessor::Save(FileRecord& record) {
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
 void DocumentProcessor::NoteLastWay(FileRecord& record) {
-  if (record.way != "incremental" || Narrow(library_.GetInformation(kKeyLastWay)) != "rewrite") return;
+  if (record.way != "incremental" || Narrow(library_.GetInformation(kInformationLastWay)) != "rewrite") return;
   record.way = "rewrite";
   record.warnings.push_back("the file was rewritten (an appended update was not readable)");
 }

@@ -9,6 +9,7 @@
 #include "engine/api/Exports.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/Text.h"
+#include "pdflib/LibraryInformationKeys.h"
 
 using engine::Call;
 using engine::Document;
@@ -20,18 +21,9 @@ using engine::WideFromUtf8;
 
 namespace {
 
-// The document information dictionary's own keys (ISO 32000-1, table 317); the function's key is the index.
+// The document information dictionary's own keys (ISO 32000-1, table 317); the index is the LibraryInformationKey.
 constexpr const char* kInformationKeys[] = {nullptr,   "Author",   "Title",        "Subject", "Keywords",
                                             "Creator", "Producer", "CreationDate", "ModDate"};
-
-// Facts that no function of the library has been made for. Append-only.
-enum FactKey {
-  kPlannedWay = 1000,
-  kWhyRewritten = 1001,
-  kSignatureCount = 1002,
-  kCertificationLevel = 1003,
-  kLastWay = 1004
-};
 
 const char* NameOf(SavePlan::Way way) {
   switch (way) {
@@ -54,17 +46,17 @@ std::string InformationKey(int key) {
 
 std::string Fact(Document& document, int key) {
   switch (key) {
-    case kPlannedWay:
+    case kInformationWayOfSaving:
       return NameOf(document.Plan().way);
-    case kWhyRewritten:
+    case kInformationWhyRewrite:
       return document.Plan().reason;
-    case kSignatureCount:
+    case kInformationSignatures:
       return std::to_string(document.Signatures().count);
-    case kCertificationLevel: {
+    case kInformationCertification: {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
-    case kLastWay:
+    case kInformationLastWay:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     default:
       return document.Information(InformationKey(key));

@@ -5,7 +5,7 @@
 
 #include "plugin/CActionInterface.h"
 
-// An example action: sets the document's title to the setting "titleString".
+// The action "Set Document Title": writes the setting "titleString" into the document information of every document.
 class CSetTitle : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.example.settitle")
@@ -16,10 +16,11 @@ class CSetTitle : public QObject, public CActionInterface {
   int ShowDialogProc(QWidget* parent, DialogLoadStruct* info) override;
   int PreSequenceProc(WorkProcInfoStruct*) override { return 1; }
   int PostSequenceProc(WorkProcInfoStruct*) override { return 1; }
-  QString GetActionName() override { return QStringLiteral("Set Title"); }
-  QString GetDisplayName() override { return QStringLiteral("Set Title"); }
-  QString GetActionHelp() override { return QString(); }
-  QString GetGroupName() override { return QStringLiteral("Document Properties"); }
+
+  QString GetActionName() override { return "Set Document Title"; }
+  QString GetDisplayName() override { return "Set Document Title"; }
+  QString GetActionHelp() override { return "Action_SetTitle.html"; }
+  QString GetGroupName() override { return "Document Properties"; }
   int GetActionFlags() override { return 15; }
-  QString GetDefaultIcon() override { return QString(); }
+  QString GetDefaultIcon() override { return "SetTitle.png#SetTitle_Selected.png#SetTitle_Disabled.png"; }
 };

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// The keys of GetInformation() and SetInformation() as the engine of this project reads them. Append-only: a number
+/// keeps its meaning for good.
+///
+/// The first eight are entries of the document information dictionary (ISO 32000-2, 14.3.3); setting an empty text
+/// removes one. Those from 1000 on are facts that can only be asked for; a library that does not know them answers an
+/// empty text.
+enum LibraryInformationKey : int {
+  kInformationAuthor = 1,            ///< /Author
+  kInformationTitle = 2,             ///< /Title
+  kInformationSubject = 3,           ///< /Subject
+  kInformationKeywords = 4,          ///< /Keywords
+  kInformationCreator = 5,           ///< /Creator
+  kInformationProducer = 6,          ///< /Producer
+  kInformationCreationDate = 7,      ///< /CreationDate, as it stands in the file: "D:20260102030405Z"
+  kInformationModDate = 8,           ///< /ModDate, likewise
+  kInformationWayOfSaving = 1000,    ///< how a save would be written now: "unchanged", "incremental" or "rewrite"
+  kInformationWhyRewrite = 1001,     ///< why it would be a rewrite; else empty
+  kInformationSignatures = 1002,     ///< the number of signed signature fields
+  kInformationCertification = 1003,  ///< "1", "2" or "3", the /P of DocMDP (ISO 32000-2, 12.8.2.2); else empty
+  kInformationLastWay = 1004         ///< how the last save was written, in the words of kInformationWayOfSaving
+};
