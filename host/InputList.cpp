@@ -79,15 +79,14 @@ std::string InputList::Relative(std::size_t index) const {
 }
 
 void InputList::Add(const std::string& name) {
-  struct stat status;
-  const bool exists = stat(name.c_str(), &status) == 0;
-  if (exists && S_ISDIR(status.st_mode) && recursive_) {
+  const std::optional<FileStatus> status = lookup_.Get(name);
+  if (recursive_ && status && S_ISDIR(status->mode)) {
     const std::string folder = name.back() == '/' ? name : name + '/';
     AddFolder(folder, folder.size());
     return;
   }
   const std::size_t slash = name.rfind('/');
-  AddFile(name, slash == std::string::npos ? 0 : slash + 1, exists ? &status : nullptr);
+  AddFile(name, slash == std::string::npos ? 0 : slash + 1, status);
 }
 
 void InputList::AddFrom(const std::string& listFile) {
@@ -103,42 +102,37 @@ void InputList::AddFrom(const std::string& listFile) {
 // `folder` ends in a slash.
 void InputList::AddFolder(const std::string& folder, std::size_t relative) {
   const std::optional<std::vector<std::string>> names = NamesIn(folder);
-  if (!names) {
-    struct stat status;
-    AddFile(folder, relative, stat(folder.c_str(), &status) == 0 ? &status : nullptr);
-    return;
-  }
+  if (!names) return AddFile(folder, relative, lookup_.Get(folder));
   for (const std::string& name : *names) {
     const std::string path = folder + name;
-    struct stat status;
-    if (lstat(path.c_str(), &status) != 0) continue;
-    if (S_ISDIR(status.st_mode)) {
-      const bool leftOut = leaveOut_ != nullptr && *leaveOut_ == FileIdentity{status.st_dev, status.st_ino};
+    std::optional<FileStatus> status = lookup_.Get(path, false);
+    if (!status) continue;
+    if (S_ISDIR(status->mode)) {
+      const bool leftOut = leaveOut_ != nullptr && *leaveOut_ == status->identity;
       if (!leftOut) AddFolder(path + '/', relative);
     } else if (EndsInPdf(name)) {
-      const bool exists = !S_ISLNK(status.st_mode) || stat(path.c_str(), &status) == 0;
-      if (exists && !S_ISREG(status.st_mode)) continue;
-      AddFile(path, relative, exists ? &status : nullptr);
+      if (S_ISLNK(status->mode)) status = lookup_.Get(path);
+      if (status && !S_ISREG(status->mode)) continue;
+      AddFile(path, relative, status);
     }
   }
 }
 
-void InputList::AddFile(std::string_view name, std::size_t relative, const struct stat* status) {
+void InputList::AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status) {
   Entry entry{names_.size(), static_cast<std::uint32_t>(relative), -1, Kind::kFile};
-  if (status != nullptr) {
-    if (S_ISDIR(status->st_mode)) entry.kind = Kind::kFolder;
+  if (status) {
+    if (S_ISDIR(status->mode)) entry.kind = Kind::kFolder;
     entry.sameAs = FindSame(name, *status);
   }
   names_ += name;
   entries_.push_back(entry);
 }
 
-std::int32_t InputList::FindSame(std::string_view name, const struct stat& status) {
-  const FileIdentity identity{status.st_dev, status.st_ino};
-  const auto [known, isNew] = identities_.try_emplace(identity, static_cast<std::int32_t>(entries_.size()));
+std::int32_t InputList::FindSame(std::string_view name, const FileStatus& status) {
+  const auto [known, isNew] = identities_.try_emplace(status.identity, static_cast<std::int32_t>(entries_.size()));
   if (isNew) return -1;
   const auto first = known->second;
-  const bool hardLinked = status.st_nlink > 1;
+  const bool hardLinked = status.links > 1;
   if (hardLinked && RealPath(NameOf(static_cast<std::size_t>(first))) != RealPath(name)) return -1;
   return first;
 }

@@ -1,27 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sys/stat.h>
-
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-// A file or folder as the system identifies it, whatever its names.
-struct FileIdentity {
-  dev_t device;
-  ino_t inode;
-  bool operator==(const FileIdentity& other) const { return device == other.device && inode == other.inode; }
-};
-
-template <>
-struct std::hash<FileIdentity> {
-  std::size_t operator()(const FileIdentity& identity) const {
-    return static_cast<std::size_t>(identity.inode * 0x9E3779B97F4A7C15ULL ^ identity.device);
-  }
-};
+#include "host/FileLookup.h"
 
 // The input files of a run in the order they were given. Names are packed into one block: a run over many files keeps
 // little more in memory than their names.
@@ -57,13 +45,14 @@ class InputList {
     Kind kind;
   };
 
-  void AddFile(std::string_view name, std::size_t relative, const struct stat* status);
+  void AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status);
   void AddFolder(const std::string& folder, std::size_t relative);
-  std::int32_t FindSame(std::string_view name, const struct stat& status);
+  std::int32_t FindSame(std::string_view name, const FileStatus& status);
   std::string_view NameOf(std::size_t index) const;
 
   bool recursive_;
   const FileIdentity* leaveOut_;
+  FileLookup lookup_;
   std::string names_;
   std::vector<Entry> entries_;
   std::unordered_map<FileIdentity, std::int32_t> identities_;

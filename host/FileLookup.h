@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <string>
+
+// A file or folder as the system identifies it, whatever its names.
+struct FileIdentity {
+  dev_t device;
+  ino_t inode;
+  bool operator==(const FileIdentity& other) const { return device == other.device && inode == other.inode; }
+};
+
+template <>
+struct std::hash<FileIdentity> {
+  std::size_t operator()(const FileIdentity& identity) const {
+    return static_cast<std::size_t>(identity.inode * 0x9E3779B97F4A7C15ULL ^ identity.device);
+  }
+};
+
+// What the system says of a name.
+struct FileStatus {
+  FileIdentity identity;
+  mode_t mode;
+  nlink_t links;
+};
+
+// stat() for many names of which neighbours mostly lie in one folder: the way to that folder is walked once.
+class FileLookup {
+ public:
+  FileLookup() = default;
+  ~FileLookup();
+  FileLookup(const FileLookup&) = delete;
+  FileLookup& operator=(const FileLookup&) = delete;
+
+  // Nothing when there is no such file or it cannot be reached. Symbolic links are followed unless told otherwise.
+  std::optional<FileStatus> Get(const std::string& name, bool followLinks = true);
+
+ private:
+  void Leave();
+
+  std::string folder_;  // with its slash
+  int descriptor_ = -1;
+};
