@@ -43,6 +43,18 @@ std::string DescriptorPath(int descriptor) {
   return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
+// Gives an unnamed file its name; false with errno otherwise, EEXIST when the name is taken.
+bool Name(int descriptor, const std::string& name) {
+#ifdef AT_EMPTY_PATH
+  // Twice as fast as by way of /proc, but not for everyone: the kernel tells those who may not that there is no file.
+  static bool direct = true;
+  if (direct && linkat(descriptor, "", AT_FDCWD, name.c_str(), AT_EMPTY_PATH) == 0) return true;
+  if (direct && errno != ENOENT && errno != EPERM && errno != EINVAL) return false;
+  direct = false;
+#endif
+  return linkat(AT_FDCWD, DescriptorPath(descriptor).c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
 std::string RandomName() {
   unsigned char bytes[8];
   if (getrandom(bytes, sizeof bytes, 0) != static_cast<ssize_t>(sizeof bytes)) {
@@ -224,8 +236,7 @@ void OutputFile::Commit() {
   if (InMemory()) return;
   Flush();
   const bool unnamed = temporary_.empty();
-  if (unnamed &&
-      linkat(AT_FDCWD, DescriptorPath(descriptor_).c_str(), AT_FDCWD, target_.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+  if (unnamed && Name(descriptor_, target_)) {
     Close();
     return;
   }
@@ -255,14 +266,13 @@ void OutputFile::PrepareReplacement(const struct stat& old) {
 }
 
 void OutputFile::NameTemporary() {
-  const std::string source = DescriptorPath(descriptor_);
   std::string name;
-  int result = 0;
+  bool named = false;
   do {
     name = folder_ + RandomName();
-    result = linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW);
-  } while (result != 0 && errno == EEXIST);
-  if (result != 0) ThrowWriteError(errno);
+    named = Name(descriptor_, name);
+  } while (!named && errno == EEXIST);
+  if (!named) ThrowWriteError(errno);
   temporary_ = name;
 }
 
