@@ -13,5 +13,5 @@ struct Outcome {
   FileRecord::Status status;
   std::string_view reason;
   std::string_view warnings;  // one a line
-  std::string_view json;
+  std::string_view json;      // empty when there is no report
 };

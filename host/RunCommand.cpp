@@ -233,7 +233,7 @@ void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const
 
 void RunCommand::RunInWorkers(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
                               RunReporter& reporter) const {
-  const WorkerSettings settings{LibraryFile(), steps, options};
+  const WorkerSettings settings{LibraryFile(), steps, options, reporter.WantsRecords()};
   WorkerPool pool(settings, std::chrono::seconds(timeout_), reporter);
   pool.Start(std::min(static_cast<std::size_t>(jobs_), plan.Remaining()));
   pool.Run(plan);

@@ -86,7 +86,7 @@ void RunReporter::Write(std::string_view json) {
 }
 
 void RunReporter::Take(const FileRecord& record) {
-  const std::string json = record.ToJson();
+  const std::string json = WantsRecords() ? record.ToJson() : std::string();
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
   Take(Outcome{record.file, record.status, record.reason, warnings, json});

@@ -24,6 +24,8 @@ class RunReporter {
 
   static bool IsStreamed(const std::string& report);
 
+  // Whether there is a report; without one, outcomes need no JSON.
+  bool WantsRecords() const { return form_ != Form::kNone; }
   void SetTotal(std::size_t files) { total_ = files; }
   // A record that the resumed run made.
   void Carry(std::string_view json);

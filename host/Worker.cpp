@@ -8,11 +8,11 @@
 
 namespace {
 
-void AppendOutcome(std::string& message, const FileRecord& record) {
+void AppendOutcome(std::string& message, const FileRecord& record, bool reported) {
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
   const char status = static_cast<char>(record.status);
-  Frames::Append(message, {std::string_view(&status, 1), record.reason, warnings, record.ToJson()});
+  Frames::Append(message, {std::string_view(&status, 1), record.reason, warnings, reported ? record.ToJson() : std::string()});
 }
 
 }  // namespace
@@ -31,7 +31,7 @@ int Worker::Run(const WorkerSettings& settings, int jobs, int outcomes, const st
     while (reader.Next(job)) {
       if (stop.load(std::memory_order_relaxed)) return kExitDone;
       message.clear();
-      AppendOutcome(message, processor.Process(std::string(job[0]), std::string(job[1])));
+      AppendOutcome(message, processor.Process(std::string(job[0]), std::string(job[1])), settings.reported);
       // Nobody listens any more: the main process is gone.
       if (!Console::WriteAll(outcomes, message)) return kExitDone;
     }

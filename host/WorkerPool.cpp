@@ -23,12 +23,12 @@ namespace {
 // A worker has about this much work waiting: enough to hide the way to the main process and back, little enough that
 // the workers end together.
 constexpr std::chrono::microseconds kWaitingWork(5000);
-constexpr std::size_t kMostWaiting = 64;
+constexpr std::size_t kMostWaiting = 256;
 constexpr std::size_t kFirstWaiting = 4;
 // With more than this waiting at every worker, outcomes are collected in batches: to be woken for each one would take
 // the workers' time where all cores are theirs.
-constexpr std::size_t kPlentyWaiting = 20;
-constexpr std::chrono::microseconds kBatch(500);
+constexpr std::size_t kPlentyWaiting = 60;
+constexpr std::chrono::microseconds kBatch(1000);
 constexpr int kPollMilliseconds = 500;
 
 std::string HowItEnded(int status) {
