@@ -23,6 +23,7 @@ namespace {
 constexpr std::size_t kBufferSize = 256 * 1024;
 constexpr std::size_t kCopyBlock = 1024 * 1024;
 constexpr int kMostLinks = 40;
+constexpr mode_t kNewFileMode = 0666;  // less the process's umask
 
 bool IsFull(int error) {
   return error == ENOSPC || error == EDQUOT || error == EFBIG;
@@ -94,10 +95,15 @@ void CopyExtendedAttributes(const std::string& from, int to) {
 
 OutputFile::OutputFile() = default;
 
-OutputFile::OutputFile(const std::string& path) {
-  ResolveTarget(path);
+OutputFile::OutputFile(const std::string& path) : target_(path) {
+  if (path.empty() || path.back() == '/' || path.find('\0') != std::string::npos) {
+    throw EngineError(kErrorCannotWrite, path + ": no file name");
+  }
+  // Most targets are new. To ask for one first would cost more than to learn of it when its name is given.
   folder_ = FolderOf(target_);
-  OpenTemporary();
+  if (OpenUnnamed()) return;
+  ResolveTarget();
+  if (!OpenUnnamed()) OpenNamedTemporary();
 }
 
 OutputFile::~OutputFile() {
@@ -105,33 +111,26 @@ OutputFile::~OutputFile() {
   if (!temporary_.empty()) unlink(temporary_.c_str());
 }
 
-void OutputFile::ResolveTarget(const std::string& path) {
-  target_ = path;
-  if (path.empty() || path.back() == '/' || path.find('\0') != std::string::npos) {
-    throw EngineError(kErrorCannotWrite, path + ": no file name");
-  }
+void OutputFile::ResolveTarget() {
   char link[PATH_MAX];
   for (int links = 0;; ++links) {
     const ssize_t length = readlink(target_.c_str(), link, sizeof link);
-    if (length < 0) return;  // no link, or no such file
+    if (length < 0) break;  // no link, or no such file
     if (links == kMostLinks) ThrowWriteError(ELOOP);
     const std::string destination(link, static_cast<std::size_t>(length));
     target_ = destination.front() == '/' ? destination : FolderOf(target_) + destination;
   }
+  folder_ = FolderOf(target_);
 }
 
-void OutputFile::OpenTemporary() {
-  constexpr mode_t kNewFileMode = 0666;  // less the process's umask
-  if (UnnamedFilesCanBeNamed()) {
-    descriptor_ = open(folder_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode);
-    if (descriptor_ >= 0) return;
-    if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL) ThrowWriteError(errno);
-  }
+bool OutputFile::OpenUnnamed() {
+  if (UnnamedFilesCanBeNamed()) descriptor_ = open(folder_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode);
+  return descriptor_ >= 0;
+}
+
+void OutputFile::OpenNamedTemporary() {
   // A file that shall take a private one's place must not be readable meanwhile.
-  OpenNamedTemporary(access(target_.c_str(), F_OK) == 0 ? 0600 : kNewFileMode);
-}
-
-void OutputFile::OpenNamedTemporary(mode_t mode) {
+  const mode_t mode = access(target_.c_str(), F_OK) == 0 ? 0600 : kNewFileMode;
   do {
     const std::string name = folder_ + RandomName();
     descriptor_ = open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
@@ -241,15 +240,30 @@ void OutputFile::Commit() {
     return;
   }
   if (unnamed && errno != EEXIST) ThrowWriteError(errno);
+  if (unnamed) ResolveTarget();
+  Replace();
+}
 
+void OutputFile::Replace() {
   struct stat old = {};
   const bool replaces = lstat(target_.c_str(), &old) == 0;
   if (replaces) PrepareReplacement(old);
-  if (unnamed) NameTemporary();
+  if (temporary_.empty() && !NameTemporary()) return CommitElsewhere();
   Close();
   if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowWriteError(errno);
   temporary_.clear();
-  if (replaces) SyncFolder();
+  if (!replaces) return;
+  replaced_ = {old.st_dev, old.st_ino};
+  SyncFolder();
+}
+
+// The target was a link to another file system.
+void OutputFile::CommitElsewhere() {
+  OutputFile there(target_);
+  there.CopyFrom(*ReadBack());
+  there.Commit();
+  replaced_ = there.replaced_;
+  Close();
 }
 
 void OutputFile::PrepareReplacement(const struct stat& old) {
@@ -265,15 +279,17 @@ void OutputFile::PrepareReplacement(const struct stat& old) {
   if (fsync(descriptor_) != 0) ThrowWriteError(errno);
 }
 
-void OutputFile::NameTemporary() {
+bool OutputFile::NameTemporary() {
   std::string name;
   bool named = false;
   do {
     name = folder_ + RandomName();
     named = Name(descriptor_, name);
   } while (!named && errno == EEXIST);
+  if (!named && errno == EXDEV) return false;
   if (!named) ThrowWriteError(errno);
   temporary_ = name;
+  return true;
 }
 
 // Some network file systems tell only now that the data did not fit.

@@ -6,7 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace engine {
 
@@ -49,30 +51,36 @@ class OutputFile {
   // Puts the file in place. Nothing may be written afterwards. Does nothing in memory.
   void Commit();
 
+  // Whether Commit() put the file in the place of this one.
+  bool Replaced(dev_t device, ino_t inode) const { return replaced_ == std::make_pair(device, inode); }
+
   // What was written into memory; the object is empty afterwards.
   std::string TakeBytes();
 
  private:
   bool InMemory() const { return target_.empty(); }
-  void ResolveTarget(const std::string& path);
-  void OpenTemporary();
-  void OpenNamedTemporary(mode_t mode);
+  void ResolveTarget();
+  bool OpenUnnamed();
+  void OpenNamedTemporary();
   void Flush();
   void WriteOut(const char* data, std::size_t count);
   void CopyRange(const InputFile& source, std::uint64_t offset, std::uint64_t count);
   void CopyWithHoles(const InputFile& source);
   void PrepareReplacement(const struct stat& old);
-  void NameTemporary();
+  void Replace();
+  void CommitElsewhere();
+  bool NameTemporary();
   void Close();
   void SyncFolder() const;
   [[noreturn]] void ThrowWriteError(int error) const;
 
-  std::string target_;     // where the file shall appear; links resolved
+  std::string target_;     // where the file shall appear
   std::string folder_;     // the target's, with a slash at its end
   std::string temporary_;  // empty while the temporary file has no name
   std::string buffer_;
   std::uint64_t written_ = 0;
   int descriptor_ = -1;
+  std::optional<std::pair<dev_t, ino_t>> replaced_;
 };
 
 }  // namespace engine

@@ -152,15 +152,16 @@ SavePlan Document::Plan() {
 
 void Document::SaveToFile(const std::string& path) {
   FollowReplacedSource();
-  const bool inPlace = LeadsToSource(path);
-  if (inPlace && Plan().way == SavePlan::Way::kUnchanged) {
+  if (Plan().way == SavePlan::Way::kUnchanged && LeadsToSource(path)) {
     lastSaved_ = SavePlan::Way::kUnchanged;
     return;
   }
   Written written = Write([&] { return std::make_unique<OutputFile>(path); });
   written.output->Commit();
   lastSaved_ = written.way;
-  sourceReplaced_ = inPlace;
+  if (source_ == nullptr || source_->InMemory()) return;
+  const InputFile::Identity& source = source_->GetIdentity();
+  sourceReplaced_ = written.output->Replaced(source.device, source.inode);
 }
 
 std::string Document::SaveToBytes() {
