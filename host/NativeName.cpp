@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/NativeName.h"
 
+#include <algorithm>
 #include <QTextCodec>
 
 namespace {
@@ -45,6 +46,16 @@ void Decode(std::string_view bytes, Sink sink) {
   }
 }
 
+// Most names are ASCII and nothing else.
+std::size_t PlainPrefix(std::string_view bytes) {
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  return static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), isPlain) - bytes.begin());
+}
+
+bool IsEscape(QChar unit) {
+  return unit.unicode() >= kEscape + 0x80 && unit.unicode() <= kEscape + 0xFF;
+}
+
 class NativeCodec : public QTextCodec {
  public:
   QByteArray name() const override { return "vorlane-native"; }
@@ -62,9 +73,9 @@ class NativeCodec : public QTextCodec {
 }  // namespace
 
 QString NativeName::ToText(std::string_view bytes) {
-  QString text;
-  text.reserve(static_cast<int>(bytes.size()));
-  Decode(bytes, [&](char32_t codePoint) {
+  const std::size_t plain = PlainPrefix(bytes);
+  QString text = QString::fromLatin1(bytes.data(), static_cast<int>(plain));
+  Decode(bytes.substr(plain), [&](char32_t codePoint) {
     if (codePoint < 0x10000) {
       text.append(QChar(static_cast<ushort>(codePoint)));
     } else {
@@ -75,6 +86,7 @@ QString NativeName::ToText(std::string_view bytes) {
 }
 
 QByteArray NativeName::ToBytes(const QString& text) {
+  if (std::none_of(text.begin(), text.end(), IsEscape)) return text.toUtf8();
   QByteArray bytes;
   bytes.reserve(text.size());
   int from = 0;
@@ -84,7 +96,7 @@ QByteArray NativeName::ToBytes(const QString& text) {
       ++i;
       continue;
     }
-    if (unit.unicode() < kEscape + 0x80 || unit.unicode() > kEscape + 0xFF) continue;
+    if (!IsEscape(unit)) continue;
     bytes += text.midRef(from, i - from).toUtf8();
     bytes += static_cast<char>(unit.unicode() - kEscape);
     from = i + 1;

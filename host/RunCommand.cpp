@@ -235,6 +235,5 @@ void RunCommand::RunInWorkers(RunPlan& plan, const std::vector<RunStep>& steps, 
                               RunReporter& reporter) const {
   const WorkerSettings settings{LibraryFile(), steps, options, reporter.WantsRecords()};
   WorkerPool pool(settings, std::chrono::seconds(timeout_), reporter);
-  pool.Start(std::min(static_cast<std::size_t>(jobs_), plan.Remaining()));
-  pool.Run(plan);
+  pool.Run(plan, std::min(static_cast<std::size_t>(jobs_), plan.Remaining()));
 }

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <optional>
 #include <QFile>
 #include <QSaveFile>
 
@@ -25,6 +26,12 @@ bool TrimTornLine(QFile& file) {
   return file.resize(end) && file.seek(end);
 }
 
+std::optional<mode_t> ModeOf(const std::string& name) {
+  struct stat status;
+  if (stat(name.c_str(), &status) != 0) return std::nullopt;
+  return status.st_mode;
+}
+
 void AppendCount(std::string& text, std::size_t count, const char* what) {
   if (count > 0) text += ", " + std::to_string(count) + what;
 }
@@ -37,8 +44,8 @@ bool RunReporter::IsStreamed(const std::string& report) {
   if (report.size() >= kSuffix.size() && report.compare(report.size() - kSuffix.size(), kSuffix.size(), kSuffix) == 0) {
     return true;
   }
-  struct stat status;
-  return stat(report.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+  const std::optional<mode_t> mode = ModeOf(report);
+  return mode && !S_ISREG(*mode);
 }
 
 RunReporter::RunReporter(const std::string& report, bool append, bool quiet)
@@ -58,8 +65,12 @@ RunReporter::RunReporter(const std::string& report, bool append, bool quiet)
       opened = file->open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered);
     } else if (append) {
       opened = file->open(QIODevice::ReadWrite | QIODevice::Unbuffered) && TrimTornLine(*file);
+    } else if (S_ISREG(ModeOf(report).value_or(0))) {
+      // A run that cannot even begin leaves the earlier run's report.
+      stale_ = true;
+      opened = file->open(QIODevice::Append | QIODevice::Unbuffered);
     } else {
-      opened = file->open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
+      opened = file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
     }
     device_ = std::move(file);
   }
@@ -123,9 +134,15 @@ void RunReporter::Take(const Outcome& outcome) {
 void RunReporter::Flush() {
   progress_.Show(done_ + failed_ + skipped_, total_ - std::min(total_, doneBefore_));
   if (pending_.empty() || (form_ == Form::kArray && pending_.size() <= kPendingLimit)) return;
+  DropStale();
   const auto size = static_cast<qint64>(pending_.size());
   if (device_->write(pending_.data(), size) != size) broken_ = true;
   pending_.clear();
+}
+
+void RunReporter::DropStale() {
+  if (stale_ && !static_cast<QFile&>(*device_).resize(0)) broken_ = true;
+  stale_ = false;
 }
 
 bool RunReporter::Finish(bool interrupted) {
@@ -138,6 +155,7 @@ bool RunReporter::Finish(bool interrupted) {
     // commit() does not look at what writing out the last buffer came to.
     broken_ = broken_ || !file.flush() || !file.commit();
   } else if (form_ == Form::kLines) {
+    DropStale();
     Flush();
   }
   if (broken_) {

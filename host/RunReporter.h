@@ -41,6 +41,7 @@ class RunReporter {
 
  private:
   void Write(std::string_view json);
+  void DropStale();
   void Summarize(bool interrupted);
 
   enum class Form { kNone, kLines, kArray };
@@ -49,6 +50,7 @@ class RunReporter {
   std::unique_ptr<QIODevice> device_;
   std::string pending_;
   bool first_ = true;
+  bool stale_ = false;  // the report still has an earlier run's lines
   bool broken_ = false;
   bool quiet_;
   std::size_t total_ = 0;

@@ -12,7 +12,8 @@ void AppendOutcome(std::string& message, const FileRecord& record, bool reported
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
   const char status = static_cast<char>(record.status);
-  Frames::Append(message, {std::string_view(&status, 1), record.reason, warnings, reported ? record.ToJson() : std::string()});
+  Frames::Append(message,
+                 {std::string_view(&status, 1), record.reason, warnings, reported ? record.ToJson() : std::string()});
 }
 
 }  // namespace

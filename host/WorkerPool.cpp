@@ -109,22 +109,10 @@ void WorkerPool::Fork() {
   members_.push_back(Member{pid, jobs[1], outcomes[0]});
 }
 
-void WorkerPool::Start(std::size_t workers) {
+void WorkerPool::Run(RunPlan& plan, std::size_t workers) {
   wanted_ = workers;
   for (std::size_t i = 0; i < workers; ++i) Fork();
   start_ = Clock::now();
-  Member& first = members_.front();
-  Frames::Fields answer;
-  while (first.reader.Fill(first.outcomes)) {
-    if (first.reader.Next(answer)) {
-      first.ready = true;
-      return;
-    }
-  }
-  throw NotLoaded(QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
-}
-
-void WorkerPool::Run(RunPlan& plan) {
   for (;;) {
     if (Interruption::Signal() != 0) Stop();
     HandOut(plan);
@@ -247,7 +235,7 @@ void WorkerPool::Bury(Member& member) {
   CloseEnd(member.outcomes);
   const int status = Reap(std::exchange(member.pid, 0));
   if (!member.ready && WIFEXITED(status) && WEXITSTATUS(status) == kExitNotLoaded) {
-    throw NotLoaded(QStringLiteral("The PDF library cannot be loaded any more."));
+    throw NotLoaded(QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   const bool stoppedAsTold = *stop_ && WIFEXITED(status) && WEXITSTATUS(status) == kExitDone;
   if (!member.outstanding.empty() && !stoppedAsTold) {

@@ -24,11 +24,10 @@ class WorkerPool {
   WorkerPool(const WorkerPool&) = delete;
   WorkerPool& operator=(const WorkerPool&) = delete;
 
-  // Forks the workers and waits until the first one has loaded the PDF library. Throws CommandError(kExitNotLoaded).
-  void Start(std::size_t workers);
-  // Returns when all files are settled, or after an interruption when no file is in hand any more. Throws
-  // CommandError(kExitNotLoaded) when no worker can be kept alive.
-  void Run(RunPlan& plan);
+  // Forks so many workers and runs the plan in them. Returns when all files are settled, or after an interruption when
+  // no file is in hand any more. Throws CommandError(kExitNotLoaded) when no worker can be kept alive, or a worker
+  // cannot load the PDF library.
+  void Run(RunPlan& plan, std::size_t workers);
 
  private:
   using Clock = std::chrono::steady_clock;
