@@ -14,6 +14,7 @@
 #include "host/CommandError.h"
 #include "host/InputList.h"
 #include "host/Interruption.h"
+#include "host/MemoryLimit.h"
 #include "host/NativeName.h"
 #include "host/ResumedReport.h"
 #include "host/RunPlan.h"
@@ -28,6 +29,8 @@ namespace {
 
 constexpr int kMostJobs = 1024;
 constexpr int kMostSeconds = 1000000;
+constexpr int kUsualMebibytes = 4096;
+constexpr int kMostMebibytes = 1 << 20;
 
 int Cores() {
   return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
@@ -94,6 +97,9 @@ RunCommand::RunCommand()
             QStringLiteral("N"));
   AddOption(QStringLiteral("timeout"), QStringLiteral("Gives up a file after so many seconds (not with --jobs 0)."),
             QStringLiteral("SECONDS"));
+  AddOption(QStringLiteral("memory"),
+            QStringLiteral("Gives up a file that takes more memory, for each process (default: 4096; 0: no limit)."),
+            QStringLiteral("MIB"));
   AddOption(QStringLiteral("allow-breaking-signatures"),
             QStringLiteral("Also saves signed documents that can only be rewritten."));
   AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
@@ -125,6 +131,7 @@ void RunCommand::Check() {
   Settings();
   jobs_ = Number("jobs", Cores(), 0, kMostJobs);
   timeout_ = Number("timeout", 0, 1, kMostSeconds);
+  memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
   if (timeout_ > 0 && jobs_ == 0) refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
 }
 
@@ -217,6 +224,7 @@ void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const
     throw CommandError(kExitNotLoaded,
                        QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
+  MemoryLimit::Set(memoryLimit_);
   DocumentProcessor processor(library, steps, options);
   Interruption::EndAtSecond();
   while (Interruption::Signal() == 0) {
@@ -233,7 +241,7 @@ void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const
 
 void RunCommand::RunInWorkers(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
                               RunReporter& reporter) const {
-  const WorkerSettings settings{LibraryFile(), steps, options, reporter.WantsRecords()};
+  const WorkerSettings settings{LibraryFile(), steps, options, memoryLimit_, reporter.WantsRecords()};
   WorkerPool pool(settings, std::chrono::seconds(timeout_), reporter);
   pool.Run(plan, std::min(static_cast<std::size_t>(jobs_), plan.Remaining()));
 }

@@ -37,4 +37,5 @@ class RunCommand : public Command {
 
   int jobs_ = 0;
   int timeout_ = 0;
+  std::size_t memoryLimit_ = 0;
 };

@@ -4,6 +4,7 @@
 #include "host/Console.h"
 #include "host/ExitCode.h"
 #include "host/Frames.h"
+#include "host/MemoryLimit.h"
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 
 namespace {
@@ -21,6 +22,7 @@ void AppendOutcome(std::string& message, const FileRecord& record, bool reported
 int Worker::Run(const WorkerSettings& settings, int jobs, int outcomes, const std::atomic<bool>& stop) {
   HalvexPDFLibraryCPDylibCPP1311 library(settings.libraryFile);
   if (!library.LibraryLoaded()) return kExitNotLoaded;
+  MemoryLimit::Set(settings.memoryLimit);
   std::string message;
   Frames::Append(message, {kReady});
   if (!Console::WriteAll(outcomes, message)) return kExitDone;

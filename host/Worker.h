@@ -12,7 +12,8 @@ struct WorkerSettings {
   std::wstring libraryFile;
   const std::vector<RunStep>& steps;
   ProcessingOptions processing;
-  bool reported;  // somebody reads the outcomes' JSON
+  std::size_t memoryLimit;  // bytes for documents; 0: none
+  bool reported;            // somebody reads the outcomes' JSON
 };
 
 // A worker process's whole life: takes jobs from one pipe, answers each with an outcome on the other.

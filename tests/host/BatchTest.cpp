@@ -79,6 +79,38 @@ TEST(Batch, AWorkerThatDiesCostsTheFileItHeld) {
   }
 }
 
+TEST(Batch, AFileThatTakesTooMuchMemoryFailsAlone) {
+  const QStringList files = MakeFiles(10, {"greedy"});
+#ifdef __SANITIZE_ADDRESS__  // whose allocator ends the process instead of reporting
+  const std::vector<const char*> someJobs = {"2"};
+#else
+  const std::vector<const char*> someJobs = {"2", "0"};
+#endif
+  for (const char* jobs : someJobs) {
+    for (const bool enough : {false, true}) {
+      QDir("out").removeRecursively();
+      const ProgramResult result = RunProgram(
+          ProbeRun({"--jobs", jobs, "--memory", enough ? "900" : "200", "--report", "-", "--output-dir", "out"}) +
+          files);
+      const auto report = ReadReport(result.out);
+      EXPECT_EQ(report["in/greedy.pdf"]["status"].toString(), enough ? "done" : "failed") << jobs;
+      EXPECT_EQ(QDir("out").entryList(QDir::Files).size(), enough ? 11 : 10) << jobs;
+    }
+  }
+}
+
+TEST(Batch, ARunThatCannotBeginLeavesTheEarlierReport) {
+  const QStringList files = MakeFiles(2);
+  for (const char* jobs : {"1", "0"}) {
+    WriteFile("r.jsonl", "earlier\n");
+    const QStringList run = ProbeRun({"--jobs", jobs, "--report", "r.jsonl", "--output-dir", "out"});
+    EXPECT_EQ(RunProgram(run + QStringList{"--pdf-library", "missing"} + files).code, 3);
+    EXPECT_EQ(ReadFile("r.jsonl"), "earlier\n");
+    EXPECT_EQ(RunProgram(run + files).code, 0);
+    EXPECT_EQ(ReadFile("r.jsonl").count('\n'), 2);
+  }
+}
+
 TEST(Batch, AnyFileNameSurvives) {
   const QByteArray names[] = {
       "-dash.pdf", "new\nline.pdf", "\xFF\xFE raw.pdf",           "\xC3\xA4\xF0\x9F\x98\x80.pdf",

@@ -3,17 +3,21 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <QFile>
 #include <QGuiApplication>
 #include <QWidget>
 #include <stdexcept>
+#include <vector>
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "plugin/DialogLoadStruct.h"
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
+
+std::size_t mostTaken = 0;
 
 void Log(const WorkProcInfoStruct* info, const std::string& line) {
   QFile file(info->settings->value(QStringLiteral("log")).toString());
@@ -44,6 +48,7 @@ int ProbeAction::WorkProc(WorkProcInfoStruct* info) {
   if (named(L"throw")) throw std::runtime_error("thrown on purpose");
   while (named(L"hang")) sleep(1000);
   if (named(L"slow")) usleep(100000);
+  if (named(L"greedy")) mostTaken = std::max(mostTaken, std::vector<char>(300 << 20).size());
   QString url = info->settings->value(QStringLiteral("baseUrlString")).toString();
   if (url == QLatin1String("platform")) url = QGuiApplication::platformName();
   info->document->SetBaseURL(url.toStdWString());

@@ -6,7 +6,8 @@
 #include "plugin/CActionInterface.h"
 
 // The action "Probe": writes a line for each call to the file of its setting "log", sets "baseUrlString", and does what
-// the document's file name holds: abort, exit, throw, hang, slow, refused (a failing library call).
+// the document's file name holds: abort, exit, throw, hang, slow, greedy (300 MiB), refused
+// (a failing library call).
 class ProbeAction : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.halvex.vorlane.probe")
