@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -48,7 +49,7 @@ std::string DescriptorPath(int descriptor) {
 bool Name(int descriptor, const std::string& name) {
 #ifdef AT_EMPTY_PATH
   // Twice as fast as by way of /proc, but not for everyone: the kernel tells those who may not that there is no file.
-  static bool direct = true;
+  static std::atomic<bool> direct{true};
   if (direct && linkat(descriptor, "", AT_FDCWD, name.c_str(), AT_EMPTY_PATH) == 0) return true;
   if (direct && errno != ENOENT && errno != EPERM && errno != EINVAL) return false;
   direct = false;

@@ -134,6 +134,21 @@ TEST_F(OutputFileTest, SymbolicLinksStay) {
   EXPECT_EQ(FilesIn("real"), 2u);
 }
 
+TEST_F(OutputFileTest, LinksLeadToOtherFileSystems) {
+  char folder[] = "/dev/shm/vorlane-test-XXXXXX";
+  if (mkdtemp(folder) == nullptr || Status(folder).st_dev == Status("out").st_dev) GTEST_SKIP() << "there is no other";
+  const std::string far = std::string(folder) + "/a.pdf";
+  WriteFile(far, "old");
+  ASSERT_EQ(chmod(far.c_str(), 0640), 0);
+  fs::create_symlink(far, "out/a.pdf");
+  Save("out/a.pdf", "new");
+  EXPECT_TRUE(fs::is_symlink("out/a.pdf"));
+  EXPECT_EQ(ReadFile(far), "new");
+  EXPECT_EQ(Status(far).st_mode & 07777u, 0640u);
+  EXPECT_EQ(FilesIn("out") + FilesIn(folder), 2u);
+  fs::remove_all(folder);
+}
+
 TEST_F(OutputFileTest, OtherHardLinksKeepTheOldContent) {
   WriteFile("out/a.pdf", "old");
   fs::create_hard_link("out/a.pdf", "out/b.pdf");
