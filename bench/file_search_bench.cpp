@@ -44,7 +44,7 @@ void SearchBesideFind(benchmark::State& state) {
   Find(tree.path());  // both find the tree in the cache
   double search = 0;
   double find = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto start = Clock::now();
     const int found = CActionUtils::SearchFilesInDir(QDir(tree.path()), {QStringLiteral("pdf")}, true).size();
     const auto middle = Clock::now();

@@ -41,7 +41,7 @@ void Sizes(benchmark::internal::Benchmark* bench) {
 void Expand(benchmark::State& state, bool skipEven) {
   const int pages = static_cast<int>(state.range(1));
   const QString text = Text(static_cast<int>(state.range(0)), pages);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     QList<int> list;
     CActionUtils::GetPageList(text, pages, false, skipEven, &list);
     benchmark::DoNotOptimize(list);
@@ -51,19 +51,19 @@ void Expand(benchmark::State& state, bool skipEven) {
 void Qpdf(benchmark::State& state) {
   const int pages = static_cast<int>(state.range(1));
   const std::string text = Text(static_cast<int>(state.range(0)), pages).toStdString();
-  for (auto _ : state) benchmark::DoNotOptimize(QUtil::parse_numrange(text.c_str(), pages));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(QUtil::parse_numrange(text.c_str(), pages));
 }
 
 void Validate(benchmark::State& state) {
   const QString text = Text(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
-  for (auto _ : state) benchmark::DoNotOptimize(CActionUtils::ValidatePageRange(text, false));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(CActionUtils::ValidatePageRange(text, false));
 }
 
 void Collect(benchmark::State& state) {
   const int pages = static_cast<int>(state.range(1));
   QList<int> list;
   CActionUtils::GetPageList(Text(static_cast<int>(state.range(0)), pages), pages, false, false, &list);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     QList<int> runs;
     CActionUtils::CollectPageList(&list, &runs);
     benchmark::DoNotOptimize(runs);

@@ -44,6 +44,7 @@ void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
   settings->insert(QStringLiteral("CollectionName"), ui.collectionNameLineEdit->text());
   // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
   accept();
 }

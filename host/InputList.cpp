@@ -23,7 +23,7 @@ bool EndsInPdf(std::string_view name) {
 
 std::string RealPath(std::string_view name) {
   char* const found = realpath(std::string(name).c_str(), nullptr);
-  const std::string path = found != nullptr ? found : "";
+  std::string path = found != nullptr ? found : "";
   std::free(found);
   return path;
 }

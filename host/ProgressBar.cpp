@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -30,7 +31,7 @@ void ProgressBar::Show(std::size_t done, std::size_t total) {
   if (left <= kLeastSecondsLeft) return Hide();
 
   const std::size_t filled = kWidth * done / total;
-  const auto whole = static_cast<unsigned long>(left + 0.5);
+  const auto whole = static_cast<unsigned long>(std::lround(left));
   char line[160];
   const int length = std::snprintf(line, sizeof line, "\r[%s%s] %zu/%zu  %.0f/s  %lu:%02lu left\x1b[K",
                                    std::string(filled, '#').c_str(), std::string(kWidth - filled, '.').c_str(), done,

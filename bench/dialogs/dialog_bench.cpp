@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPluginLoader>
+#include <QTimer>
 
 #include "plugin/CActionInterface.h"
 #include "plugin/DialogLoadStruct.h"
@@ -24,13 +25,10 @@ class FirstPaint : public QObject {
     // An UpdateRequest paints and flushes the window: when the next event comes, it is on screen.
     if (event->type() == QEvent::Paint && qobject_cast<QDialog*>(watched)) {
       auto* dialog = static_cast<QDialog*>(watched);
-      QMetaObject::invokeMethod(
-          dialog,
-          [this, dialog] {
-            painted = Clock::now();
-            dialog->reject();
-          },
-          Qt::QueuedConnection);
+      QTimer::singleShot(0, dialog, [this, dialog] {
+        painted = Clock::now();
+        dialog->reject();
+      });
     }
     return false;
   }
@@ -48,7 +46,7 @@ void ShowDialog(benchmark::State& state) {
   info.settings = &settings;
   action->ShowDialogProc(&window, &info);
   double slowest = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto called = Clock::now();
     action->ShowDialogProc(&window, &info);
     const double seconds = std::chrono::duration<double>(paint.painted - called).count();

@@ -55,7 +55,7 @@ const std::string& PathFor(const benchmark::State& state) {
 void QuickReader(benchmark::State& state) {
   const std::string& path = PathFor(state);
   std::uint64_t read = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto input = engine::InputFile::Open(path);
     const auto document = engine::QuickReader::Read(*input);
     if (!document || document->baseUrl != kBaseUrl) state.SkipWithError("not read");
@@ -66,7 +66,7 @@ void QuickReader(benchmark::State& state) {
 
 void Libqpdf(benchmark::State& state) {
   const std::string& path = PathFor(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     QPDF pdf;
     pdf.processFile(path.c_str());
     if (pdf.getRoot().getKey("/URI").getKey("/Base").getStringValue() != kBaseUrl) state.SkipWithError("not read");

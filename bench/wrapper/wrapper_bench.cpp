@@ -20,7 +20,7 @@ void BareCall(benchmark::State& state) {
   auto function = reinterpret_cast<int (*)(int, int)>(dlsym(library, "HPLSelectPage"));
   benchmark::DoNotOptimize(function);
   int page = 1;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(page);
     benchmark::DoNotOptimize(function(0, page));
   }
@@ -32,7 +32,7 @@ void ForwardedCall(benchmark::State& state) {
   HalvexPDFLibraryCPDylibCPP1311 wrapper(LibraryName());
   if (!wrapper.LibraryLoaded()) state.SkipWithError("library not loaded");
   int page = 1;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(page);
     benchmark::DoNotOptimize(wrapper.SelectPage(page));
   }
@@ -42,7 +42,7 @@ BENCHMARK(ForwardedCall);
 // Another handle keeps the file mapped, so that both measure name look-up and not the disk.
 void BareResolution(benchmark::State& state) {
   void* const kept = dlopen(kLibrary, RTLD_LAZY | RTLD_LOCAL);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     void* functions[kLibraryFunctionCount];
     void* const library = dlopen(kLibrary, RTLD_LAZY | RTLD_LOCAL);
     for (int i = 0; i < kLibraryFunctionCount; ++i) functions[i] = dlsym(library, kLibraryFunctionNames[i]);
@@ -56,7 +56,7 @@ BENCHMARK(BareResolution)->Unit(benchmark::kMicrosecond);
 void Construction(benchmark::State& state) {
   void* const kept = dlopen(kLibrary, RTLD_LAZY | RTLD_LOCAL);
   const std::wstring name = LibraryName();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     HalvexPDFLibraryCPDylibCPP1311 wrapper(name);
     benchmark::DoNotOptimize(wrapper.LibraryLoaded());
   }

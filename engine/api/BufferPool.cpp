@@ -18,6 +18,7 @@ std::uint64_t NumberOf(void* handle) {
   return reinterpret_cast<std::uintptr_t>(handle);
 }
 void* HandleOf(std::uint64_t number) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number in a pointer's place, never an address.
   return reinterpret_cast<void*>(static_cast<std::uintptr_t>(number));
 }
 

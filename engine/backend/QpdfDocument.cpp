@@ -60,7 +60,7 @@ bool RepairIsBounded(const InputFile& file) {
 // Null when the password does not fit.
 std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password,
                               const std::vector<BackendInputSource::Edit>& edits = {}) {
-  const std::shared_ptr<QPDF> document = QPDF::create();
+  std::shared_ptr<QPDF> document = QPDF::create();
   document->setSuppressWarnings(true);
   document->setAttemptRecovery(RepairIsBounded(*file));
   try {
@@ -130,7 +130,7 @@ void SetInformation(QPDFObjectHandle information, const Changes& changes) {
 class ScopedEntry {
  public:
   ScopedEntry(QPDFObjectHandle dictionary, std::string key)
-      : dictionary_(std::move(dictionary)), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
+      : dictionary_(dictionary), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
   ~ScopedEntry() { dictionary_.replaceKey(key_, old_); }
   ScopedEntry(const ScopedEntry&) = delete;
   ScopedEntry& operator=(const ScopedEntry&) = delete;
@@ -281,7 +281,7 @@ std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail
     std::vector<ChangedObject> objects;
     const auto add = [&](ObjectId id, QPDFObjectHandle object) {
       const StringCipher cipher = StringCipher::For(*qpdf_, id);
-      objects.push_back({id, ObjectWriter(cipher).Write(std::move(object))});
+      objects.push_back({id, ObjectWriter(cipher).Write(object)});
     };
     QPDFObjectHandle catalog = qpdf_->getRoot();
     if (const auto table = qpdf_->getXRefTable(); !table.empty()) {

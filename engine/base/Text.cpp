@@ -12,6 +12,10 @@ constexpr std::uint32_t kReplacement = 0xFFFD;
 constexpr std::uint32_t kFirstRawByte = 0xDC80;  // stands for the byte 0x80
 constexpr std::uint32_t kLastRawByte = 0xDCFF;
 
+std::uint32_t CharacterOf(wchar_t unit) {
+  // NOLINTNEXTLINE(bugprone-signed-char-misuse): units are 32 bits wide, so nothing is extended.
+  return static_cast<std::uint32_t>(unit);
+}
 bool IsCharacter(std::uint32_t unit) {
   return unit < 0xD800 || (unit > 0xDFFF && unit <= 0x10FFFF);
 }
@@ -113,7 +117,7 @@ std::string Utf8FromWide(std::wstring_view text) {
   std::string bytes;
   bytes.reserve(text.size());
   for (const wchar_t unit : text) {
-    const auto character = static_cast<std::uint32_t>(unit);
+    const std::uint32_t character = CharacterOf(unit);
     ForEachUtf8Byte(IsCharacter(character) ? character : kReplacement,
                     [&](std::uint32_t byte) { bytes.push_back(static_cast<char>(byte)); });
   }
@@ -129,7 +133,7 @@ std::string RawFromWide(std::wstring_view text) {
   bytes.reserve(text.size());
   const auto put = [&](std::uint32_t byte) { bytes.push_back(static_cast<char>(byte)); };
   for (const wchar_t unit : text) {
-    const auto character = static_cast<std::uint32_t>(unit);
+    const std::uint32_t character = CharacterOf(unit);
     if (character >= kFirstRawByte && character <= kLastRawByte) {
       put(character - kFirstRawByte + 0x80);
     } else {
@@ -148,7 +152,7 @@ std::string UrlFromWide(std::wstring_view url) {
   std::string bytes;
   bytes.reserve(url.size());
   for (const wchar_t unit : url) {
-    const auto character = static_cast<std::uint32_t>(unit);
+    const std::uint32_t character = CharacterOf(unit);
     if (character < 0x80) {
       bytes.push_back(static_cast<char>(character));
       continue;

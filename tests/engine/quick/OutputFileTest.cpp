@@ -197,7 +197,7 @@ TEST_F(OutputFileTest, FullDiskLeavesTheOldFile) {
 }
 
 TEST_F(OutputFileTest, CopiesWholeSources) {
-  for (const std::size_t size : {0, 1, 65536, 65537, 300000, 3000000}) {
+  for (const std::size_t size : {0U, 1U, 65536U, 65537U, 300000U, 3000000U}) {
     std::string bytes(size, '\0');
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 251);
     WriteFile("source", bytes);
