@@ -13,10 +13,11 @@
 
 #include "engine/backend/BackendInputSource.h"
 #include "engine/backend/CryptFilters.h"
+#include "engine/backend/ObjectStreamGuard.h"
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/SignatureSearch.h"
 #include "engine/backend/StringCipher.h"
-#include "engine/backend/StructureGuard.h"
+#include "engine/backend/XrefStreamGuard.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
@@ -24,6 +25,12 @@
 namespace engine {
 
 namespace {
+
+// Where memory runs out, the parser often goes on: with a broken object, and a warning that quotes the exception.
+bool TellsOfLackOfMemory(const std::string& message) {
+  static const std::string exception = std::bad_alloc().what();
+  return message.find(exception) != std::string::npos;
+}
 
 // The parser's exceptions as the engine's.
 template <typename Body>
@@ -35,9 +42,11 @@ auto Translated(Body&& body) {
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const QPDFExc& error) {
+    if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
                       error.what());
   } catch (const std::exception& error) {
+    if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(kErrorDamaged, error.what());
   }
 }
@@ -67,6 +76,9 @@ std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, cons
     document->processInputSource(std::make_shared<BackendInputSource>(file, edits), password.c_str());
   } catch (const QPDFExc& error) {
     if (error.getErrorCode() == qpdf_e_password) return nullptr;
+    for (const QPDFExc& warning : document->getWarnings()) {
+      if (TellsOfLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
+    }
     throw;
   }
   const std::vector<BackendInputSource::Edit> needed = EditsOfCryptFilters(*document, *file);
@@ -188,18 +200,49 @@ void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& 
 
 }  // namespace
 
+// A question to the parser; its answer counts only if there was memory for all that it read.
+template <typename Body>
+auto QpdfDocument::Ask(Body&& body) {
+  try {
+    auto answer = Translated(body);
+    NoteWarnings();
+    return answer;
+  } catch (const EngineError&) {
+    NoteWarnings();
+    throw;
+  }
+}
+
+void QpdfDocument::NoteWarnings() {
+  for (const QPDFExc& warning : qpdf_->getWarnings()) {
+    repaired_ = repaired_ || TellsOfRepair(warning);
+    outOfMemory_ = outOfMemory_ || TellsOfLackOfMemory(warning.getMessageDetail());
+  }
+  if (outOfMemory_) throw std::bad_alloc();
+}
+
 std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile> file, const std::string& password) {
+  return OpenFrom(Origin::kOutside, std::move(file), password);
+}
+
+std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_ptr<const InputFile> file,
+                                                     const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
   // The parser would search the whole of it for a header.
   if (!RepairIsBounded(*file) && !HasHeader(*file)) throw EngineError(kErrorNotPdf, "no header");
-  GuardStructure(*file);
+  if (origin == Origin::kOutside) GuardXrefStreams(*file);
   try {
     for (std::string& encoded : Encodings(password)) {
       document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });
       document->password_ = std::move(encoded);
       if (document->qpdf_ != nullptr) break;
     }
-    if (document->qpdf_ != nullptr) Translated([&] { return document->qpdf_->getRoot(); });
+    if (document->qpdf_ != nullptr) {
+      document->Ask([&] {
+        if (origin == Origin::kOutside) GuardObjectStreams(*document->qpdf_, file->Size());
+        return document->qpdf_->getRoot();
+      });
+    }
   } catch (const EngineError& error) {
     if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
     throw;
@@ -221,19 +264,19 @@ std::unique_ptr<QpdfDocument> QpdfDocument::New() {
 }
 
 std::string QpdfDocument::BaseUrl() {
-  return Translated([&] { return BaseUrlOf(qpdf_->getRoot()); });
+  return Ask([&] { return BaseUrlOf(qpdf_->getRoot()); });
 }
 
 std::string QpdfDocument::Information(const std::string& key) {
-  return Translated([&] { return InformationOf(qpdf_->getTrailer().getKey("/Info"), key); });
+  return Ask([&] { return InformationOf(qpdf_->getTrailer().getKey("/Info"), key); });
 }
 
 int QpdfDocument::PageCount() {
-  return Translated([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
+  return Ask([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
 }
 
 BackendDocument::PageGeometry QpdfDocument::Page(int page) {
-  return Translated([&] {
+  return Ask([&] {
     QPDFPageObjectHelper helper(qpdf_->getAllPages().at(static_cast<std::size_t>(page) - 1));
     PageGeometry geometry{612, 792, 0};  // what readers take a broken page for
     QPDFObjectHandle box = helper.getAttribute("/MediaBox", false);
@@ -260,24 +303,24 @@ BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) 
 }
 
 bool QpdfDocument::Linearized() {
-  return file_ != nullptr && Translated([&] { return qpdf_->isLinearized(); });
+  return file_ != nullptr && Ask([&] { return qpdf_->isLinearized(); });
 }
 
 BackendDocument::Signatures QpdfDocument::FindSignatures() {
-  return Translated([&] { return SearchSignatures(*qpdf_); });
+  return Ask([&] { return SearchSignatures(*qpdf_); });
 }
 
 bool QpdfDocument::Repaired() {
-  for (const QPDFExc& warning : qpdf_->getWarnings()) repaired_ = repaired_ || TellsOfRepair(warning);
+  NoteWarnings();
   return repaired_;
 }
 
 ObjectId QpdfDocument::Root() {
-  return Translated([&] { return IdOf(qpdf_->getRoot()); });
+  return Ask([&] { return IdOf(qpdf_->getRoot()); });
 }
 
 std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail& tail) {
-  return Translated([&] {
+  return Ask([&] {
     std::vector<ChangedObject> objects;
     const auto add = [&](ObjectId id, QPDFObjectHandle object) {
       const StringCipher cipher = StringCipher::For(*qpdf_, id);
@@ -311,7 +354,7 @@ std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved,
                                                       const Changes& changes) const {
   try {
-    std::unique_ptr<QpdfDocument> other = Open(std::move(saved), password_);
+    std::unique_ptr<QpdfDocument> other = OpenFrom(Origin::kOwnSave, std::move(saved), password_);
     if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return nullptr;
     for (const auto& [key, value] : changes.information) {
       if (other->Information(key) != value) return nullptr;
@@ -346,7 +389,7 @@ bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, con
 }
 
 void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
-  Translated([&] {
+  Ask([&] {
     QPDFObjectHandle catalog = qpdf_->getRoot();
     QPDFObjectHandle trailer = qpdf_->getTrailer();
     const ScopedEntry uri(catalog, "/URI");

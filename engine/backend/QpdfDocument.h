@@ -34,13 +34,22 @@ class QpdfDocument : public BackendDocument {
   bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) override;
 
  private:
+  // What was saved from a document that has passed the guards against hostile files need not pass them again.
+  enum class Origin { kOutside, kOwnSave };
+
   QpdfDocument() = default;
+  static std::unique_ptr<QpdfDocument> OpenFrom(Origin origin, std::shared_ptr<const InputFile> file,
+                                                const std::string& password);
+  template <typename Body>
+  auto Ask(Body&& body);
+  void NoteWarnings();
   std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved, const Changes& changes) const;
 
   std::shared_ptr<const InputFile> file_;  // null for a new document
   std::string password_;                   // the encoding of it that opened the document
   std::shared_ptr<QPDF> qpdf_;
   bool repaired_ = false;
+  bool outOfMemory_ = false;
 };
 
 }  // namespace engine

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -316,7 +318,23 @@ TEST_F(SaveTest, FileNamesOfAnyBytes) {
 }
 
 // Every layout and defect that files are made for: what the full parser can open is saved, and sound if it was.
-class SampleTest : public EngineFixture, public testing::WithParamInterface<SampleFile> {};
+class SampleTest : public EngineFixture, public testing::WithParamInterface<SampleFile> {
+ protected:
+  void ExpectRefusedInLittleMemory() {
+    constexpr long kMostKilobytes = 512 * 1024;
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) _exit(library_.LoadFromFile(Wide(GetParam().path), L"") == 0 ? library_.LastErrorCode() : 0);
+    int status = -1;
+    rusage usage = {};
+    ASSERT_EQ(wait4(child, &status, 0, &usage), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), kErrorDamaged);
+    EXPECT_LT(usage.ru_maxrss, kMostKilobytes);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+  }
+};
 INSTANTIATE_TEST_SUITE_P(Files, SampleTest, testing::ValuesIn(SampleFile::All()), [](const auto& sample) {
   std::string name = sample.param.name.substr(0, sample.param.name.find('.'));
   std::replace(name.begin(), name.end(), '-', '_');
@@ -324,9 +342,8 @@ INSTANTIATE_TEST_SUITE_P(Files, SampleTest, testing::ValuesIn(SampleFile::All())
 });
 
 TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
-  const bool bomb = GetParam().name.find("bomb") != std::string::npos;
-  const auto reference = bomb ? std::nullopt : FullParser::Read(ReadFile(GetParam().path));
-  const auto start = std::chrono::steady_clock::now();
+  if (StartsWith(GetParam().name, "bomb-")) return ExpectRefusedInLittleMemory();
+  const auto reference = FullParser::Read(ReadFile(GetParam().path));
   const bool loaded = library_.LoadFromFile(Wide(GetParam().path), L"") == 1;
   EXPECT_EQ(loaded, reference.has_value()) << library_.LastErrorCode();
   if (loaded) {
@@ -343,7 +360,6 @@ TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
                   GetParam().name == "root-is-dictionary.pdf");
     }
   }
-  EXPECT_TRUE(!bomb || std::chrono::steady_clock::now() - start < std::chrono::seconds(10));
 }
 
 TEST_F(SaveTest, HugeFilesWithHolesAreNotSearched) {
@@ -357,6 +373,44 @@ TEST_F(SaveTest, HugeFilesWithHolesAreNotSearched) {
   EXPECT_EQ(library_.LoadFromFile(L"front.pdf", L""), 0);
   EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
+}
+
+// A host may limit the memory of a process. Every way into the engine then ends in one clear error, whichever part of
+// it asked for the memory, and the process goes on.
+TEST_F(SaveTest, LackOfMemoryIsAnError) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer's own memory cannot be limited";
+#endif
+  PlainPdf large;
+  large.catalogEntries = "/Large [ ";
+  for (int i = 0; i < 1000000; ++i) large.catalogEntries += "1 ";
+  large.catalogEntries += "]";
+  const std::string bytes = large.Bytes();
+  std::string damaged = bytes;
+  damaged.insert(damaged.rfind("startxref\n") + 10, "9");
+  WriteFile("damaged.pdf", damaged);
+  WriteFile("small.pdf", PlainPdf().Bytes());
+  WriteFile("plain.pdf", bytes);
+  ASSERT_EQ(RunTool("qpdf --encrypt '' o 256 -- plain.pdf encrypted.pdf").status, 0);
+  ASSERT_EQ(library_.LoadFromFile(L"small.pdf", L""), 1);
+  EXPECT_EQ(library_.PageCount(), 1);  // the backend is there
+  for (const wchar_t* const file : {L"damaged.pdf", L"encrypted.pdf"}) {
+    SCOPED_TRACE(Narrow(file));
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      const rlimit limit = {rlim_t{200} << 20, rlim_t{200} << 20};
+      setrlimit(RLIMIT_AS, &limit);
+      if (library_.LoadFromFile(file, L"") != 0) _exit(101);
+      const int error = library_.LastErrorCode();
+      if (library_.LoadFromFile(L"small.pdf", L"") != 1 || library_.SetBaseURL(kUrl) != 1) _exit(102);
+      _exit(library_.SaveToFile(L"out.pdf") == 1 ? error : 103);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), kErrorOutOfMemory);
+  }
 }
 
 TEST_F(SaveTest, FailuresLoseNothing) {

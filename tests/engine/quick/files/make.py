@@ -7,6 +7,7 @@ usage: make.py FOLDER
 Beside the files stands "expected.tsv": name, "answered" or "refused" (what the quick reader does), base URL in hex.
 """
 
+import hashlib
 import os
 import sys
 import zlib
@@ -323,9 +324,6 @@ def defects():
     yield "index-odd", File().put(body()).xref_stream(index=b"[ 0 5 9 ]")
     yield "index-huge", File().put(body()).xref_stream(index=b"[ 0 4611686018427387904 ]")
     yield "index-overlaps", File().put(body()).xref_stream(index=b"[ 0 3 1 2 ]")
-    bomb = zlib.compress(bytes(1 << 28), 9)
-    yield "deflate-bomb-xref", File().put(body()).xref_stream(data=bomb, size=2000000000, index=b"[ 2 1999999998 ]",
-                                                              root=b"1999999990 0 R")
     yield "xref-stream-too-short", File().put(body()).xref_stream(data=zlib.compress(b"\2\1"), coding="flate")
     yield "xref-stream-not-deflated", File().put(body()).xref_stream(data=b"no deflate data")
     yield "xref-stream-length-wrong", File().put(body()).xref_stream(length=3)
@@ -345,18 +343,83 @@ def defects():
     inside = File().put_in_stream(4, body())
     inside.entries[4] = (2, 4, 0)
     yield "object-stream-in-itself", inside.xref_stream()
-    first = len(b"1 0 ")
-    data = zlib.compress(b"1 0 " + b"<< /Type /Catalog /Long (" + b"x" * (1 << 28), 9)
-    packed = File().put({2: PAGES, 3: PAGE})
-    packed.put({4: stream_object(b"/Type /ObjStm /N 1 /First %d /Filter /FlateDecode" % first, data)})
-    packed.entries[1] = (2, 4, 0)
-    yield "deflate-bomb-object-stream", packed.xref_stream()
+
+
+def deflated_run(chunk, times, head=b"", tail=b""):
+    """Deflate data of head + times * chunk + tail, made without inflating it all."""
+    def raw(text, mode=zlib.Z_FULL_FLUSH):
+        packer = zlib.compressobj(9, zlib.DEFLATED, -15)
+        return packer.compress(text) + packer.flush(mode)
+    check = zlib.adler32(head)
+    for _ in range(times):
+        check = zlib.adler32(chunk, check)
+    check = zlib.adler32(tail, check)
+    return b"\x78\xda" + raw(head) + raw(chunk) * times + raw(tail, zlib.Z_FINISH) + check.to_bytes(4, "big")
+
+
+def rc4(key, data):
+    state, j, result = list(range(256)), 0, bytearray()
+    for i in range(256):
+        j = (j + state[i] + key[i % len(key)]) % 256
+        state[i], state[j] = state[j], state[i]
+    i = j = 0
+    for byte in data:
+        i = (i + 1) % 256
+        j = (j + state[i]) % 256
+        state[i], state[j] = state[j], state[i]
+        result.append(byte ^ state[(state[i] + state[j]) % 256])
+    return bytes(result)
+
+
+class Encryption:
+    """The oldest kind, with an empty user password (ISO 32000-1, 7.6.3.3, algorithms 1, 2 and 4)."""
+
+    PADDING = bytes.fromhex("28BF4E5E4E758A4164004E56FFFA01082E2E00B6D0683E802F0CA9FE6453697A")
+
+    def __init__(self):
+        self.owner = b"O" * 32
+        self.key = hashlib.md5(self.PADDING + self.owner + b"\xff" * 4 + b"\0\x11").digest()[:5]
+
+    def data(self, number, data):
+        return rc4(hashlib.md5(self.key + number.to_bytes(3, "little") + b"\0\0").digest()[:10], data)
+
+    def trailer(self):
+        user = rc4(self.key, self.PADDING).hex().encode()
+        return b" /Encrypt << /Filter /Standard /V 1 /R 2 /O <%s> /U <%s> /P -1 >>" % (self.owner.hex().encode(), user)
+
+
+def catalog_bomb(chunk, times, encryption=None, parameters=b""):
+    """The catalog in an object stream, with an entry that inflates to so many chunks."""
+    data = deflated_run(chunk, times, b"1 0 << /Type /Catalog /Pages 2 0 R /Long [ ", b"] >>")
+    file = File().put({2: PAGES, 3: PAGE})
+    keys = b"/Type /ObjStm /N 1 /First 4 /Filter /FlateDecode" + parameters
+    file.put({4: stream_object(keys, encryption.data(4, data) if encryption else data)})
+    file.entries[1] = (2, 4, 0)
+    return file.xref_stream(extra=encryption.trailer() if encryption else b"")
+
+
+def bombs():
+    bomb = deflated_run(bytes(1 << 20), 256)
+    yield "xref", File().put(body()).xref_stream(data=bomb, size=2000000000, index=b"[ 2 1999999998 ]",
+                                                 root=b"1999999990 0 R")
+    yield "xref-name-escaped", File().put(body()).xref_stream(
+        data=bomb, size=2000000000, index=b"[ 2 1999999998 ]", root=b"1999999990 0 R").out.replace(b"/XRef", b"/XR#65f")
+    rows = b" /DecodeParms << /Predictor %d /Columns 1000000000 >>"
+    for predictor in (2, 12):
+        yield "xref-rows-%d" % predictor, File().put(body()).xref_stream(coding="flate", extra=rows % predictor)
+    text = b"(" + b"x" * ((1 << 20) - 2) + b")"
+    yield "object-stream", catalog_bomb(text, 256)
+    yield "object-stream-rows", catalog_bomb(text, 1, parameters=rows % 12)
+    yield "encrypted-object-stream", catalog_bomb(text, 1100, Encryption())
+    yield "encrypted-object-stream-of-numbers", catalog_bomb(b"1 " * (1 << 19), 8, Encryption())
+    yield "encrypted-object-stream-rows", catalog_bomb(text, 1, Encryption(), rows % 12)
 
 
 def main(folder):
     os.makedirs(folder, exist_ok=True)
     with open(os.path.join(folder, "expected.tsv"), "w") as table:
-        for kind, cases in (("answered", sound()), ("refused", defects())):
+        for kind, cases in (("answered", sound()), ("refused", defects()),
+                            ("refused", (("bomb-" + name, file) for name, file in bombs()))):
             for name, file, *url in cases:
                 with open(os.path.join(folder, name + ".pdf"), "wb") as out:
                     out.write(file if isinstance(file, bytes) else file.out)

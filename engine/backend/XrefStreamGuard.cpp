@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/XrefStreamGuard.h"
+
+#include <zlib.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "engine/base/EngineError.h"
+#include "engine/base/InputFile.h"
+
+namespace engine {
+
+namespace {
+
+constexpr std::uint64_t kSmallFile = 16 << 20;
+// Inflated bytes that every file may have, and more for each of its own: an entry takes at least 20 bytes of a file, or
+// some of an object stream.
+constexpr std::size_t kFreeBytes = 4 << 20;
+constexpr std::size_t kBytesPerFileByte = 8;
+constexpr std::size_t kLongestDictionary = 64 * 1024;
+constexpr unsigned long kMostColumns = 1 << 16;
+constexpr std::string_view kStream = "stream";
+
+// How many bytes come out of the deflate data at the start of `data`, as far as `limit`.
+std::size_t InflatedSize(std::string_view data, std::size_t limit) {
+  z_stream inflater = {};
+  if (inflateInit(&inflater) != Z_OK) throw EngineError(kErrorOutOfMemory, "no memory for inflating");
+  inflater.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+  inflater.avail_in = static_cast<uInt>(data.size());
+  Bytef sink[64 * 1024];
+  std::size_t size = 0;
+  int status = Z_OK;
+  while (status == Z_OK && size <= limit) {
+    inflater.next_out = sink;
+    inflater.avail_out = sizeof sink;
+    status = inflate(&inflater, Z_NO_FLUSH);
+    size += sizeof sink - inflater.avail_out;
+  }
+  inflateEnd(&inflater);
+  return size;
+}
+
+bool Contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+// Names may hold any character as "#" and two digits (ISO 32000-1, 7.3.5).
+std::string WithoutEscapes(std::string_view text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string digits(text.substr(i + 1 < text.size() ? i + 1 : i, 2));
+    if (text[i] == '#' && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
+      plain += static_cast<char>(std::stoi(digits, nullptr, 16));
+      i += 2;
+    } else {
+      plain += text[i];
+    }
+  }
+  return plain;
+}
+
+// Compressed data inside other data: no producer writes such sections, and no size tells what comes out of them.
+bool IsFilteredTwice(std::string_view dictionary) {
+  constexpr std::string_view kFilters[] = {"/Fl", "/ASCII", "/AHx", "/A85", "/RunLength", "/RL", "/LZW"};
+  std::size_t filters = 0;
+  for (const std::string_view name : kFilters) {
+    for (std::size_t at = dictionary.find(name); at != std::string_view::npos; at = dictionary.find(name, at + 1)) {
+      ++filters;
+    }
+  }
+  return filters > 1 || Contains(dictionary, "/LZW");
+}
+
+bool HasHugeRows(std::string_view dictionary) {
+  for (const std::string_view key : {"/Columns", "/Colors"}) {
+    for (std::size_t at = dictionary.find(key); at != std::string_view::npos; at = dictionary.find(key, at + 1)) {
+      const std::string number(dictionary.substr(at + key.size(), 32));
+      if (std::strtoul(number.c_str(), nullptr, 10) > kMostColumns) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+void GuardXrefStreams(const InputFile& file) {
+  if (file.Size() > kSmallFile) return;
+  const std::string bytes = file.ReadAt(0, static_cast<std::size_t>(file.Size()));
+  const std::string_view text = bytes;
+  const std::size_t limit = kFreeBytes + kBytesPerFileByte * bytes.size();
+  std::size_t total = 0;
+  std::size_t previous = 0;
+  for (std::size_t at = text.find(kStream); at != std::string_view::npos; at = text.find(kStream, previous)) {
+    std::string_view before = text.substr(previous, at - previous);
+    if (before.size() > kLongestDictionary) before.remove_prefix(before.size() - kLongestDictionary);
+    previous = at + kStream.size();
+    if (!Contains(before, "/X") && !Contains(before, "#")) continue;
+    const std::string dictionary = WithoutEscapes(before);
+    if (!Contains(dictionary, "/XRef")) continue;
+    const std::size_t data = text.find_first_not_of("\r\n", previous);
+    if (data == std::string_view::npos) return;
+    total += InflatedSize(text.substr(data), limit);
+    if (total > limit || IsFilteredTwice(dictionary) || HasHugeRows(dictionary)) {
+      throw EngineError(kErrorDamaged, "a cross-reference stream inflates to far more than the file can hold");
+    }
+  }
+}
+
+}  // namespace engine
