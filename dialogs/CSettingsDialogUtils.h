@@ -11,8 +11,10 @@ class CVorlaneDialog;
 /// What the settings dialogs of all actions do alike. All members are static and for the GUI thread.
 ///
 /// A settings dialog derives from CVorlaneDialog and has a form with a "main_widget", the members
-///   void SetPrefs(QMap<QString, QVariant>*);  // shows the settings of the map
-///   bool GetPrefs(QMap<QString, QVariant>*);  // writes what is entered into it, and "ActionName", the action's name
+///
+///     void SetPrefs(QMap<QString, QVariant>*);  // shows the settings of the map
+///     bool GetPrefs(QMap<QString, QVariant>*);  // writes what is entered into it, and "ActionName", the action's name
+///
 /// and the slots on_VDShowSaveDialog() and on_VDShowSaveCollectionDialog(). The rest is one call each:
 /// Complete at the end of its constructor, RememberGeometry in its destructor, AddToActionList and AddToFavorites in
 /// the slots. The action opens it by ShowSettingsDialog (plugin/ShowSettingsDialog.h).

@@ -71,10 +71,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetDocumentID(int index);
   /// 1 when the file was damaged and its cross-reference was rebuilt on loading, else 0.
   int GetDocumentRepaired();
-  /// An entry of the document information dictionary (ISO 32000-1, 14.3.3): key 1 author, 2 title, 3 subject, 4
-  /// keywords, 5 creator, 6 producer, 7 creation date, 8 modification date (as in the file). Of the free engine also
-  /// 1000 how a save would be written, 1001 why it would be written anew, 1002 the number of signatures, 1003 the
-  /// certification level.
+  /// An entry of the document information dictionary (ISO 32000-2, 14.3.3), or a fact about the document, by its
+  /// LibraryInformationKey; empty when there is none.
   std::wstring GetInformation(int key);
   /// The family names of the fonts on this machine that cover a character set, sorted, separated by "\r\n". Set 1
   /// Western, 2 every font, 3 Japanese, 4 Korean, 5 simplified and 6 traditional Chinese, 7 Hebrew, 8 Arabic, 9 Greek,
@@ -130,8 +128,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// Sets an entry of the document information dictionary by its name, an empty value removes it; 1, or 0 when it
   /// failed.
   int SetCustomInformation(const std::wstring& key, const std::wstring& value);
-  /// Sets an entry by the keys 1 to 8 of GetInformation(), an empty value removes it; 1, or 0 when it failed. The XMP
-  /// metadata is not changed with it.
+  /// Sets an entry of the document information dictionary by its LibraryInformationKey, an empty value removes it; 1,
+  /// or 0 when it failed. The XMP metadata is not changed with it.
   int SetInformation(int key, const std::wstring& value);
   /// @}
 

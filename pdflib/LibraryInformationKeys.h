@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 /// The keys of GetInformation() and SetInformation() as the engine of this project reads them. Append-only: a number
 /// keeps its meaning for good.
 ///

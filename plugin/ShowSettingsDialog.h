@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+/// @file
+
 #include <QPointer>
 
 #include "dialogs/CSettingsDialogUtils.h"
