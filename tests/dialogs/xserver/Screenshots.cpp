@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Screenshots FOLDER SUFFIX: opens the plug-in's windows one after the other and saves what the screen shows of each as
-// <window><suffix>.png. Run it through docs/pictures/make-screenshots.
+// Screenshots FOLDER SUFFIX EXAMPLE: opens the windows of the plug-in and of the example's, the file EXAMPLE, one after
+// the other and saves what the screen shows of each as <window><suffix>.png. Run it through
+// docs/pictures/make-screenshots.
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -22,6 +23,7 @@ struct Picture {
   const char* context;
   const char* toolbarButton;  // null: the settings dialog itself
   const char* nameField;
+  bool example = false;
 };
 
 constexpr Picture kPictures[] = {
@@ -30,6 +32,7 @@ constexpr Picture kPictures[] = {
     {"settings-standalone", "", nullptr, nullptr},
     {"add-to-action", "VorlaneClass", "VDtoolbarAddToActionListButton", "actionListNameLineEdit"},
     {"add-to-favorites", "VorlaneClass", "VDtoolbarAddToCollectionsButton", "collectionNameLineEdit"},
+    {"set-title", "", nullptr, nullptr, true},
 };
 
 // Waits for the window that the picture is of, opening it from the settings dialog if need be.
@@ -69,17 +72,18 @@ class Photographer : public QObject {
   bool saved_ = false;
 };
 
-int takeAll(const QString& folder, const QString& suffix) {
-  QPluginLoader loader(QStringLiteral(SETBASEURL_FILE));
-  auto* action = qobject_cast<CActionInterface*>(loader.instance());
-  if (!action) {
-    QTextStream(stderr) << loader.errorString() << '\n';
-    return 1;
-  }
+int takeAll(const QString& folder, const QString& suffix, const QString& example) {
   for (const Picture& picture : kPictures) {
+    QPluginLoader loader(picture.example ? example : QStringLiteral(SETBASEURL_FILE));
+    auto* action = qobject_cast<CActionInterface*>(loader.instance());
+    if (!action) {
+      QTextStream(stderr) << loader.errorString() << '\n';
+      return 1;
+    }
     QWidget window;
     window.setObjectName(QLatin1String(picture.context));
-    QMap<QString, QVariant> settings{{"baseUrlString", "https://www.example.org/manuals/"}};
+    QMap<QString, QVariant> settings{{"baseUrlString", "https://www.example.org/manuals/"},
+                                     {"titleString", "Spring tide"}};
     DialogLoadStruct info{};
     info.settings = &settings;
     const QString file = QDir(folder).filePath(QLatin1String(picture.file) + suffix + QStringLiteral(".png"));
@@ -99,9 +103,9 @@ int main(int argc, char** argv) {
   QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
   QApplication application(argc, argv);
   const QStringList arguments = QApplication::arguments();
-  if (arguments.size() != 3) {
-    QTextStream(stderr) << "usage: Screenshots FOLDER SUFFIX\n";
+  if (arguments.size() != 4) {
+    QTextStream(stderr) << "usage: Screenshots FOLDER SUFFIX EXAMPLE\n";
     return 2;
   }
-  return takeAll(arguments.at(1), arguments.at(2));
+  return takeAll(arguments.at(1), arguments.at(2), arguments.at(3));
 }
