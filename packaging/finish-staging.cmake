@@ -1,6 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 # CPack runs this once for each kind of package, between installing into the staging folder and packing it.
 set(source ${CPACK_VORLANE_SOURCE_DIR})
+if(CPACK_GENERATOR STREQUAL "DEB")
+  set(runtime ${CPACK_TEMPORARY_DIRECTORY}/runtime/usr)
+  set(dev ${CPACK_TEMPORARY_DIRECTORY}/dev/usr)
+else()
+  set(runtime ${CPACK_TEMPORARY_DIRECTORY})
+  set(dev ${runtime})
+endif()
+
 set(changelog ${CPACK_TOPLEVEL_DIRECTORY}/changelog)
 execute_process(COMMAND ${CPACK_VORLANE_PYTHON} ${source}/packaging/deb/make-changelog ${source}/CHANGELOG.md
   ${CPACK_PACKAGE_NAME} ${CPACK_PACKAGE_VERSION} ${CPACK_PACKAGE_CONTACT} ${changelog} COMMAND_ERROR_IS_FATAL ANY)
@@ -9,40 +17,42 @@ execute_process(COMMAND dpkg-parsechangelog --file ${changelog} --show-field Tim
   OUTPUT_VARIABLE timestamp OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 set(ENV{SOURCE_DATE_EPOCH} ${timestamp})
 
-if(CPACK_GENERATOR STREQUAL "TGZ")
-  file(COPY ${source}/packaging/archive/README ${source}/LICENSE DESTINATION ${CPACK_TEMPORARY_DIRECTORY})
-  return()
-endif()
-
-function(run)
-  execute_process(COMMAND ${ARGV} WORKING_DIRECTORY ${CPACK_TEMPORARY_DIRECTORY} COMMAND_ERROR_IS_FATAL ANY)
-endfunction()
-
 # Stripping at install leaves static libraries and the compiler's comments.
-file(GLOB binaries
-  ${CPACK_TEMPORARY_DIRECTORY}/runtime/usr/bin/*
-  ${CPACK_TEMPORARY_DIRECTORY}/runtime/usr/lib/vorlane/*.*
-  ${CPACK_TEMPORARY_DIRECTORY}/runtime/usr/lib/vorlane/Tools/*)
-file(GLOB archives ${CPACK_TEMPORARY_DIRECTORY}/dev/usr/lib/*.a)
-run(strip --strip-unneeded --remove-section=.comment ${binaries})
-run(strip --strip-debug --remove-section=.comment --enable-deterministic-archives ${archives})
+file(GLOB binaries ${runtime}/bin/* ${runtime}/lib/vorlane/*.* ${runtime}/lib/vorlane/Tools/*)
+file(GLOB archives ${dev}/lib/*.a)
+execute_process(COMMAND strip --strip-unneeded --remove-section=.comment ${binaries} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND strip --strip-debug --remove-section=.comment --enable-deterministic-archives ${archives}
+  COMMAND_ERROR_IS_FATAL ANY)
 
 # Not CPack's own call of dpkg-shlibdeps, with which come maintainer scripts that run ldconfig for the sake of libraries
 # below /usr/lib/vorlane, where ldconfig does not look.
-file(WRITE ${CPACK_TEMPORARY_DIRECTORY}/debian/control "Source: any\n\nPackage: any\nArchitecture: any\n")
-execute_process(COMMAND dpkg-shlibdeps -O ${binaries} WORKING_DIRECTORY ${CPACK_TEMPORARY_DIRECTORY}
+set(control ${CPACK_TOPLEVEL_DIRECTORY}/debian/control)
+file(WRITE ${control} "Source: any\n\nPackage: any\nArchitecture: any\n")
+execute_process(COMMAND dpkg-shlibdeps -O ${binaries} WORKING_DIRECTORY ${CPACK_TOPLEVEL_DIRECTORY}
   OUTPUT_VARIABLE depends OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_VARIABLE messages)
-file(REMOVE_RECURSE ${CPACK_TEMPORARY_DIRECTORY}/debian)
 if(NOT depends MATCHES "^shlibs:Depends=(.+)$")
   message(FATAL_ERROR "dpkg-shlibdeps found no dependencies:\n${depends}\n${messages}")
 endif()
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS ${CMAKE_MATCH_1})
 
+if(CPACK_GENERATOR STREQUAL "TGZ")
+  # Names only: neither versions nor alternatives.
+  string(REGEX REPLACE " [(|][^,]*" "" needed ${CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS})
+  string(REPLACE "," "" needed ${needed})
+  configure_file(${source}/packaging/archive/README.in ${CPACK_TEMPORARY_DIRECTORY}/README @ONLY)
+  file(COPY ${source}/LICENSE DESTINATION ${CPACK_TEMPORARY_DIRECTORY})
+  return()
+endif()
+
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
-  set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr/share)
+  set(share ${${component}}/share)
   file(COPY ${changelog} DESTINATION ${share}/doc/${package})
   file(GLOB compressed ${share}/man/man?/*.? ${share}/doc/${package}/changelog)
-  run(gzip -9n ${compressed})
+  execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
+# Where Debian's users look for examples.
+file(CREATE_LINK ../../vorlane/examples ${dev}/share/doc/${CPACK_DEBIAN_DEV_PACKAGE_NAME}/examples SYMBOLIC)
+configure_file(${source}/packaging/deb/dev.lintian-overrides
+  ${dev}/share/lintian/overrides/${CPACK_DEBIAN_DEV_PACKAGE_NAME} COPYONLY)
