@@ -19,6 +19,14 @@ QString SettingsKey(int index) {
   return QStringLiteral("ActionPrefs%1").arg(index);
 }
 
+// The number in the key of an action's name, or -1.
+int IndexOf(const QString& key) {
+  bool isNumber = false;
+  const QLatin1String prefix("ActionName");
+  const int index = key.startsWith(prefix) ? key.midRef(prefix.size()).toInt(&isNumber) : -1;
+  return isNumber ? index : -1;
+}
+
 // A map whose bytes are damaged reads as an empty one, with which an action would undo what it is to set.
 bool StoresEmptyMap(const QByteArray& content, int index) {
   return content.contains(SettingsKey(index).toLatin1() + R"(=@Variant(\0\0\0\b\0\0\0\0))");
@@ -51,6 +59,11 @@ ActionList ActionList::Read(const QString& file) {
     list.steps_.push_back({ini.value(NameKey(index)).toString(), settings.toMap()});
   }
   if (ini.status() != QSettings::NoError) throw fail(QStringLiteral("it is not an action list"));
+  // What the host does with a list that lacks one of its actions is not known; to leave out the rest would be worse.
+  const int count = static_cast<int>(list.steps_.size());
+  for (const QString& key : ini.allKeys()) {
+    if (IndexOf(key) > count) throw fail(QStringLiteral("its action %1 is missing").arg(count));
+  }
   if (list.steps_.empty()) throw fail(QStringLiteral("it holds no actions"));
   return list;
 }

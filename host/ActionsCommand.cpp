@@ -30,7 +30,10 @@ int ActionsCommand::Execute() {
                      action.GetActionHelp());
   }
   for (const QString& problem : catalog.Problems()) Console::Error(problem);
+  if (array.isEmpty() && catalog.Problems().isEmpty()) {
+    Console::Error(QStringLiteral("No plug-in is in %1.").arg(ToolsFolders().join(QStringLiteral(" or "))));
+  }
   const bool printed = IsSet("json") ? Console::Print(QJsonDocument(array).toJson()) : Console::Print(text);
-  if (!catalog.Problems().isEmpty()) return kExitNotLoaded;
+  if (array.isEmpty() || !catalog.Problems().isEmpty()) return kExitNotLoaded;
   return printed ? kExitDone : kExitSomeFailed;
 }

@@ -56,7 +56,7 @@ FileRecord DocumentProcessor::Process(const std::string& file, const std::string
 
 void DocumentProcessor::Load(FileRecord& record) {
   if (library_.LoadFromFile(NativeName::ToWide(record.file), options_.password) == 0) {
-    throw Failure{LibraryReason(library_.LastErrorCode())};
+    throw Failure{LoadingReason(library_.LastErrorCode(), record.file)};
   }
   document_ = library_.SelectedDocument();
   record.baseUrlBefore = library_.GetBaseURL();

@@ -44,7 +44,7 @@ std::unique_ptr<Library> OpenDocument(const std::wstring& libraryFile, const std
   if (library->LoadFromFile(NativeName::ToWide(file), password) == 0) {
     throw CommandError(kExitNotLoaded,
                        QStringLiteral("Cannot open '%1': %2")
-                           .arg(NativeName::ToText(file), QLatin1String(LibraryReason(library->LastErrorCode()))));
+                           .arg(NativeName::ToText(file), QLatin1String(LoadingReason(library->LastErrorCode(), file))));
   }
   return library;
 }

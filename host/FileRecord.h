@@ -19,6 +19,7 @@ struct FileRecord {
   std::string way;  // "unchanged", "incremental", "rewrite", "unknown", or empty when nothing was saved
   std::vector<std::string> warnings;
 
+  bool Unchanged() const { return way == "unchanged"; }
   // One JSON object without line breaks. File names are UTF-8; a byte that is none stands as the escape \udcXX.
   std::string ToJson() const;
 };

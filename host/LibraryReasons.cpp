@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/LibraryReasons.h"
 
+#include <sys/stat.h>
+
 #include "pdflib/LibraryErrorCodes.h"
 
 const char* LibraryReason(int errorCode) {
@@ -44,4 +46,13 @@ const char* LibraryReason(int errorCode) {
       break;
   }
   return "the PDF library failed";
+}
+
+const char* LoadingReason(int errorCode, const std::string& file) {
+  struct stat status = {};
+  if (errorCode == kErrorFileUnreadable && stat(file.c_str(), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) return "is a folder";
+    if (!S_ISREG(status.st_mode)) return "is no regular file";
+  }
+  return LibraryReason(errorCode);
 }

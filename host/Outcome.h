@@ -11,6 +11,7 @@
 struct Outcome {
   std::string_view file;
   FileRecord::Status status;
+  bool unchanged;
   std::string_view reason;
   std::string_view warnings;  // one a line
   std::string_view json;      // empty when there is no report

@@ -100,7 +100,7 @@ void RunReporter::Take(const FileRecord& record) {
   const std::string json = WantsRecords() ? record.ToJson() : std::string();
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
-  Take(Outcome{record.file, record.status, record.reason, warnings, json});
+  Take(Outcome{record.file, record.status, record.Unchanged(), record.reason, warnings, json});
 }
 
 void RunReporter::Take(const Outcome& outcome) {
@@ -108,6 +108,7 @@ void RunReporter::Take(const Outcome& outcome) {
   switch (outcome.status) {
     case FileRecord::Status::kDone:
       ++done_;
+      if (outcome.unchanged) ++unchanged_;
       break;
     case FileRecord::Status::kFailed:
       ++failed_;
@@ -169,6 +170,7 @@ bool RunReporter::Finish(bool interrupted) {
 void RunReporter::Summarize(bool interrupted) {
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
   std::string text = std::to_string(done_) + " done";
+  if (unchanged_ > 0) text += " (" + std::to_string(unchanged_) + " of them needed no change)";
   AppendCount(text, failed_, " failed");
   AppendCount(text, skipped_, " skipped");
   AppendCount(text, doneBefore_, " done before");

@@ -55,6 +55,7 @@ class RunReporter {
   bool quiet_;
   std::size_t total_ = 0;
   std::size_t done_ = 0;
+  std::size_t unchanged_ = 0;
   std::size_t failed_ = 0;
   std::size_t skipped_ = 0;
   std::size_t doneBefore_ = 0;

@@ -30,7 +30,7 @@ int ShowCommand::Execute() {
   for (const QString& argument : parser_.positionalArguments()) {
     const std::string file = NativeName::ToBytes(argument).toStdString();
     if (library.LoadFromFile(NativeName::ToWide(file), password) == 0) {
-      Console::ErrorAbout(file, LibraryReason(library.LastErrorCode()));
+      Console::ErrorAbout(file, LoadingReason(library.LastErrorCode(), file));
       code = kExitSomeFailed;
       continue;
     }

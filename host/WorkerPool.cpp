@@ -220,8 +220,8 @@ void WorkerPool::Receive(Member& member) {
       member.ready = true;
       continue;
     }
-    reporter_.Take(Outcome{member.outstanding.front().file, static_cast<FileRecord::Status>(fields[0][0]), fields[1],
-                           fields[2], fields[3]});
+    reporter_.Take(Outcome{member.outstanding.front().file, static_cast<FileRecord::Status>(fields[0][0]),
+                           fields[0][1] != 0, fields[1], fields[2], fields[3]});
     member.outstanding.pop_front();
     member.holdsSince = Clock::now();
     ++received_;

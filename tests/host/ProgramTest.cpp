@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -96,7 +97,9 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
             "\x7F"
             "ELF\n\n[[[");
   WriteList("unknown.xqq", "Unknown", {"Set Base URL", "No Such Action"});
-  WriteList("gap.xqq", "Gap", {});
+  WriteList("empty.xqq", "Empty", {});
+  WriteList("gap.xqq", "Gap", {"Set Base URL"});
+  QSettings("gap.xqq", QSettings::IniFormat).setValue("ActionName2", "Set Base URL");
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionName0", "Set Base URL");
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionPrefs0", "text");
   WriteFile("tornprefs.xqq",
@@ -109,7 +112,8 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
       {{"run", "--list", "./missing.xqq"}, "no such file"},
       {{"run", "--list", "No Such List"}, "no action list 'No Such List'"},
       {{"run", "--list", "./noise.xqq"}, "noise.xqq"},
-      {{"run", "--list", "./gap.xqq"}, "no actions"},
+      {{"run", "--list", "./empty.xqq"}, "no actions"},
+      {{"run", "--list", "./gap.xqq"}, "action 1 is missing"},
       {{"run", "--list", "./badprefs.xqq"}, "damaged"},
       {{"run", "--list", "./tornprefs.xqq"}, "damaged"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "tools"}, "broken.so"},
@@ -125,6 +129,10 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
   EXPECT_EQ(ReadFile("a.pdf"), MakePdf());
   EXPECT_EQ(RunProgram({"show", "--pdf-library", "nowhere", "a.pdf"}).code, 3);
   EXPECT_EQ(RunProgram({"actions", "--tools-dir", "tools"}).code, 3);
+  QDir().mkdir("notools");
+  const ProgramResult none = RunProgram({"actions", "--tools-dir", "notools"});
+  EXPECT_EQ(none.code, 3);
+  EXPECT_THAT(none.err.toStdString(), HasSubstr("No plug-in is in notools."));
 }
 
 TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
@@ -138,13 +146,15 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
   WriteFile("in/signed.pdf", BreakXref(MakeSignedPdf()));
   ASSERT_EQ(QProcess::execute("qpdf", {"--encrypt", "user", "owner", "256", "--", "in/good.pdf", "in/locked.pdf"}), 0);
   WriteFile("out/own.pdf", MakePdf());
-  const QStringList files{"in/good.pdf", "in/missing.pdf", "in/text.pdf",  "in/empty.pdf", "in/hopeless.pdf",
-                          "in",          "in/locked.pdf",  "in/taken.pdf", "out/own.pdf",  "in/signed.pdf"};
+  ASSERT_EQ(mkfifo("in/pipe.pdf", 0600), 0);
+  const QStringList files{"in/good.pdf",   "in/missing.pdf", "in/text.pdf", "in/empty.pdf",  "in/hopeless.pdf", "in",
+                          "in/locked.pdf", "in/taken.pdf",   "out/own.pdf", "in/signed.pdf", "in/pipe.pdf"};
   const std::pair<const char*, const char*> rows[] = {{"in/missing.pdf", "no such file"},
                                                       {"in/text.pdf", "not a PDF"},
                                                       {"in/empty.pdf", "not a PDF"},
                                                       {"in/hopeless.pdf", "damaged beyond repair"},
                                                       {"in", "is a folder"},
+                                                      {"in/pipe.pdf", "is no regular file"},
                                                       {"in/locked.pdf", "a password is needed"},
                                                       {"in/taken.pdf", "cannot write"},
                                                       {"out/own.pdf", "would overwrite an input"},
