@@ -410,6 +410,10 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
       SetInformation(changed, changes);
       trailer.replaceKey("/Info", qpdf_->makeIndirectObject(changed));
     }
+    // The writer would inflate metadata, whatever comes out of it.
+    for (QPDFObjectHandle& object : qpdf_->getAllObjects()) {
+      if (object.isStream()) object.setFilterOnWrite(false);
+    }
     OutputPipeline pipeline(output);
     QPDFWriter writer(*qpdf_);
     writer.setOutputPipeline(&pipeline);

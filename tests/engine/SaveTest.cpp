@@ -355,6 +355,7 @@ TEST_P(SampleTest, IsSavedWhenItCanBeOpened) {
     EXPECT_EQ(saved->baseUrl, Narrow(kUrl));
     EXPECT_EQ(saved->pageCount, reference->pageCount);
     EXPECT_TRUE(saved->Sound() || !reference->Sound());
+    EXPECT_LT(ReadFile("out.pdf").size(), 2 * ReadFile(GetParam().path).size() + 10000);
     if (reference->Sound()) {
       EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), ReadFile(GetParam().path)) ||
                   GetParam().name == "root-is-dictionary.pdf");

@@ -324,6 +324,9 @@ def defects():
     yield "index-odd", File().put(body()).xref_stream(index=b"[ 0 5 9 ]")
     yield "index-huge", File().put(body()).xref_stream(index=b"[ 0 4611686018427387904 ]")
     yield "index-overlaps", File().put(body()).xref_stream(index=b"[ 0 3 1 2 ]")
+    metadata = {4: stream_object(b"/Type /Metadata /Subtype /XML /Filter /FlateDecode", deflated_run(b"x" * (1 << 20), 99))}
+    yield "metadata-deflate-bomb-in-damaged-file", File().put(body(URI + b"/Metadata 4 0 R ")).put(metadata).table(
+        shift=3)
     yield "xref-stream-too-short", File().put(body()).xref_stream(data=zlib.compress(b"\2\1"), coding="flate")
     yield "xref-stream-not-deflated", File().put(body()).xref_stream(data=b"no deflate data")
     yield "xref-stream-length-wrong", File().put(body()).xref_stream(length=3)
