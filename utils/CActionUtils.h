@@ -200,7 +200,8 @@ class CActionUtils {
   /// Shows the name of the current section.
   static void SetCurrentSection(QString section);
 
-  /// The icon ":/Vorlane/Resources/Tools/<fileName>"; null when there is none of that name.
+  /// The icon ":/Vorlane/Resources/Tools/<fileName>"; it draws nothing, and is not null, when there is none of that
+  /// name.
   static QIcon GetIconForTool(QString fileName);
 
   /// Set by SetTargetLabels(): the line that names the current section, and the help page.

@@ -7,6 +7,7 @@
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
 #include "utils/FreshSettingsFile.h"
+#include "utils/SettingsValues.h"
 
 namespace {
 
@@ -30,13 +31,7 @@ void AppendAction(const QString& path, const QMap<QString, QVariant>& prefs) {
   if (list.status() != QSettings::NoError) return;
   int number = 0;
   while (list.contains(NameKey(number))) ++number;
-  list.setValue(NameKey(number), prefs.value(kActionName).toString());
-  list.setValue(PrefsKey(number), prefs);
-  list.sync();
-  if (list.status() == QSettings::NoError) return;
-  // Qt keeps what it could not write, and would write it with the next action.
-  list.remove(NameKey(number));
-  list.remove(PrefsKey(number));
+  WriteSettingsValues(list, {{NameKey(number), prefs.value(kActionName).toString()}, {PrefsKey(number), prefs}});
 }
 
 void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {

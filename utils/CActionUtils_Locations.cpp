@@ -4,6 +4,7 @@
 
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
+#include "utils/SettingsValues.h"
 
 namespace {
 
@@ -16,7 +17,8 @@ QString StorePath() {
 }  // namespace
 
 void CActionUtils::SaveLastVisitedLocation(QString key, QString location) {
-  QSettings(StorePath(), QSettings::IniFormat).setValue(key, location);
+  QSettings store(StorePath(), QSettings::IniFormat);
+  WriteSettingsValues(store, {{key, location}});
 }
 
 QString CActionUtils::GetLastVisitedLocation(QString key) {
@@ -30,7 +32,7 @@ void CActionUtils::SaveLastEnteredLink(QString key, QString link) {
   QStringList links = store.value(key).toStringList();
   links.prepend(link);
   links.removeDuplicates();
-  store.setValue(key, QStringList(links.mid(0, kMostLinks)));
+  WriteSettingsValues(store, {{key, QStringList(links.mid(0, kMostLinks))}});
 }
 
 QStringList CActionUtils::GetLastEnteredLinks(QString key) {

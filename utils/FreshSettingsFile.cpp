@@ -10,11 +10,9 @@
 
 namespace {
 
-bool WriteValues(const QString& path, const std::vector<std::pair<QString, QVariant>>& values) {
+bool WriteNewFile(const QString& path, const SettingsValues& values) {
   QSettings file(path, QSettings::IniFormat);
-  for (const auto& [key, value] : values) file.setValue(key, value);
-  file.sync();
-  return file.status() == QSettings::NoError;
+  return WriteSettingsValues(file, values);
 }
 
 // QSettings takes a file of the same size and time for the one it read before; two writes can share a millisecond.
@@ -26,13 +24,13 @@ void MakeNewerThan(const QString& path, const QDateTime& old) {
 
 }  // namespace
 
-bool WriteFreshSettingsFile(const QString& path, const std::vector<std::pair<QString, QVariant>>& values) {
+bool WriteFreshSettingsFile(const QString& path, const SettingsValues& values) {
   const QFileInfo old(path);
-  if (!old.exists()) return WriteValues(path, values);
+  if (!old.exists()) return WriteNewFile(path, values);
 
   const QString fresh =
       old.path() + QLatin1String("/.") + QUuid::createUuid().toString(QUuid::WithoutBraces) + QLatin1String(".tmp");
-  if (WriteValues(fresh, values)) {
+  if (WriteNewFile(fresh, values)) {
     MakeNewerThan(fresh, old.lastModified());
     if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()) == 0) return true;
   }

@@ -74,6 +74,14 @@ std::string BytesOf(const std::wstring& text) {
   return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
 }
 
+// The host makes wrappers with its own copy of the class: this is such a copy, written down independently.
+struct HostView {
+  void* handle;
+  std::int32_t instanceId;
+  std::uint8_t loadFailed;
+  void* functions[856];
+};
+
 // Walks the calls that one forwarded call must have caused, in order.
 class ExpectedCalls {
  public:
@@ -204,6 +212,13 @@ TEST(Wrapper, AnswersDefaultsAndTouchesNothingWhenNotReady) {
       Wrapper incomplete(Wide(path));
       EXPECT_FALSE(incomplete.LibraryLoaded());
       CheckAllDefaults(incomplete);
+      // All names have been tried, those after the missing one too.
+      HostView view;
+      std::memcpy(&view, static_cast<void*>(&incomplete), sizeof view);
+      EXPECT_NE(view.handle, nullptr);
+      EXPECT_EQ(view.instanceId, 0);
+      EXPECT_EQ(view.loadFailed, 1);
+      EXPECT_EQ(std::count(std::begin(view.functions), std::end(view.functions), nullptr), 1);
     }
     EXPECT_TRUE(fake.Take().empty());
   }
@@ -223,20 +238,33 @@ TEST(Wrapper, ReleasesTheInstanceOnlyWhenItsIdIsAboveZero) {
   }
 }
 
+TEST(Wrapper, KeepsTheLibraryToItselfAndClosesIt) {
+  for (const char* path : {FAKELIBRARY_FILE, FAKELIBRARYWITHOUTORDINARY_FILE}) {
+    {
+      const Wrapper wrapper(Wide(path));
+      EXPECT_EQ(dlsym(RTLD_DEFAULT, "HPLPageCount"), nullptr);
+    }
+    EXPECT_EQ(dlopen(path, RTLD_LAZY | RTLD_NOLOAD), nullptr) << path;
+  }
+}
+
+TEST(Wrapper, OnlyAMissingNameThatIsNotOptionalMarksItAsNotLoaded) {
+  const OpenFake fake(FAKELIBRARY_FILE);
+  Wrapper wrapper(Wide(FAKELIBRARY_FILE));
+  EXPECT_EQ(reinterpret_cast<void*>(wrapper.AttachFunction("HPLPageCount", false)), fake.Symbol("HPLPageCount"));
+  EXPECT_EQ(wrapper.AttachFunction("HPLAbsent", true), nullptr);
+  EXPECT_TRUE(wrapper.LibraryLoaded());
+  EXPECT_EQ(wrapper.AttachFunction("HPLAbsent", false), nullptr);
+  EXPECT_FALSE(wrapper.LibraryLoaded());
+}
+
 TEST(Wrapper, KeepsTheLowEightBitsOfTheFileName) {
   std::wstring mangled = Wide(FAKELIBRARY_FILE);
   for (wchar_t& unit : mangled) unit += 0x300;
   EXPECT_TRUE(Wrapper(mangled).LibraryLoaded());
 }
 
-// The host makes wrappers with its own copy of the class: this is such a copy, written down independently.
 TEST(Wrapper, LayoutIsWhatHostsRelyOn) {
-  struct HostView {
-    void* handle;
-    std::int32_t instanceId;
-    std::uint8_t loadFailed;
-    void* functions[856];
-  };
   std::vector<std::string> names = {"HPLCreateLibrary",         "HPLReleaseLibrary", "HPLCreateBuffer",
                                     "HPLAddToBuffer",           "HPLReleaseBuffer",  "HPLStringResultLength",
                                     "HPLAnsiStringResultLength"};

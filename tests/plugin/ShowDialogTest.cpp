@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
 #include <gtest/gtest.h>
-
 #include <unistd.h>
+
 #include <fstream>
 #include <QDir>
 #include <QLabel>
@@ -17,6 +18,7 @@
 #include "plugin/CActionInterface.h"
 #include "plugin/DialogLoadStruct.h"
 #include "tests/dialogs/MeetDialog.h"
+#include "tests/pdflib/FakeLibrary.h"
 #include "tests/support/Sandbox.h"
 #include "utils/CUtils.h"
 
@@ -99,20 +101,27 @@ TEST_F(ShowDialog, AnEmptyMapShowsAnEmptyFieldAndClearEmptiesIt) {
 }
 
 TEST_F(ShowDialog, StartsFromTheDocumentUnlessToldNotTo) {
-  // Not loaded: answers an empty base URL, which replaces the stored one.
-  HalvexPDFLibraryCPDylibCPP1311 document(L"/nonexistent");
+  HalvexPDFLibraryCPDylibCPP1311 document(QStringLiteral(FAKELIBRARY_FILE).toStdWString());
+  ASSERT_TRUE(document.LibraryLoaded());
+  void* const library = dlopen(FAKELIBRARY_FILE, RTLD_NOW);
+  FakeRecorder& recorder = *reinterpret_cast<decltype(&FakeLibraryRecorder)>(dlsym(library, "FakeLibraryRecorder"))();
   info_.document = &document;
-  for (const bool skip : {true, false}) {
-    info_.skipDocumentValue = skip;
-    settings_ = {{"baseUrlString", "stored"}};
-    const QString expected = skip ? "stored" : "";
-    EXPECT_EQ(show([&expected](QDialog& dialog) {
-                EXPECT_EQ(field(dialog).text(), expected);
-                dialog.reject();
-              }),
-              0);
-    EXPECT_EQ(settings_, Map({{"baseUrlString", expected}}));
+  const QString url = QString::fromUtf8("x\xf0\x9f\x98\x80\xc3\xa9");
+  for (const QString& answer : {url, QString()}) {  // an empty one replaces what is stored, too
+    recorder.wideResult = answer.toStdWString();
+    for (const bool skip : {true, false}) {
+      info_.skipDocumentValue = skip;
+      settings_ = {{"baseUrlString", "stored"}, {"other", 7}};
+      const QString expected = skip ? "stored" : answer;
+      EXPECT_EQ(show([&expected](QDialog& dialog) {
+                  EXPECT_EQ(field(dialog).text(), expected);
+                  dialog.reject();
+                }),
+                0);
+      EXPECT_EQ(settings_, Map({{"baseUrlString", expected}, {"other", 7}}));
+    }
   }
+  dlclose(library);
 }
 
 TEST_F(ShowDialog, HidesTheActionListButtonOnly) {

@@ -169,12 +169,21 @@ TEST_F(Locations, LinksAreNewestFirstOnceEachAndFiveAtMost) {
 
 TEST_F(Locations, LoseNothingWhenTheStoreCannotBeWritten) {
   CActionUtils::SaveLastEnteredLink("key", "kept");
+  CActionUtils::SaveLastVisitedLocation("old", "/kept");
+  CActionUtils::SaveLastVisitedLocation("new/below", "/kept too");
   const std::string before = ReadText(CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf");
   {
     const FullDisk full;
     CActionUtils::SaveLastEnteredLink("key", "lost");
-    CActionUtils::SaveLastVisitedLocation("place", "/lost");
+    CActionUtils::SaveLastVisitedLocation("old", "/lost");
+    CActionUtils::SaveLastVisitedLocation("new", "/lost");
   }
+  // Lost for readers of this process too, and for whatever is written next.
+  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("key"), QStringList("kept"));
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("old"), "/kept");
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("new/below"), "/kept too");
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("new"),
+            QStandardPaths::writableLocation(QStandardPaths::DesktopLocation));
   EXPECT_EQ(ReadText(CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf"), before);
   EXPECT_EQ(Tree(CUtils::GetSettingsFolder()), QStringList("LastVisitedLocations.vsf"));
 }
