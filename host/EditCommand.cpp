@@ -42,9 +42,9 @@ std::unique_ptr<Library> OpenDocument(const std::wstring& libraryFile, const std
                        QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
   }
   if (library->LoadFromFile(NativeName::ToWide(file), password) == 0) {
-    throw CommandError(kExitNotLoaded,
-                       QStringLiteral("Cannot open '%1': %2")
-                           .arg(NativeName::ToText(file), QLatin1String(LoadingReason(library->LastErrorCode(), file))));
+    throw CommandError(kExitNotLoaded, QStringLiteral("Cannot open '%1': %2")
+                                           .arg(NativeName::ToText(file),
+                                                QLatin1String(LoadingReason(library->LastErrorCode(), file))));
   }
   return library;
 }

@@ -170,7 +170,7 @@ bool RunReporter::Finish(bool interrupted) {
 void RunReporter::Summarize(bool interrupted) {
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
   std::string text = std::to_string(done_) + " done";
-  if (unchanged_ > 0) text += " (" + std::to_string(unchanged_) + " of them needed no change)";
+  AppendCount(text, unchanged_, " of them unchanged");
   AppendCount(text, failed_, " failed");
   AppendCount(text, skipped_, " skipped");
   AppendCount(text, doneBefore_, " done before");

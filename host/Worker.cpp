@@ -12,9 +12,9 @@ namespace {
 void AppendOutcome(std::string& message, const FileRecord& record, bool reported) {
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
-  const char status = static_cast<char>(record.status);
-  Frames::Append(message,
-                 {std::string_view(&status, 1), record.reason, warnings, reported ? record.ToJson() : std::string()});
+  const char facts[] = {static_cast<char>(record.status), record.Unchanged() ? '\1' : '\0'};
+  Frames::Append(message, {std::string_view(facts, sizeof facts), record.reason, warnings,
+                           reported ? record.ToJson() : std::string()});
 }
 
 }  // namespace

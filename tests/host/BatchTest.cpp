@@ -62,6 +62,18 @@ TEST(Batch, TheReportIsTheSameWhateverTheJobs) {
   EXPECT_FALSE(QFile::exists("out/refused.pdf"));
 }
 
+TEST(Batch, TheClosingLineCounts) {
+  const QStringList files = MakeFiles(12, {"throw"});
+  const QStringList run = ProbeRun({"--in-place"});
+  EXPECT_EQ(RunProgram(run + QStringList{"in/f001.pdf", "in/f007.pdf"}).code, 0);
+  for (const char* jobs : {"0", "2"}) {
+    const ProgramResult result = RunProgram(run + QStringList{"--jobs", jobs, "in/f001.pdf"} + files);
+    EXPECT_THAT(result.err.toStdString(),
+                HasSubstr(std::string("vorlane-run: 12 done, ") + (jobs[0] == '0' ? "2" : "12") +
+                          " of them unchanged, 1 failed, 1 skipped ("));
+  }
+}
+
 TEST(Batch, AWorkerThatDiesCostsTheFileItHeld) {
   const QStringList files = MakeFiles(60, {"abort", "exit", "abort2", "hang"});
   for (const char* jobs : {"1", "2"}) {
