@@ -101,7 +101,7 @@ void Command::RefuseArguments() const {
 
 void Command::AddToolsOption() {
   AddOption(QStringLiteral("tools-dir"),
-            QStringLiteral("Folder of the action plug-ins (default: the installed Tools folder, then ./Tools)."),
+            QStringLiteral("Folder of the action plug-ins (default: the installed Tools folders, then ./Tools)."),
             QStringLiteral("DIR"));
 }
 
@@ -113,7 +113,10 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
-  return {QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/vorlane/Tools"), CUtils::GetActionFolder()};
+  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
+  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools"),
+          CUtils::GetActionFolder()};
 }
 
 void Command::AddLibraryOption() {
