@@ -38,10 +38,12 @@ QString tool(const QString& name) {
   return argument(1) + "/lib/vorlane/Tools/" + name + ".so";
 }
 
-// A loaded action with the dialog it shows; actions stay loaded.
+// A loaded action with the dialog it shows; actions stay loaded. Their symbols are open to each other, the worst that a
+// host can do to them.
 struct Action {
   Action(const QString& pluginFile, const QString& dialog) : file(pluginFile), dialogName(dialog) {
     QPluginLoader loader(file);
+    loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::ExportExternalSymbolsHint);
     interface = qobject_cast<CActionInterface*>(loader.instance());
     EXPECT_NE(interface, nullptr) << loader.errorString().toStdString();
   }
@@ -63,6 +65,7 @@ struct Action {
 class TwoActions : public testing::Test {
  protected:
   void SetUp() override {
+    ASSERT_TRUE(baseUrl_.interface && title_.interface);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QDir().mkpath(CUtils::GetSequenceFolder());
   }
