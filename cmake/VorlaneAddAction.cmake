@@ -34,6 +34,10 @@ function(vorlane_add_action)
     set(exports_option "LINKER:--version-script=${exports}")
   endif()
   target_link_options(${arg_NAME} PRIVATE "${exports_option}")
+  # What is missing is told by the linker and not by the host that loads the plug-in. Clang's sanitizers are missing there.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT APPLE)
+    target_link_options(${arg_NAME} PRIVATE "LINKER:-z,defs")
+  endif()
   set_target_properties(${arg_NAME} PROPERTIES
     LINK_DEPENDS "${exports}" BUILD_RPATH "${origin}/.." INSTALL_RPATH "${origin}/..")
 
