@@ -238,10 +238,8 @@ std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_
       if (document->qpdf_ != nullptr) break;
     }
     if (document->qpdf_ != nullptr) {
-      document->Ask([&] {
-        if (origin == Origin::kOutside) GuardObjectStreams(*document->qpdf_, file->Size());
-        return document->qpdf_->getRoot();
-      });
+      if (origin == Origin::kOutside) document->Guard(file);
+      document->Ask([&] { return document->qpdf_->getRoot(); });
     }
   } catch (const EngineError& error) {
     if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
@@ -252,6 +250,18 @@ std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_
   }
   document->file_ = std::move(file);
   return document;
+}
+
+void QpdfDocument::Guard(const std::shared_ptr<const InputFile>& file) {
+  const bool repairedBefore = Repaired();
+  Ask([&] {
+    GuardObjectStreams(*qpdf_, file->Size());
+    return true;
+  });
+  if (Repaired() == repairedBefore) return;
+  // The guard came upon damage in a part that may never be asked for; a repair can also lose what is still sound.
+  qpdf_ = Translated([&] { return TryOpen(file, password_); });
+  repaired_ = false;
 }
 
 std::unique_ptr<QpdfDocument> QpdfDocument::New() {

@@ -43,6 +43,7 @@ class QpdfDocument : public BackendDocument {
   template <typename Body>
   auto Ask(Body&& body);
   void NoteWarnings();
+  void Guard(const std::shared_ptr<const InputFile>& file);
   std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved, const Changes& changes) const;
 
   std::shared_ptr<const InputFile> file_;  // null for a new document

@@ -20,9 +20,9 @@ constexpr std::uint64_t kSmallFile = 16 << 20;
 // some of an object stream.
 constexpr std::size_t kFreeBytes = 4 << 20;
 constexpr std::size_t kBytesPerFileByte = 8;
-constexpr std::size_t kLongestDictionary = 64 * 1024;
 constexpr unsigned long kMostColumns = 1 << 16;
 constexpr std::string_view kStream = "stream";
+constexpr std::string_view kEndOfObject = "endobj";
 
 // How many bytes come out of the deflate data at the start of `data`, as far as `limit`.
 std::size_t InflatedSize(std::string_view data, std::size_t limit) {
@@ -51,13 +51,14 @@ bool Contains(std::string_view text, std::string_view part) {
 std::string WithoutEscapes(std::string_view text) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::string digits(text.substr(i + 1 < text.size() ? i + 1 : i, 2));
-    if (text[i] == '#' && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
-      plain += static_cast<char>(std::stoi(digits, nullptr, 16));
-      i += 2;
-    } else {
-      plain += text[i];
-    }
+    plain += text[i];
+    if (text[i] != '#' || text.size() - i < 3) continue;
+    const char digits[] = {text[i + 1], text[i + 2], '\0'};
+    char* end = nullptr;
+    const unsigned long code = std::strtoul(digits, &end, 16);
+    if (end != digits + 2) continue;
+    plain.back() = static_cast<char>(code);
+    i += 2;
   }
   return plain;
 }
@@ -95,9 +96,11 @@ void GuardXrefStreams(const InputFile& file) {
   std::size_t previous = 0;
   for (std::size_t at = text.find(kStream); at != std::string_view::npos; at = text.find(kStream, previous)) {
     std::string_view before = text.substr(previous, at - previous);
-    if (before.size() > kLongestDictionary) before.remove_prefix(before.size() - kLongestDictionary);
+    const std::size_t objectBefore = before.rfind(kEndOfObject);
+    if (objectBefore != std::string_view::npos) before.remove_prefix(objectBefore);
     previous = at + kStream.size();
-    if (!Contains(before, "/X") && !Contains(before, "#")) continue;
+    const bool endsAnother = at >= 3 && text.substr(at - 3, 3) == "end";
+    if (endsAnother || (!Contains(before, "/X") && !Contains(before, "#"))) continue;
     const std::string dictionary = WithoutEscapes(before);
     if (!Contains(dictionary, "/XRef")) continue;
     const std::size_t data = text.find_first_not_of("\r\n", previous);
