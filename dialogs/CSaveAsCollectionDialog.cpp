@@ -44,9 +44,10 @@ void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
   settings->insert(QStringLiteral("CollectionName"), ui.collectionNameLineEdit->text());
   // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
-  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
+  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): told of the line where nothing refers to it any more.
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
   accept();
+  // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
 }
 
 void CSaveAsCollectionDialog::on_CollectionIcon() {

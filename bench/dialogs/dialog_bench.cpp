@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <QApplication>
 #include <QDialog>
+#include <QEvent>
 #include <QPluginLoader>
-#include <QTimer>
 
 #include "plugin/CActionInterface.h"
 #include "plugin/DialogLoadStruct.h"
@@ -23,12 +23,12 @@ class FirstPaint : public QObject {
   FirstPaint() { qApp->installEventFilter(this); }
   bool eventFilter(QObject* watched, QEvent* event) override {
     // An UpdateRequest paints and flushes the window: when the next event comes, it is on screen.
-    if (event->type() == QEvent::Paint && qobject_cast<QDialog*>(watched)) {
-      auto* dialog = static_cast<QDialog*>(watched);
-      QTimer::singleShot(0, dialog, [this, dialog] {
-        painted = Clock::now();
-        dialog->reject();
-      });
+    auto* const dialog = qobject_cast<QDialog*>(watched);
+    if (!dialog) return false;
+    if (event->type() == QEvent::Paint) QCoreApplication::postEvent(dialog, new QEvent(QEvent::User));
+    if (event->type() == QEvent::User) {
+      painted = Clock::now();
+      dialog->reject();
     }
     return false;
   }
