@@ -138,6 +138,10 @@ void SetInformation(QPDFObjectHandle information, const Changes& changes) {
   }
 }
 
+bool IsIdentifier(QPDFObjectHandle id) {
+  return id.isArray() && id.getArrayNItems() == 2 && id.getArrayItem(0).isString() && id.getArrayItem(1).isString();
+}
+
 // Gives a dictionary entry another value for a while.
 class ScopedEntry {
  public:
@@ -405,9 +409,13 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
     const ScopedEntry uri(catalog, "/URI");
     const ScopedEntry info(trailer, "/Info");
     const ScopedEntry size(trailer, "/Size");
+    const ScopedEntry oldId(trailer, "/ID");
     const ScopedEntry oldEncrypt(trailer, "/Encrypt");
-    // The parser does without /Size and the key's /Length, but the writer goes by them.
+    // The parser does without these entries and the key's /Length, but the writer goes by them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
+    if (!IsIdentifier(trailer.getKey("/ID"))) {
+      trailer.replaceKey("/ID", Encrypted() ? QPDFObjectHandle::parse("[()()]") : QPDFObjectHandle::newNull());
+    }
     if (Encrypted()) {
       QPDFObjectHandle encrypt = DictionaryCopy(trailer.getKey("/Encrypt"));
       const auto bits = static_cast<long long>(qpdf_->getEncryptionKey().size()) * 8;

@@ -303,6 +303,9 @@ def defects():
     yield "size-huge", File().put(body()).table(size=4611686018427387904)
     yield "size-too-small", File().put(body()).table(size=2)
     yield "size-missing", File().put(body()).table(trailer=b"/Root 1 0 R")
+    for name, identifier in (("numbers", b"[ 1 2 ]"), ("one-string", b"[ <00> ]"), ("name", b"/Name")):
+        yield "shifted-id-is-" + name, File().put(body()).table(
+            trailer=b"/Size 4 /Root 1 0 R /ID " + identifier, shift=3)
     yield "root-missing", File().put(body()).table(trailer=b"/Size 4")
     yield "root-is-dictionary", File().put(body()).table(trailer=b"/Size 4 /Root << /Type /Catalog /Pages 2 0 R >>")
     yield "root-number-huge", File().put(body()).table(root=b"4294967297 0 R")
