@@ -55,9 +55,11 @@ class History : public testing::Test {
 };
 
 TEST_F(History, StepsFromTheNewestAndBackFromBeyondEitherEnd) {
-  Save("A1", 1, 20);
+  // By time, not by name; files only; the prefix at the beginning only.
+  Save("A9", 1, 20);
   Save("A2", 2, 10);
-  Save("B", 3, 5);
+  Save("BA", 3, 5);
+  QDir().mkpath(CUtils::GetCollectionsFolder() + "/A folder");
   CActionHistoryAPI history("A");
   Save("A3", 4, 0);  // too late for this pass
   EXPECT_EQ(Load(history, 0), 0);

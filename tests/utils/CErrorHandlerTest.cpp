@@ -18,14 +18,14 @@ TEST(CErrorHandler, KeepsMessagesInOrderAndCopiesThemToTheSecondaryList) {
   errors.StoreError("A");
   QList<QString> copies;
   errors.mSecondaryErrors = &copies;
-  errors.StoreError("B");
+  errors.StoreError("B%%");
   EXPECT_EQ(errors.GetAt(0), "A");
-  EXPECT_EQ(errors.GetAt(1), "B");
-  EXPECT_EQ(errors.GetLast(), "B");
+  EXPECT_EQ(errors.GetAt(1), "B%");
+  EXPECT_EQ(errors.GetLast(), "B%");
   for (long outside : {2L, -1L, LONG_MIN, LONG_MAX, 1L << 32}) EXPECT_EQ(errors.GetAt(outside), "Unknown error");
   errors.ClearAll();
   EXPECT_EQ(errors.GetCount(), 0);
-  EXPECT_EQ(copies, QList<QString>{"B"});
+  EXPECT_EQ(copies, QList<QString>{"B%"});
 }
 
 TEST(CErrorHandler, StoresFinishedMessagesAndReadsNoArguments) {

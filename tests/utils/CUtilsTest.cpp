@@ -77,7 +77,7 @@ TEST(CUtils, SetupFoldersGoesOnAfterAFailedStep) {
 
 TEST(CUtils, NewTempFoldersAreNumberedFromZero) {
   const QString temp = Sandbox::Folder() + "/tmp/";
-  for (const QString expected : {"w", "w_0", "w_1"}) {
+  for (const QString expected : {"w", "w_0", "w_1", "w_2"}) {
     QString name = "w";
     EXPECT_EQ(CUtils::GetNewTempFolder(&name).path(), temp + expected);
     EXPECT_EQ(name, temp + expected);
@@ -139,6 +139,8 @@ TEST(CUtils, NewTempFileIsTheFirstFreeNumberAndNotCreated) {
   EXPECT_EQ(CUtils::GetNewTempFile(nullptr), temp + "_1.pdf");
   for (int n = 1; n <= 9999; ++n) WriteFile(temp + QString("x_%1.pdf").arg(n));
   EXPECT_TRUE(CUtils::GetNewTempFile(base).isEmpty());
+  QFile::remove(temp + "x_9999.pdf");
+  EXPECT_EQ(CUtils::GetNewTempFile(base), temp + "x_9999.pdf");
 }
 
 TEST(CUtils, OpenGLFlagsQualifyWithAGap) {

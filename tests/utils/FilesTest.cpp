@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cmath>
+#include <QCryptographicHash>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -59,6 +60,8 @@ TEST_F(FileSearch, FindsOddNamesAndDeepTrees) {
                            QString::fromUtf8("\xc3\xa9t\xc3\xa9 \xe6\x97\xa5\xf0\x9f\x98\x80.pdf")};
   Make(odd);
   EXPECT_EQ(Search({"pdf"}, true), odd);
+  Make({"back\\slash/x\\y.back"});
+  EXPECT_EQ(Search({"back"}, true), QStringList("back/slash/x/y.back"));
   QString deep;
   for (int i = 0; i < 1500; ++i) deep += "d/";
   Make({deep + "leaf.deep"});
@@ -194,6 +197,9 @@ TEST(SplitCommands, MapBothWays) {
     EXPECT_EQ(CActionUtils::SplitComGetCommandIndex(gCommandsList.at(number).toUpper()), number);
     EXPECT_EQ(CActionUtils::SplitComGetCommandString(number), gCommandsList.at(number));
   }
+  // Settings hold these words: none may ever change its spelling or its place.
+  EXPECT_EQ(QCryptographicHash::hash(gCommandsList.join('\n').toUtf8(), QCryptographicHash::Md5).toHex(),
+            "52ecd9bb41e247961620025aecf98d6d");
   const QList<QPair<QString, int>> known = {{"splitiftextispresent", 0},
                                             {"SkipHeader", 7},
                                             {"filterfilename", 21},
