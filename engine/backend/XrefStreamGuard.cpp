@@ -3,6 +3,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -10,6 +11,8 @@
 
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
+#include "engine/quick/PdfLexer.h"
+#include "engine/quick/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -22,7 +25,7 @@ constexpr std::size_t kFreeBytes = 4 << 20;
 constexpr std::size_t kBytesPerFileByte = 8;
 constexpr unsigned long kMostColumns = 1 << 16;
 constexpr std::string_view kStream = "stream";
-constexpr std::string_view kEndOfObject = "endobj";
+constexpr std::string_view kObject = "obj";
 
 // How many bytes come out of the deflate data at the start of `data`, as far as `limit`.
 std::size_t InflatedSize(std::string_view data, std::size_t limit) {
@@ -85,6 +88,29 @@ bool HasHugeRows(std::string_view dictionary) {
   return false;
 }
 
+struct Place {
+  std::size_t stream;  // where the keyword stands; npos when the object is no stream
+  std::size_t looked;  // bytes read for that
+};
+
+// For the object whose value starts here. Behind what cannot be read as a value the next keyword counts.
+Place FindStream(std::string_view object) {
+  PdfLexer lexer(object);
+  try {
+    lexer.ReadValue();
+    lexer.SkipSpace();
+    const std::size_t end = lexer.Position();
+    return {object.compare(end, kStream.size(), kStream) == 0 ? end : std::string_view::npos, end};
+  } catch (const PdfSyntaxError&) {
+    const std::size_t stream = object.find(kStream, lexer.Position());
+    return {stream, std::min(stream, object.size())};
+  }
+}
+
+[[noreturn]] void Refuse() {
+  throw EngineError(kErrorDamaged, "a cross-reference stream inflates to far more than the file can hold");
+}
+
 }  // namespace
 
 void GuardXrefStreams(const InputFile& file) {
@@ -92,23 +118,23 @@ void GuardXrefStreams(const InputFile& file) {
   const std::string bytes = file.ReadAt(0, static_cast<std::size_t>(file.Size()));
   const std::string_view text = bytes;
   const std::size_t limit = kFreeBytes + kBytesPerFileByte * bytes.size();
-  std::size_t total = 0;
-  std::size_t previous = 0;
-  for (std::size_t at = text.find(kStream); at != std::string_view::npos; at = text.find(kStream, previous)) {
-    std::string_view before = text.substr(previous, at - previous);
-    const std::size_t objectBefore = before.rfind(kEndOfObject);
-    if (objectBefore != std::string_view::npos) before.remove_prefix(objectBefore);
-    previous = at + kStream.size();
-    const bool endsAnother = at >= 3 && text.substr(at - 3, 3) == "end";
-    if (endsAnother || (!Contains(before, "/X") && !Contains(before, "#"))) continue;
+  std::size_t inflated = 0;
+  std::size_t looked = 0;
+  for (std::size_t at = text.find(kObject); at != std::string_view::npos; at = text.find(kObject, at + 1)) {
+    if (at >= 3 && text.substr(at - 3, 3) == "end") continue;
+    const std::string_view object = text.substr(at + kObject.size());
+    const auto [stream, read] = FindStream(object);
+    looked += read;
+    if (looked > limit) Refuse();  // objects inside objects inside objects
+    if (stream == std::string_view::npos) continue;
+    const std::string_view before = object.substr(0, stream);
+    if (!Contains(before, "/X") && !Contains(before, "#")) continue;
     const std::string dictionary = WithoutEscapes(before);
     if (!Contains(dictionary, "/XRef")) continue;
-    const std::size_t data = text.find_first_not_of("\r\n", previous);
-    if (data == std::string_view::npos) return;
-    total += InflatedSize(text.substr(data), limit);
-    if (total > limit || IsFilteredTwice(dictionary) || HasHugeRows(dictionary)) {
-      throw EngineError(kErrorDamaged, "a cross-reference stream inflates to far more than the file can hold");
-    }
+    const std::size_t data = object.find_first_not_of("\r\n", stream + kStream.size());
+    if (data == std::string_view::npos) continue;
+    inflated += InflatedSize(object.substr(data), limit);
+    if (inflated > limit || IsFilteredTwice(dictionary) || HasHugeRows(dictionary)) Refuse();
   }
 }
 

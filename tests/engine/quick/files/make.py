@@ -410,6 +410,9 @@ def bombs():
                                                  root=b"1999999990 0 R")
     yield "xref-name-escaped", File().put(body()).xref_stream(
         data=bomb, size=2000000000, index=b"[ 2 1999999998 ]", root=b"1999999990 0 R").out.replace(b"/XRef", b"/XR#65f")
+    for name, hidden in (("endobj", b"(endobj)"), ("stream", b"(stream)"), ("long", b"(" + b" " * 100000 + b")")):
+        yield "xref-behind-" + name, File().put(body()).xref_stream(
+            data=bomb, size=2000000000, index=b"[ 2 1999999998 ]", root=b"1999999990 0 R", extra=b" /Z " + hidden)
     rows = b" /DecodeParms << /Predictor %d /Columns 1000000000 >>"
     for predictor in (2, 12):
         yield "xref-rows-%d" % predictor, File().put(body()).xref_stream(coding="flate", extra=rows % predictor)
