@@ -110,8 +110,8 @@ void WorkerPool::Fork() {
 }
 
 void WorkerPool::Run(RunPlan& plan, std::size_t workers) {
-  wanted_ = workers;
-  for (std::size_t i = 0; i < workers; ++i) Fork();
+  wanted_ = std::max<std::size_t>(workers, 1);
+  for (std::size_t i = 0; i < wanted_; ++i) Fork();
   start_ = Clock::now();
   for (;;) {
     if (Interruption::Signal() != 0) Stop();
