@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "host/ActionList.h"
 #include "host/FileRecord.h"
 #include "plugin/CActionInterface.h"
 

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "host/ActionCatalog.h"
+#include "host/ActionList.h"
 #include "host/CommandError.h"
 #include "host/InputList.h"
 #include "host/Interruption.h"
