@@ -64,6 +64,7 @@ TEST_F(ShowDialog, OnlyAcceptingWritesTheMap) {
     std::function<void(QDialog&)> end;
     int result;
   };
+  const char kAfter[] = " any text, as it stands ";
   const Case cases[] = {
       {"OK", [](QDialog& d) { press(d, "okButton"); }, 1},
       {"Return in the field", [](QDialog& d) { QTest::keyClick(&field(d), Qt::Key_Return); }, 1},
@@ -75,14 +76,14 @@ TEST_F(ShowDialog, OnlyAcceptingWritesTheMap) {
   };
   for (const Case& c : cases) {
     settings_ = {{"baseUrlString", "before"}, {"other", 7}};
-    EXPECT_EQ(show([&c](QDialog& dialog) {
+    EXPECT_EQ(show([&](QDialog& dialog) {
                 EXPECT_EQ(field(dialog).text(), "before");
-                field(dialog).setText("after");
+                field(dialog).setText(kAfter);
                 c.end(dialog);
               }),
               c.result)
         << c.what;
-    Map expected{{"baseUrlString", c.result ? "after" : "before"}, {"other", 7}};
+    Map expected{{"baseUrlString", c.result ? kAfter : "before"}, {"other", 7}};
     if (c.result) expected["ActionName"] = "Set Base URL";
     EXPECT_EQ(settings_, expected) << c.what;
   }
