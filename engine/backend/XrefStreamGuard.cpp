@@ -91,6 +91,7 @@ bool HasHugeRows(std::string_view dictionary) {
 struct Place {
   std::size_t stream;  // where the keyword stands; npos when the object is no stream
   std::size_t looked;  // bytes read for that
+  bool sound;          // whether a readable value stands before it
 };
 
 // For the object whose value starts here. Behind what cannot be read as a value the next keyword counts.
@@ -100,10 +101,10 @@ Place FindStream(std::string_view object) {
     lexer.ReadValue();
     lexer.SkipSpace();
     const std::size_t end = lexer.Position();
-    return {object.compare(end, kStream.size(), kStream) == 0 ? end : std::string_view::npos, end};
+    return {object.compare(end, kStream.size(), kStream) == 0 ? end : std::string_view::npos, end, true};
   } catch (const PdfSyntaxError&) {
     const std::size_t stream = object.find(kStream, lexer.Position());
-    return {stream, std::min(stream, object.size())};
+    return {stream, std::min(stream, object.size()), false};
   }
 }
 
@@ -123,7 +124,7 @@ void GuardXrefStreams(const InputFile& file) {
   for (std::size_t at = text.find(kObject); at != std::string_view::npos; at = text.find(kObject, at + 1)) {
     if (at >= 3 && text.substr(at - 3, 3) == "end") continue;
     const std::string_view object = text.substr(at + kObject.size());
-    const auto [stream, read] = FindStream(object);
+    const auto [stream, read, sound] = FindStream(object);
     looked += read;
     if (looked > limit) Refuse();  // objects inside objects inside objects
     if (stream == std::string_view::npos) continue;
@@ -134,7 +135,8 @@ void GuardXrefStreams(const InputFile& file) {
     const std::size_t data = object.find_first_not_of("\r\n", stream + kStream.size());
     if (data == std::string_view::npos) continue;
     inflated += InflatedSize(object.substr(data), limit);
-    if (inflated > limit || IsFilteredTwice(dictionary) || HasHugeRows(dictionary)) Refuse();
+    // Of an unreadable value nobody knows which filters are the stream's.
+    if (inflated > limit || (sound && IsFilteredTwice(dictionary)) || HasHugeRows(dictionary)) Refuse();
   }
 }
 
