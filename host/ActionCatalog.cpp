@@ -21,6 +21,9 @@ CActionInterface& ActionCatalog::Get(const QString& actionName) {
   if (action != nullptr) return *action;
   QString message = QStringLiteral("Unknown action '%1': no plug-in in %2 has it.")
                         .arg(actionName, folders_.join(QStringLiteral(" or ")));
+  QStringList known;
+  for (const Entry& entry : entries_) known += QStringLiteral("'%1'").arg(entry.action->GetActionName());
+  if (!known.isEmpty()) message += QStringLiteral(" Known: %1.").arg(known.join(QStringLiteral(", ")));
   if (!problems_.isEmpty()) message += QStringLiteral(" Not loaded: ") + problems_.join(QStringLiteral("; "));
   throw CommandError(kExitNotLoaded, message);
 }

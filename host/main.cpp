@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <QApplication>
@@ -8,6 +9,30 @@
 #include "host/Console.h"
 #include "host/NativeName.h"
 #include "host/Program.h"
+
+namespace {
+
+QtMessageHandler usualHandler = nullptr;
+
+// Qt aborts when the display cannot be reached; the user's mistake gets the usual exit code instead. Why stands in the
+// warnings before.
+void RefuseDisplay(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type != QtFatalMsg) {
+    usualHandler(type, context, text);
+    return;
+  }
+  Console::Error(QStringLiteral("The display cannot be used."));
+  std::_Exit(kExitNotLoaded);
+}
+
+std::unique_ptr<QCoreApplication> ConnectToDisplay(int& argc, char** argv) {
+  usualHandler = qInstallMessageHandler(RefuseDisplay);
+  auto application = std::make_unique<QApplication>(argc, argv);
+  qInstallMessageHandler(nullptr);
+  return application;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
@@ -24,7 +49,7 @@ int main(int argc, char** argv) {
     std::unique_ptr<QCoreApplication> application;
     if (program.NeedsWindowSystem()) {
       program.PrepareWindowSystem();
-      application = std::make_unique<QApplication>(applicationArguments, argv);
+      application = ConnectToDisplay(applicationArguments, argv);
     } else {
       application = std::make_unique<QCoreApplication>(applicationArguments, argv);
     }

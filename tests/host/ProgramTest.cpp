@@ -108,6 +108,7 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
   WriteFile("tools/broken.so", "no library");
   const std::pair<QStringList, const char*> rows[] = {
       {{"run", "--action", "No Such Action"}, "Unknown action 'No Such Action'"},
+      {{"run", "--action", "set base url"}, "Known: 'Set Base URL'"},
       {{"run", "--list", "./unknown.xqq"}, "Unknown action 'No Such Action'"},
       {{"run", "--list", "./missing.xqq"}, "no such file"},
       {{"run", "--list", "No Such List"}, "no action list 'No Such List'"},
@@ -292,6 +293,17 @@ TEST(Program, ShowsActionsHelpVersionAndUrls) {
   QProcess closed;
   closed.start("bash", {"-c", "\"$0\" actions --json | true; exit ${PIPESTATUS[0]}", VORLANE_RUN_FILE});
   EXPECT_LE(FinishProgram(closed).code, 1);
+}
+
+TEST(Program, ADisplayThatCannotBeReachedIsCode3) {
+  for (const QString& setting : {QStringLiteral("QT_QPA_PLATFORM=unheard-of"), QStringLiteral("DISPLAY=:nowhere")}) {
+    QProcess edit;
+    edit.start("env", {"-u", "QT_QPA_PLATFORM", "-u", "WAYLAND_DISPLAY", "DISPLAY=:nowhere", setting, VORLANE_RUN_FILE,
+                       "edit", "--action", "Set Base URL"});
+    const ProgramResult result = FinishProgram(edit);
+    EXPECT_EQ(result.code, 3) << setting.toStdString();
+    EXPECT_THAT(result.err.toStdString(), HasSubstr("vorlane-run: The display cannot be used.\n"));
+  }
 }
 
 TEST(Program, EditHandsTheDialogWhatTheHostWould) {
