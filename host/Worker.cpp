@@ -12,9 +12,9 @@ namespace {
 void AppendOutcome(std::string& message, const FileRecord& record, bool reported) {
   std::string warnings;
   for (const std::string& warning : record.warnings) warnings += warning + '\n';
-  const char facts[] = {static_cast<char>(record.status), record.Unchanged() ? '\1' : '\0'};
-  Frames::Append(message, {std::string_view(facts, sizeof facts), record.reason, warnings,
-                           reported ? record.ToJson() : std::string()});
+  const OutcomeFacts facts{record.status, record.Unchanged(), record.microseconds};
+  Frames::Append(message, {std::string_view(reinterpret_cast<const char*>(&facts), sizeof facts), record.reason,
+                           warnings, reported ? record.ToJson() : std::string()});
 }
 
 }  // namespace

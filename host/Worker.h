@@ -16,6 +16,13 @@ struct WorkerSettings {
   bool reported;            // somebody reads the outcomes' JSON
 };
 
+// The fixed part of a worker's answer; the other fields are texts.
+struct OutcomeFacts {
+  FileRecord::Status status;
+  bool unchanged;
+  long long microseconds;
+};
+
 // A worker process's whole life: takes jobs from one pipe, answers each with an outcome on the other.
 // The first message tells whether the PDF library was loaded.
 namespace Worker {

@@ -25,10 +25,10 @@ namespace {
 constexpr std::chrono::microseconds kWaitingWork(5000);
 constexpr std::size_t kMostWaiting = 256;
 constexpr std::size_t kFirstWaiting = 4;
-// With more than this waiting at every worker, outcomes are collected in batches: to be woken for each one would take
-// the workers' time where all cores are theirs.
-constexpr std::size_t kPlentyWaiting = 60;
-constexpr std::chrono::microseconds kBatch(1000);
+// While every worker has work for longer than this, outcomes are collected in batches: to be woken for each one would
+// take the workers' time where all cores are theirs.
+constexpr std::chrono::microseconds kLeastBatch(100);
+constexpr std::chrono::microseconds kMostBatch(2000);
 constexpr int kPollMilliseconds = 500;
 
 std::string HowItEnded(int status) {
@@ -112,7 +112,6 @@ void WorkerPool::Fork() {
 void WorkerPool::Run(RunPlan& plan, std::size_t workers) {
   wanted_ = std::max<std::size_t>(workers, 1);
   for (std::size_t i = 0; i < wanted_; ++i) Fork();
-  start_ = Clock::now();
   for (;;) {
     if (Interruption::Signal() != 0) Stop();
     HandOut(plan);
@@ -144,12 +143,14 @@ void WorkerPool::HandOut(RunPlan& plan) {
   }
 }
 
+// What a file has cost a worker so far; never 0.
+WorkerPool::Clock::duration WorkerPool::PerFile() const {
+  if (received_ == 0) return kWaitingWork / kFirstWaiting;
+  return std::max<Clock::duration>(spent_ / received_, std::chrono::microseconds(1));
+}
+
 std::size_t WorkerPool::Depth(const RunPlan& plan) const {
-  std::size_t depth = kFirstWaiting;
-  if (received_ > 0) {
-    const auto perFile = std::max<Clock::duration>((Clock::now() - start_) * wanted_ / received_, Clock::duration(1));
-    depth = std::clamp<std::size_t>(static_cast<std::size_t>(kWaitingWork / perFile), 1, kMostWaiting);
-  }
+  const auto depth = std::clamp<std::size_t>(static_cast<std::size_t>(kWaitingWork / PerFile()), 1, kMostWaiting);
   const std::size_t fairShare = (plan.Remaining() + returned_.size()) / (2 * wanted_) + 1;
   return std::min(depth, fairShare);
 }
@@ -184,9 +185,10 @@ void WorkerPool::Send(Member& member) {
 }
 
 void WorkerPool::Wait() {
-  const bool plenty = std::all_of(members_.begin(), members_.end(),
-                                  [](const Member& member) { return member.outstanding.size() > kPlentyWaiting; });
-  if (plenty) std::this_thread::sleep_for(kBatch);
+  std::size_t least = kMostWaiting;
+  for (const Member& member : members_) least = std::min(least, member.outstanding.size());
+  const auto batch = std::min<Clock::duration>(PerFile() * least / 2, kMostBatch);
+  if (received_ > 0 && batch > kLeastBatch) std::this_thread::sleep_for(batch);
   std::vector<pollfd> polled;
   for (const Member& member : members_) {
     polled.push_back({member.outcomes, POLLIN, 0});
@@ -220,11 +222,14 @@ void WorkerPool::Receive(Member& member) {
       member.ready = true;
       continue;
     }
-    reporter_.Take(Outcome{member.outstanding.front().file, static_cast<FileRecord::Status>(fields[0][0]),
-                           fields[0][1] != 0, fields[1], fields[2], fields[3]});
+    OutcomeFacts facts;
+    std::memcpy(&facts, fields[0].data(), sizeof facts);
+    reporter_.Take(
+        Outcome{member.outstanding.front().file, facts.status, facts.unchanged, fields[1], fields[2], fields[3]});
     member.outstanding.pop_front();
     member.holdsSince = Clock::now();
     ++received_;
+    spent_ += std::chrono::microseconds(facts.microseconds);
   }
   if (!open) Bury(member);
 }

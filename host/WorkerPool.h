@@ -46,6 +46,7 @@ class WorkerPool {
   void Fork();
   void HandOut(RunPlan& plan);
   bool NextJob(RunPlan& plan, Job& job);
+  Clock::duration PerFile() const;
   std::size_t Depth(const RunPlan& plan) const;
   void Send(Member& member);
   void Wait();
@@ -63,5 +64,5 @@ class WorkerPool {
   std::size_t wanted_ = 0;
   std::deque<Job> returned_;
   std::size_t received_ = 0;
-  Clock::time_point start_;
+  Clock::duration spent_{};  // by workers, on what was received
 };
