@@ -170,6 +170,14 @@ std::string Document::SaveToBytes() {
   return written.output->TakeBytes();
 }
 
+// Where a repair found another catalog than the quick reader, the file shall hold the base URL that the document has
+// told.
+Changes Document::ChangesForFull() {
+  Changes changes = changes_;
+  if (quick_ && !changes.baseUrl && Full().BaseUrl() != quick_->baseUrl) changes.baseUrl = quick_->baseUrl;
+  return changes;
+}
+
 Document::Written Document::Write(const MakeOutput& make) {
   std::unique_ptr<OutputFile> output = make();
   const SavePlan::Way way = Plan().way;
@@ -185,14 +193,19 @@ Document::Written Document::Write(const MakeOutput& make) {
       if (Signatures().count > 0) throw EngineError(kErrorCannotAppend, "the signed document can only be rewritten");
       return Write(make);
     case SavePlan::Way::kRewrite:
-      Full().Rewrite(changes_, *output);
-      if (source_ != nullptr) source_->CheckUnchanged();
-      if (!Full().VerifyRewrite(output->ReadBack(), changes_)) {
-        throw EngineError(kErrorDamaged, "the rewritten document does not read back");
-      }
+      Rewrite(*output);
       break;
   }
   return {std::move(output), way};
+}
+
+void Document::Rewrite(OutputFile& output) {
+  const Changes changes = ChangesForFull();
+  Full().Rewrite(changes, output);
+  if (source_ != nullptr) source_->CheckUnchanged();
+  if (!Full().VerifyRewrite(output.ReadBack(), changes)) {
+    throw EngineError(kErrorDamaged, "the rewritten document does not read back");
+  }
 }
 
 bool Document::Append(OutputFile& output) {
@@ -201,9 +214,10 @@ bool Document::Append(OutputFile& output) {
     return true;
   }
   FileTail tail = *Tail();
-  const std::vector<ChangedObject> objects = Full().Update(changes_, tail);
+  const Changes changes = ChangesForFull();
+  const std::vector<ChangedObject> objects = Full().Update(changes, tail);
   AppendUpdate(*source_, tail, objects, output);
-  return Full().VerifyUpdate(output.ReadBack(), changes_, objects);
+  return Full().VerifyUpdate(output.ReadBack(), changes, objects);
 }
 
 }  // namespace engine

@@ -79,6 +79,8 @@ class Document {
   const std::optional<FileTail>& Tail();
   bool QuickSuffices() const { return quick_ && changes_.information.empty(); }
   Written Write(const MakeOutput& make);
+  Changes ChangesForFull();
+  void Rewrite(OutputFile& output);
   bool Append(OutputFile& output);
 
   std::string fileName_;

@@ -294,6 +294,29 @@ TEST_F(SaveTest, DamagedFilesAreRewritten) {
   EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
 }
 
+// The quick reader does not see the damage and reads the catalog that the cross-reference names; the repair takes the
+// last one of the file.
+TEST_F(SaveTest, ARepairThatFindsAnotherCatalogDoesNotChangeTheUrl) {
+  const std::string old = "1 0 obj\n<< /Type /Catalog /Pages 2 0 R /URI << /Base (http://old/) >> >>\nendobj\n";
+  PlainPdf pdf;
+  pdf.more = {"<< /Length " + std::to_string(old.size()) + " >>\nstream\n" + old + "endstream"};
+  std::string bytes = pdf.Bytes();
+  const std::size_t pageEntry = bytes.rfind("xref\n0 5\n", bytes.rfind("trailer")) + 9 + 3 * 20;
+  bytes[pageEntry + 17] = '?';
+  for (const wchar_t* const url : {L"", kUrl}) {
+    ASSERT_TRUE(Load("damaged.pdf", bytes));
+    EXPECT_EQ(library_.GetBaseURL(), L"");
+    ASSERT_EQ(library_.SetBaseURL(url), 1);
+    ASSERT_EQ(library_.SetInformation(2, L"title"), 1);
+    EXPECT_EQ(library_.GetDocumentRepaired(), 0);
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+    EXPECT_EQ(library_.GetInformation(1004), L"rewrite");
+    EXPECT_TRUE(Sound("out.pdf"));
+    ASSERT_EQ(library_.LoadFromFile(L"out.pdf", L""), 1);
+    EXPECT_EQ(library_.GetBaseURL(), url);
+  }
+}
+
 TEST_F(SaveTest, NewAndInMemoryDocuments) {
   ASSERT_EQ(library_.NewDocument(), 1);
   EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
