@@ -7,12 +7,12 @@
 
 #include "engine/api/Exports.h"
 #include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/LibraryInformationKeys.h"
 
 namespace {
 
 constexpr wchar_t kUrl[] = L"http://example.net/(\\)";
 constexpr wchar_t kTitle[] = L"\x20AC (title";
-enum Key { kTitleKey = 2, kPlannedWay = 1000, kWhyRewritten, kSignatures, kCertification, kLastWay };
 
 void Require(bool condition, const char* what) {
   if (condition) return;
@@ -44,10 +44,10 @@ class Library {
   }
   bool SetBaseUrl(const std::wstring& url) { return CheckOutcome(HPLSetBaseURL(id_, Buffer(url)) == 1); }
   bool SetTitle(const std::wstring& title) {
-    return CheckOutcome(HPLSetInformation(id_, kTitleKey, Buffer(title)) == 1);
+    return CheckOutcome(HPLSetInformation(id_, kInformationTitle, Buffer(title)) == 1);
   }
   std::wstring BaseUrl() { return Text(HPLGetBaseURL(id_)); }
-  std::wstring Information(Key key) { return Text(HPLGetInformation(id_, key)); }
+  std::wstring Information(int key) { return Text(HPLGetInformation(id_, key)); }
   bool Damaged() const { return HPLLastErrorCode(id_) == kErrorDamaged; }
   int Encrypted() const { return HPLEncryptionStatus(id_); }
   // What else a host may ask for; any answer or error, but no crash.
@@ -61,7 +61,7 @@ class Library {
     HPLIsLinearized(id_);
     HPLGetDocumentRepaired(id_);
     HPLCheckPassword(id_, Buffer(L"password"));
-    for (const Key key : {kWhyRewritten, kSignatures, kCertification}) Information(key);
+    for (const int key : {kInformationWhyRewrite, kInformationSignatures, kInformationCertification}) Information(key);
   }
 
  private:
@@ -88,12 +88,12 @@ class Library {
 };
 
 void CheckSaved(Library& library, const std::string& source, const wchar_t* title) {
-  const std::wstring planned = library.Information(kPlannedWay);
+  const std::wstring planned = library.Information(kInformationWayOfSaving);
   const int encrypted = library.Encrypted();
   const std::wstring url = library.BaseUrl();
   const std::string saved = library.Save();
   if (saved.empty()) return;
-  const std::wstring way = library.Information(kLastWay);
+  const std::wstring way = library.Information(kInformationLastWay);
   Require(way == planned || (planned == L"incremental" && way == L"rewrite"), "the document is saved as planned");
   if (way != L"rewrite") Require(saved.compare(0, source.size(), source) == 0, "the source is a prefix");
 
@@ -102,7 +102,7 @@ void CheckSaved(Library& library, const std::string& source, const wchar_t* titl
   const bool guarded = way == L"rewrite";
   if (!other.Load(saved)) return Require(guarded && other.Damaged(), "what was saved opens");
   Require(other.BaseUrl() == url, "the base URL is kept");
-  const bool kept = title == nullptr || other.Information(kTitleKey) == title;
+  const bool kept = title == nullptr || other.Information(kInformationTitle) == title;
   if (!kept) return Require(guarded && other.Damaged(), "the title is kept");
   Require((other.Encrypted() != 0) == (encrypted != 0), "the encryption is kept");
 }

@@ -24,7 +24,7 @@ std::optional<FileStatus> FileLookup::Get(const std::string& name, bool followLi
   } else if (descriptor_ < 0 && base > 0) {
     descriptor_ = open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   }
-  // A folder without the right to read it, or, with the slash at its end, the folder itself.
+  // The first name of a folder, one of a folder that may not be read, or, with a slash at its end, the folder itself.
   const bool whole = descriptor_ < 0 || base == name.size();
   struct stat status;
   if (fstatat(whole ? AT_FDCWD : descriptor_, name.c_str() + (whole ? 0 : base), &status,

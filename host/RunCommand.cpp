@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/RunCommand.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +12,7 @@
 #include "host/ActionCatalog.h"
 #include "host/ActionList.h"
 #include "host/CommandError.h"
+#include "host/FileLookup.h"
 #include "host/InputList.h"
 #include "host/Interruption.h"
 #include "host/MemoryLimit.h"
@@ -38,9 +38,8 @@ int Cores() {
 }
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
-  struct stat status;
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  return FileIdentity{status.st_dev, status.st_ino};
+  const std::optional<FileStatus> status = FileLookup().Get(path);
+  return status ? std::optional(status->identity) : std::nullopt;
 }
 
 // Once before and once after all documents, for each action.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/RunPlan.h"
 
-#include <sys/stat.h>
-
 #include <filesystem>
+
+#include "host/FileLookup.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ bool RunPlan::MakeParent(const std::string& output) {
 }
 
 bool RunPlan::OverwritesInput(const std::string& output) const {
-  struct stat status;
-  if (outputFolderWasEmpty_ || stat(output.c_str(), &status) != 0) return false;
-  return inputs_.Holds({status.st_dev, status.st_ino});
+  if (outputFolderWasEmpty_) return false;
+  const std::optional<FileStatus> status = FileLookup().Get(output);
+  return status && inputs_.Holds(status->identity);
 }

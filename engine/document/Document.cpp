@@ -145,8 +145,9 @@ SavePlan Document::Plan() {
   if (appendFailed_) return {Way::kRewrite, "an appended update was not readable"};
   if (QuickSuffices()) return {Way::kIncremental, ""};
   if (Full().Repaired()) return {Way::kRewrite, "cross-reference repaired"};
-  if (!Tail() || Tail()->root != Full().Root())
+  if (!Tail() || Tail()->root != Full().Root()) {
     return {Way::kRewrite, "no update can be appended to the last cross-reference section"};
+  }
   return {Way::kIncremental, ""};
 }
 
