@@ -7,7 +7,7 @@
 #include <set>
 
 #include "engine/base/EngineError.h"
-#include "engine/quick/PdfLexer.h"
+#include "engine/syntax/PdfLexer.h"
 
 namespace engine {
 

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "engine/quick/BaseUrl.h"
+#include "engine/syntax/LiteralString.h"
 
 namespace engine {
 

@@ -4,7 +4,7 @@
 #include <qpdf/QPDF.hh>
 #include <string>
 
-#include "engine/quick/ObjectId.h"
+#include "engine/syntax/ObjectId.h"
 
 namespace engine {
 

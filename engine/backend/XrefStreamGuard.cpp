@@ -11,8 +11,8 @@
 
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/PdfSyntaxError.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 

@@ -3,7 +3,8 @@
 
 #include <string_view>
 
-#include "engine/quick/RawDictionary.h"
+#include "engine/syntax/LiteralString.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 
@@ -31,30 +32,6 @@ std::string Without(std::string_view text, const RawDictionary& dictionary, std:
 }
 
 }  // namespace
-
-std::string LiteralString(const std::string& bytes) {
-  std::string text = "(";
-  for (const char c : bytes) {
-    switch (c) {
-      case '(':
-      case ')':
-      case '\\':
-        text += '\\';
-        text += c;
-        break;
-      case '\n':
-        text += "\\n";
-        break;
-      case '\r':
-        text += "\\r";
-        break;
-      default:
-        text += c;
-        break;
-    }
-  }
-  return text + ')';
-}
 
 std::string WithBaseUrl(const QuickDocument& document, const std::string& url) {
   const std::string_view catalog = document.catalog;

@@ -12,7 +12,4 @@ namespace engine {
 // else is in it.
 std::string WithBaseUrl(const QuickDocument& document, const std::string& url);
 
-// The bytes as a literal string object (ISO 32000-1, 7.3.4.2).
-std::string LiteralString(const std::string& bytes);
-
 }  // namespace engine

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/quick/ObjectId.h"
+#include "engine/syntax/ObjectId.h"
 
 namespace engine {
 

@@ -3,9 +3,9 @@
 
 #include <optional>
 
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/RawDictionary.h"
 #include "engine/quick/StreamDecoder.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

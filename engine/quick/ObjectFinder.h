@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "engine/quick/ObjectId.h"
 #include "engine/quick/PdfFileText.h"
 #include "engine/quick/XrefChain.h"
+#include "engine/syntax/ObjectId.h"
 
 namespace engine {
 

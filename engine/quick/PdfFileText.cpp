@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/quick/PdfFileText.h"
 
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/RawDictionary.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

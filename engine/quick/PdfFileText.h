@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "engine/base/InputFile.h"
-#include "engine/quick/ObjectId.h"
-#include "engine/quick/PdfSyntaxError.h"
+#include "engine/syntax/ObjectId.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 

@@ -8,10 +8,10 @@
 
 #include "engine/quick/ObjectFinder.h"
 #include "engine/quick/PdfFileText.h"
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/PdfSyntaxError.h"
-#include "engine/quick/RawDictionary.h"
 #include "engine/quick/XrefChain.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

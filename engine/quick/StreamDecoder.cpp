@@ -6,8 +6,8 @@
 #include <new>
 
 #include "engine/base/InputFile.h"
-#include "engine/quick/PdfSyntaxError.h"
-#include "engine/quick/RawDictionary.h"
+#include "engine/syntax/PdfSyntaxError.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

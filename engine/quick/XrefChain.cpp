@@ -4,7 +4,7 @@
 #include <set>
 #include <utility>
 
-#include "engine/quick/RawDictionary.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

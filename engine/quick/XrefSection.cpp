@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/RawDictionary.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "engine/quick/ObjectId.h"
+#include "engine/syntax/ObjectId.h"
 
 namespace engine {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "engine/quick/PdfLexer.h"
-#include "engine/quick/PdfSyntaxError.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 

@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QJsonArray>
 
-#include "host/NativeName.h"
+#include "host/base/NativeName.h"
 #include "tests/host/ProgramRun.h"
 
 using testing::HasSubstr;

@@ -9,14 +9,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "host/CommandError.h"
-#include "host/Console.h"
-#include "host/FileRecord.h"
-#include "host/Frames.h"
-#include "host/InputList.h"
-#include "host/NativeName.h"
-#include "host/OutputNames.h"
-#include "host/ResumedReport.h"
+#include "host/base/CommandError.h"
+#include "host/base/Console.h"
+#include "host/base/NativeName.h"
+#include "host/files/InputList.h"
+#include "host/files/OutputNames.h"
+#include "host/run/FileRecord.h"
+#include "host/run/Frames.h"
+#include "host/run/ResumedReport.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include "host/NativeName.h"
+#include "host/base/NativeName.h"
 
 void PrepareToRun() {
   NativeName::InstallAsLocale();

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "engine/quick/ObjectId.h"
+#include "engine/syntax/ObjectId.h"
 
 // What libqpdf reads in a file, to compare the quick reader with.
 struct FullParser {

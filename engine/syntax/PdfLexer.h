@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/syntax/ObjectId.h"
+
+namespace engine {
+
+// Reads PDF tokens and objects from a text (ISO 32000-1, 7.2 and 7.3) without building them: what is wanted is their
+// extent. Strict: whatever readers are known to take differently throws PdfSyntaxError. Needs no recursion.
+class PdfLexer {
+ public:
+  enum class Kind {
+    kInteger,
+    kReal,
+    kName,
+    kString,
+    kHexString,
+    kArray,
+    kDictionary,
+    kReference,
+    kTrue,
+    kFalse,
+    kNull
+  };
+  struct Value {
+    Kind kind = Kind::kNull;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+  };
+
+  explicit PdfLexer(std::string_view text, std::size_t position = 0) : text_(text), position_(position) {}
+
+  std::size_t Position() const { return position_; }
+  std::string_view Text(const Value& value) const { return text_.substr(value.begin, value.end - value.begin); }
+
+  // White space and comments.
+  void SkipSpace();
+  // Whether the text goes on with `word` and ends it there; moves behind it if so.
+  bool Accept(std::string_view word);
+  void Expect(std::string_view word);
+  // The next object, whole.
+  Value ReadValue();
+  // A number without sign.
+  std::uint64_t ReadUnsigned();
+  // "N G obj".
+  ObjectId ReadObjectHeader();
+  // "N G R" and nothing else.
+  static ObjectId ToReference(std::string_view text);
+  // Digits and nothing else.
+  static std::uint64_t ToUnsigned(std::string_view text);
+  // "[ 1 2 3 ]"
+  static std::vector<std::uint64_t> ToUnsignedArray(std::string_view text);
+  // The bytes of a literal or hexadecimal string object.
+  static std::string ToBytes(std::string_view text);
+
+  static bool IsSpace(char c);
+  static bool IsDelimiter(char c);
+
+ private:
+  char Peek() const;
+  bool AtEnd() const { return position_ >= text_.size(); }
+  Value ReadSimple();
+  void SkipLiteralString();
+  void SkipHexString();
+  void SkipContainer();
+  std::string_view ReadRegular();
+  bool AcceptReferenceTail();
+
+  std::string_view text_;
+  std::size_t position_;
+};
+
+}  // namespace engine

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/syntax/PdfLexer.h"
+
+namespace engine {
+
+// The entries of a dictionary object and where they stand in its text, which must outlive this object.
+class RawDictionary {
+ public:
+  struct Entry {
+    std::string_view key;  // with its slash
+    std::size_t keyBegin = 0;
+    PdfLexer::Value value;
+  };
+
+  // `text` starts with "<<"; what follows the dictionary is left alone. Throws PdfSyntaxError, for a key that stands
+  // twice or is written with "#" as well: readers differ there.
+  explicit RawDictionary(std::string_view text);
+
+  // Behind ">>".
+  std::size_t End() const { return end_; }
+  const std::vector<Entry>& Entries() const { return entries_; }
+  const Entry* Find(std::string_view key) const;
+  bool Has(std::string_view key) const { return Find(key) != nullptr; }
+  std::string_view Text(const Entry& entry) const {
+    return text_.substr(entry.value.begin, entry.value.end - entry.value.begin);
+  }
+  // The value of an entry that must be there.
+  std::string_view Text(std::string_view key) const;
+  std::uint64_t Unsigned(std::string_view key) const { return PdfLexer::ToUnsigned(Text(key)); }
+  ObjectId Reference(std::string_view key) const { return PdfLexer::ToReference(Text(key)); }
+
+ private:
+  std::string_view text_;
+  std::vector<Entry> entries_;
+  std::size_t end_ = 0;
+};
+
+}  // namespace engine

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/base/NativeName.h"
+
+#include <algorithm>
+#include <QTextCodec>
+
+namespace {
+
+constexpr char32_t kEscape = 0xDC00;
+
+bool IsContinuation(unsigned char byte) {
+  return (byte & 0xC0) == 0x80;
+}
+
+// Length of the well-formed UTF-8 sequence at the start of `bytes` and its code point; length 0 when there is none.
+int DecodeOne(std::string_view bytes, char32_t& codePoint) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  const unsigned char lead = at(0);
+  if (lead < 0x80) {
+    codePoint = lead;
+    return 1;
+  }
+  const int length = lead >= 0xC2 && lead < 0xE0   ? 2
+                     : lead >= 0xE0 && lead < 0xF0 ? 3
+                     : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                   : 0;
+  if (length == 0 || bytes.size() < static_cast<std::size_t>(length)) return 0;
+  codePoint = lead & (0x7Fu >> length);
+  for (int i = 1; i < length; ++i) {
+    if (!IsContinuation(at(static_cast<std::size_t>(i)))) return 0;
+    codePoint = (codePoint << 6) | (at(static_cast<std::size_t>(i)) & 0x3Fu);
+  }
+  const bool overlong = (length == 3 && codePoint < 0x800) || (length == 4 && codePoint < 0x10000);
+  const bool surrogate = codePoint >= 0xD800 && codePoint < 0xE000;
+  return overlong || surrogate || codePoint > 0x10FFFF ? 0 : length;
+}
+
+template <typename Sink>
+void Decode(std::string_view bytes, Sink sink) {
+  while (!bytes.empty()) {
+    char32_t codePoint = 0;
+    const int length = DecodeOne(bytes, codePoint);
+    if (length == 0) codePoint = kEscape + static_cast<unsigned char>(bytes[0]);
+    sink(codePoint);
+    bytes.remove_prefix(length == 0 ? 1 : static_cast<std::size_t>(length));
+  }
+}
+
+// Most names are ASCII and nothing else.
+std::size_t PlainPrefix(std::string_view bytes) {
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  return static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), isPlain) - bytes.begin());
+}
+
+bool IsEscape(QChar unit) {
+  return unit.unicode() >= kEscape + 0x80 && unit.unicode() <= kEscape + 0xFF;
+}
+
+class NativeCodec : public QTextCodec {
+ public:
+  QByteArray name() const override { return "vorlane-native"; }
+  int mibEnum() const override { return -1968; }
+
+ protected:
+  QString convertToUnicode(const char* text, int length, ConverterState*) const override {
+    return NativeName::ToText(std::string_view(text, static_cast<std::size_t>(length)));
+  }
+  QByteArray convertFromUnicode(const QChar* text, int length, ConverterState*) const override {
+    return NativeName::ToBytes(QString::fromRawData(text, length));
+  }
+};
+
+}  // namespace
+
+QString NativeName::ToText(std::string_view bytes) {
+  const std::size_t plain = PlainPrefix(bytes);
+  QString text = QString::fromLatin1(bytes.data(), static_cast<int>(plain));
+  Decode(bytes.substr(plain), [&](char32_t codePoint) {
+    if (codePoint < 0x10000) {
+      text.append(QChar(static_cast<ushort>(codePoint)));
+    } else {
+      text.append(QChar(QChar::highSurrogate(codePoint))).append(QChar(QChar::lowSurrogate(codePoint)));
+    }
+  });
+  return text;
+}
+
+QByteArray NativeName::ToBytes(const QString& text) {
+  if (std::none_of(text.begin(), text.end(), IsEscape)) return text.toUtf8();
+  QByteArray bytes;
+  bytes.reserve(text.size());
+  int from = 0;
+  for (int i = 0; i < text.size(); ++i) {
+    const QChar unit = text[i];
+    if (unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+      ++i;
+      continue;
+    }
+    if (!IsEscape(unit)) continue;
+    bytes += text.midRef(from, i - from).toUtf8();
+    bytes += static_cast<char>(unit.unicode() - kEscape);
+    from = i + 1;
+  }
+  return bytes + text.midRef(from).toUtf8();
+}
+
+std::wstring NativeName::ToWide(std::string_view bytes) {
+  std::wstring wide;
+  wide.reserve(bytes.size());
+  Decode(bytes, [&](char32_t codePoint) { wide.push_back(static_cast<wchar_t>(codePoint)); });
+  return wide;
+}
+
+std::wstring NativeName::ToUnitPerByte(std::string_view bytes) {
+  std::wstring wide;
+  wide.reserve(bytes.size());
+  for (const char byte : bytes) wide.push_back(static_cast<unsigned char>(byte));
+  return wide;
+}
+
+void NativeName::InstallAsLocale() {
+  // Qt owns and deletes every codec.
+  static QTextCodec* const codec = new NativeCodec;
+  QTextCodec::setCodecForLocale(codec);
+}

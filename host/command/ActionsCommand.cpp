@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/command/ActionsCommand.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "host/actions/ActionCatalog.h"
+#include "host/base/Console.h"
+#include "host/base/ExitCode.h"
+
+ActionsCommand::ActionsCommand()
+    : Command(QStringLiteral("actions"), QStringLiteral("Lists the actions: name, group, flags and help page.")) {
+  AddToolsOption();
+  AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON array."));
+}
+
+int ActionsCommand::Execute() {
+  ActionCatalog catalog(ToolsFolders());
+  QJsonArray array;
+  QString text;
+  for (const ActionCatalog::Entry& entry : catalog.All()) {
+    CActionInterface& action = *entry.action;
+    array += QJsonObject{
+        {QStringLiteral("name"), action.GetActionName()}, {QStringLiteral("displayName"), action.GetDisplayName()},
+        {QStringLiteral("group"), action.GetGroupName()}, {QStringLiteral("flags"), action.GetActionFlags()},
+        {QStringLiteral("help"), action.GetActionHelp()}, {QStringLiteral("file"), entry.file}};
+    text += QStringLiteral("%1\t%2\t%3\t%4\n")
+                .arg(action.GetActionName(), action.GetGroupName(), QString::number(action.GetActionFlags()),
+                     action.GetActionHelp());
+  }
+  for (const QString& problem : catalog.Problems()) Console::Error(problem);
+  if (array.isEmpty() && catalog.Problems().isEmpty()) {
+    Console::Error(QStringLiteral("No plug-in is in %1.").arg(ToolsFolders().join(QStringLiteral(" or "))));
+  }
+  const bool printed = IsSet("json") ? Console::Print(QJsonDocument(array).toJson()) : Console::Print(text);
+  if (array.isEmpty() || !catalog.Problems().isEmpty()) return kExitNotLoaded;
+  return printed ? kExitDone : kExitSomeFailed;
+}
