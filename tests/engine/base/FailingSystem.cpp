@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/file.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -68,15 +67,8 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
   return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
 }
 
-int flock(int file, int operation) noexcept {
-  if (failing.locks && (operation & LOCK_EX) != 0) return Fail(EWOULDBLOCK);
-  return static_cast<int>(syscall(SYS_flock, file, operation));
-}
-
-// Waiting for a lock that never comes takes no time.
 int usleep(useconds_t microseconds) {
-  if (failing.locks) return 0;
-  return poll(nullptr, 0, static_cast<int>(microseconds / 1000));
+  return failing.waiting ? 0 : poll(nullptr, 0, static_cast<int>(microseconds / 1000));
 }
 
 }  // extern "C"

@@ -10,7 +10,7 @@
 struct Failing {
   bool unnamedFiles = false;                          // O_TMPFILE
   bool holes = false;                                 // SEEK_DATA and SEEK_HOLE
-  bool locks = false;                                 // flock: always held by another program
+  bool waiting = false;                               // usleep: waiting takes no time
   int copy = 0;                                       // the error of copy_file_range
   int copiesBefore = 0;                               // calls of it that copy a part before the error
   bool copiesLie = false;                             // copy_file_range copies nothing and reports success

@@ -332,19 +332,39 @@ TEST_P(OutputFileTest, AnotherProgramsSaveStays) {
   EXPECT_EQ(FilesIn("out"), 0u);
 }
 
-TEST_P(OutputFileTest, SavesWithoutExchangeButNotWithoutTheLock) {
-  const std::pair<int, bool> cases[] = {{0, false}, {EINVAL, false}, {ENOSYS, false}, {0, true}};
-  for (const auto& [exchange, locked] : cases) {
+// A second save of this library, at a moment when the first one holds the locks.
+TEST_P(OutputFileTest, SavesWaitForOneAnother) {
+  const struct {
+    const char* name;
+    int exchange;
+    bool savedBefore;  // by another program, so that the first save is taken back
+    int code;
+    const char* stays;
+  } cases[] = {
+      {"exchange", 0, false, kErrorNone, "old+"},
+      {"no exchange", EINVAL, false, kErrorNone, "old+"},
+      {"taken back", 0, true, kErrorSourceChanged, "theirs"},
+  };
+  for (const auto& c : cases) {
     WriteFile("out/a", "old");
-    const auto source = InputFile::Open("out/a");
-    OutputFile output("out/a");
-    output.CopyFrom(*source);
-    output.Write("+");
-    failing.exchange = exchange;
-    failing.locks = locked;
-    EXPECT_EQ(CodeOf([&] { output.Commit(); }), locked ? kErrorCannotWrite : kErrorNone);
-    EXPECT_EQ(ReadFile("out/a"), locked ? "old" : "old+");
-    EXPECT_EQ(output.Replaced(source->GetIdentity().device, source->GetIdentity().inode), !locked);
+    int second = kErrorNone;
+    const auto save = [](const char* more) {
+      const auto source = InputFile::Open("out/a");
+      OutputFile output("out/a");
+      output.CopyFrom(*source);
+      output.Write(more);
+      output.Commit();
+    };
+    failing.waiting = true;
+    failing.exchange = c.exchange;
+    if (c.savedBefore) {
+      failing.beforeExchange.emplace_back([] { WriteFile("theirs", "theirs"), fs::rename("theirs", "out/a"); });
+    }
+    failing.beforeExchange.emplace_back([&] { second = CodeOf([&] { save("-"); }); });
+    EXPECT_EQ(CodeOf([&] { save("+"); }), c.code) << c.name;
+    EXPECT_EQ(second, kErrorCannotWrite) << c.name;
+    EXPECT_EQ(ReadFile("out/a"), c.stays) << c.name;
+    EXPECT_EQ(FilesIn("out"), 1u);
   }
 }
 
