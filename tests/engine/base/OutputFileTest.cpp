@@ -130,10 +130,7 @@ TEST_P(OutputFileTest, NewFileAppearsAtCommitOnly) {
 
 TEST_P(OutputFileTest, WithoutCommitNothingChanges) {
   WriteFile("out/a.pdf", "old");
-  for (const char* path : {"out/a.pdf", "out/b.pdf"}) {
-    OutputFile output(path);
-    output.Write(std::string(1000000, 'x'));
-  }
+  for (const char* path : {"out/a.pdf", "out/b.pdf"}) OutputFile(path).Write(std::string(1000000, 'x'));
   EXPECT_EQ(ReadFile("out/a.pdf"), "old");
   EXPECT_EQ(FilesIn("out"), 1u);
 }
@@ -406,25 +403,39 @@ TEST_P(OutputFileTest, KeepsTheGroupOrLeavesTheFile) {
 
 TEST_P(OutputFileTest, KeepsHoles) {
   constexpr std::uint64_t kSize = 10'000'000'000;
-  WriteFile("sparse", "head");
-  fs::resize_file("sparse", kSize);
-  const int descriptor = open("sparse", O_WRONLY);
-  ASSERT_EQ(pwrite(descriptor, "middle", 6, 5'000'000'000), 6);
-  close(descriptor);
-  const auto source = InputFile::Open("sparse");
-  if (!source->Sparse()) GTEST_SKIP() << "a file system without holes";
-  {
+  for (const int copyError : {0, EXDEV}) {
+    WriteFile("sparse", "head");
+    fs::resize_file("sparse", kSize);
+    const auto source = InputFile::Open("sparse");
+    if (!source->Sparse()) GTEST_SKIP() << "a file system without holes";
+    failing.copy = copyError;
     OutputFile output("out/copy");
     output.CopyFrom(*source);
-    EXPECT_EQ(output.Size(), kSize);
+    output.Write("end");
+    output.Commit();
+    const auto copy = InputFile::Open("out/copy");
+    EXPECT_EQ(copy->Size(), kSize + 3);
+    EXPECT_EQ(copy->ReadAt(0, 5), std::string("head\0", 5));
+    EXPECT_EQ(copy->ReadAt(kSize - 1, 9), std::string("\0end", 4));
+    EXPECT_LT(Status("out/copy").st_blocks, 10000);
+  }
+}
+
+// A process that ends when nothing but the new name is missing.
+TEST_P(OutputFileTest, AnEndedProcessLeavesTheOldFile) {
+  WriteFile("out/a", "old");
+  if (fork() == 0) {
+    const auto source = InputFile::Open("out/a");
+    OutputFile output("out/a");
+    output.CopyFrom(*source);
+    failing.beforeExchange = {[] { _exit(0); }};
     output.Commit();
   }
-  const auto copy = InputFile::Open("out/copy");
-  EXPECT_EQ(copy->Size(), kSize);
-  EXPECT_TRUE(copy->Sparse());
-  EXPECT_EQ(copy->ReadAt(0, 5), std::string("head\0", 5));
-  EXPECT_EQ(copy->ReadAt(5'000'000'000, 6), "middle");
-  EXPECT_LT(Status("out/copy").st_blocks, 10000);
+  int status = 1;
+  wait(&status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(ReadFile("out/a"), "old");
+  EXPECT_LE(FilesIn("out"), 2u);
 }
 
 TEST_P(OutputFileTest, NoticesThatTheSourceChanged) {
