@@ -355,7 +355,8 @@ std::string QpdfDocument::EncryptStrings(ObjectId id, const std::string& text) {
 }
 
 QPDFObjectHandle QpdfDocument::Parse(const std::string& text) {
-  return QPDFObjectHandle::parse(qpdf_.get(), text);
+  // By itself a reference would be read as a number.
+  return QPDFObjectHandle::parse(qpdf_.get(), '[' + text + "\n]").getArrayItem(0);
 }
 
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved) const {
