@@ -24,6 +24,7 @@ CSaveAsCollectionDialog::CSaveAsCollectionDialog(QWidget* parent, Qt::WindowFlag
   ui.horizontalSpacer->changeSize(0, 20, QSizePolicy::Expanding, QSizePolicy::Minimum);
   VDaddMainWidget(ui.main_widget, true);
   if (height() < kMinimumHeight) setFixedHeight(kMinimumHeight);
+  ui.collectionNameLineEdit->setFocus();
 }
 
 CSaveAsCollectionDialog::~CSaveAsCollectionDialog() = default;

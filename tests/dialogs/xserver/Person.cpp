@@ -76,14 +76,6 @@ void Person::AwaitDialog(const char* objectName) {
   if (!until(ready)) giveUp(std::string("dialog ") + objectName);
 }
 
-void Person::AwaitNo(const char* objectName) {
-  const auto gone = [objectName] {
-    const QDialog* dialog = currentDialog();
-    return !dialog || dialog->objectName() != QLatin1String(objectName);
-  };
-  if (!until(gone)) giveUp(std::string("the end of ") + objectName);
-}
-
 void Person::Await(const char* what, const std::function<bool(QDialog&)>& condition) {
   const auto holds = [&condition] {
     QDialog* dialog = currentDialog();
@@ -148,20 +140,15 @@ void Person::Drag(QPoint from, QPoint to) {
   awaitButton("the release", Qt::NoButton);
 }
 
-QPoint Person::PlaceOf(const char* objectName) {
+void Person::Click(const char* objectName) {
   QPoint place;
   Await(objectName, [&](QDialog& dialog) {
     const auto* widget = dialog.findChild<QWidget*>(QLatin1String(objectName));
-    // Towards the left, where a wide radio button has its text.
-    if (widget) place = widget->mapToGlobal(QPoint(qMin(12, widget->width() / 2), widget->height() / 2));
+    if (widget) place = widget->mapToGlobal(widget->rect().center());
     return widget && widget->isVisible();
   });
-  return place;
-}
-
-void Person::Click(const char* objectName, int times) {
-  PointTo(PlaceOf(objectName));
-  Do({"click", "--repeat", QString::number(times), "--delay", "20", "1"});
+  PointTo(place);
+  Do({"click", "1"});
 }
 
 void Person::Press(const QStringList& keys) {

@@ -18,8 +18,6 @@ class Person {
   void AwaitDialog(const char* objectName);
   // Waits until the condition, asked in the GUI thread with the current modal dialog, holds.
   void Await(const char* what, const std::function<bool(QDialog&)>& condition);
-  // Waits until there is no modal dialog of that name.
-  void AwaitNo(const char* objectName);
   // Waits until the window's outer frame is there, for the X server as for the program.
   void AwaitFrame(const char* what, const QRect& frame);
   // Asks the GUI thread once.
@@ -28,11 +26,10 @@ class Person {
   void PointTo(QPoint global);
   // Each step is a pointer motion of its own.
   void Drag(QPoint from, QPoint to);
-  void Click(const char* objectName, int times = 1);
+  void Click(const char* objectName);
   void Press(const QStringList& keys);
   void Type(const QString& text);
 
  private:
   void Do(const QStringList& arguments);
-  QPoint PlaceOf(const char* objectName);
 };
