@@ -46,10 +46,6 @@ class ShowDialog : public testing::Test {
   }
   static void press(QDialog& dialog, const char* button) { Child<QAbstractButton>(dialog, button).click(); }
   static QLineEdit& field(QDialog& dialog) { return Child<QLineEdit>(dialog, "lineEdit"); }
-  static QVariant rememberedGeometry() {
-    const QSettings file(CUtils::GetSettingsFolder() + "/VorlaneViewerSettings.vsf", QSettings::IniFormat);
-    return file.value("SetBaseURLPrefsDialoggeometry");
-  }
 
   QPluginLoader loader_;
   CActionInterface* action_ = nullptr;
@@ -94,7 +90,6 @@ TEST_F(ShowDialog, AnEmptyMapShowsAnEmptyFieldAndClearEmptiesIt) {
               EXPECT_EQ(field(dialog).text(), "");
               field(dialog).setText("x");
               press(dialog, "clearButton");
-              EXPECT_TRUE(dialog.isVisible());
               press(dialog, "okButton");
             }),
             1);
@@ -166,7 +161,6 @@ TEST_F(ShowDialog, EveryTextIsTranslatedButTheStoredName) {
   const PseudoLocale pseudo;
   show([](QDialog& dialog) {
     EXPECT_EQ(UntranslatedTexts(dialog), QStringList());
-    EXPECT_EQ(dialog.windowTitle(), "[SetBaseURLPrefsDialog|Set Base URL]");
     press(dialog, "okButton");
   });
   EXPECT_EQ(settings_.value("ActionName"), "Set Base URL");
@@ -174,64 +168,59 @@ TEST_F(ShowDialog, EveryTextIsTranslatedButTheStoredName) {
 
 TEST_F(ShowDialog, RemembersItsPlaceUnderAPreviewWindowOnly) {
   const QPoint place(77, 55);
-  window_.setObjectName("VorlaneClass");
-  show([&place](QDialog& dialog) {
-    dialog.move(place);
-    press(dialog, "okButton");
-  });
-  EXPECT_FALSE(rememberedGeometry().isValid());
-
-  window_.setObjectName("VorlanePreviewClass");
-  window_.setGeometry(200, 150, 500, 400);
-  show([&place](QDialog& dialog) {
-    EXPECT_NE(dialog.pos(), place);
-    dialog.move(place);
-    dialog.reject();
-  });
-  EXPECT_EQ(rememberedGeometry().type(), QVariant::ByteArray);
-  show([&place](QDialog& dialog) {
-    EXPECT_EQ(dialog.pos(), place);
-    dialog.reject();
-  });
-  window_.setObjectName("VorlaneClass");
-  show([&place](QDialog& dialog) {
-    EXPECT_NE(dialog.pos(), place);
-    dialog.reject();
-  });
+  const auto showAt = [&](const char* context, bool expected) {
+    window_.setObjectName(context);
+    show([&](QDialog& dialog) {
+      EXPECT_EQ(dialog.pos() == place, expected) << context;
+      dialog.move(place);
+      dialog.reject();
+    });
+  };
+  const QString key = "SetBaseURLPrefsDialoggeometry";
+  const QString file = CUtils::GetSettingsFolder() + "/VorlaneViewerSettings.vsf";
+  showAt("VorlaneClass", false);
+  EXPECT_FALSE(QSettings(file, QSettings::IniFormat).contains(key));
+  showAt("VorlanePreviewClass", false);
+  EXPECT_EQ(QSettings(file, QSettings::IniFormat).value(key).type(), QVariant::ByteArray);
+  showAt("VorlanePreviewClass", true);
+  showAt("VorlaneClass", false);
 }
 
-TEST_F(ShowDialog, StoresAnActionListAndCloses) {
+// Each toolbar button opens its dialog with what is entered, and closes the settings as rejected, however that one
+// ends.
+TEST_F(ShowDialog, TheToolbarStoresWhatIsEnteredAndCloses) {
+  struct Case {
+    const char* button;
+    const char* opened;
+    const char* nameField;
+    bool save;
+  };
+  const Case cases[] = {
+      {"VDtoolbarAddToActionListButton", "saveAsActionlistDialog", "actionListNameLineEdit", false},
+      {"VDtoolbarAddToActionListButton", "saveAsActionlistDialog", "actionListNameLineEdit", true},
+      {"VDtoolbarAddToCollectionsButton", "saveAsCollectionDialog", "collectionNameLineEdit", true},
+  };
+  const QString list = CUtils::GetSequenceFolder() + "/My_List.xqq";
   settings_ = {{"baseUrlString", "before"}};
-  EXPECT_EQ(show([](QDialog& dialog) {
-              field(dialog).setText("stored");
-              MeetDialog("saveAsActionlistDialog", [](QDialog& save) {
-                Child<QLineEdit>(save, "actionListNameLineEdit").setText("My List");
-                press(save, "saveButton");
-              });
-              press(dialog, "VDtoolbarAddToActionListButton");
-              EXPECT_FALSE(dialog.isVisible());
-            }),
-            0);
-  EXPECT_EQ(settings_, Map({{"baseUrlString", "before"}}));
-  const QSettings list(CUtils::GetSequenceFolder() + "/My_List.xqq", QSettings::IniFormat);
-  EXPECT_EQ(list.value("ActionName0"), "Set Base URL");
-  EXPECT_EQ(list.value("ActionPrefs0").toMap(), Map({{"baseUrlString", "stored"}}));
-}
-
-TEST_F(ShowDialog, StoresAFavoriteAndCloses) {
-  settings_ = {{"baseUrlString", "before"}};
-  EXPECT_EQ(show([](QDialog& dialog) {
-              const QImage selected = dialog.windowIcon().pixmap(128, 128, QIcon::Selected).toImage();
-              MeetDialog("saveAsCollectionDialog", [&selected](QDialog& save) {
-                EXPECT_EQ(Child<QToolButton>(save, "icon_toolButton").icon().pixmap(128, 128).toImage(), selected);
-                Child<QLineEdit>(save, "collectionNameLineEdit").setText("F");
-                press(save, "saveButton");
-              });
-              press(dialog, "VDtoolbarAddToCollectionsButton");
-              EXPECT_FALSE(dialog.isVisible());
-            }),
-            0);
-  EXPECT_EQ(settings_, Map({{"baseUrlString", "before"}}));
+  for (const Case& c : cases) {
+    EXPECT_EQ(show([&c](QDialog& dialog) {
+                field(dialog).setText("stored");
+                const QImage selected = dialog.windowIcon().pixmap(128, 128, QIcon::Selected).toImage();
+                MeetDialog(c.opened, [&](QDialog& save) {
+                  if (const auto* icon = save.findChild<QToolButton*>("icon_toolButton")) {
+                    EXPECT_EQ(icon->icon().pixmap(128, 128).toImage(), selected);
+                  }
+                  Child<QLineEdit>(save, c.nameField).setText("My List");
+                  c.save ? press(save, "saveButton") : save.reject();
+                });
+                press(dialog, c.button);
+                EXPECT_FALSE(dialog.isVisible());
+              }),
+              0);
+    EXPECT_EQ(settings_, Map({{"baseUrlString", "before"}}));
+    EXPECT_EQ(QFile::exists(list), c.save);
+  }
+  EXPECT_EQ(QSettings(list, QSettings::IniFormat).value("ActionPrefs0").toMap(), Map({{"baseUrlString", "stored"}}));
 }
 
 TEST_F(ShowDialog, SurvivesItsParentsDestruction) {
