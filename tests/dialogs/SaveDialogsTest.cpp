@@ -179,11 +179,8 @@ TEST_F(SaveDialogs, WritesAToolSettingsFileOfTheKnownFormat) {
             }),
             QDialog::Rejected);
   EXPECT_EQ(settings_, kSettings);
-  for (const QString& path : {file, QStringLiteral(DIALOGS_TEST_DATA "/set-base-url.tsf")}) {
-    QSettings stored(path, QSettings::IniFormat);
-    EXPECT_EQ(stored.allKeys(), QStringList("ToolSettings"));
-    EXPECT_EQ(stored.value("ToolSettings").toMap(), kSettings);
-  }
+  const QSettings stored(file, QSettings::IniFormat);
+  EXPECT_EQ(stored.value("ToolSettings").toMap(), kSettings);
   QFile written(file);
   QFile golden(DIALOGS_TEST_DATA "/set-base-url.tsf");
   ASSERT_TRUE(written.open(QFile::ReadOnly) && golden.open(QFile::ReadOnly));
@@ -196,9 +193,8 @@ TEST_F(SaveDialogs, ACancelledFileDialogClosesWithoutAFile) {
               Child<QPushButton>(dialog, "saveSettingsToFileButton").click();
             }),
             QDialog::Rejected);
-  for (const QString& folder : {QDir::currentPath(), QDir::homePath()}) {
-    EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
-  }
+  EXPECT_EQ(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
+  EXPECT_EQ(QDir::home().entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
 }
 
 TEST_F(SaveDialogs, AnImageOfAnySizeBecomesTheIcon) {
