@@ -36,6 +36,7 @@ bool Photograph(const Exhibit& exhibit, const QString& path) {
   layout->addWidget(combo, 0, Qt::AlignLeft);
   layout->addStretch();
   combo->setFixedWidth(exhibit.width);
+  window.setWindowFlags(Qt::FramelessWindowHint);
   window.setFixedSize(2 * exhibit.width + 50, 240);
   window.move(20, 20);
   window.show();
