@@ -280,6 +280,17 @@ TEST(TextItems, IconsAreScaledAndAdded) {
   }
   EXPECT_EQ(icon.availableSizes().size(), 2);
   CActionUtils::GenerateTextItemIcon(10, 10, "Text", nullptr);
+
+  // Sides beyond what a painter reaches at once: the text is painted to its end.
+  const QString lines = QString("m\n").repeated(5000);
+  for (const QSize& size : {QSize(400, 40000), QSize(40000, 400)}) {
+    QIcon large;
+    CActionUtils::GenerateTextItemIcon(size.width(), size.height(), size.height() > 400 ? lines : QString(40000, 'W'),
+                                       &large);
+    ASSERT_EQ(large.availableSizes(), QList<QSize>{size.scaled(128, 128, Qt::KeepAspectRatio)});
+    const QImage scaled = large.pixmap(128, 128).toImage().convertToFormat(QImage::Format_ARGB32);
+    EXPECT_GT(qAlpha(scaled.pixel(size.width() > 400 ? 127 : 0, size.height() > 400 ? 127 : 0)), 0);
+  }
 }
 
 TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
