@@ -17,6 +17,7 @@
 
 #include "tests/pdflib/FakeLibrary.h"
 #include "utils/CActionUtils.h"
+#include "utils/CUtils.h"
 
 namespace {
 
@@ -322,6 +323,11 @@ TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
   EXPECT_EQ(label->text(), "still there");
   label.reset();
   CActionUtils::SetCurrentSection("gone");
+}
+
+// The "offscreen" platform claims to have OpenGL and then hands out no context.
+TEST(OpenGL, IsAbsentWithoutACrashWhereNoContextCanBeMade) {
+  EXPECT_FALSE(CUtils::CheckOpenGLSupport());
 }
 
 TEST(ToolIcons, AreFoundByFileName) {
