@@ -241,7 +241,10 @@ void CVorlaneDialog::applyContext(Context context) {
 }
 
 bool CVorlaneDialog::VDisInPreview() const {
-  return previewParent && previewParent->objectName() == kPreviewName;
+  // A dialog that was given another parent may have outlived the window.
+  QObject* ancestor = parent();
+  while (ancestor && ancestor != previewParent) ancestor = ancestor->parent();
+  return ancestor && ancestor->objectName() == kPreviewName;
 }
 
 void CVorlaneDialog::VDaddMainWidget(QWidget* form, bool fixedSize) {

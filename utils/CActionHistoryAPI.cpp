@@ -26,6 +26,8 @@ CActionHistoryAPI::CActionHistoryAPI(QString prefix)
   mEntries = mFolder.entryInfoList(QDir::Files, QDir::Time | QDir::Reversed);
 }
 
+CActionHistoryAPI::~CActionHistoryAPI() = default;
+
 int CActionHistoryAPI::SaveSettingsToHistory(QMap<QString, QVariant>* settings, QIcon* icon) {
   if (!settings || !icon) return 1;
   try {

@@ -6,6 +6,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "utils/EarlyStatic.h"
 #include "utils/NumberFormat.h"
 
 namespace {
@@ -25,7 +26,7 @@ void MakeEntry(const QString& folderPath, const QString& name) {
 
 }  // namespace
 
-QString CUtils::mApplicationName;
+VORLANE_EARLY_STATIC QString CUtils::mApplicationName;
 bool CUtils::mInstalationTypeCurrentUser = false;
 
 void CUtils::SetAppName(QString name) {
@@ -111,7 +112,7 @@ QDir CUtils::GetNewTempFolder(QString* name) {
   return QDir(candidate);
 }
 
-QString CUtils::GetNewTempFile(const char* baseName) {
+QString CUtils::GetNewTempFile(char* baseName) {
   for (int n = 1; n <= 9999; ++n) {
     QString path = QDir::tempPath() + QString::asprintf("/%s_%d.pdf", baseName ? baseName : "", n);
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
