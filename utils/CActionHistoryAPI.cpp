@@ -31,7 +31,7 @@ CActionHistoryAPI::~CActionHistoryAPI() = default;
 int CActionHistoryAPI::SaveSettingsToHistory(QMap<QString, QVariant>* settings, QIcon* icon) {
   if (!settings || !icon) return 1;
   try {
-    const QString name = settings->value(QStringLiteral("CollectionName")).toString();
+    const QString name = settings->value(QString("CollectionName")).toString();
     const QImage image = icon->pixmap(kIconSize, kIconSize, QIcon::Normal, QIcon::Off).toImage();
     WriteFreshSettingsFile(CActionUtils::GetCollectionsFolder() + QLatin1Char('/') + name + QLatin1String(".ini"),
                            {{kPrefsKey, *settings}, {kIconKey, image}});

@@ -18,10 +18,10 @@ const QLatin1String kActionListOverwrite("ActionListOverwrite");
 const QLatin1String kSequenceCategory("SequenceCategory");
 
 QString NameKey(int number) {
-  return QStringLiteral("ActionName%1").arg(number);
+  return QString("ActionName%1").arg(number);
 }
 QString PrefsKey(int number) {
-  return QStringLiteral("ActionPrefs%1").arg(number);
+  return QString("ActionPrefs%1").arg(number);
 }
 
 void AppendAction(const QString& path, const QMap<QString, QVariant>& prefs) {
@@ -42,9 +42,9 @@ void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {
   }
   const bool replaces = QFile::exists(path);
   const bool written =
-      WriteFreshSettingsFile(path, {{QStringLiteral("SequenceName"), prefs->value(kActionListName).toString()},
-                                    {kSequenceCategory, category.isEmpty() ? QStringLiteral("Favorites") : category},
-                                    {QStringLiteral("IOSettings"), 0},
+      WriteFreshSettingsFile(path, {{QString("SequenceName"), prefs->value(kActionListName).toString()},
+                                    {kSequenceCategory, category.isEmpty() ? QString("Favorites") : category},
+                                    {QString("IOSettings"), 0},
                                     {NameKey(0), prefs->value(kActionName).toString()},
                                     {PrefsKey(0), actionPrefs}});
   if (written || !replaces) *prefs = actionPrefs;
@@ -54,7 +54,7 @@ void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {
 
 void CActionUtils::SaveAsCustomActionList(QMap<QString, QVariant>* prefs) {
   if (!prefs) return;
-  QString name = prefs->value(kActionListName, QStringLiteral("Action")).toString();
+  QString name = prefs->value(kActionListName, QString("Action")).toString();
   name.replace(QLatin1Char(' '), QLatin1Char('_'));
   const QString path = CUtils::GetSequenceFolder() + QLatin1Char('/') + name + QLatin1String(".xqq");
   if (!prefs->value(kActionListOverwrite).toBool() && QFile::exists(path)) {
@@ -65,9 +65,9 @@ void CActionUtils::SaveAsCustomActionList(QMap<QString, QVariant>* prefs) {
 }
 
 QStringList CActionUtils::GetActionListCategories() {
-  QStringList categories{QStringLiteral("Default"), QStringLiteral("Favorites")};
+  QStringList categories{QString("Default"), QString("Favorites")};
   const QString folder = CUtils::GetSequenceFolder();
-  const QStringList files = QDir(folder).entryList({QStringLiteral("*.xqq")}, QDir::NoFilter, QDir::Unsorted);
+  const QStringList files = QDir(folder).entryList({QString("*.xqq")}, QDir::NoFilter, QDir::Unsorted);
   for (const QString& file : files) {
     const QString path = folder + QLatin1Char('/') + file;
     if (!QFileInfo(path).isFile()) continue;  // opening a named pipe would wait for a writer

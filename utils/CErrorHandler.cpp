@@ -29,7 +29,7 @@ int CErrorHandler::GetCount() const {
 }
 
 QString CErrorHandler::GetAt(long index) const {
-  return index >= 0 && index < mErrors.size() ? mErrors.at(static_cast<int>(index)) : QStringLiteral("Unknown error");
+  return index >= 0 && index < mErrors.size() ? mErrors.at(static_cast<int>(index)) : QString("Unknown error");
 }
 
 QString CErrorHandler::GetLast() const {

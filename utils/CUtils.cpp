@@ -74,7 +74,7 @@ QString CUtils::GetAdvSplitTemplatesFolder() {
 }
 
 QString CUtils::GetActionFolder() {
-  return QStringLiteral("./Tools");
+  return QString("./Tools");
 }
 
 void CUtils::SetupFolders() {
@@ -93,8 +93,8 @@ void CUtils::SetupFolders() {
   const QString name = QCoreApplication::applicationName();
   MakeEntry(documents, name);
   const QString own = documents + QLatin1Char('/') + name + QLatin1Char('/');
-  MakeEntry(own, QStringLiteral("Input"));
-  MakeEntry(own, QStringLiteral("Output"));
+  MakeEntry(own, QString("Input"));
+  MakeEntry(own, QString("Output"));
 }
 
 QDir CUtils::GetNewTempFolder(QString* name) {
@@ -122,7 +122,7 @@ QString CUtils::GetNewTempFile(char* baseName) {
 }
 
 void CUtils::GetInstalationType() {
-  const QSettings installation(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
+  const QSettings installation(QString("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
                                QSettings::NativeFormat);
-  mInstalationTypeCurrentUser = installation.value(QStringLiteral("InstallType"), 0).toInt() == 1;
+  mInstalationTypeCurrentUser = installation.value(QString("InstallType"), 0).toInt() == 1;
 }
