@@ -23,10 +23,6 @@ std::unique_ptr<BackendDocument> QpdfBackend::Open(std::shared_ptr<const InputFi
   return QpdfDocument::Open(std::move(file), password);
 }
 
-std::unique_ptr<BackendDocument> QpdfBackend::New() {
-  return QpdfDocument::New();
-}
-
 std::vector<std::string> QpdfBackend::FontFamilies(const std::string& language) {
   static std::mutex fontconfig;  // which keeps one set of fonts for the process
   const std::lock_guard lock(fontconfig);
