@@ -227,7 +227,7 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::wstring WideStringResult(wchar_t*, int);
 #define SERVICE(name)
 #define MEMBER(result, name, arguments) result name arguments;
-#include "LibraryMembers.inc"
+#include "tests/abi/LibraryMembers.inc"
 #undef MEMBER
 #undef SERVICE
   void* handle;
@@ -411,7 +411,7 @@ TEST(ForeignCaller, TheShellHasItsFields) {
 TEST(ForeignCaller, TheWrapperHasTheListedMembersAndSlots) {
 #define SERVICE(name)
 #define MEMBER(result, name, arguments) CheckByteStrings(#name, &HalvexPDFLibraryCPDylibCPP1311::name);
-#include "LibraryMembers.inc"
+#include "tests/abi/LibraryMembers.inc"
 #undef MEMBER
 #undef SERVICE
   const std::string file = HALVEXENGINE_FILE;
@@ -422,7 +422,7 @@ TEST(ForeignCaller, TheWrapperHasTheListedMembersAndSlots) {
   int slot = 0;
 #define SERVICE(name) EXPECT_EQ(wrapper->functions[slot++], dlsym(wrapper->handle, "HPL" #name)) << #name;
 #define MEMBER(result, name, arguments) SERVICE(name)
-#include "LibraryMembers.inc"
+#include "tests/abi/LibraryMembers.inc"
   EXPECT_EQ(slot, 856);
   int release = 0;
   EXPECT_NE(wrapper->StringParm("bytes", release), nullptr);
