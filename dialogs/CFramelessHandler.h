@@ -32,22 +32,22 @@ class CFramelessHandler : public QObject {
   void activateOn(QWidget* topLevelWidget);
 
   /// Switches moving by the move bar on or off.
-  void setWidgetMovable(bool movable) { widgetMovable = movable; }
+  void setWidgetMovable(bool movable);
   /// Whether a drag in the move bar moves the window.
-  bool isWidgetMovable() const { return widgetMovable; }
+  bool isWidgetMovable() const;
   /// Switches resizing and the resize cursors on or off.
-  void setWidgetResizable(bool resizable) { widgetResizable = resizable; }
+  void setWidgetResizable(bool resizable);
   /// Whether a drag on an edge or corner resizes the window.
-  bool isWidgetResizable() const { return widgetResizable; }
+  bool isWidgetResizable() const;
 
   /// Width of the resize strips in pixels; a negative one is ignored.
   void setBorderWidth(int width);
   /// In pixels; 5 unless set.
-  int borderWidth() const { return pressCursorPos.borderWidth; }
+  int borderWidth() const;
   /// Height of the move bar in pixels, unchecked.
   void setMoveBarHeight(int height);
   /// In pixels; 0 unless set.
-  int moveBarHeight() const { return pressCursorPos.moveBarHeight; }
+  int moveBarHeight() const;
   /// How many pixels the resize strips lie inside the window's outer edge.
   void setEdgeInset(int inset);
   /// In pixels; 0 unless set.

@@ -43,7 +43,7 @@ void CSaveAsCollectionDialog::on_UpdateUI() {
 
 void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
-  settings->insert(QStringLiteral("CollectionName"), ui.collectionNameLineEdit->text());
+  settings->insert(QString("CollectionName"), ui.collectionNameLineEdit->text());
   // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
   // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): reported where the last reference ends.
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
@@ -63,6 +63,6 @@ void CSaveAsCollectionDialog::on_SaveToFile() {
                                                     tr("Tool Settings Files (*.tsf)"));
   if (!settings) return;
   const auto tool = std::make_unique<QSettings>(file, QSettings::IniFormat, this);
-  tool->setValue(QStringLiteral("ToolSettings"), *settings);
+  tool->setValue(QString("ToolSettings"), *settings);
   reject();
 }

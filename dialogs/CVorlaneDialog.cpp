@@ -60,11 +60,11 @@ const QLatin1String kGreyReplacements[][2] = {
 };
 
 QString headerButtonStyle() {
-  const QString lit = QStringLiteral(
+  const QString lit = QString(
       "background-color: qlineargradient(spread:repeat, x1:0, y1:0, x2:1, y2:0, "
       "stop:0 rgba(210, 210, 210), stop:1 rgba(210, 210, 210));"
       "color: white;background-image: url(none.png);border: none;}");
-  return QStringLiteral(
+  return QString(
              "QToolButton {background-color: transparent;color: white;background-image: url(none.png);border: none;}"
              "QToolButton QWidget {background-color: black;}"
              "QToolButton:disabled{background-color: transparent;color: silver;"
@@ -80,7 +80,7 @@ void frameLook(QFrame* frame) {
 }
 
 QString resource(const char* file) {
-  return QStringLiteral(":/Vorlane/Resources/") + QLatin1String(file);
+  return QString(":/Vorlane/Resources/") + QLatin1String(file);
 }
 
 // Where the window's centre is the reference's; of two middle pixels of either, the one before.
@@ -234,7 +234,7 @@ CVorlaneDialog::Context CVorlaneDialog::findContext(QWidget* parent) {
 
 void CVorlaneDialog::buildFrame() {
   VDgridLayout = new QGridLayout(this);
-  VDgridLayout->setObjectName(QStringLiteral("VDgridLayout"));
+  VDgridLayout->setObjectName(QString("VDgridLayout"));
   VDgridLayout->setSpacing(0);
   VDgridLayout->setContentsMargins(0, 0, 0, 0);
 
@@ -256,18 +256,18 @@ void CVorlaneDialog::buildFrame() {
 
 void CVorlaneDialog::addShadow(const ShadowPiece& piece) {
   const QString place = QLatin1String(piece.place);
-  const QString name = QStringLiteral("VDshadow") + place;
+  const QString name = QString("VDshadow") + place;
   auto* frame = new QFrame(this);
   frame->setObjectName(name);
   if (piece.column != 1) frame->setFixedWidth(kShadowThickness);
   if (piece.row != 1) frame->setFixedHeight(kShadowThickness);
   QString style =
-      QStringLiteral("QFrame#%1 {\nbackground-image: url(:/Vorlane/Resources/DialogShadow-%2.png);\n").arg(name, place);
+      QString("QFrame#%1 {\nbackground-image: url(:/Vorlane/Resources/DialogShadow-%2.png);\n").arg(name, place);
   if (piece.imagePosition) {
-    style += QStringLiteral("background-repeat: no-repeat;\nbackground-position: %1;\nborder: 0px transparent;\n}")
+    style += QString("background-repeat: no-repeat;\nbackground-position: %1;\nborder: 0px transparent;\n}")
                  .arg(QLatin1String(piece.imagePosition));
   } else {
-    style += QStringLiteral("background-repeat: repeat-%1;\nborder: 0px transparent;\n\n}")
+    style += QString("background-repeat: repeat-%1;\nborder: 0px transparent;\n\n}")
                  .arg(piece.row == 1 ? QLatin1Char('y') : QLatin1Char('x'));
   }
   frame->setStyleSheet(style);
@@ -278,39 +278,39 @@ void CVorlaneDialog::addShadow(const ShadowPiece& piece) {
 
 void CVorlaneDialog::buildMainFrame() {
   VDmainFrame = new QFrame(this);
-  VDmainFrame->setObjectName(QStringLiteral("VDmainFrame"));
+  VDmainFrame->setObjectName(QString("VDmainFrame"));
   VDmainFrame->setMinimumSize(40, 40);
   VDmainFrame->setStyleSheet(kBlueTheme);
   frameLook(VDmainFrame);
   VDMainVerticalLayout = new QVBoxLayout(VDmainFrame);
-  VDMainVerticalLayout->setObjectName(QStringLiteral("VDMainVerticalLayout"));
+  VDMainVerticalLayout->setObjectName(QString("VDMainVerticalLayout"));
   VDMainVerticalLayout->setSpacing(2);
   VDMainVerticalLayout->setContentsMargins(0, 0, 0, 0);
 
   VDheaderWidget = new QWidget(VDmainFrame);
-  VDheaderWidget->setObjectName(QStringLiteral("VDheaderWidget"));
+  VDheaderWidget->setObjectName(QString("VDheaderWidget"));
   VDheaderWidget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   VDheaderWidget->setMinimumSize(0, kHeaderHeight);
   VDheaderWidget->setMaximumSize(QWIDGETSIZE_MAX, kHeaderHeight);
   VDheaderWidget->setStyleSheet(kHeaderStyle);
   VDHeaderHorizontalLayout = new QHBoxLayout(VDheaderWidget);
-  VDHeaderHorizontalLayout->setObjectName(QStringLiteral("VDHeaderHorizontalLayout"));
+  VDHeaderHorizontalLayout->setObjectName(QString("VDHeaderHorizontalLayout"));
   VDHeaderHorizontalLayout->setSpacing(6);
   VDHeaderHorizontalLayout->setContentsMargins(10, 3, 5, 2);
 
   VDPrefixLabel = new HeaderLabel(VDheaderWidget, true);
-  VDPrefixLabel->setObjectName(QStringLiteral("VDPrefixLabel"));
-  VDPrefixLabel->setStyleSheet(QStringLiteral("color:white;"));
+  VDPrefixLabel->setObjectName(QString("VDPrefixLabel"));
+  VDPrefixLabel->setStyleSheet(QString("color:white;"));
   VDHeaderHorizontalLayout->addWidget(VDPrefixLabel);
   VDtitleLabel = new HeaderLabel(VDheaderWidget, false);
-  VDtitleLabel->setObjectName(QStringLiteral("VDtitleLabel"));
-  VDtitleLabel->setStyleSheet(QStringLiteral("color: white;"));
+  VDtitleLabel->setObjectName(QString("VDtitleLabel"));
+  VDtitleLabel->setStyleSheet(QString("color: white;"));
   // The title takes the free room, so that it follows the prefix and the buttons stand at the right.
   VDHeaderHorizontalLayout->addWidget(VDtitleLabel, 1);
   VDMainVerticalLayout->addWidget(VDheaderWidget);
 
   VDcontentWidget = new QWidget(VDmainFrame);
-  VDcontentWidget->setObjectName(QStringLiteral("VDcontentWidget"));
+  VDcontentWidget->setObjectName(QString("VDcontentWidget"));
   auto* contentLayout = new QVBoxLayout(VDcontentWidget);
   contentLayout->setContentsMargins(1, 1, 1, 1);
   VDMainVerticalLayout->addWidget(VDcontentWidget);
@@ -323,14 +323,17 @@ void CVorlaneDialog::applyContext(Context context) {
     VDmainFrame->setStyleSheet(style);
   }
   if (context == Context::Standalone) {
-    VDPrefixLabel->setText(tr("Nolva Reader Advanced Tools") + QStringLiteral(" -"));
+    VDPrefixLabel->setText(tr("Nolva Reader Advanced Tools") + QString(" -"));
   } else {
     VDPrefixLabel->hide();
   }
 }
 
 bool CVorlaneDialog::VDisInPreview() const {
-  return previewParent && previewParent->objectName() == kPreviewName;
+  // A dialog that was given another parent may have outlived the window.
+  QObject* ancestor = parent();
+  while (ancestor && ancestor != previewParent) ancestor = ancestor->parent();
+  return ancestor && ancestor->objectName() == kPreviewName;
 }
 
 QSize CVorlaneDialog::roomFor(const QWidget* form, const QSize& stated) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QPointer>
 
 #include "dialogs/CFramelessHandler.h"
 
@@ -98,7 +97,7 @@ class CVorlaneDialog : public QDialog {
 
  private:
   QWidget* VDcontentWidget = nullptr;
-  QPointer<QWidget> previewParent;  // the ancestor that is the preview window, or null
+  QWidget* previewParent = nullptr;  // the ancestor that is the preview window, or null
   int fixedHeight = 0;
   int frameExtraHeight = 0;  // what the shell adds to the form's height and width
   int frameExtraWidth = 0;

@@ -28,9 +28,9 @@ void SetEntry(QSettings& file, int number, const ActionListFile::Entry& entry) {
 
 // A map whose bytes are damaged reads as an empty one; a map that was stored empty has this line.
 bool StoresEmptyMap(const QString& text, int number) {
-  const QRegularExpression line(QStringLiteral(R"~(^\s*%1\s*=\s*"?@Variant\(\\0\\0\\0\\b\\0\\0\\0\\0\)"?\s*$)~")
-                                    .arg(Key(kActionSettings, number)),
-                                QRegularExpression::MultilineOption);
+  const QRegularExpression line(
+      QString(R"~(^\s*%1\s*=\s*"?@Variant\(\\0\\0\\0\\b\\0\\0\\0\\0\)"?\s*$)~").arg(Key(kActionSettings, number)),
+      QRegularExpression::MultilineOption);
   return text.contains(line);
 }
 
@@ -89,7 +89,7 @@ bool ActionListFile::Create(const QString& path, const QString& name, const QStr
   return SettingsFile::Replace(path, [&](QSettings& file) {
     file.setValue(kName, name);
     file.setValue(kCategory, category);
-    file.setValue(QStringLiteral("IOSettings"), 0);
+    file.setValue(QString("IOSettings"), 0);
     SetEntry(file, 0, entry);
   });
 }

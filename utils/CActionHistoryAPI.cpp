@@ -40,10 +40,12 @@ CActionHistoryAPI::CActionHistoryAPI(QString prefix)
   mEntries = mFolder.entryInfoList(QDir::Files, QDir::Time | QDir::Reversed);
 }
 
+CActionHistoryAPI::~CActionHistoryAPI() = default;
+
 int CActionHistoryAPI::SaveSettingsToHistory(QMap<QString, QVariant>* settings, QIcon* icon) {
   if (!settings || !icon) return 1;
   try {
-    const QString name = settings->value(QStringLiteral("CollectionName")).toString();
+    const QString name = settings->value(QString("CollectionName")).toString();
     const QString path = CActionUtils::GetCollectionsFolder() + QLatin1Char('/') + name + QLatin1String(".ini");
     const QImage image = RenderIcon(*icon);
     SettingsFile::Replace(path, [&](QSettings& file) {

@@ -18,6 +18,7 @@ class CActionHistoryAPI {
  public:
   /// Takes the files of the collections folder that match `prefix` followed by "*". The position is before the newest.
   explicit CActionHistoryAPI(QString prefix);
+  ~CActionHistoryAPI();
 
   /// Writes "<collections folder>/<value of "CollectionName">.ini" anew, with the map under "ActionPrefs" and the
   /// icon's normal image, 42 x 42 pixels with a smaller icon in the middle, under "ActionIcon". A file that cannot be

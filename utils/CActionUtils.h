@@ -8,7 +8,6 @@
 #include <QIcon>
 #include <QList>
 #include <QMap>
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -18,8 +17,9 @@ class QFont;
 class QLabel;
 class QTextEdit;
 
-/// The commands of the document-splitting actions; a command's number is its position.
-extern const QStringList gCommandsList;
+/// The commands of the document-splitting actions; a command's number is its position. Nobody changes the list; global
+/// objects may use it before main().
+extern QStringList gCommandsList;
 
 /// What actions and their dialogs share. All members are static. Those that take or make widgets, fonts, icons or
 /// settings files belong to the GUI thread; the others are pure. Nothing is reported but by the results, and no member
@@ -190,8 +190,8 @@ class CActionUtils {
 
   // ---- Help and tool icons ----
 
-  /// Sets where help is shown. A settings dialog calls it once its form is built. The widgets are not owned; one that
-  /// has been destroyed, or null, is left alone by the calls below.
+  /// Sets where help is shown. A settings dialog calls it once its form is built, and again, with null, before the
+  /// widgets are destroyed. They are not owned, and the calls below use them without a check.
   static void SetTargetLabels(QLabel* navBar, QTextEdit* info);
   /// Shows the page ":/Vorlane/Resources/HelpFiles/<fileName>", decoded as it declares itself; an unknown one shows an
   /// empty page.
@@ -206,7 +206,7 @@ class CActionUtils {
   static QIcon GetIconForTool(QString fileName);
 
   /// Set by SetTargetLabels(): the line that names the current section, and the help page.
-  static QPointer<QLabel> mNavBarLabel;
+  static QLabel* mNavBarLabel;
   /// See mNavBarLabel.
-  static QPointer<QTextEdit> mInfoLabel;
+  static QTextEdit* mInfoLabel;
 };

@@ -20,7 +20,7 @@ void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {
   }
   const bool replaces = QFile::exists(path);
   const bool written = ActionListFile::Create(path, prefs->value(kActionListName).toString(),
-                                              category.isEmpty() ? QStringLiteral("Favorites") : category,
+                                              category.isEmpty() ? QString("Favorites") : category,
                                               {prefs->value(kActionName).toString(), settings});
   if (written || !replaces) *prefs = settings;
 }
@@ -29,7 +29,7 @@ void CreateList(const QString& path, QMap<QString, QVariant>* prefs) {
 
 void CActionUtils::SaveAsCustomActionList(QMap<QString, QVariant>* prefs) {
   if (!prefs) return;
-  const QString path = ActionListFile::PathOf(prefs->value(kActionListName, QStringLiteral("Action")).toString());
+  const QString path = ActionListFile::PathOf(prefs->value(kActionListName, QString("Action")).toString());
   if (!prefs->value(kActionListOverwrite).toBool() && QFile::exists(path)) {
     ActionListFile::Append(path, {prefs->value(kActionName).toString(), *prefs});
   } else {
@@ -38,7 +38,7 @@ void CActionUtils::SaveAsCustomActionList(QMap<QString, QVariant>* prefs) {
 }
 
 QStringList CActionUtils::GetActionListCategories() {
-  QStringList categories{QStringLiteral("Default"), QStringLiteral("Favorites")};
+  QStringList categories{QString("Default"), QString("Favorites")};
   for (const QString& path : ActionListFile::All(QDir::Unsorted)) {
     const QString category = ActionListFile::Read(path).category;
     if (!category.isEmpty() && !categories.contains(category, Qt::CaseInsensitive)) categories.append(category);

@@ -18,7 +18,7 @@ QString CActionUtils::AppendCopyNumberToFilename(QString path) {
   const int dot = path.lastIndexOf(u'.');
   if (dot < 0) return path;  // nowhere to put a number
   QString candidate = path;
-  for (int n = 1; QFile::exists(candidate); ++n) candidate = QString(path).insert(dot, QStringLiteral(" (%1)").arg(n));
+  for (int n = 1; QFile::exists(candidate); ++n) candidate = QString(path).insert(dot, QString(" (%1)").arg(n));
   return candidate;
 }
 

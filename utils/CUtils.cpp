@@ -6,6 +6,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "utils/EarlyStatic.h"
 #include "utils/NumberFormat.h"
 
 namespace {
@@ -20,7 +21,7 @@ void MakeFolder(const QString& path) {
 
 }  // namespace
 
-QString CUtils::mApplicationName;
+VORLANE_EARLY_STATIC QString CUtils::mApplicationName;
 bool CUtils::mInstalationTypeCurrentUser = false;
 
 void CUtils::SetAppName(QString name) {
@@ -68,7 +69,7 @@ QString CUtils::GetAdvSplitTemplatesFolder() {
 }
 
 QString CUtils::GetActionFolder() {
-  return QStringLiteral("./Tools");
+  return QString("./Tools");
 }
 
 void CUtils::SetupFolders() {
@@ -105,7 +106,7 @@ QDir CUtils::GetNewTempFolder(QString* name) {
   return QDir(candidate);
 }
 
-QString CUtils::GetNewTempFile(const char* baseName) {
+QString CUtils::GetNewTempFile(char* baseName) {
   for (int n = 1; n <= 9999; ++n) {
     QString path = QDir::tempPath() + QString::asprintf("/%s_%d.pdf", baseName ? baseName : "", n);
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -115,7 +116,7 @@ QString CUtils::GetNewTempFile(const char* baseName) {
 }
 
 void CUtils::GetInstalationType() {
-  const QSettings installation(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
+  const QSettings installation(QString("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
                                QSettings::NativeFormat);
-  mInstalationTypeCurrentUser = installation.value(QStringLiteral("InstallType"), 0).toInt() == 1;
+  mInstalationTypeCurrentUser = installation.value(QString("InstallType"), 0).toInt() == 1;
 }

@@ -57,8 +57,9 @@ class CUtils {
   static QDir GetNewTempFolder(QString* name);
 
   /// A path "<temporary folder>/<baseName>_<n>.pdf" that does not exist, with the lowest n of 1 to 9999; empty when all
-  /// are taken. `baseName` is UTF-8; null counts as empty. Nothing is created, so two callers may get the same path.
-  static QString GetNewTempFile(const char* baseName);
+  /// are taken. `baseName` is UTF-8 and is not changed; null counts as empty. Nothing is created, so two callers may
+  /// get the same path.
+  static QString GetNewTempFile(char* baseName);
 
   /// True when this machine's OpenGL is good enough for the translucent dialog frame. False, without a crash, where no
   /// OpenGL context can be made current, for example without a QGuiApplication or on a platform without OpenGL.
@@ -74,7 +75,7 @@ class CUtils {
   /// units return `value` unchanged. The order of the operations is fixed, so results are the same to the last bit.
   static double Convert(long fromUnit, double value, long toUnit);
 
-  /// Set by SetAppName(); empty until then.
+  /// Set by SetAppName(); empty until then, and usable before main() too.
   static QString mApplicationName;
   /// Set by GetInstalationType(); false until then.
   static bool mInstalationTypeCurrentUser;

@@ -32,7 +32,7 @@ void MakeNewerThan(const QString& path, const QDateTime& old) {
 SettingsFile::SettingsFile(const QString& path) {
   // QSettings follows one link when it writes.
   const QString target = QFileInfo(path).exists() ? QFileInfo(path).canonicalFilePath() : QDir().absoluteFilePath(path);
-  const QString link = mFolder.filePath(QStringLiteral("settings"));
+  const QString link = mFolder.filePath(QString("settings"));
   mIsPrivate = mFolder.isValid() && QFile::link(target, link);
   mSettings.emplace(mIsPrivate ? link : path, QSettings::IniFormat);
 }
