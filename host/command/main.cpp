@@ -35,6 +35,7 @@ std::unique_ptr<QCoreApplication> ConnectToDisplay(int& argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  Console::OpenMissingDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   // A file that grows beyond the limit is a full disk, not a reason to die.
   std::signal(SIGXFSZ, SIG_IGN);

@@ -12,11 +12,14 @@ class OutputNames {
   // `folder` may end in a slash.
   explicit OutputNames(const std::string& folder);
 
-  // The output for an input whose relative name (base name, or path below an input folder) this is.
-  std::string For(const std::string& relative);
+  // Takes a name for an input whose relative name (base name, or path below an input folder) this is. Returns the copy
+  // number that it gets, 0 for the name as it is.
+  std::uint32_t Take(const std::string& relative);
+  // The output of that relative name and copy number.
+  std::string Name(const std::string& relative, std::uint32_t copyNumber) const;
 
  private:
-  bool Take(const std::string& name);
+  bool TakeExactly(const std::string& name);
 
   std::string folder_;
   // From the hash of a name that is taken to the next copy number of that name. Two names of one hash would give one of
