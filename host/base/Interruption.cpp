@@ -59,7 +59,7 @@ void Interruption::Install() {
   Handle(SIGTERM, Note);
   Handle(SIGALRM, EndByForce);
   Handle(SIGPIPE, SIG_IGN);
-  // Workers are waited for, whatever the caller left behind.
+  // Workers are waited for, whatever the caller has set.
   Handle(SIGCHLD, SIG_DFL);
 }
 

@@ -29,7 +29,7 @@ std::string Read(const std::string& name, const char* what, bool oneLine) {
   const int descriptor = name == "-" ? STDIN_FILENO : own.Get();
   if (descriptor < 0) throw fail();
   std::string content;
-  char block[1 << 16];
+  char block[1 << 14];
   while (!oneLine || (content.size() < kLongestLine && content.find('\n') == std::string::npos)) {
     Interruption::WaitFor(descriptor, POLLIN);
     Interruption::Check();

@@ -4,7 +4,7 @@
 #include <string>
 
 // Reading small inputs that the user names: a file, a pipe, or "-" for the standard input. A stop signal ends the wait
-// for whoever writes into a pipe.
+// for a pipe's writer.
 namespace NamedInput {
 
 // `what` is for the message, as in "password file". Throws CommandError(kExitUsage) when it cannot be read, and as

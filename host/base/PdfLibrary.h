@@ -14,7 +14,7 @@ using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
 // Loads the library's file, named as the wrapper wants it. Throws CommandError(kExitNotLoaded).
 std::unique_ptr<Wrapper> Open(const std::wstring& libraryFile);
 
-// Loads and selects a document. A password that is wrong is no hindrance where none is needed. Returns an empty text,
+// Loads and selects a document. A wrong password is ignored where none is needed. Returns an empty text,
 // or why the document could not be loaded, as one clause; the library's last error then says the same.
 std::string LoadDocument(Wrapper& library, const std::string& file, const std::wstring& password);
 

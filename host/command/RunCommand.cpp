@@ -84,7 +84,7 @@ RunCommand::RunCommand()
   AddOption(QStringLiteral("files-from"),
             QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
             QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder stands for the PDF files below it."));
+  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
   AddPasswordOptions();
   AddOption(
       QStringLiteral("report"),
@@ -215,7 +215,7 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   // Read before the new report may take the earlier one's place, and once more to carry its records over.
   const std::string reportName = BytesOf("report").toStdString();
   std::string earlier = BytesOf("resume").toStdString();
-  // The first run of a job that is told to resume itself has nothing to resume.
+  // A job that resumes its own report has none yet in its first run.
   if (earlier == reportName && !IdentityOf(reportName)) earlier.clear();
   const ResumedReport resumed = earlier.empty() ? ResumedReport() : ResumedReport(earlier, [](const QByteArray&) {});
   const bool append =

@@ -32,10 +32,10 @@ struct FileStatus {
   nlink_t links;
 };
 
-// stat() for many names of which neighbours mostly lie in one folder: the way to that folder is walked once.
+// stat() for many names. Neighbours mostly lie in one folder, whose own path is looked up once.
 class FileLookup {
  public:
-  // Nothing when there is no such file or it cannot be reached. Symbolic links are followed.
+  // Returns nothing when the file does not exist or cannot be reached. Symbolic links are followed.
   std::optional<FileStatus> Get(const std::string& name);
 
  private:

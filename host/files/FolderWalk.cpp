@@ -15,7 +15,7 @@
 
 namespace {
 
-// So many folders of the way down are open at once; those above are opened again on the way back.
+// At most so many of the nested folders are open at once. Those above are opened again when the walk comes back to them.
 constexpr std::size_t kMostOpen = 64;
 
 bool EndsInPdf(std::string_view name) {
@@ -27,7 +27,7 @@ struct Name {
   unsigned char type;  // as readdir() has it: often known, without the right to look it up
 };
 
-// One folder on the way from the walked folder to the current one.
+// One of the nested folders, from the walked one to the current one.
 struct Level {
   Descriptor folder;
   FileIdentity identity;

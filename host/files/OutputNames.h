@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 // The names of the files in an output folder: the first input of a name gets it, the next ones get a copy number,
-// "name (1).pdf". The answers depend on the order of the inputs only.
+// "name (1).pdf". The names depend on the order of the inputs only.
 class OutputNames {
  public:
   // `folder` may end in a slash.

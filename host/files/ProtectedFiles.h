@@ -13,7 +13,7 @@ class ProtectedFiles {
  public:
   // `what` names the file in messages, as in "the report".
   void Add(const std::string& name, const std::string& what);
-  // The file behind an open descriptor; a pipe or a device needs no protection.
+  // The file of an open descriptor; a pipe or a device needs no protection.
   void Add(int descriptor, const std::string& what);
 
   // What the file of this name is, or an empty text if it may be replaced.

@@ -15,7 +15,7 @@ struct ProcessingOptions {
 };
 
 // Loads a document, runs the actions on it, saves it. All documents go through one library object, one after another.
-// When somebody else changes a file meanwhile, all of it is done again with the file as it is then.
+// When another program changes the file meanwhile, everything is done again with the new file, a few times at most.
 class DocumentProcessor {
  public:
   // Keeps references: library, actions and options outlive the processor.

@@ -52,7 +52,7 @@ RecordFraming::Fields RecordFraming::Parse(std::string_view buffer) {
 bool RecordFraming::Reader::Fill(int descriptor) {
   buffer_.erase(0, begin_);
   begin_ = 0;
-  char block[1 << 16];
+  char block[1 << 14];
   for (;;) {
     const ssize_t count = read(descriptor, block, sizeof block);
     if (count < 0 && errno == EINTR) continue;

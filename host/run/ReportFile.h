@@ -18,7 +18,7 @@ class ReportFile {
   // "-" means lines on the standard output. A name that ends in ".jsonl", or that is not a regular file, means lines;
   // any other name means an array, and an empty one no report. `append` goes on with a report of lines, without its
   // last line if that was cut off. Throws CommandError(kExitUsage) when the report cannot be written, and as
-  // Interruption::Check does, also while nobody has opened a named pipe for reading.
+  // Interruption::Check does, also while a named pipe has no reader.
   ReportFile(const std::string& name, bool append);
 
   // Whether a report of that name consists of lines.

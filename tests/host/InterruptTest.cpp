@@ -95,7 +95,7 @@ TEST(Waiting, OneSignalEndsIt) {
                               {"--report", "pipe", "--jobs", "1"},
                               {"--report", "pipe", "--jobs", "0"}};
   for (const QStringList& row : rows) {
-    const bool isRead = row.contains("--jobs");  // by somebody who reads nothing and fills the pipe
+    const bool isRead = row.contains("--jobs");  // but nothing is taken out of the pipe
     const int reader = isRead ? open("pipe", O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1;
     const auto process = StartProgram(ProbeRun({"--output-dir", "out"}) + row + (isRead ? files : QStringList()));
     EXPECT_FALSE(process->waitForFinished(isRead ? 1000 : 200)) << row.join(' ').toStdString();

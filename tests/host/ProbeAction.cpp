@@ -48,7 +48,7 @@ int ProbeAction::PostSequenceProc(WorkProcInfoStruct* info) {
 int ProbeAction::WorkProc(WorkProcInfoStruct* info) {
   const std::wstring file = info->document->GetDocumentFileName();
   const auto named = [&](const wchar_t* word) { return file.find(word) != std::wstring::npos; };
-  // A setting that an earlier document left behind would show here.
+  // A setting that an earlier document added would show here.
   Log(info, info->settings->contains(QStringLiteral("used")) ? "work used" : "work fresh");
   info->settings->insert(QStringLiteral("used"), true);
   if (named(L"abort")) std::abort();
