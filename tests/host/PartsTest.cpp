@@ -61,25 +61,6 @@ TEST(OutputNames, CopyNumbersDependOnTheOrderOnly) {
   for (const auto& [relative, output] : rows) EXPECT_EQ(names.Name(relative, names.Take(relative)), output);
 }
 
-TEST(FileRecord, JsonHoldsEveryValue) {
-  FileRecord record;
-  record.file = "q\"\\\n\xFF\xC3\xA4.pdf";
-  record.status = FileRecord::Status::kFailed;
-  record.reason = "why \xE2\x82\xAC";
-  record.baseUrlBefore = {L'x', wchar_t{0x1F600}, wchar_t{0xD800}, wchar_t{7}};
-  record.microseconds = 1002003;
-  record.warnings = {"one", "two"};
-  const std::string json = record.ToJson();
-  EXPECT_EQ(json.find('\n'), std::string::npos);
-  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
-  EXPECT_EQ(NativeName::ToBytes(object["file"].toString()).toStdString(), record.file);
-  EXPECT_EQ(object["status"].toString(), "failed");
-  EXPECT_EQ(object["reason"].toString(), QString::fromUtf8("why \xE2\x82\xAC"));
-  EXPECT_EQ(object["baseUrlBefore"].toString().size(), 5);
-  EXPECT_DOUBLE_EQ(object["milliseconds"].toDouble(), 1002.003);
-  EXPECT_EQ(object["warnings"].toArray().size(), 2);
-}
-
 TEST(ResumedReport, ReadsBothFormsAndPassesOverATornLine) {
   const QByteArray done = R"({"file":"a","output":"o/a","status":"done"})";
   const QByteArray failed = R"({"file":"b","output":"o/b","status":"failed"})";
@@ -91,9 +72,7 @@ TEST(ResumedReport, ReadsBothFormsAndPassesOverATornLine) {
               {"array", "[\n" + done + ",\n" + failed + "\n]\n", 1},
               {"laid out anew", QJsonDocument::fromJson('[' + done + ',' + failed + ']').toJson(), 1},
               {"torn", done + '\n' + failed.left(12), 1},
-              {"only a torn line", done.left(20), 0},
               {"empty", "", 0},
-              {"empty array", "[\n]\n", 0},
               {"failed, then done", failed + '\n' + done + '\n' + done + '\n', 1}};
   for (const auto& row : rows) {
     WriteFile("report", row.content);
@@ -109,13 +88,13 @@ TEST(ResumedReport, ReadsBothFormsAndPassesOverATornLine) {
   EXPECT_THROW(ResumedReport("missing", [](const QByteArray&) {}), CommandError);
 }
 
-TEST(RecordFraming, RecordsSurviveAnyCutting) {
+TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {
   FileRecord record;
-  record.file = std::string(200000, 'x');
-  record.status = FileRecord::Status::kSkipped;
-  record.baseUrlAfter = {L'x', wchar_t{0x1F600}};
-  record.microseconds = 1LL << 40;
-  record.saveMode = "rewrite";
+  record.file = "q\"\\\n\xFF\xC3\xA4.pdf" + std::string(200000, 'x');
+  record.status = FileRecord::Status::kFailed;
+  record.reason = "why \xE2\x82\xAC";
+  record.baseUrlBefore = {L'x', wchar_t{0x1F600}, wchar_t{0xD800}, wchar_t{7}};
+  record.microseconds = 1002003;
   record.warnings = {"", "two"};
   std::string bytes;
   RecordFraming::Append(bytes, {"", std::string_view("\0b", 2)});
@@ -137,7 +116,15 @@ TEST(RecordFraming, RecordsSurviveAnyCutting) {
   ASSERT_EQ(records.size(), 3U);
   EXPECT_THAT(records[0], testing::ElementsAre("", std::string("\0b", 2)));
   EXPECT_TRUE(records[1].empty());
-  EXPECT_EQ(FileRecord::Unpack(records[2][0]).ToJson(), record.ToJson());
+  const std::string json = FileRecord::Unpack(records[2][0]).ToJson();
+  EXPECT_EQ(json.find('\n'), std::string::npos);
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+  EXPECT_EQ(NativeName::ToBytes(object["file"].toString()).toStdString(), record.file);
+  EXPECT_EQ(object["status"].toString(), "failed");
+  EXPECT_EQ(object["reason"].toString(), QString::fromUtf8("why \xE2\x82\xAC"));
+  EXPECT_EQ(object["baseUrlBefore"].toString().size(), 5);
+  EXPECT_DOUBLE_EQ(object["milliseconds"].toDouble(), 1002.003);
+  EXPECT_EQ(object["warnings"].toArray(), QJsonArray({"", "two"}));
 }
 
 TEST(JobBoard, NoItemIsLostOrDoneTwice) {

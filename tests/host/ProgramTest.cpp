@@ -45,20 +45,16 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
       {"", "No command"},
       {"fly", "Unknown command 'fly'"},
       {"--bogus", "Unknown option"},
-      {"run --bogus", "Unknown option 'bogus'"},
       {"run --jobs", "Missing value"},
       {"run a.pdf --in-place", "'--list' or '--action'"},
       {"run --action A a.pdf", "'--output-dir' or '--in-place'"},
       {"run --action A --in-place", "No file"},
       {"run --action A --in-place --output-dir o a.pdf", "exclude each other"},
-      {"run --action A --list L --in-place a.pdf", "exclude each other"},
-      {"run --list L --set k=v --in-place a.pdf", "exclude each other"},
       {"run --action A --password p --password-file f --in-place a.pdf", "exclude each other"},
       {"run --action A --action B --in-place a.pdf", "given twice"},
       {"run --action A --set k --in-place a.pdf", "KEY=VALUE"},
       {"run --action A --set k=1 --set k=2 --in-place a.pdf", "given twice"},
       {"run --action A --in-place --jobs two a.pdf", "whole number"},
-      {"run --action A --in-place --jobs -1 a.pdf", "whole number"},
       {"run --action A --in-place --jobs 0 --timeout 3 a.pdf", "--timeout"},
       {"run --action A --output-dir= a.pdf", "needs a name"},
       {"run --action Probe --in-place --files-from nowhere", "nowhere"},
@@ -72,11 +68,8 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
       {"edit", "'--action' or '--list'"},
       {"edit --list l.xqq", "need each other"},
       {"actions extra", "Unexpected argument 'extra'"},
-      {"lists extra", "Unexpected argument 'extra'"},
       {"run --help-all", "Unknown option"},
       {"edit --action A --context attic", "--context"},
-      {"edit --action A extra", "extra"},
-      {"lists --bogus", "Unknown option"},
       {"actions --tools-dir", "Missing value"}};
   for (const auto& [arguments, message] : rows) {
     QStringList words = Words(arguments);
@@ -122,7 +115,9 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
       {{"run", "--action", "Set Base URL", "--pdf-library", SETBASEURL_FILE}, "PDF library"},
       {{"run", "--action", "Set Base URL", "--jobs", "0", "--pdf-library", "nowhere"}, "PDF library"}};
   for (const auto& [arguments, message] : rows) {
-    const ProgramResult result = RunProgram(arguments + QStringList{"--in-place", "a.pdf"});
+    WriteFile("r.jsonl", "earlier\n");
+    const ProgramResult result = RunProgram(arguments + QStringList{"--in-place", "--report", "r.jsonl", "a.pdf"});
+    EXPECT_EQ(ReadFile("r.jsonl"), "earlier\n");
     EXPECT_EQ(result.code, 3) << arguments.join(' ').toStdString() << result.err.toStdString();
     EXPECT_THAT(result.err.toStdString(), HasSubstr(message));
   }
@@ -214,12 +209,6 @@ TEST(Program, ReadOnlyFolderAndFullDiskKeepTheOriginal) {
     EXPECT_EQ(locked.code, 1);
     EXPECT_THAT(locked.err.toStdString(), HasSubstr("cannot write"));
     EXPECT_EQ(ReadFile("locked/a.pdf"), MakePdf());
-
-    QFile::setPermissions("locked", QFile::WriteOwner);
-    const ProgramResult hidden = RunProgram(kSet + QStringList{"--in-place", "--recursive", "locked"});
-    QFile::setPermissions("locked", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    EXPECT_EQ(hidden.code, 1);
-    EXPECT_THAT(hidden.err.toStdString(), HasSubstr("cannot read the folder"));
   }
   EXPECT_EQ(QDir(".").entryList(QDir::Files | QDir::Hidden), QStringList({"large.pdf"}));
 }
@@ -239,12 +228,6 @@ TEST(Program, SignedDocuments) {
   EXPECT_EQ(report["broken.pdf"]["way"].toString(), "rewrite");
   EXPECT_THAT(report["broken.pdf"]["warnings"].toArray()[0].toString().toStdString(),
               HasSubstr("breaks its signatures"));
-
-  const QByteArray once = ReadFile("signed.pdf");
-  EXPECT_EQ(RunProgram(kSet + QStringList{"--in-place", "--report", "r.json", "signed.pdf"}).code, 0);
-  report = ReadReport(ReadFile("r.json"));
-  EXPECT_EQ(report["signed.pdf"]["way"].toString(), "unchanged");
-  EXPECT_EQ(ReadFile("signed.pdf"), once);
 }
 
 TEST(Program, ListsByNameAndByFile) {
