@@ -29,13 +29,12 @@ void WriteFile(const QString& name, const QByteArray& content) {
 TEST(NativeName, AnyBytesComeBack) {
   std::string all;
   for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
-  const std::string names[] = {"plain.pdf",
-                               "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
-                               "\xFF\xFE",
-                               "cut \xE2\x82",
-                               "overlong \xC0\xAF",
-                               "surrogate \xED\xB2\x80",
-                               "above \xF4\x90\x80\x80",
+  // Cut short, overlong, a surrogate, above the last code point.
+  const std::string names[] = {"\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
+                               "\xE2\x82",
+                               "\xC0\xAF",
+                               "\xED\xB2\x80",
+                               "\xF4\x90\x80\x80",
                                "\x80\xC3\xA4\x80",
                                all,
                                ""};
@@ -128,17 +127,13 @@ TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {
 }
 
 TEST(JobBoard, NoItemIsLostOrDoneTwice) {
-  JobBoard board(4);
+  JobBoard board(3);
   EXPECT_EQ(board.Claim(11), 0U);
   EXPECT_EQ(board.Claim(12), 1U);
   EXPECT_TRUE(board.Settle(0));
   EXPECT_FALSE(board.Settle(0));
   EXPECT_EQ(board.Claim(11), 2U);
   EXPECT_THAT(board.HeldBy(11), testing::ElementsAre(2U));
-  // Its worker dies; the next one goes on.
-  EXPECT_TRUE(board.Settle(2));
-  EXPECT_EQ(board.Claim(13), 3U);
-  EXPECT_EQ(board.Claim(13), std::nullopt);
   // As if the claim of the last item had not been completed: it is found again, and nothing else.
   JobBoard cut(2);
   EXPECT_EQ(cut.Claim(11), 0U);
