@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -51,16 +52,25 @@ std::vector<std::string> SortedWords(const std::string& text) {
   return words;
 }
 
-bool HoldsAllWords(const std::string& all, const std::string& some) {
-  const auto more = SortedWords(all);
-  const auto less = SortedWords(some);
-  return std::includes(more.begin(), more.end(), less.begin(), less.end());
-}
-
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : text.substr(0, 60)) quoted += c < 0x20 || c > 0x7E ? '.' : c;
   return quoted + (text.size() > 60 ? "...\"" : "\"");
+}
+
+std::vector<std::string> WordsMissing(const std::string& before, const std::string& after) {
+  const auto had = SortedWords(before);
+  const auto has = SortedWords(after);
+  std::vector<std::string> missing;
+  std::set_difference(had.begin(), had.end(), has.begin(), has.end(), std::back_inserter(missing));
+  return missing;
+}
+
+std::string LostText(std::size_t page, const std::string& before, const std::string& after) {
+  std::string missing;
+  for (const std::string& word : WordsMissing(before, after)) missing += missing.empty() ? word : ' ' + word;
+  return "text lost: page " + std::to_string(page + 1) + " had " + Quoted(before) + " and has " + Quoted(after) +
+         ", which misses " + Quoted(missing);
 }
 
 }  // namespace
@@ -116,8 +126,9 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
   std::size_t next = 0;
   for (std::size_t page = 0; page < count && losses.empty(); ++page) {
     const std::string& text = before.pages[page].text;
+    if (text.empty()) continue;
     const auto equal = [&](const PageReading& p) { return p.text == text; };
-    const auto holds = [&](const PageReading& p) { return HoldsAllWords(p.text, text); };
+    const auto holds = [&](const PageReading& p) { return WordsMissing(text, p.text).empty(); };
     const auto start = after.pages.begin() + static_cast<std::ptrdiff_t>(next);
     auto found = std::find_if(start, after.pages.end(), equal);
     if (found == after.pages.end()) {
@@ -125,9 +136,7 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
       more = more || found != after.pages.end();
     }
     if (found == after.pages.end()) {
-      const std::string now = page < after.pages.size() ? after.pages[page].text : std::string();
-      losses.push_back("text lost: page " + std::to_string(page + 1) + " had " + Quoted(text) + " and has " +
-                       Quoted(now));
+      losses.push_back(LostText(page, text, page < after.pages.size() ? after.pages[page].text : std::string()));
     } else {
       next = static_cast<std::size_t>(found - after.pages.begin()) + (count > 1 ? 1 : 0);
     }
