@@ -167,7 +167,7 @@ class Fuzzer {
               << std::endl;
   }
 
-  static bool ReadsPages(const Attempt& attempt) { return attempt.reading.opened && attempt.reading.pageCount > 0; }
+  static bool ReadsPages(const Attempt& attempt) { return attempt.reading.HasPages(); }
 
   void CountRefused() {
     const auto readable = std::count_if(before_.begin(), before_.end(), ReadsPages);
@@ -181,7 +181,7 @@ class Fuzzer {
     auto& counts = counts_.readers[i];
     const Attempt& before = before_[i];
     if (!before.failure.empty()) return Allowed(i, "the reader itself failed before", before.failure);
-    if (!before.reading.opened) {
+    if (!before.reading.HasPages()) {
       ++counts["not read before"];
       return;
     }
@@ -217,7 +217,8 @@ class Fuzzer {
   const char* ReadLikeThisBefore(std::size_t i, const Reading& after) const {
     if (SamePages(before_[i].reading, after)) return nullptr;
     for (std::size_t other = 0; other < kReaders.size(); ++other) {
-      if (other != i && ReadsPages(before_[other]) && SamePages(before_[other].reading, after)) {
+      const Reading& theirs = before_[other].reading;
+      if (other != i && theirs.HasText() && SamePages(theirs, after)) {
         return kReaders[other].name;
       }
     }

@@ -114,7 +114,7 @@ Reading ReadWithMupdf(const std::string& file) {
   if (pdf != nullptr) reading.pageCount = static_cast<std::uint64_t>(count);
   for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = Words(Taken(context, TextOf(context, document, page)));
-    reading.pages.push_back({std::move(text), HashOf(Taken(context, ContentOf(context, pdf, page)))});
+    reading.pages.push_back({std::move(text), HashOf(Words(Taken(context, ContentOf(context, pdf, page))))});
   }
   if (pdf != nullptr) reading.baseUrl = BaseUrlOf(context, pdf);
   fz_drop_document(context, document);

@@ -54,7 +54,7 @@ Reading ReadWithPoppler(const std::string& file) {
   reading.pageCount = static_cast<std::uint64_t>(std::max(0, document.getNumPages()));
   for (int page = 1; page <= static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = TextOf(document, page);
-    reading.pages.push_back({std::move(text), HashOf(ContentOf(document, page))});
+    reading.pages.push_back({std::move(text), HashOf(Words(ContentOf(document, page)))});
   }
   return reading;
 }

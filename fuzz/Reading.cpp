@@ -104,6 +104,10 @@ Reading Reading::FromBytes(const std::string& bytes) {
   return reading;
 }
 
+bool Reading::HasText() const {
+  return std::any_of(pages.begin(), pages.end(), [](const PageReading& page) { return !page.text.empty(); });
+}
+
 bool operator==(const Reading& a, const Reading& b) {
   return a.ToBytes() == b.ToBytes();
 }
@@ -115,7 +119,7 @@ bool SamePages(const Reading& a, const Reading& b) {
 }
 
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more) {
-  if (!before.opened) return {};
+  if (!before.HasPages()) return {};
   if (!after.opened) return {"does not open any more"};
   std::vector<std::string> losses;
   if (after.pageCount < before.pageCount) {

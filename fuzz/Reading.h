@@ -11,7 +11,7 @@ constexpr std::size_t kMaxPagesRead = 60;
 /// A page as one reader reads it.
 struct PageReading {
   std::string text;           ///< the words, one blank between two; of libqpdf, the decoded content stream instead
-  std::uint64_t content = 0;  ///< hash of the decoded content stream, which can be compared between readers
+  std::uint64_t content = 0;  ///< hash of the decoded content stream's tokens, which can be compared between readers
 };
 
 /// What one reader reads in a file.
@@ -21,6 +21,9 @@ struct Reading {
   std::uint64_t objects = 0;  ///< objects reached from the catalog; 0 of readers that are not asked
   std::uint64_t pageCount = 0;
   std::vector<PageReading> pages;  ///< the first kMaxPagesRead of them
+
+  bool HasPages() const { return opened && pageCount > 0; }
+  bool HasText() const;
 
   /// For the way through a pipe. FromBytes() throws std::runtime_error when bytes are missing.
   std::string ToBytes() const;
