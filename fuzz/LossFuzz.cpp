@@ -114,7 +114,6 @@ class Fuzzer {
     folder_ = name;
     in_ = folder_ / "in.pdf";
     out_ = folder_ / "out.pdf";
-    fs::create_directories(options.findings);
   }
   ~Fuzzer() { fs::remove_all(folder_); }
   Fuzzer(const Fuzzer&) = delete;
@@ -161,10 +160,16 @@ class Fuzzer {
  private:
   void Violated(const std::string& what) {
     ++counts_.violations;
-    const fs::path reproducer = options_.findings / (current_.name + ".pdf");
-    WriteFile(reproducer, current_.bytes);
+    const fs::path reproducer = Keep(options_.findings);
     std::cout << "violated: " << what << "\n  " << current_.history << "\n  reproducer: " << reproducer.string()
               << std::endl;
+  }
+
+  fs::path Keep(const fs::path& folder) const {
+    fs::create_directories(folder);
+    fs::path file = folder / (current_.name + ".pdf");
+    WriteFile(file, current_.bytes);
+    return file;
   }
 
   static bool ReadsPages(const Attempt& attempt) { return attempt.reading.HasPages(); }
@@ -232,7 +237,7 @@ class Fuzzer {
   void Allowed(std::size_t i, const std::string& why, const std::string& what) {
     ++counts_.readers[i]["allowed, " + why];
     std::cout << "allowed: " << kReaders[i].name << ", " << mode_ << ": " << why << " (" << what << ")\n  "
-              << current_.name << ": " << current_.history << std::endl;
+              << current_.history << "\n  file: " << Keep(options_.findings / "allowed").string() << std::endl;
   }
 
   struct Case {

@@ -111,12 +111,15 @@ Reading ReadWithMupdf(const std::string& file) {
   const int count = CountPages(context, file.c_str(), &document);
   reading.opened = count >= 0;
   pdf_document* const pdf = reading.opened ? pdf_document_from_fz_document(context, document) : nullptr;
-  if (pdf != nullptr) reading.pageCount = static_cast<std::uint64_t>(count);
+  if (pdf != nullptr) {
+    reading.pageCount = static_cast<std::uint64_t>(count);
+    // Asked first: damage on a page may make the library read the whole file another way.
+    reading.baseUrl = BaseUrlOf(context, pdf);
+  }
   for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = Words(Taken(context, TextOf(context, document, page)));
     reading.pages.push_back({std::move(text), HashOf(Words(Taken(context, ContentOf(context, pdf, page))))});
   }
-  if (pdf != nullptr) reading.baseUrl = BaseUrlOf(context, pdf);
   fz_drop_document(context, document);
   fz_drop_context(context);
   return reading;
