@@ -274,6 +274,12 @@ TEST(Program, ShowsActionsHelpVersionAndUrls) {
   EXPECT_EQ(RunProgram({"actions"}).out, "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\n");
   const QJsonArray actions = QJsonDocument::fromJson(RunProgram({"actions", "--json"}).out).array();
   EXPECT_EQ(actions[0]["flags"].toInt(), 15);
+  EXPECT_EQ(RunProgram({"actions"}).err, "");
+  const ProgramResult probe = RunProgram({"actions", "--tools-dir", QFileInfo(PROBEACTION_FILE).path()});
+  EXPECT_EQ(probe.code, 0);
+  EXPECT_THAT(probe.err.toStdString(),
+              testing::MatchesRegex("[^\n]*Probe: :/Vorlane/Resources/HelpFiles/Probe.html is not [^\n]*\n"
+                                    "[^\n]*Probe: :/Vorlane/Resources/Tools/Probe_Selected.png is not [^\n]*\n"));
   EXPECT_THAT(RunProgram({"--version"}).out.toStdString(), testing::MatchesRegex("vorlane-run [0-9.]+\n"));
   EXPECT_THAT(RunProgram({"--help"}).out.toStdString(), HasSubstr("Exit codes"));
   EXPECT_THAT(RunProgram({"run", "--help"}).out.toStdString(), HasSubstr("vorlane-run run [options] FILE..."));
