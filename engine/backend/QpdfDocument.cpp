@@ -268,6 +268,17 @@ int QpdfDocument::PageCount() {
   return Ask([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
 }
 
+std::vector<ObjectId> QpdfDocument::Pages() {
+  return Ask([&] {
+    std::vector<ObjectId> pages;
+    for (const QPDFObjectHandle& page : qpdf_->getAllPages()) {
+      const QPDFObjGen id = page.getObjGen();
+      pages.push_back({static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())});
+    }
+    return pages;
+  });
+}
+
 BackendDocument::PageGeometry QpdfDocument::Page(int page) {
   return Ask([&] {
     QPDFPageObjectHelper helper(qpdf_->getAllPages().at(static_cast<std::size_t>(page) - 1));
@@ -282,6 +293,19 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
     if (rotate.isInteger()) geometry.rotation = static_cast<int>((rotate.getIntValue() % 360 + 360) % 360) / 90 * 90;
     return geometry;
   });
+}
+
+BackendDocument::Encryption QpdfDocument::EncryptionMethod() {
+  int revision = 0;
+  int permissions = 0;
+  int version = 0;
+  QPDF::encryption_method_e streams = QPDF::e_none;
+  QPDF::encryption_method_e strings = QPDF::e_none;
+  QPDF::encryption_method_e files = QPDF::e_none;
+  if (!qpdf_->isEncrypted(revision, permissions, version, streams, strings, files)) return {};
+  const QPDF::encryption_method_e method = streams != QPDF::e_none ? streams : strings;
+  const bool aes = method == QPDF::e_aes || method == QPDF::e_aesv3;
+  return {aes ? 2 : 1, static_cast<int>(qpdf_->getEncryptionKey().size()) * 8};
 }
 
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {

@@ -19,8 +19,10 @@ class QpdfDocument : public BackendDocument {
   static std::unique_ptr<QpdfDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password);
 
   int PageCount() override;
+  std::vector<ObjectId> Pages() override;
   PageGeometry Page(int page) override;
   bool Encrypted() override { return qpdf_->isEncrypted(); }
+  Encryption EncryptionMethod() override;
   PasswordMatch OpenedWith() override { return {qpdf_->userPasswordMatched(), qpdf_->ownerPasswordMatched()}; }
   PasswordMatch Check(const std::string& password) override;
   bool Linearized() override;
