@@ -20,19 +20,19 @@ bool IsEndOfLine(char character) {
 
 }  // namespace
 
-BackendInputSource::BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits)
-    : file_(std::move(file)), edits_(std::move(edits)), name_(file_->Path()) {}
+BackendInputSource::BackendInputSource(View view) : view_(std::move(view)), name_(view_.file->Path()) {}
+
+qpdf_offset_t BackendInputSource::Size() const {
+  return static_cast<qpdf_offset_t>(view_.file->Size() + view_.appended.size());
+}
 
 // What stands at the position, without moving on.
 std::size_t BackendInputSource::ReadFile(char* target, std::size_t length) const {
-  const std::size_t got = file_->ReadAt(static_cast<std::uint64_t>(position_), target, length);
-  const qpdf_offset_t end = position_ + static_cast<qpdf_offset_t>(got);
-  for (const Edit& edit : edits_) {
-    qpdf_offset_t at = edit.offset;
-    for (const char byte : edit.bytes) {
-      if (at >= position_ && at < end) target[at - position_] = byte;
-      ++at;
-    }
+  std::size_t got = view_.file->ReadAt(static_cast<std::uint64_t>(position_), target, length);
+  const auto fileEnd = static_cast<qpdf_offset_t>(view_.file->Size());
+  const qpdf_offset_t reached = position_ + static_cast<qpdf_offset_t>(got);
+  if (got < length && reached >= fileEnd && reached < Size()) {
+    got += view_.appended.copy(target + got, length - got, static_cast<std::size_t>(reached - fileEnd));
   }
   return got;
 }
@@ -62,7 +62,7 @@ qpdf_offset_t BackendInputSource::findAndSkipNextEOL() {
 void BackendInputSource::seek(qpdf_offset_t offset, int whence) {
   const qpdf_offset_t base = whence == SEEK_SET   ? 0
                              : whence == SEEK_CUR ? position_
-                                                  : static_cast<qpdf_offset_t>(file_->Size());
+                                                  : Size();
   if (offset < -base) throw std::runtime_error(name_ + ": seek before the start");
   position_ = base + offset;
 }

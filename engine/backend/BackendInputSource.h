@@ -4,22 +4,21 @@
 #include <memory>
 #include <qpdf/InputSource.hh>
 #include <string>
-#include <vector>
 
 #include "engine/base/InputFile.h"
 
 namespace engine {
 
-// An InputFile as the parser reads it: in blocks, since it asks for a few bytes at a time.
+// A file as the parser reads it: in blocks, since it asks for a few bytes at a time.
 class BackendInputSource : public InputSource {
  public:
-  // Bytes that the parser sees in place of the file's own.
-  struct Edit {
-    qpdf_offset_t offset;
-    std::string bytes;
+  // What the parser reads: a file, and bytes after its end that are in memory only.
+  struct View {
+    std::shared_ptr<const InputFile> file;
+    std::string appended;
   };
 
-  explicit BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits = {});
+  explicit BackendInputSource(View view);
 
   qpdf_offset_t findAndSkipNextEOL() override;
   std::string const& getName() const override { return name_; }
@@ -36,8 +35,9 @@ class BackendInputSource : public InputSource {
   const char* Here() const { return block_.data() + (position_ - blockStart_); }
   std::size_t Left() const { return block_.size() - static_cast<std::size_t>(position_ - blockStart_); }
 
-  std::shared_ptr<const InputFile> file_;
-  std::vector<Edit> edits_;
+  qpdf_offset_t Size() const;
+
+  const View view_;
   std::string name_;
   qpdf_offset_t position_ = 0;
   std::string block_;

@@ -8,14 +8,15 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 #include <qpdf/QPDFXRefEntry.hh>
-#include <qpdf/QUtil.hh>
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
-#include "engine/backend/CryptFilters.h"
-#include "engine/backend/ObjectStreamGuard.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
+#include "engine/backend/ParserOpening.h"
 #include "engine/backend/SignatureSearch.h"
+#include "engine/backend/Soundness.h"
 #include "engine/backend/StringCipher.h"
 #include "engine/backend/XrefStreamGuard.h"
 #include "engine/base/EngineError.h"
@@ -25,12 +26,6 @@
 namespace engine {
 
 namespace {
-
-// Where memory runs out, the parser often goes on: with a broken object, and a warning that quotes the exception.
-bool TellsOfLackOfMemory(const std::string& message) {
-  static const std::string exception = std::bad_alloc().what();
-  return message.find(exception) != std::string::npos;
-}
 
 // The parser's exceptions as the engine's.
 template <typename Body>
@@ -64,36 +59,6 @@ bool TellsOfRepair(const QPDFExc& warning) {
 bool RepairIsBounded(const InputFile& file) {
   constexpr std::uint64_t kLargestWithHoles = std::uint64_t{1} << 30;
   return !file.Sparse() || file.Size() <= kLargestWithHoles;
-}
-
-// Null when the password does not fit.
-std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password,
-                              const std::vector<BackendInputSource::Edit>& edits = {}) {
-  std::shared_ptr<QPDF> document = QPDF::create();
-  document->setSuppressWarnings(true);
-  document->setAttemptRecovery(RepairIsBounded(*file));
-  try {
-    document->processInputSource(std::make_shared<BackendInputSource>(file, edits), password.c_str());
-  } catch (const QPDFExc& error) {
-    if (error.getErrorCode() == qpdf_e_password) return nullptr;
-    for (const QPDFExc& warning : document->getWarnings()) {
-      if (TellsOfLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
-    }
-    throw;
-  }
-  const std::vector<BackendInputSource::Edit> needed = EditsOfCryptFilters(*document, *file);
-  if (needed.empty()) return document;
-  if (!edits.empty()) throw EngineError(kErrorUnsupportedSecurity, "the crypt filters cannot be read");
-  return TryOpen(file, password, needed);
-}
-
-// Old security handlers take passwords in PDFDocEncoding or what a producer thought it was, new ones in UTF-8.
-std::vector<std::string> Encodings(const std::string& password) {
-  std::vector<std::string> encodings = {password};
-  for (std::string& other : QUtil::possible_repaired_encodings(password)) {
-    if (std::find(encodings.begin(), encodings.end(), other) == encodings.end()) encodings.push_back(std::move(other));
-  }
-  return encodings;
 }
 
 std::string BaseUrlOf(QPDFObjectHandle catalog) {
@@ -232,40 +197,81 @@ std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_ptr<const InputFile> file,
                                                      const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  document->file_ = std::move(file);
+  const InputFile& source = *document->file_;
   // The parser would search the whole of it for a header.
-  if (!RepairIsBounded(*file) && !HasHeader(*file)) throw EngineError(kErrorNotPdf, "no header");
-  if (origin == Origin::kOutside) GuardXrefStreams(*file);
+  if (!RepairIsBounded(source) && !HasHeader(source)) throw EngineError(kErrorNotPdf, "no header");
   try {
-    for (std::string& encoded : Encodings(password)) {
-      document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });
-      document->password_ = std::move(encoded);
-      if (document->qpdf_ != nullptr) break;
+    if (origin == Origin::kOutside) {
+      document->Load(password);
+    } else {
+      document->OpenView(password, Recovery::kOff);
     }
-    if (document->qpdf_ != nullptr) {
-      if (origin == Origin::kOutside) document->Guard(file);
-      document->Ask([&] { return document->qpdf_->getRoot(); });
-    }
+    document->Ask([&] { return document->qpdf_->getRoot(); });
   } catch (const EngineError& error) {
-    if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
+    if (error.code() == kErrorDamaged && !HasHeader(source)) throw EngineError(kErrorNotPdf, error.what());
     throw;
   }
-  if (document->qpdf_ == nullptr) {
-    throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
-  }
-  document->file_ = std::move(file);
   return document;
 }
 
-void QpdfDocument::Guard(const std::shared_ptr<const InputFile>& file) {
-  const bool repairedBefore = Repaired();
-  Ask([&] {
-    GuardObjectStreams(*qpdf_, file->Size());
-    return true;
+// Opens the document as it is if it is sound, otherwise repaired, otherwise as the parser rebuilds it.
+void QpdfDocument::Load(const std::string& password) {
+  GuardXrefStreams(*file_);
+  FileRepair repair(file_);
+  bool opened = false;
+  try {
+    OpenView(password, Recovery::kOff);
+    if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    opened = true;
+  } catch (const EngineError& error) {
+    if (error.code() != kErrorDamaged || !RepairIsBounded(*file_)) throw;
+  }
+  const std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
+  try {
+    Repair(repair, password);
+    return;
+  } catch (const EngineError& error) {
+    if (error.code() != kErrorDamaged) throw;
+  }
+  if (opened) {
+    qpdf_ = asItIs;
+    return;
+  }
+  OpenView(password, Recovery::kOn);
+  repaired_ = true;
+  Ask([&] { return ObjectStreams(file_->Size()).Check(*qpdf_); });
+}
+
+void QpdfDocument::OpenView(const std::string& password, Recovery recovery) {
+  recovery_ = recovery;
+  OpenWith(password, [&](const std::string& encoded) {
+    view_ = {file_, ""};
+    return OpenParser(view_, encoded, recovery);
   });
-  if (Repaired() == repairedBefore) return;
-  // The guard came upon damage in a part that may never be asked for; a repair can also lose what is still sound.
-  qpdf_ = Translated([&] { return TryOpen(file, password_); });
-  repaired_ = false;
+}
+
+void QpdfDocument::Repair(FileRepair& repair, const std::string& password) {
+  recovery_ = Recovery::kOff;
+  OpenWith(password, [&](const std::string& encoded) {
+    FileRepair::Result result = repair.Open(encoded);
+    view_ = std::move(result.view);
+    repairedTail_ = std::move(result.tail);
+    return result.document;
+  });
+  repaired_ = true;
+}
+
+// Opens the parser with the first encoding of the password that fits.
+void QpdfDocument::OpenWith(const std::string& password,
+                            const std::function<std::shared_ptr<QPDF>(const std::string&)>& open) {
+  for (std::string& encoded : PasswordEncodings(password)) {
+    qpdf_ = Translated([&] { return open(encoded); });
+    if (qpdf_ == nullptr) continue;
+    password_ = std::move(encoded);
+    return;
+  }
+  throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
 }
 
 std::unique_ptr<QpdfDocument> QpdfDocument::New() {
@@ -308,8 +314,9 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
   if (file_ == nullptr || !Encrypted()) return {};
   return Translated([&]() -> PasswordMatch {
-    for (const std::string& encoded : Encodings(password)) {
-      const std::shared_ptr<QPDF> opened = TryOpen(file_, encoded);
+    for (const std::string& encoded : PasswordEncodings(password)) {
+      BackendInputSource::View view = view_;
+      const std::shared_ptr<QPDF> opened = OpenParser(view, encoded, recovery_);
       if (opened != nullptr) return {opened->userPasswordMatched(), opened->ownerPasswordMatched()};
     }
     return {};

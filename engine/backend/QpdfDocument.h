@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <qpdf/QPDF.hh>
 #include <string>
 #include <vector>
 
+#include "engine/backend/BackendInputSource.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/ParserOpening.h"
 #include "engine/document/BackendDocument.h"
 
 namespace engine {
@@ -43,12 +48,19 @@ class QpdfDocument : public BackendDocument {
   template <typename Body>
   auto Ask(Body&& body);
   void NoteWarnings();
-  void Guard(const std::shared_ptr<const InputFile>& file);
+  void Load(const std::string& password);
+  void OpenView(const std::string& password, Recovery recovery);
+  void Repair(FileRepair& repair, const std::string& password);
+  void OpenWith(const std::string& password,
+                const std::function<std::shared_ptr<QPDF>(const std::string& encoded)>& open);
   std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved, const Changes& changes) const;
 
   std::shared_ptr<const InputFile> file_;  // null for a new document
   std::string password_;                   // the encoding of it that opened the document
   std::shared_ptr<QPDF> qpdf_;
+  BackendInputSource::View view_;  // what the parser was shown
+  Recovery recovery_ = Recovery::kOff;
+  std::optional<FileTail> repairedTail_;  // of a document that was repaired by a section of its own
   bool repaired_ = false;
   bool outOfMemory_ = false;
 };
