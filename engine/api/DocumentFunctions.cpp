@@ -91,7 +91,7 @@ int HPLGetDocumentRepaired(int instance) {
 }
 
 int HPLIsLinearized(int instance) {
-  return Trap<int>(instance, [](Call& call) { return call.Selected().Full().Linearized() ? 1 : 0; });
+  return Trap<int>(instance, [](Call& call) { return call.Selected().Linearized() ? 1 : 0; });
 }
 
 int HPLEncryptionStatus(int instance) {
@@ -100,7 +100,7 @@ int HPLEncryptionStatus(int instance) {
 
 int HPLCheckPassword(int instance, void* password) {
   return Trap<int>(instance, {password}, [&](Call& call) {
-    const auto match = call.Selected().Full().Check(RawFromWide(call.Text(password)));
+    const auto match = call.Selected().CheckPassword(RawFromWide(call.Text(password)));
     return (match.user ? 1 : 0) + (match.owner ? 2 : 0);
   });
 }

@@ -7,7 +7,7 @@ using engine::Call;
 using engine::Trap;
 
 int HPLPageCount(int instance) {
-  return Trap<int>(instance, [](Call& call) { return call.Selected().Full().PageCount(); });
+  return Trap<int>(instance, [](Call& call) { return call.Selected().PageCount(); });
 }
 
 int HPLSelectPage(int instance, int page) {

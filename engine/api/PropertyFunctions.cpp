@@ -14,7 +14,7 @@
 using engine::Call;
 using engine::Document;
 using engine::EngineError;
-using engine::SavePlan;
+using engine::SaveMode;
 using engine::Trap;
 using engine::Utf8FromWide;
 using engine::WideFromUtf8;
@@ -25,13 +25,13 @@ namespace {
 constexpr const char* kInformationKeys[] = {nullptr,   "Author",   "Title",        "Subject", "Keywords",
                                             "Creator", "Producer", "CreationDate", "ModDate"};
 
-const char* NameOf(SavePlan::Way way) {
-  switch (way) {
-    case SavePlan::Way::kUnchanged:
+const char* NameOf(SaveMode mode) {
+  switch (mode) {
+    case SaveMode::kUnchanged:
       return "unchanged";
-    case SavePlan::Way::kIncremental:
+    case SaveMode::kIncremental:
       return "incremental";
-    case SavePlan::Way::kRewrite:
+    case SaveMode::kRewrite:
       break;
   }
   return "rewrite";
@@ -47,7 +47,7 @@ std::string InformationKey(int key) {
 std::string Fact(Document& document, int key) {
   switch (key) {
     case kInformationWayOfSaving:
-      return NameOf(document.Plan().way);
+      return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
     case kInformationSignatures:

@@ -22,10 +22,6 @@ std::unique_ptr<BackendDocument> QpdfBackend::Open(std::shared_ptr<const InputFi
   return QpdfDocument::Open(std::move(file), password);
 }
 
-std::unique_ptr<BackendDocument> QpdfBackend::New() {
-  return QpdfDocument::New();
-}
-
 std::vector<std::string> QpdfBackend::FontFamilies(const std::string& language) {
   const Owned<FcPattern> pattern(FcPatternCreate(), FcPatternDestroy);
   const Owned<FcObjectSet> properties(FcObjectSetBuild(FC_FAMILY, nullptr), FcObjectSetDestroy);

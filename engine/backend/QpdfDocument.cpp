@@ -8,6 +8,7 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 #include <qpdf/QPDFXRefEntry.hh>
+#include <set>
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
@@ -22,6 +23,9 @@
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/syntax/LiteralString.h"
+#include "engine/syntax/MapStrings.h"
 
 namespace engine {
 
@@ -61,46 +65,9 @@ bool RepairIsBounded(const InputFile& file) {
   return !file.Sparse() || file.Size() <= kLargestWithHoles;
 }
 
-std::string BaseUrlOf(QPDFObjectHandle catalog) {
-  QPDFObjectHandle uri = catalog.getKey("/URI");
-  if (!uri.isDictionary()) return {};
-  QPDFObjectHandle base = uri.getKey("/Base");
-  return base.isString() ? base.getStringValue() : std::string();
-}
-
 // A copy of the entry's dictionary, or a new one in place of a missing or broken one.
 QPDFObjectHandle DictionaryCopy(QPDFObjectHandle object) {
   return object.isDictionary() ? object.shallowCopy() : QPDFObjectHandle::newDictionary();
-}
-
-void SetBaseUrl(QPDFObjectHandle catalog, const std::string& url) {
-  QPDFObjectHandle uri = DictionaryCopy(catalog.getKey("/URI"));
-  if (url.empty()) {
-    uri.removeKey("/Base");
-  } else {
-    uri.replaceKey("/Base", QPDFObjectHandle::newString(url));
-  }
-  if (uri.getKeys().empty()) {
-    catalog.removeKey("/URI");
-  } else {
-    catalog.replaceKey("/URI", uri);
-  }
-}
-
-std::string InformationOf(QPDFObjectHandle information, const std::string& key) {
-  if (!information.isDictionary()) return {};
-  QPDFObjectHandle value = information.getKey("/" + key);
-  return value.isString() ? value.getUTF8Value() : std::string();
-}
-
-void SetInformation(QPDFObjectHandle information, const Changes& changes) {
-  for (const auto& [key, value] : changes.information) {
-    if (value.empty()) {
-      information.removeKey("/" + key);
-    } else {
-      information.replaceKey("/" + key, QPDFObjectHandle::newUnicodeString(value));
-    }
-  }
 }
 
 bool IsIdentifier(QPDFObjectHandle id) {
@@ -153,18 +120,47 @@ bool SamePlace(const QPDFXRefEntry& one, const QPDFXRefEntry& other) {
                                         one.getObjStreamIndex() == other.getObjStreamIndex();
 }
 
-ObjectId IdOf(QPDFObjectHandle object) {
-  return {static_cast<std::uint32_t>(object.getObjectID()), static_cast<std::uint32_t>(object.getGeneration())};
+QPDFObjGen IdOf(ObjectId id) {
+  return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
-void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& value) {
-  for (FileTail::Entry& entry : tail.entries) {
-    if (entry.key == key) {
-      entry.value = value;
-      return;
-    }
+// Gives an object another value for a while.
+class ScopedObject {
+ public:
+  ScopedObject(QPDF& document, QPDFObjGen id, QPDFObjectHandle value)
+      : document_(document), id_(id), old_(document.getObject(id).shallowCopy()) {
+    document_.replaceObject(id_, value);
   }
-  tail.entries.push_back({key, value});
+  ~ScopedObject() { document_.replaceObject(id_, old_); }
+  ScopedObject(const ScopedObject&) = delete;
+  ScopedObject& operator=(const ScopedObject&) = delete;
+
+ private:
+  QPDF& document_;
+  QPDFObjGen id_;
+  QPDFObjectHandle old_;
+};
+
+// Whether what `set` holds directly is in `found` too. Objects have other numbers there; references are not followed.
+bool Holds(QPDFObjectHandle found, QPDFObjectHandle set) {
+  if (set.isDictionary()) {
+    if (!found.isDictionary()) return false;
+    for (const auto& [key, value] : set.getDictAsMap()) {
+      // The parser's writer keeps that entry itself.
+      if (value.isIndirect() || QPDFObjectHandle(value).isNull() || key == "/Extensions") continue;
+      if (!Holds(found.getKey(key), value)) return false;
+    }
+    return true;
+  }
+  if (set.isArray()) {
+    if (!found.isArray() || found.getArrayNItems() != set.getArrayNItems()) return false;
+    for (int i = 0; i < set.getArrayNItems(); ++i) {
+      if (!set.getArrayItem(i).isIndirect() && !Holds(found.getArrayItem(i), set.getArrayItem(i))) return false;
+    }
+    return true;
+  }
+  if (set.isString()) return found.isString() && found.getStringValue() == set.getStringValue();
+  return found.unparseResolved() == set.unparseResolved();
 }
 
 }  // namespace
@@ -274,23 +270,6 @@ void QpdfDocument::OpenWith(const std::string& password,
   throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
 }
 
-std::unique_ptr<QpdfDocument> QpdfDocument::New() {
-  std::unique_ptr<QpdfDocument> document(new QpdfDocument);
-  document->qpdf_ = QPDF::create();
-  document->qpdf_->emptyPDF();
-  const QPDFObjectHandle page = QPDFObjectHandle::parse("<< /Type /Page /MediaBox [0 0 612 792] /Resources << >> >>");
-  document->qpdf_->addPage(document->qpdf_->makeIndirectObject(page), false);
-  return document;
-}
-
-std::string QpdfDocument::BaseUrl() {
-  return Ask([&] { return BaseUrlOf(qpdf_->getRoot()); });
-}
-
-std::string QpdfDocument::Information(const std::string& key) {
-  return Ask([&] { return InformationOf(qpdf_->getTrailer().getKey("/Info"), key); });
-}
-
 int QpdfDocument::PageCount() {
   return Ask([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
 }
@@ -312,7 +291,7 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
 }
 
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
-  if (file_ == nullptr || !Encrypted()) return {};
+  if (!Encrypted()) return {};
   return Translated([&]() -> PasswordMatch {
     for (const std::string& encoded : PasswordEncodings(password)) {
       BackendInputSource::View view = view_;
@@ -324,7 +303,7 @@ BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) 
 }
 
 bool QpdfDocument::Linearized() {
-  return file_ != nullptr && Ask([&] { return qpdf_->isLinearized(); });
+  return Ask([&] { return qpdf_->isLinearized(); });
 }
 
 BackendDocument::Signatures QpdfDocument::FindSignatures() {
@@ -336,85 +315,106 @@ bool QpdfDocument::Repaired() {
   return repaired_;
 }
 
-ObjectId QpdfDocument::Root() {
-  return Ask([&] { return IdOf(qpdf_->getRoot()); });
-}
-
-std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail& tail) {
-  return Ask([&] {
-    std::vector<ChangedObject> objects;
-    const auto add = [&](ObjectId id, QPDFObjectHandle object) {
-      const StringCipher cipher = StringCipher::For(*qpdf_, id);
-      objects.push_back({id, ObjectWriter(cipher).Write(object)});
-    };
-    QPDFObjectHandle catalog = qpdf_->getRoot();
-    if (const auto table = qpdf_->getXRefTable(); !table.empty()) {
-      tail.size = std::max(tail.size, static_cast<std::uint32_t>(table.rbegin()->first.getObj()) + 1);
-    }
-    if (changes.baseUrl) {
-      QPDFObjectHandle changed = catalog.shallowCopy();
-      SetBaseUrl(changed, *changes.baseUrl);
-      add(tail.root, changed);
-    }
-    if (!changes.information.empty()) {
-      QPDFObjectHandle old = qpdf_->getTrailer().getKey("/Info");
-      QPDFObjectHandle changed = DictionaryCopy(old);
-      SetInformation(changed, changes);
-      ObjectId id = IdOf(old);
-      if (!old.isIndirect() || !old.isDictionary()) {
-        id = {tail.size++, 0};
-        SetTrailerEntry(tail, "/Info", std::to_string(id.number) + " 0 R");
-      }
-      add(id, changed);
-    }
-    return objects;
+std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
+  return Ask([&]() -> std::optional<std::string> {
+    QPDFObjectHandle object = qpdf_->getObject(IdOf(id));
+    if (object.isStream()) return std::nullopt;
+    // The parser tells nobody where it found the objects of a file that it rebuilt.
+    if (recovery_ == Recovery::kOn) return ObjectWriter().Write(object);
+    if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
+    std::optional<std::string> text = raw_->Text(id);
+    return text ? std::move(*text) : ObjectWriter().Write(object);
   });
 }
 
-// The saved document if it is sound and holds the changes, otherwise null.
-std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved,
-                                                      const Changes& changes) const {
+std::string QpdfDocument::TrailerValue(const std::string& key) {
+  return Ask([&] {
+    QPDFObjectHandle value = qpdf_->getTrailer().getKey(key);
+    if (value.isIndirect()) return value.unparse();
+    return value.isNull() ? std::string() : ObjectWriter().Write(value);
+  });
+}
+
+std::uint32_t QpdfDocument::FirstFreeNumber() {
+  if (repairedTail_) return repairedTail_->size;
+  const auto entries = qpdf_->getXRefTable();
+  const std::uint32_t afterLast = entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
+  const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
+  return tail ? std::max(tail->size, afterLast) : afterLast;
+}
+
+std::optional<FileTail> QpdfDocument::Tail() {
+  if (repairedTail_) return repairedTail_;
+  if (Repaired()) return std::nullopt;
+  std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
+  if (!tail || TrailerValue("/Root") != tail->root.Reference()) return std::nullopt;
+  tail->size = FirstFreeNumber();
+  return tail;
+}
+
+std::string QpdfDocument::EncryptStrings(ObjectId id, const std::string& text) {
+  return Ask([&] {
+    const StringCipher cipher = StringCipher::For(*qpdf_, id);
+    if (!cipher.Encrypts()) return text;
+    return MapStrings(text, [&](const std::string& bytes) { return HexString(cipher.Encrypt(bytes)); });
+  });
+}
+
+QPDFObjectHandle QpdfDocument::Parse(const std::string& text) {
+  // By itself a reference would be read as a number.
+  return QPDFObjectHandle::parse(qpdf_.get(), '[' + text + "\n]").getArrayItem(0);
+}
+
+std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved) const {
   try {
     std::unique_ptr<QpdfDocument> other = OpenFrom(Origin::kOwnSave, std::move(saved), password_);
-    if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return nullptr;
-    for (const auto& [key, value] : changes.information) {
-      if (other->Information(key) != value) return nullptr;
-    }
     return other->Repaired() ? nullptr : std::move(other);
   } catch (const EngineError&) {
     return nullptr;
   }
 }
 
-bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                                const std::vector<ChangedObject>& objects) {
-  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated), changes);
+bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
   const auto before = qpdf_->getXRefTable();
   const auto after = other->qpdf_->getXRefTable();
-  const auto kept = [&](const auto& entry) {
-    const QPDFObjGen id = entry.first;
-    if (std::any_of(objects.begin(), objects.end(),
-                    [&](const ChangedObject& object) { return static_cast<int>(object.id.number) == id.getObj(); })) {
-      return true;
-    }
+  std::set<int> edited;
+  for (const auto& [id, text] : edits.Objects()) edited.insert(IdOf(id).getObj());
+  for (const auto& [id, entry] : before) {
+    if (edited.count(id.getObj()) != 0) continue;
     const auto found = after.find(id);
-    return found != after.end() && SamePlace(entry.second, found->second);
-  };
-  return std::all_of(before.begin(), before.end(), kept);
+    if (found == after.end() || !SamePlace(entry, found->second)) return false;
+  }
+  try {
+    return other->Ask([&] {
+      for (const auto& [id, text] : edits.Objects()) {
+        QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
+        if (ObjectWriter().Write(found) != ObjectWriter().Write(other->Parse(text))) return false;
+      }
+      for (const auto& [key, value] : edits.Trailer()) {
+        if (other->TrailerValue(key) != value) return false;
+      }
+      return !other->Repaired();
+    });
+  } catch (const EngineError&) {
+    return false;
+  }
 }
 
-bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) {
-  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten), changes);
-  return other != nullptr && other->Encrypted() == Encrypted();
-}
-
-void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
+void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
+  std::map<QPDFObjGen, QPDFObjGen> numbers;
   Ask([&] {
-    QPDFObjectHandle catalog = qpdf_->getRoot();
+    std::vector<std::unique_ptr<ScopedObject>> objects;
+    for (const auto& [id, text] : edits.Objects()) {
+      objects.push_back(std::make_unique<ScopedObject>(*qpdf_, IdOf(id), Parse(text)));
+    }
     QPDFObjectHandle trailer = qpdf_->getTrailer();
-    const ScopedEntry uri(catalog, "/URI");
-    const ScopedEntry info(trailer, "/Info");
+    std::vector<std::unique_ptr<ScopedEntry>> entries;
+    for (const auto& [key, value] : edits.Trailer()) {
+      entries.push_back(std::make_unique<ScopedEntry>(trailer, key));
+      trailer.replaceKey(key, Parse(value));
+    }
     const ScopedEntry size(trailer, "/Size");
     const ScopedEntry oldId(trailer, "/ID");
     const ScopedEntry oldEncrypt(trailer, "/Encrypt");
@@ -429,12 +429,6 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
       encrypt.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
       trailer.replaceKey("/Encrypt", encrypt);
     }
-    if (changes.baseUrl) SetBaseUrl(catalog, *changes.baseUrl);
-    if (!changes.information.empty()) {
-      QPDFObjectHandle changed = DictionaryCopy(trailer.getKey("/Info"));
-      SetInformation(changed, changes);
-      trailer.replaceKey("/Info", qpdf_->makeIndirectObject(changed));
-    }
     // The writer would inflate metadata, whatever comes out of it.
     for (QPDFObjectHandle& object : qpdf_->getAllObjects()) {
       if (object.isStream()) object.setFilterOnWrite(false);
@@ -445,8 +439,32 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.write();
     pipeline.ThrowFailure();
+    for (const auto& [id, text] : edits.Objects()) numbers[IdOf(id)] = writer.getRenumberedObjGen(IdOf(id));
     return true;
   });
+  file_->CheckUnchanged();
+  if (!VerifyRewrite(output.ReadBack(), edits, numbers)) {
+    throw EngineError(kErrorDamaged, "the rewritten document does not read back");
+  }
+}
+
+// Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere. `numbers`
+// are the objects' new ones, 0 for one that nothing refers to.
+bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
+                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten));
+  if (other == nullptr || other->Encrypted() != Encrypted()) return false;
+  try {
+    return other->Ask([&] {
+      for (const auto& [id, text] : edits.Objects()) {
+        const QPDFObjGen number = numbers.at(IdOf(id));
+        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(text))) return false;
+      }
+      return true;
+    });
+  } catch (const EngineError&) {
+    return false;
+  }
 }
 
 }  // namespace engine
