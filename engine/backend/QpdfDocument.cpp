@@ -13,8 +13,10 @@
 
 #include "engine/backend/BackendInputSource.h"
 #include "engine/backend/FileRepair.h"
+#include "engine/backend/NameEscapes.h"
 #include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
+#include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
 #include "engine/backend/SignatureSearch.h"
 #include "engine/backend/Soundness.h"
@@ -74,21 +76,6 @@ bool IsIdentifier(QPDFObjectHandle id) {
   return id.isArray() && id.getArrayNItems() == 2 && id.getArrayItem(0).isString() && id.getArrayItem(1).isString();
 }
 
-// Gives a dictionary entry another value for a while.
-class ScopedEntry {
- public:
-  ScopedEntry(QPDFObjectHandle dictionary, std::string key)
-      : dictionary_(dictionary), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
-  ~ScopedEntry() { dictionary_.replaceKey(key_, old_); }
-  ScopedEntry(const ScopedEntry&) = delete;
-  ScopedEntry& operator=(const ScopedEntry&) = delete;
-
- private:
-  QPDFObjectHandle dictionary_;
-  std::string key_;
-  QPDFObjectHandle old_;
-};
-
 // The parser takes an exception out of a pipeline for a broken stream and goes on; this one keeps it.
 class OutputPipeline : public Pipeline {
  public:
@@ -124,22 +111,10 @@ QPDFObjGen IdOf(ObjectId id) {
   return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
-// Gives an object another value for a while.
-class ScopedObject {
- public:
-  ScopedObject(QPDF& document, QPDFObjGen id, QPDFObjectHandle value)
-      : document_(document), id_(id), old_(document.getObject(id).shallowCopy()) {
-    document_.replaceObject(id_, value);
-  }
-  ~ScopedObject() { document_.replaceObject(id_, old_); }
-  ScopedObject(const ScopedObject&) = delete;
-  ScopedObject& operator=(const ScopedObject&) = delete;
-
- private:
-  QPDF& document_;
-  QPDFObjGen id_;
-  QPDFObjectHandle old_;
-};
+QPDFObjectHandle Parse(QPDF& document, const std::string& text) {
+  // By itself a reference would be read as a number.
+  return QPDFObjectHandle::parse(&document, '[' + text + "\n]").getArrayItem(0);
+}
 
 // Whether what `set` holds directly is in `found` too. Objects have other numbers there; references are not followed.
 bool Holds(QPDFObjectHandle found, QPDFObjectHandle set) {
@@ -307,7 +282,9 @@ bool QpdfDocument::Linearized() {
 }
 
 BackendDocument::Signatures QpdfDocument::FindSignatures() {
-  return Ask([&] { return SearchSignatures(*qpdf_); });
+  // What is appended to a sound document harms no signature.
+  const bool appends = !Repaired() && !appendFailed_ && Tail();
+  return Ask([&] { return SearchSignatures(*qpdf_, appends ? SearchDepth::kFields : SearchDepth::kEverywhere); });
 }
 
 bool QpdfDocument::Repaired() {
@@ -360,11 +337,6 @@ std::string QpdfDocument::EncryptStrings(ObjectId id, const std::string& text) {
   });
 }
 
-QPDFObjectHandle QpdfDocument::Parse(const std::string& text) {
-  // By itself a reference would be read as a number.
-  return QPDFObjectHandle::parse(qpdf_.get(), '[' + text + "\n]").getArrayItem(0);
-}
-
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved) const {
   try {
     std::unique_ptr<QpdfDocument> other = OpenFrom(Origin::kOwnSave, std::move(saved), password_);
@@ -375,6 +347,11 @@ std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const Inpu
 }
 
 bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) {
+  appendFailed_ = !ReadsBack(std::move(updated), edits);
+  return !appendFailed_;
+}
+
+bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
   const auto before = qpdf_->getXRefTable();
@@ -390,7 +367,7 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
     return other->Ask([&] {
       for (const auto& [id, text] : edits.Objects()) {
         QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
-        if (ObjectWriter().Write(found) != ObjectWriter().Write(other->Parse(text))) return false;
+        if (ObjectWriter().Write(found) != ObjectWriter().Write(Parse(*other->qpdf_, text))) return false;
       }
       for (const auto& [key, value] : edits.Trailer()) {
         if (other->TrailerValue(key) != value) return false;
@@ -402,22 +379,24 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
   }
 }
 
+// Another parser of the document as it was loaded, to be changed before it is written.
+std::shared_ptr<QPDF> QpdfDocument::OpenCopy() {
+  BackendInputSource::View view = view_;
+  std::shared_ptr<QPDF> copy = OpenParser(view, password_, recovery_);
+  if (copy == nullptr) throw EngineError(kErrorDamaged, "the document cannot be read again");
+  copy->setAttemptRecovery(Repaired());
+  return copy;
+}
+
 void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
   std::map<QPDFObjGen, QPDFObjGen> numbers;
+  ReachableObjects expected;
   Ask([&] {
-    std::vector<std::unique_ptr<ScopedObject>> objects;
-    for (const auto& [id, text] : edits.Objects()) {
-      objects.push_back(std::make_unique<ScopedObject>(*qpdf_, IdOf(id), Parse(text)));
-    }
-    QPDFObjectHandle trailer = qpdf_->getTrailer();
-    std::vector<std::unique_ptr<ScopedEntry>> entries;
-    for (const auto& [key, value] : edits.Trailer()) {
-      entries.push_back(std::make_unique<ScopedEntry>(trailer, key));
-      trailer.replaceKey(key, Parse(value));
-    }
-    const ScopedEntry size(trailer, "/Size");
-    const ScopedEntry oldId(trailer, "/ID");
-    const ScopedEntry oldEncrypt(trailer, "/Encrypt");
+    const std::shared_ptr<QPDF> copy = OpenCopy();
+    for (const auto& [id, text] : edits.Objects()) copy->replaceObject(IdOf(id), Parse(*copy, text));
+    QPDFObjectHandle trailer = copy->getTrailer();
+    for (const auto& [key, value] : edits.Trailer()) trailer.replaceKey(key, Parse(*copy, value));
+    expected = ReachableObjects::Of(*copy);
     // The parser does without these entries and the key's /Length, but the writer goes by them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     if (!IsIdentifier(trailer.getKey("/ID"))) {
@@ -425,16 +404,17 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     }
     if (Encrypted()) {
       QPDFObjectHandle encrypt = DictionaryCopy(trailer.getKey("/Encrypt"));
-      const auto bits = static_cast<long long>(qpdf_->getEncryptionKey().size()) * 8;
+      const auto bits = static_cast<long long>(copy->getEncryptionKey().size()) * 8;
       encrypt.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
       trailer.replaceKey("/Encrypt", encrypt);
     }
+    EscapeNames(*copy);
     // The writer would inflate metadata, whatever comes out of it.
-    for (QPDFObjectHandle& object : qpdf_->getAllObjects()) {
+    for (QPDFObjectHandle& object : copy->getAllObjects()) {
       if (object.isStream()) object.setFilterOnWrite(false);
     }
     OutputPipeline pipeline(output);
-    QPDFWriter writer(*qpdf_);
+    QPDFWriter writer(*copy);
     writer.setOutputPipeline(&pipeline);
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.write();
@@ -443,22 +423,23 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     return true;
   });
   file_->CheckUnchanged();
-  if (!VerifyRewrite(output.ReadBack(), edits, numbers)) {
-    throw EngineError(kErrorDamaged, "the rewritten document does not read back");
+  if (!VerifyRewrite(output.ReadBack(), edits, numbers, expected)) {
+    throw EngineError(kErrorDamaged, "the rewritten document does not hold all that the damaged one has");
   }
 }
 
 // Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere. `numbers`
 // are the objects' new ones, 0 for one that nothing refers to.
 bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
-                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers) {
+                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten));
   if (other == nullptr || other->Encrypted() != Encrypted()) return false;
   try {
     return other->Ask([&] {
+      if (!ReachableObjects::Of(*other->qpdf_).HasAllOf(expected)) return false;
       for (const auto& [id, text] : edits.Objects()) {
         const QPDFObjGen number = numbers.at(IdOf(id));
-        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(text))) return false;
+        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(*qpdf_, text))) return false;
       }
       return true;
     });

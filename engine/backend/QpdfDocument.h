@@ -11,6 +11,7 @@
 
 #include "engine/backend/BackendInputSource.h"
 #include "engine/backend/FileRepair.h"
+#include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
 #include "engine/backend/RawObjects.h"
 #include "engine/document/BackendDocument.h"
@@ -56,8 +57,9 @@ class QpdfDocument : public BackendDocument {
   // The saved document if it is sound, otherwise null.
   std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved) const;
   bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
-                     const std::map<QPDFObjGen, QPDFObjGen>& numbers);
-  QPDFObjectHandle Parse(const std::string& text);
+                     const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected);
+  std::shared_ptr<QPDF> OpenCopy();
+  bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;
   std::string password_;  // the encoding of it that opened the document
@@ -66,6 +68,7 @@ class QpdfDocument : public BackendDocument {
   Recovery recovery_ = Recovery::kOff;
   std::optional<FileTail> repairedTail_;  // of a document that was repaired by a section of its own
   bool repaired_ = false;
+  bool appendFailed_ = false;
   bool outOfMemory_ = false;
   std::unique_ptr<RawObjects> raw_;
 };
