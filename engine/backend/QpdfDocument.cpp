@@ -315,7 +315,8 @@ std::string QpdfDocument::TrailerValue(const std::string& key) {
 std::uint32_t QpdfDocument::FirstFreeNumber() {
   if (repairedTail_) return repairedTail_->size;
   const auto entries = qpdf_->getXRefTable();
-  const std::uint32_t afterLast = entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
+  const std::uint32_t afterLast =
+      entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
   const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
   return tail ? std::max(tail->size, afterLast) : afterLast;
 }
@@ -428,8 +429,8 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
   }
 }
 
-// Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere. `numbers`
-// are the objects' new ones, 0 for one that nothing refers to.
+// Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere.
+// `numbers` are the objects' new ones, 0 for one that nothing refers to.
 bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
                                  const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten));

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "engine/document/LoadedFile.h"
+#include "engine/quick/BaseUrl.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/PdfLexer.h"
@@ -106,19 +107,12 @@ void SetBaseUrl(LoadedFile& file, Edits& edits, const std::string& url) {
   const EditedFile edited(file, edits);
   const Edits none;
   DictionaryText catalog = edited.Dictionary(kRoot);
-  DictionaryText uri = edited.Uri(catalog);
   if (url == BaseUrlOf(file, none)) {
     Restore(catalog, kUri, EditedFile(file, none).Dictionary(kRoot));
-  } else if (url.empty()) {
-    uri.Remove(kBase);
-    if (uri.Empty()) {
-      catalog.Remove(kUri);
-    } else {
-      catalog.Set(kUri, uri.Text());
-    }
   } else {
-    uri.Set(kBase, LiteralString(url));
-    catalog.Set(kUri, uri.Text());
+    // An object that /URI refers to may serve others as well: the catalog gets a copy.
+    if (const auto uri = catalog.Find(kUri); uri && ReferenceIn(*uri)) catalog.Set(kUri, edited.Uri(catalog).Text());
+    catalog = DictionaryText(WithBaseUrl(catalog.Text(), url));
   }
   SetDictionary(file, edits, kRoot, catalog);
 }

@@ -48,7 +48,8 @@ void SaveWith(const std::string& from, const std::string& to) {
   const auto input = InputFile::Open(from);
   const auto document = QuickReader::Read(*input);
   OutputFile output(to);
-  AppendUpdate(*input, document->tail, {{document->tail.root, WithBaseUrl(*document, kNewUrl)}}, output);
+  AppendUpdate(*input, document->tail, {{document->tail.root, engine::WithBaseUrl(document->catalog, kNewUrl)}},
+               output);
   output.Commit();
 }
 
