@@ -57,10 +57,6 @@ std::optional<ObjectId> ToReference(const std::string& text) {
   }
 }
 
-bool IsPageTreeRoot(QPDFObjectHandle catalog) {
-  return catalog.isDictionary() && catalog.getKey("/Pages").isDictionary();
-}
-
 QPDFObjectHandle ObjectOf(QPDF& document, ObjectId id) {
   return document.getObjectByID(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
@@ -165,13 +161,13 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
   return kept;
 }
 
-// The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one of a document without
-// pages.
+// The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none: other
+// readers may find more behind it.
 std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
   std::optional<ObjectId> empty;
   const auto leads = [&](ObjectId id) {
     QPDFObjectHandle catalog = ObjectOf(document, id);
-    if (!empty && IsPageTreeRoot(catalog)) empty = id;
+    if (!empty && catalog.isDictionary()) empty = id;
     return LeadsToPage(catalog);
   };
   const std::vector<std::string>& trailers = Scan().trailers;
@@ -241,7 +237,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   document = OpenWithStandIn(kept, password);
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
-  if (!root) throw EngineError(kErrorDamaged, "no catalog that leads to pages");
+  if (!root) throw EngineError(kErrorDamaged, "no catalog");
   Result result;
   result.tail = MakeTail(*root, std::move(kept));
   result.view = ViewOf(*result.tail.kept, result.tail, "");

@@ -28,6 +28,9 @@
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/MapStrings.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfName.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -114,6 +117,11 @@ QPDFObjGen IdOf(ObjectId id) {
 QPDFObjectHandle Parse(QPDF& document, const std::string& text) {
   // By itself a reference would be read as a number.
   return QPDFObjectHandle::parse(&document, '[' + text + "\n]").getArrayItem(0);
+}
+
+// One above the highest number with an entry.
+std::uint32_t AfterLast(const std::map<QPDFObjGen, QPDFXRefEntry>& entries) {
+  return entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
 }
 
 // Whether what `set` holds directly is in `found` too. Objects have other numbers there; references are not followed.
@@ -227,7 +235,8 @@ void QpdfDocument::Repair(FileRepair& repair, const std::string& password) {
   OpenWith(password, [&](const std::string& encoded) {
     FileRepair::Result result = repair.Open(encoded);
     view_ = std::move(result.view);
-    repairedTail_ = std::move(result.tail);
+    tail_ = std::move(result.tail);
+    tailKnown_ = true;
     return result.document;
   });
   repaired_ = true;
@@ -313,20 +322,58 @@ std::string QpdfDocument::TrailerValue(const std::string& key) {
 }
 
 std::uint32_t QpdfDocument::FirstFreeNumber() {
-  if (repairedTail_) return repairedTail_->size;
-  const auto entries = qpdf_->getXRefTable();
-  const std::uint32_t afterLast =
-      entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
-  const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  return tail ? std::max(tail->size, afterLast) : afterLast;
+  const std::optional<FileTail>& tail = KnownTail();
+  return tail ? tail->size : AfterLast(qpdf_->getXRefTable());
 }
 
 std::optional<FileTail> QpdfDocument::Tail() {
-  if (repairedTail_) return repairedTail_;
-  if (Repaired()) return std::nullopt;
+  return KnownTail();
+}
+
+const std::optional<FileTail>& QpdfDocument::KnownTail() {
+  if (!tailKnown_) tail_ = recovery_ == Recovery::kOff ? FindTail() : std::nullopt;
+  tailKnown_ = true;
+  return tail_;
+}
+
+std::optional<FileTail> QpdfDocument::FindTail() {
+  const std::string root = TrailerValue("/Root");
   std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  if (!tail || TrailerValue("/Root") != tail->root.Reference()) return std::nullopt;
-  tail->size = FirstFreeNumber();
+  if (!tail || root != tail->root.Reference()) tail = CompleteTail(root);
+  if (tail) tail->size = std::max(tail->size, AfterLast(qpdf_->getXRefTable()));
+  return tail;
+}
+
+// For a sound file whose last section no update can continue: a section of its own for all objects.
+std::optional<FileTail> QpdfDocument::CompleteTail(const std::string& root) {
+  constexpr int kInFile = 1;
+  constexpr int kInStream = 2;
+  FileTail tail;
+  try {
+    tail.root = PdfLexer::ToReference(root);
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+  tail.headerOffset = QuickReader::HeaderOffset(*file_);
+  for (const std::string& key : qpdf_->getTrailer().getKeys()) {
+    if (QuickReader::IsRepeatedEntry(key)) tail.entries.push_back({EscapedName(key), TrailerValue(key)});
+  }
+  std::vector<FileTail::KeptObject> kept;
+  for (const auto& [id, entry] : qpdf_->getXRefTable()) {
+    FileTail::KeptObject object;
+    object.id = {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
+    if (entry.getType() == kInFile && entry.getOffset() > 0) {
+      object.offset = static_cast<std::uint64_t>(entry.getOffset());
+    } else if (entry.getType() == kInStream) {
+      object.stream = static_cast<std::uint32_t>(entry.getObjStreamNumber());
+      object.index = static_cast<std::uint32_t>(entry.getObjStreamIndex());
+    } else {
+      continue;
+    }
+    if (!kept.empty() && kept.back().id.number == object.id.number) kept.pop_back();
+    kept.push_back(object);
+  }
+  tail.kept = std::move(kept);
   return tail;
 }
 

@@ -59,6 +59,9 @@ class QpdfDocument : public BackendDocument {
   bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
                      const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected);
   std::shared_ptr<QPDF> OpenCopy();
+  const std::optional<FileTail>& KnownTail();
+  std::optional<FileTail> FindTail();
+  std::optional<FileTail> CompleteTail(const std::string& root);
   bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;
@@ -66,7 +69,8 @@ class QpdfDocument : public BackendDocument {
   std::shared_ptr<QPDF> qpdf_;
   BackendInputSource::View view_;  // what the parser was shown
   Recovery recovery_ = Recovery::kOff;
-  std::optional<FileTail> repairedTail_;  // of a document that was repaired by a section of its own
+  std::optional<FileTail> tail_;
+  bool tailKnown_ = false;
   bool repaired_ = false;
   bool appendFailed_ = false;
   bool outOfMemory_ = false;
