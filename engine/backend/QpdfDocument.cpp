@@ -204,7 +204,9 @@ void QpdfDocument::Load(const std::string& password) {
     if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
     opened = true;
   } catch (const EngineError& error) {
-    if (error.code() != kErrorDamaged || !RepairIsBounded(*file_)) throw;
+    // The parser calls a cross-reference stream that it cannot decode unsupported as well.
+    const bool mayBeDamaged = error.code() == kErrorDamaged || error.code() == kErrorUnsupportedSecurity;
+    if (!mayBeDamaged || !RepairIsBounded(*file_)) throw;
   }
   const std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
   try {
