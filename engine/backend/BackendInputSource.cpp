@@ -8,11 +8,17 @@
 #include <stdexcept>
 #include <utility>
 
+#include "engine/syntax/PdfLexer.h"
+
 namespace engine {
 
 namespace {
 
 constexpr std::size_t kBlock = 16 * 1024;
+// The parser reads objects in pieces of 128 bytes at most, streams' data in longer ones.
+constexpr std::size_t kLongestOfObject = 128;
+// A number or a container costs the parser about 500 bytes.
+constexpr std::uint64_t kMostTokens = 3'000'000;
 
 bool IsEndOfLine(char character) {
   return character == '\r' || character == '\n';
@@ -23,13 +29,14 @@ bool IsEndOfLine(char character) {
 BackendInputSource::BackendInputSource(View view) : view_(std::move(view)), name_(view_.file->Path()) {}
 
 qpdf_offset_t BackendInputSource::Size() const {
-  return static_cast<qpdf_offset_t>(view_.file->Size() + view_.appended.size());
+  return static_cast<qpdf_offset_t>(view_.End() + view_.appended.size());
 }
 
 // What stands at the position, without moving on.
 std::size_t BackendInputSource::ReadFile(char* target, std::size_t length) const {
-  std::size_t got = view_.file->ReadAt(static_cast<std::uint64_t>(position_), target, length);
-  const auto fileEnd = static_cast<qpdf_offset_t>(view_.file->Size());
+  const auto fileEnd = static_cast<qpdf_offset_t>(view_.End());
+  const auto inFile = static_cast<std::size_t>(std::max<qpdf_offset_t>(fileEnd - position_, 0));
+  std::size_t got = view_.file->ReadAt(static_cast<std::uint64_t>(position_), target, std::min(length, inFile));
   const qpdf_offset_t reached = position_ + static_cast<qpdf_offset_t>(got);
   if (got < length && reached >= fileEnd && reached < Size()) {
     got += view_.appended.copy(target + got, length - got, static_cast<std::size_t>(reached - fileEnd));
@@ -67,6 +74,17 @@ void BackendInputSource::seek(qpdf_offset_t offset, int whence) {
   position_ = base + offset;
 }
 
+// Numbers, words and openings of containers, roughly.
+void BackendInputSource::CountTokens(const char* bytes, std::size_t count) {
+  for (const char* byte = bytes; byte != bytes + count; ++byte) {
+    const bool opens = *byte == '[' || *byte == '<' || *byte == '(' || *byte == '/';
+    const bool regular = !PdfLexer::IsDelimiter(*byte);
+    if (opens || (regular && !inToken_)) ++tokens_;
+    inToken_ = regular || *byte == '/';
+  }
+  if (tokens_ > kMostTokens) throw TooManyTokens();
+}
+
 std::size_t BackendInputSource::read(char* target, std::size_t length) {
   last_offset = position_;
   std::size_t done = 0;
@@ -83,6 +101,7 @@ std::size_t BackendInputSource::read(char* target, std::size_t length) {
     position_ += static_cast<qpdf_offset_t>(count);
     done += count;
   }
+  if (length <= kLongestOfObject) CountTokens(target, done);
   return done;
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <qpdf/InputSource.hh>
 #include <string>
 
@@ -9,13 +11,20 @@
 
 namespace engine {
 
+// What the parser made of a file so far would take far more memory than files have reason to ask for. Not a standard
+// exception: the parser would take those for damage and go on.
+struct TooManyTokens {};
+
 // A file as the parser reads it: in blocks, since it asks for a few bytes at a time.
 class BackendInputSource : public InputSource {
  public:
-  // What the parser reads: a file, and bytes after its end that are in memory only.
+  // What the parser reads: a file, or the start of it, and bytes after that which are in memory only.
   struct View {
     std::shared_ptr<const InputFile> file;
     std::string appended;
+    std::optional<std::uint64_t> end;  // of what is shown of the file
+
+    std::uint64_t End() const { return end.value_or(file->Size()); }
   };
 
   explicit BackendInputSource(View view);
@@ -36,12 +45,15 @@ class BackendInputSource : public InputSource {
   std::size_t Left() const { return block_.size() - static_cast<std::size_t>(position_ - blockStart_); }
 
   qpdf_offset_t Size() const;
+  void CountTokens(const char* bytes, std::size_t count);
 
   const View view_;
   std::string name_;
   qpdf_offset_t position_ = 0;
   std::string block_;
   qpdf_offset_t blockStart_ = 0;
+  std::uint64_t tokens_ = 0;
+  bool inToken_ = false;
 };
 
 }  // namespace engine

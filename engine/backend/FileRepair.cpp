@@ -2,16 +2,21 @@
 #include "engine/backend/FileRepair.h"
 
 #include <algorithm>
+#include <exception>
 #include <map>
+#include <qpdf/QPDFXRefEntry.hh>
+#include <set>
 #include <utility>
 
 #include "engine/backend/ObjectStreams.h"
+#include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfName.h"
 #include "engine/syntax/PdfSyntaxError.h"
 #include "engine/syntax/RawDictionary.h"
 
@@ -69,6 +74,10 @@ std::shared_ptr<QPDF> OpenRecovering(View& view, const std::string& password) {
   return document;
 }
 
+std::string Text(QPDFObjectHandle value) {
+  return value.isIndirect() ? value.unparse() : ObjectWriter().Write(value);
+}
+
 // The trailer's entries that an update repeats.
 std::vector<FileTail::Entry> RepeatedEntries(const std::string& trailer) {
   std::vector<FileTail::Entry> entries;
@@ -85,6 +94,39 @@ std::vector<FileTail::Entry> RepeatedEntries(const std::string& trailer) {
 }
 
 }  // namespace
+
+std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
+  constexpr int kInFile = 1;
+  constexpr int kInStream = 2;
+  FileTail tail;
+  try {
+    tail.root = PdfLexer::ToReference(Text(document.getTrailer().getKey("/Root")));
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+  tail.headerOffset = QuickReader::HeaderOffset(file);
+  for (const std::string& key : document.getTrailer().getKeys()) {
+    if (QuickReader::IsRepeatedEntry(key)) tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
+  }
+  std::vector<FileTail::KeptObject> kept;
+  for (const auto& [id, entry] : document.getXRefTable()) {
+    FileTail::KeptObject object;
+    object.id = {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
+    if (entry.getType() == kInFile && entry.getOffset() > 0) {
+      object.offset = static_cast<std::uint64_t>(entry.getOffset());
+    } else if (entry.getType() == kInStream) {
+      object.stream = static_cast<std::uint32_t>(entry.getObjStreamNumber());
+      object.index = static_cast<std::uint32_t>(entry.getObjStreamIndex());
+    } else {
+      continue;
+    }
+    if (!kept.empty() && kept.back().id.number == object.id.number) kept.pop_back();
+    kept.push_back(object);
+  }
+  tail.size = kept.empty() ? 1 : kept.back().id.number + 1;
+  tail.kept = std::move(kept);
+  return tail;
+}
 
 const FileScan& FileRepair::Scan() {
   if (!scan_) scan_ = FileScan::Of(*file_);
@@ -115,11 +157,21 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
     if (reference && key == "/Encrypt" && !Finds(*reference)) continue;
     return value;
   }
-  return {};
+  const ObjectId encryption = Scan().encryption;
+  return key == "/Encrypt" && Finds(encryption) ? encryption.Reference() : std::string();
+}
+
+// Files that were joined: what one of them has encrypted is not encrypted in the other.
+void FileRepair::CheckOneEncryption() {
+  std::set<std::string> values;
+  for (const std::string& trailer : Scan().trailers) {
+    if (!LenientEntry(trailer, "/Root").empty()) values.insert(LenientEntry(trailer, "/Encrypt"));
+  }
+  if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
 }
 
 View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const {
-  View view{file_, "\n" + more};
+  View view{file_, "\n" + more, std::nullopt};
   std::string entries = " /Root " + tail.root.Reference();
   for (const FileTail::Entry& entry : tail.entries) entries += ' ' + entry.key + ' ' + entry.value;
   const std::uint64_t position = file_->Size() + view.appended.size() - tail.headerOffset;
@@ -141,6 +193,10 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
     if (object.kind != Kind::kObjectStream || object.id.generation != 0) continue;
     const std::uint64_t place = object.offset - headerOffset;
     const std::vector<std::uint32_t> members = streams.Members(ObjectOf(document, object.id));
+    if (members.empty() && !document.isEncrypted()) {
+      // Nobody knows whether it is encrypted.
+      throw CannotRepair("an object stream cannot be read");
+    }
     for (std::uint32_t index = 0; index < members.size(); ++index) {
       const std::uint32_t number = members[index];
       // A stream cannot be in an object stream.
@@ -159,6 +215,18 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
     kept.push_back(object);
   }
   return kept;
+}
+
+// A member that cannot be read does not take the place of an object outside of object streams.
+FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain) {
+  Kept result = kept;
+  auto other = plain.begin();
+  for (FileTail::KeptObject& object : result) {
+    while (other != plain.end() && other->id.number < object.id.number) ++other;
+    if (other == plain.end() || other->id.number != object.id.number || object.stream == 0) continue;
+    if (ObjectOf(document, object.id).isNull()) object = *other;
+  }
+  return result;
 }
 
 // The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none: other
@@ -224,6 +292,25 @@ std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& 
   return OpenRecovering(view, password);
 }
 
+// Of a file with something else after it: the objects that its own cross-references name, if they lead to a page.
+std::optional<FileTail> FileRepair::FindEarlierEnd(const std::string& password) {
+  const std::vector<std::uint64_t>& ends = Scan().ends;
+  for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
+    View view{file_, "\n%%EOF\n", *end};
+    try {
+      const std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
+      if (document == nullptr || !LeadsToPage(document->getRoot())) continue;
+      std::optional<FileTail> tail = CompleteTail(*document, *file_);
+      // Numbers that stand in the rest of the file are not given away.
+      if (tail) tail->size = std::max(tail->size, Newest().back().id.number + 1);
+      if (tail) return tail;
+    } catch (const std::exception&) {
+      // The next one.
+    }
+  }
+  return std::nullopt;
+}
+
 FileRepair::Result FileRepair::Open(const std::string& password) {
   const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
   Kept kept;
@@ -231,15 +318,28 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
     if (object.kind == Kind::kXrefStream || object.offset < headerOffset) continue;
     kept.push_back({object.id, object.offset - headerOffset});
   }
+  const bool streams = std::any_of(Newest().begin(), Newest().end(),
+                                   [](const FileScan::Object& object) { return object.kind == Kind::kObjectStream; });
+  CheckOneEncryption();
   std::shared_ptr<QPDF> document = OpenWithStandIn(kept, password);
-  if (document == nullptr) return {};
-  kept = AddMembers(*document, kept);
-  document = OpenWithStandIn(kept, password);
+  if (document != nullptr && streams) {
+    const Kept plain = kept;
+    kept = AddMembers(*document, plain);
+    document.reset();
+    document = OpenWithStandIn(kept, password);
+    if (document == nullptr) return {};
+    kept = WithoutUnreadableMembers(*document, kept, plain);
+    document.reset();
+    document = OpenWithStandIn(kept, password);
+  }
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
-  if (!root) throw EngineError(kErrorDamaged, "no catalog");
+  const bool pages = root && LeadsToPage(ObjectOf(*document, *root));
+  document.reset();
   Result result;
-  result.tail = MakeTail(*root, std::move(kept));
+  std::optional<FileTail> earlier = pages ? std::nullopt : FindEarlierEnd(password);
+  if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
+  result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   return result;

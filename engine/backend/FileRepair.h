@@ -10,10 +10,21 @@
 #include <vector>
 
 #include "engine/backend/BackendInputSource.h"
+#include "engine/base/EngineError.h"
 #include "engine/quick/FileTail.h"
 #include "engine/repair/FileScan.h"
 
 namespace engine {
+
+// The damage is of a kind that nobody can repair without loss (kErrorDamaged).
+class CannotRepair : public EngineError {
+ public:
+  explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
+};
+
+// What a complete section for all objects of the document's cross-references has; no value when the catalog is not an
+// object of its own.
+std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file);
 
 // Makes a damaged file readable by adding one complete cross-reference section for every object that stands in it. The
 // parser then sees the file's bytes and that section, which is what a save appends.
@@ -33,7 +44,7 @@ class FileRepair {
   bool Finds(ObjectId id);
 
   // The repaired file. `document` is null when the password does not fit. Throws EngineError kErrorDamaged when no
-  // catalog with a page tree is found or its object streams inflate to too much, and what the parser throws.
+  // catalog is found or its object streams inflate to too much, CannotRepair, and what the parser throws.
   Result Open(const std::string& password);
 
  private:
@@ -41,9 +52,12 @@ class FileRepair {
 
   const std::vector<FileScan::Object>& Newest();
   std::string TrailerEntry(const std::string& key);
+  void CheckOneEncryption();
+  std::optional<FileTail> FindEarlierEnd(const std::string& password);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
   Kept AddMembers(QPDF& document, const Kept& plain);
+  Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
   FileTail MakeTail(ObjectId root, Kept kept);
 

@@ -39,8 +39,8 @@ bool PasswordFits(QPDF& document, const View& view, const std::string& password,
 // The number after the last "startxref"; empty when there is none.
 std::string StartXref(const View& view) {
   constexpr std::uint64_t kWindow = 1054;  // as far from the end as the parser looks
-  const std::uint64_t size = view.file->Size();
-  const std::string end = view.file->ReadAt(size - std::min(size, kWindow), kWindow) + view.appended;
+  const std::uint64_t window = std::min(view.End(), kWindow);
+  const std::string end = view.file->ReadAt(view.End() - window, window) + view.appended;
   const std::string word = "startxref";
   const std::size_t at = end.rfind(word);
   if (at == std::string::npos) return {};
@@ -57,7 +57,7 @@ std::optional<View> WithEncryption(const View& view, QPDF& document, const std::
   if (previous.empty()) return std::nullopt;
   View changed = view;
   changed.appended += '\n';
-  const std::uint64_t start = changed.file->Size() + changed.appended.size() - headerOffset;
+  const std::uint64_t start = changed.End() + changed.appended.size() - headerOffset;
   QPDFObjectHandle trailer = document.getTrailer();
   changed.appended += "xref\n0 0\ntrailer\n<< /Encrypt " + encryption + " /Prev " + previous;
   for (const char* const key : {"/Size", "/Root", "/Info", "/ID"}) {

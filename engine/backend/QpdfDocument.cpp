@@ -28,9 +28,6 @@
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/MapStrings.h"
-#include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/PdfName.h"
-#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -45,6 +42,8 @@ auto Translated(Body&& body) {
     throw;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const TooManyTokens&) {
+    throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
     if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
@@ -208,10 +207,14 @@ void QpdfDocument::Load(const std::string& password) {
     const bool mayBeDamaged = error.code() == kErrorDamaged || error.code() == kErrorUnsupportedSecurity;
     if (!mayBeDamaged || !RepairIsBounded(*file_)) throw;
   }
-  const std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
+  std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
+  if (!opened) asItIs.reset();
   try {
     Repair(repair, password);
     return;
+  } catch (const CannotRepair&) {
+    // Any other way to rebuild the file would lose what this one cannot describe.
+    if (!opened) throw;
   } catch (const EngineError& error) {
     if (error.code() != kErrorDamaged) throw;
   }
@@ -227,7 +230,7 @@ void QpdfDocument::Load(const std::string& password) {
 void QpdfDocument::OpenView(const std::string& password, Recovery recovery) {
   recovery_ = recovery;
   OpenWith(password, [&](const std::string& encoded) {
-    view_ = {file_, ""};
+    view_ = {file_, "", std::nullopt};
     return OpenParser(view_, encoded, recovery);
   });
 }
@@ -341,41 +344,8 @@ const std::optional<FileTail>& QpdfDocument::KnownTail() {
 std::optional<FileTail> QpdfDocument::FindTail() {
   const std::string root = TrailerValue("/Root");
   std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  if (!tail || root != tail->root.Reference()) tail = CompleteTail(root);
+  if (!tail || root != tail->root.Reference()) tail = CompleteTail(*qpdf_, *file_);
   if (tail) tail->size = std::max(tail->size, AfterLast(qpdf_->getXRefTable()));
-  return tail;
-}
-
-// For a sound file whose last section no update can continue: a section of its own for all objects.
-std::optional<FileTail> QpdfDocument::CompleteTail(const std::string& root) {
-  constexpr int kInFile = 1;
-  constexpr int kInStream = 2;
-  FileTail tail;
-  try {
-    tail.root = PdfLexer::ToReference(root);
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
-  tail.headerOffset = QuickReader::HeaderOffset(*file_);
-  for (const std::string& key : qpdf_->getTrailer().getKeys()) {
-    if (QuickReader::IsRepeatedEntry(key)) tail.entries.push_back({EscapedName(key), TrailerValue(key)});
-  }
-  std::vector<FileTail::KeptObject> kept;
-  for (const auto& [id, entry] : qpdf_->getXRefTable()) {
-    FileTail::KeptObject object;
-    object.id = {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
-    if (entry.getType() == kInFile && entry.getOffset() > 0) {
-      object.offset = static_cast<std::uint64_t>(entry.getOffset());
-    } else if (entry.getType() == kInStream) {
-      object.stream = static_cast<std::uint32_t>(entry.getObjStreamNumber());
-      object.index = static_cast<std::uint32_t>(entry.getObjStreamIndex());
-    } else {
-      continue;
-    }
-    if (!kept.empty() && kept.back().id.number == object.id.number) kept.pop_back();
-    kept.push_back(object);
-  }
-  tail.kept = std::move(kept);
   return tail;
 }
 

@@ -61,7 +61,6 @@ class QpdfDocument : public BackendDocument {
   std::shared_ptr<QPDF> OpenCopy();
   const std::optional<FileTail>& KnownTail();
   std::optional<FileTail> FindTail();
-  std::optional<FileTail> CompleteTail(const std::string& root);
   bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;

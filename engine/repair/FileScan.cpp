@@ -73,7 +73,7 @@ bool TakeSpaces(std::string_view& text) {
 
 // The object whose header ends with the "obj" at `word`.
 std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word) {
-  constexpr std::uint64_t kLongestHeader = 40;
+  constexpr std::uint64_t kLongestHeader = 4000;  // with any number of spaces in it
   const std::uint64_t begin = word - std::min(word, kLongestHeader);
   const auto length = static_cast<std::size_t>(word - begin);
   const std::string_view text = window.At(begin, length + 4);
@@ -197,7 +197,8 @@ class Scanner {
       object->cutOff = next == window_.Size() && !data;
     }
     object->kind = KindOf(text, data.has_value());
-    if (object->kind == Kind::kXrefStream) AddTrailer(text);
+    if (object->kind == Kind::kXrefStream || IsLikeTrailer(text)) AddTrailer(text);
+    if (IsEncryption(text)) result.encryption = object->id;
     if (data) {
       end = StreamEnd(*data, text);
       object->cutOff = end == window_.Size() && !EndsHere(end);
@@ -219,6 +220,18 @@ class Scanner {
     if (!stream) return type == "/Catalog" ? Kind::kCatalog : Kind::kPlain;
     if (type == "/ObjStm") return Kind::kObjectStream;
     return type == "/XRef" ? Kind::kXrefStream : Kind::kStream;
+  }
+
+  // A cross-reference stream's dictionary, however damaged.
+  static bool IsLikeTrailer(const std::string& text) {
+    return text.find("/Root") != std::string::npos &&
+           (text.find("/W") != std::string::npos || text.find("/Encrypt") != std::string::npos);
+  }
+
+  // A password security handler's dictionary (ISO 32000-1, table 21).
+  static bool IsEncryption(const std::string& text) {
+    return text.find("/Standard") != std::string::npos && text.find("/O") != std::string::npos &&
+           text.find("/U") != std::string::npos && LenientEntry(text, "/Filter") == "/Standard";
   }
 
   // Where a stream's data begin if its keyword is what follows `offset` after space (ISO 32000-1, 7.3.8.1).
@@ -269,16 +282,36 @@ class Scanner {
   std::uint64_t lexingLeft_;  // bytes that values longer than the first window may still cost
 };
 
+std::vector<std::uint64_t> FindEnds(const InputFile& file) {
+  constexpr std::size_t kMostEnds = 8;
+  constexpr std::string_view kWord = "startxref";
+  std::vector<std::uint64_t> ends;
+  FileWindow window(file, kFirstWindow);
+  WordSearch search(file, kWord);
+  for (std::uint64_t at = search.From(0); at < file.Size(); at = search.From(at + 1)) {
+    const std::string_view text = window.At(at, kFirstWindow);
+    const std::size_t digits = kWord.size() + SpacesAt(text, kWord.size());
+    const std::size_t end = text.find_first_not_of("0123456789", digits);
+    if (end == digits || end == std::string_view::npos) continue;
+    if (ends.size() == kMostEnds) ends.erase(ends.begin());
+    ends.push_back(at + end);
+  }
+  return ends;
+}
+
 }  // namespace
 
 FileScan FileScan::Of(const InputFile& file) {
   const Scanner::Lengths none;
   Scanner first(file, none);
   first.Run();
-  if (!first.lengthsMissing) return std::move(first.result);
-  Scanner second(file, first.numbers);
-  second.Run();
-  return std::move(second.result);
+  if (first.lengthsMissing) {
+    Scanner second(file, first.numbers);
+    second.Run();
+    first.result = std::move(second.result);
+  }
+  first.result.ends = FindEnds(file);
+  return std::move(first.result);
 }
 
 std::string LenientEntry(const std::string& dictionary, const std::string& key) {

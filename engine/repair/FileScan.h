@@ -25,6 +25,10 @@ struct FileScan {
   std::vector<Object> objects;
   // The dictionaries of trailers and cross-reference streams, in the order of the file. They may be damaged.
   std::vector<std::string> trailers;
+  // Where the last "startxref" of the file and its number end, and some before it; the last one last.
+  std::vector<std::uint64_t> ends;
+  // The last object that looks like an encryption dictionary; number 0 for none.
+  ObjectId encryption;
 
   // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
   // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.

@@ -8,7 +8,7 @@ namespace engine {
 namespace {
 
 // Kept before the offset that is asked for, since a header is found by the word at its end.
-constexpr std::uint64_t kBefore = 64;
+constexpr std::uint64_t kBefore = 4096;
 
 }  // namespace
 
@@ -16,7 +16,7 @@ std::string_view FileWindow::At(std::uint64_t offset, std::size_t count) {
   if (offset >= Size()) return {};
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset));
   if (offset < start_ || offset + wanted > start_ + text_.size()) {
-    start_ = offset - std::min(offset, kBefore);
+    start_ = offset - std::min<std::uint64_t>({offset, kBefore, block_ / 2});
     text_ = file_.ReadAt(start_, std::max(wanted + static_cast<std::size_t>(offset - start_), block_));
   }
   const std::string_view text = text_;
