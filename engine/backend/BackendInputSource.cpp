@@ -67,17 +67,16 @@ qpdf_offset_t BackendInputSource::findAndSkipNextEOL() {
 }
 
 void BackendInputSource::seek(qpdf_offset_t offset, int whence) {
-  const qpdf_offset_t base = whence == SEEK_SET   ? 0
-                             : whence == SEEK_CUR ? position_
-                                                  : Size();
+  const qpdf_offset_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? position_ : Size();
   if (offset < -base) throw std::runtime_error(name_ + ": seek before the start");
   position_ = base + offset;
 }
 
-// Numbers, words and openings of containers, roughly.
+// Numbers, words and openings of containers, roughly. Escaped parentheses are parts of strings.
 void BackendInputSource::CountTokens(const char* bytes, std::size_t count) {
   for (const char* byte = bytes; byte != bytes + count; ++byte) {
-    const bool opens = *byte == '[' || *byte == '<' || *byte == '(' || *byte == '/';
+    if (*byte == '(' || *byte == ')' || *byte == '\\') continue;
+    const bool opens = *byte == '[' || *byte == '<' || *byte == '/';
     const bool regular = !PdfLexer::IsDelimiter(*byte);
     if (opens || (regular && !inToken_)) ++tokens_;
     inToken_ = regular || *byte == '/';

@@ -66,8 +66,8 @@ QPDFObjectHandle ObjectOf(QPDF& document, ObjectId id) {
   return document.getObjectByID(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
-// Cross-references are not rebuilt, as every object is where its entry says. Streams with a wrong length are read as far
-// as they go.
+// Cross-references are not rebuilt, as every object is where its entry says. Streams with a wrong length are read as
+// far as they go.
 std::shared_ptr<QPDF> OpenRecovering(View& view, const std::string& password) {
   std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
   if (document != nullptr) document->setAttemptRecovery(true);
@@ -106,7 +106,8 @@ std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
   }
   tail.headerOffset = QuickReader::HeaderOffset(file);
   for (const std::string& key : document.getTrailer().getKeys()) {
-    if (QuickReader::IsRepeatedEntry(key)) tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
+    if (QuickReader::IsRepeatedEntry(key))
+      tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
   }
   std::vector<FileTail::KeptObject> kept;
   for (const auto& [id, entry] : document.getXRefTable()) {
@@ -229,8 +230,8 @@ FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept
   return result;
 }
 
-// The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none: other
-// readers may find more behind it.
+// The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none:
+// other readers may find more behind it.
 std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
   std::optional<ObjectId> empty;
   const auto leads = [&](ObjectId id) {

@@ -32,8 +32,8 @@ QPDFObjectHandle EscapedValue(QPDFObjectHandle value, std::vector<QPDFObjectHand
 void EscapeDictionary(QPDFObjectHandle dictionary, std::vector<QPDFObjectHandle>& pending) {
   for (const auto& [key, value] : dictionary.getDictAsMap()) {
     const bool keyChanges = NeedsEscape(key);
-    const bool nameChanges = !value.isIndirect() && QPDFObjectHandle(value).isName() &&
-                             NeedsEscape(QPDFObjectHandle(value).getName());
+    const bool nameChanges =
+        !value.isIndirect() && QPDFObjectHandle(value).isName() && NeedsEscape(QPDFObjectHandle(value).getName());
     const QPDFObjectHandle escaped = EscapedValue(value, pending);
     if (!keyChanges && !nameChanges) continue;
     if (keyChanges) dictionary.removeKey(key);

@@ -71,7 +71,8 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::s
   tail.size = static_cast<std::uint32_t>(size);
   tail.root = trailer.Reference("/Root");
   for (const RawDictionary::Entry& entry : trailer.Entries()) {
-    if (QuickReader::IsRepeatedEntry(entry.key)) tail.entries.push_back({std::string(entry.key), std::string(trailer.Text(entry))});
+    if (QuickReader::IsRepeatedEntry(entry.key))
+      tail.entries.push_back({std::string(entry.key), std::string(trailer.Text(entry))});
   }
   return tail;
 }

@@ -112,8 +112,13 @@ class Scanner {
 
   // `lengths`: numbers that objects consist of, from a scan before this one.
   Scanner(const InputFile& file, const Lengths& lengths)
-      : window_(file), objects_(file, "obj"), trailers_(file, "trailer"), streams_(file, "stream"),
-        streamEnds_(file, "endstream"), objectEnds_(file, "endobj"), lengths_(lengths) {
+      : window_(file),
+        objects_(file, "obj"),
+        trailers_(file, "trailer"),
+        streams_(file, "stream"),
+        streamEnds_(file, "endstream"),
+        objectEnds_(file, "endobj"),
+        lengths_(lengths) {
     lexingLeft_ = 4 * file.Size() + (1 << 20);
   }
 
