@@ -1,13 +1,19 @@
 # SPDX-License-Identifier: Apache-2.0
-# vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>])
+# vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>] [SETTINGS <file>])
 #
 # The action plug-in <target>: a MODULE without a "lib" prefix that links Vorlane::ActionKit, runs moc, uic (over FORMS,
 # .ui files) and rcc (over RESOURCES, .qrc files) by itself, exports the two Qt plug-in entry points only, and finds the
 # PDF library in the folder above the Tools folder, where it is installed (lib/vorlane/Tools, component "runtime").
+# SETTINGS names the JSON file that describes the action's settings; it is checked and becomes the resource
+# ":/Vorlane/Settings/<target>.json".
+include(${CMAKE_CURRENT_LIST_DIR}/VorlaneCheckSettings.cmake)
 set(_VORLANE_ADD_ACTION_DIR ${CMAKE_CURRENT_LIST_DIR})
 function(vorlane_add_action)
-  cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "SOURCES;FORMS;RESOURCES")
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;SETTINGS" "SOURCES;FORMS;RESOURCES")
   _vorlane_check_action_arguments()
+  if(arg_SETTINGS)
+    _vorlane_add_settings()
+  endif()
 
   add_library(${arg_NAME} MODULE ${arg_SOURCES} ${arg_FORMS} ${arg_RESOURCES})
   target_link_libraries(${arg_NAME} PRIVATE Vorlane::ActionKit)
@@ -47,9 +53,21 @@ function(vorlane_add_action)
   install(TARGETS ${arg_NAME} LIBRARY DESTINATION lib/vorlane/Tools COMPONENT runtime)
 endfunction()
 
+# Makes the settings file a resource under the target's name, so that two plug-ins in one process do not meet.
+macro(_vorlane_add_settings)
+  get_filename_component(settings ${arg_SETTINGS} ABSOLUTE)
+  _vorlane_check_settings(${settings})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${settings})
+  set(settings_qrc ${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}-settings.qrc)
+  file(CONFIGURE OUTPUT ${settings_qrc} CONTENT
+    "<RCC><qresource prefix=\"/Vorlane/Settings\"><file alias=\"@arg_NAME@.json\">@settings@</file></qresource></RCC>\n"
+    @ONLY)
+  list(APPEND arg_RESOURCES ${settings_qrc})
+endmacro()
+
 # A mistake is told here, in the caller's words, and not by whatever it would break later.
 macro(_vorlane_check_action_arguments)
-  set(usage "vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>])")
+  set(usage "vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>] [SETTINGS <file>])")
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "vorlane_add_action: unknown argument: ${arg_UNPARSED_ARGUMENTS}\n  ${usage}")
   endif()
@@ -61,7 +79,7 @@ macro(_vorlane_check_action_arguments)
       message(FATAL_ERROR "vorlane_add_action: ${needed} is missing\n  ${usage}")
     endif()
   endforeach()
-  foreach(kind "SOURCES:cpp|cc|cxx|c|h|hpp|mm" "FORMS:ui" "RESOURCES:qrc")
+  foreach(kind "SOURCES:cpp|cc|cxx|c|h|hpp|mm" "FORMS:ui" "RESOURCES:qrc" "SETTINGS:json")
     string(REGEX MATCH "^[A-Z]+" keyword ${kind})
     string(REGEX REPLACE "^[A-Z]+:" "" endings ${kind})
     foreach(file ${arg_${keyword}})

@@ -45,8 +45,8 @@ void CFramelessHandler::setEdgeInset(int inset) {
   hoverCursorPos.edgeInset = inset;
 }
 
-bool CFramelessHandler::eventFilter(QObject* watched, QEvent* event) {
-  if (!widget || watched != widget) return false;
+bool CFramelessHandler::eventFilter(QObject*, QEvent* event) {
+  if (!widget) return false;
   switch (event->type()) {
     case QEvent::MouseButtonPress:
       handleMousePressEvent(static_cast<QMouseEvent*>(event));

@@ -12,6 +12,7 @@ CSaveAsActionlistDialog::CSaveAsActionlistDialog(QWidget* parent, Qt::WindowFlag
   VDaddMainWidget(ui.main_widget, true);
   ui.categoryComboBox->clear();
   ui.categoryComboBox->addItems(CActionUtils::GetActionListCategories());
+  ui.actionListNameLineEdit->setFocus();
   connect(ui.actionListNameLineEdit, SIGNAL(returnPressed()), ui.saveButton, SIGNAL(clicked()));
 }
 

@@ -24,6 +24,7 @@ CSaveAsCollectionDialog::CSaveAsCollectionDialog(QWidget* parent, Qt::WindowFlag
   ui.horizontalSpacer->changeSize(0, 20, QSizePolicy::Expanding, QSizePolicy::Minimum);
   VDaddMainWidget(ui.main_widget, true);
   if (height() < kMinimumHeight) setFixedHeight(kMinimumHeight);
+  ui.collectionNameLineEdit->setFocus();
 }
 
 CSaveAsCollectionDialog::~CSaveAsCollectionDialog() = default;
@@ -44,7 +45,7 @@ void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
   settings->insert(QStringLiteral("CollectionName"), ui.collectionNameLineEdit->text());
   // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
-  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): told of the line where nothing refers to it any more.
+  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): reported where the last reference ends.
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
   accept();
   // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)

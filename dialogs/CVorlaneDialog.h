@@ -34,7 +34,9 @@ class CVorlaneDialog : public QDialog {
 
   /// Puts the form, at the size it has, into the content area; sizes the dialog around it and centres it on the preview
   /// window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
-  /// size is the minimum. Null does nothing.
+  /// size is the minimum. Where the form needs more, as with a large font, the dialog is that much larger. Texts of the
+  /// form's labels, group boxes, radio buttons and check boxes become black, unless they have a colour of their own.
+  /// Afterwards every widget of the form has its geometry. Null does nothing.
   void VDaddMainWidget(QWidget* form, bool fixedSize);
   /// Adds the header's close button, which rejects the dialog.
   void VDaddCloseButton();
@@ -64,6 +66,7 @@ class CVorlaneDialog : public QDialog {
   void addShadow(const ShadowPiece& piece);
   void buildMainFrame();
   void applyContext(Context context);
+  QSize roomFor(const QWidget* form, const QSize& stated);
   CVorlaneHeaderButton* addHeaderButton(const HeaderButton& button);
 
   CFramelessHandler framelessHandler;

@@ -14,8 +14,8 @@ class CActionInterface {
  public:
   virtual ~CActionInterface() = default;
 
-  /// Runs the action on one open document. Called once a document and action of a list. The number answered is the
-  /// host's to interpret; an action that knows of no failure answers 0. `info` and what it points to are the host's,
+  /// Runs the action on one open document; called once for each document and each action of a list. What the result
+  /// means is up to the host; 0 when the action found no failure. `info` and what it points to are the host's,
   /// and valid during the call only.
   virtual int WorkProc(WorkProcInfoStruct* info) = 0;
   /// Edits info->settings in a modal dialog; 1 if the user accepted, else 0.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <cmath>
 #include <QFile>
 
@@ -10,7 +11,7 @@ QString CActionUtils::GetStringWithLeadingZeroesFromNumber(int number, int width
 }
 
 QString CActionUtils::GetStringWithLeadingZeroesFromString(QString digits, int width) {
-  return digits.rightJustified(width, u'0');
+  return digits.rightJustified(std::max(width, 0), u'0');
 }
 
 QString CActionUtils::AppendCopyNumberToFilename(QString path) {

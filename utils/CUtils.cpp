@@ -13,14 +13,9 @@ namespace {
 const QLatin1String kToolsName("PDF Tools");
 const QLatin1String kVendorFolder("/nolva software");
 
+// One level only.
 void MakeFolder(const QString& path) {
-  const QDir folder(path);
-  if (!folder.exists()) folder.mkdir(path);
-}
-
-void MakeEntry(const QString& folderPath, const QString& name) {
-  const QDir folder(folderPath);
-  if (!folder.exists(name)) folder.mkdir(name);
+  if (!QDir(path).exists()) QDir().mkdir(path);
 }
 
 }  // namespace
@@ -81,19 +76,18 @@ void CUtils::SetupFolders() {
   const QString tools = vendor + QLatin1Char('/') + kToolsName;
   MakeFolder(vendor);
   MakeFolder(tools);
-  // Parents before their children: each step makes one level only.
+  // Parents before their children.
   for (const char* name : {"/Actions", "/Reports", "/Scripts", "/Reports/Action Reports", "/Reports/App Log", "/WF",
                            "/Settings", "/Settings/Favorites", "/Settings/AdvSplitTemplates"}) {
     MakeFolder(tools + QLatin1String(name));
   }
 
   // The running application's own name here, whatever SetAppName() was told.
-  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  const QString name = QCoreApplication::applicationName();
-  MakeEntry(documents, name);
-  const QString own = documents + QLatin1Char('/') + name + QLatin1Char('/');
-  MakeEntry(own, QStringLiteral("Input"));
-  MakeEntry(own, QStringLiteral("Output"));
+  const QString own = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + QLatin1Char('/') +
+                      QCoreApplication::applicationName();
+  MakeFolder(own);
+  MakeFolder(own + QLatin1String("/Input"));
+  MakeFolder(own + QLatin1String("/Output"));
 }
 
 QDir CUtils::GetNewTempFolder(QString* name) {

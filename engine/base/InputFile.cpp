@@ -20,10 +20,6 @@ namespace {
 // A file up to this size is read by one call and kept: reading and copying it then need no further calls.
 constexpr std::uint64_t kKeptSize = 64 * 1024;
 
-InputFile::Identity IdentityOf(const struct stat& status) {
-  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size), status.st_mtim};
-}
-
 std::string AbsolutePath(const std::string& path) {
   char folder[PATH_MAX];
   if (path.empty() || path.front() == '/' || getcwd(folder, sizeof folder) == nullptr) return path;
@@ -36,6 +32,10 @@ std::string AbsolutePath(const std::string& path) {
 }
 
 }  // namespace
+
+InputFile::Identity InputFile::Identity::Of(const struct stat& status) {
+  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size), status.st_mtim};
+}
 
 bool InputFile::Identity::operator==(const Identity& other) const {
   return device == other.device && inode == other.inode && size == other.size &&
@@ -53,7 +53,7 @@ std::shared_ptr<const InputFile> InputFile::Open(const std::string& path) {
   if (fstat(file->descriptor_, &status) != 0) ThrowOpenError(path, errno);
   if (S_ISDIR(status.st_mode)) ThrowOpenError(path, EISDIR);
   if (!S_ISREG(status.st_mode)) throw EngineError(kErrorFileUnreadable, path + ": not a regular file");
-  file->identity_ = IdentityOf(status);
+  file->identity_ = Identity::Of(status);
   file->sparse_ = static_cast<std::uint64_t>(status.st_blocks) * 512 < file->identity_.size;
   return file;
 }
@@ -75,14 +75,13 @@ std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t co
   count = static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset));
   if (!cached_ && Size() <= kKeptSize) {
     bytes_.resize(static_cast<std::size_t>(Size()));
-    bytes_.resize(ReadFromDisk(0, bytes_.data(), bytes_.size()));
+    ReadFromDisk(0, bytes_.data(), bytes_.size());
     cached_ = true;
   }
   if (cached_) {
-    count = offset < bytes_.size() ? std::min(count, bytes_.size() - static_cast<std::size_t>(offset)) : 0;
-    if (count > 0) std::memcpy(buffer, bytes_.data() + offset, count);
+    std::memcpy(buffer, bytes_.data() + offset, count);
   } else {
-    count = ReadFromDisk(offset, static_cast<char*>(buffer), count);
+    ReadFromDisk(offset, static_cast<char*>(buffer), count);
   }
   bytesRead_ += count;
   return count;
@@ -91,26 +90,29 @@ std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t co
 std::string InputFile::ReadAt(std::uint64_t offset, std::size_t count) const {
   if (offset >= Size()) return {};
   std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset)), '\0');
-  bytes.resize(ReadAt(offset, bytes.data(), bytes.size()));
+  ReadAt(offset, bytes.data(), bytes.size());
   return bytes;
 }
 
-std::size_t InputFile::ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const {
-  std::size_t done = 0;
-  while (done < count) {
-    const ssize_t got = pread(descriptor_, buffer + done, count - done, static_cast<off_t>(offset + done));
+void InputFile::ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const {
+  while (count > 0) {
+    const ssize_t got = pread(descriptor_, buffer, count, static_cast<off_t>(offset));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) throw EngineError(kErrorFileUnreadable, path_ + ": " + std::strerror(errno));
-    if (got == 0) break;
-    done += static_cast<std::size_t>(got);
+    if (got == 0) {
+      tooShort_ = true;
+      throw EngineError(kErrorSourceChanged, path_ + ": the file changed while it was read");
+    }
+    buffer += got;
+    offset += static_cast<std::uint64_t>(got);
+    count -= static_cast<std::size_t>(got);
   }
-  return done;
 }
 
 void InputFile::CheckUnchanged() const {
   if (InMemory()) return;
   struct stat status = {};
-  if (stat(path_.c_str(), &status) != 0 || IdentityOf(status) != identity_) {
+  if (tooShort_ || stat(path_.c_str(), &status) != 0 || Identity::Of(status) != identity_) {
     throw EngineError(kErrorSourceChanged, path_ + ": changed since it was opened");
   }
 }

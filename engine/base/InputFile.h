@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -12,11 +13,14 @@
 namespace engine {
 
 // A file, or bytes in memory, opened for reading. It stays readable while the object lives, even when the name is
-// removed or given to another file meanwhile; CheckUnchanged() tells whether that happened. Not for several threads.
-class InputFile {
+// removed or given to another file meanwhile; CheckUnchanged() reports that. Not for several threads.
+class InputFile : public std::enable_shared_from_this<InputFile> {
  public:
-  // What tells one state of a file from another.
+  // Differs between two states of a file. The inode is not used again while the file is open here, so another program's
+  // save by rename always shows. A change in place shows by size or time, and the time is only as fine as the kernel's.
   struct Identity {
+    static Identity Of(const struct stat& status);
+
     dev_t device = 0;
     ino_t inode = 0;
     std::uint64_t size = 0;
@@ -46,16 +50,17 @@ class InputFile {
   // Whether the file system stores fewer blocks than the size asks for, as with a file that has holes.
   bool Sparse() const { return sparse_; }
 
-  // Copies up to `count` bytes from `offset` on and returns how many there were: fewer only at the end of the file.
-  // Throws EngineError: kErrorFileUnreadable.
+  // Copies up to `count` bytes from `offset` on and returns how many there were: fewer only where Size() ends. Throws
+  // EngineError: kErrorFileUnreadable, or kErrorSourceChanged when the file ends before Size(), because it shrank or,
+  // as in /sys, because its size was never true.
   std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const;
   std::string ReadAt(std::uint64_t offset, std::size_t count) const;
 
   // The whole file when it is in memory already (small files are, once read), otherwise null.
   const std::string* Bytes() const { return cached_ ? &bytes_ : nullptr; }
 
-  // Throws EngineError kErrorSourceChanged when the path no longer leads to the very file that was opened, or that file
-  // has another size or time than when it was opened.
+  // Throws EngineError kErrorSourceChanged when the path no longer leads to the very file that was opened, that file
+  // has another size or time than when it was opened, or a read has found it too short.
   void CheckUnchanged() const;
 
   // Bytes that ReadAt has delivered so far.
@@ -63,13 +68,14 @@ class InputFile {
 
  private:
   InputFile() = default;
-  std::size_t ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const;
+  void ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const;
 
   std::string path_;
   int descriptor_ = -1;
   Identity identity_;
   bool sparse_ = false;
   mutable bool cached_ = false;
+  mutable bool tooShort_ = false;  // kept, since a parser may swallow the error
   mutable std::string bytes_;
   mutable std::uint64_t bytesRead_ = 0;
 };

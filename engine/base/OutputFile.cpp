@@ -2,6 +2,7 @@
 #include "engine/base/OutputFile.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -23,8 +24,11 @@ namespace {
 
 constexpr std::size_t kBufferSize = 256 * 1024;
 constexpr std::size_t kCopyBlock = 1024 * 1024;
+constexpr std::size_t kEndSize = 4096;
 constexpr int kMostLinks = 40;
 constexpr mode_t kNewFileMode = 0666;  // less the process's umask
+constexpr int kLongestWait = 10000;    // for a lock, in milliseconds
+constexpr char kAccessList[] = "system.posix_acl_access";
 
 bool IsFull(int error) {
   return error == ENOSPC || error == EDQUOT || error == EFBIG;
@@ -48,7 +52,7 @@ std::string DescriptorPath(int descriptor) {
 // Gives an unnamed file its name; false with errno otherwise, EEXIST when the name is taken.
 bool Name(int descriptor, const std::string& name) {
 #ifdef AT_EMPTY_PATH
-  // Twice as fast as by way of /proc, but not for everyone: the kernel tells those who may not that there is no file.
+  // Twice as fast as through /proc, but not for everyone: the kernel reports "no such file" to those who may not.
   static std::atomic<bool> direct{true};
   if (direct && linkat(descriptor, "", AT_FDCWD, name.c_str(), AT_EMPTY_PATH) == 0) return true;
   if (direct && errno != ENOENT && errno != EPERM && errno != EINVAL) return false;
@@ -73,7 +77,7 @@ std::string RandomName() {
 
 // Labels of security modules describe the old content or are set by the system; those of the user are kept.
 bool IsKeptAttribute(const std::string& name) {
-  return name.compare(0, 5, "user.") == 0 || name == "system.posix_acl_access";
+  return name.compare(0, 5, "user.") == 0 || name == kAccessList;
 }
 
 void CopyExtendedAttributes(const std::string& from, int to) {
@@ -91,6 +95,55 @@ void CopyExtendedAttributes(const std::string& from, int to) {
     }
   }
 }
+
+// Where data starts and ends, from a position before `end` on. A file system without holes has data everywhere.
+std::uint64_t NextData(int descriptor, std::uint64_t position, std::uint64_t end) {
+  const off_t data = lseek(descriptor, static_cast<off_t>(position), SEEK_DATA);
+  if (data < 0) return errno == ENXIO ? end : position;
+  return std::min(std::max(static_cast<std::uint64_t>(data), position), end);
+}
+
+std::uint64_t NextHole(int descriptor, std::uint64_t position, std::uint64_t end) {
+  const off_t hole = lseek(descriptor, static_cast<off_t>(position), SEEK_HOLE);
+  return hole > static_cast<off_t>(position) ? std::min(static_cast<std::uint64_t>(hole), end) : end;
+}
+
+// False with errno.
+bool Exchange(const std::string& one, const std::string& other) {
+  return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+// The kernel, the file system or a filter of system calls does not have it.
+bool CannotExchange(int error) {
+  return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
+}
+
+InputFile::Identity IdentityAt(const std::string& path) {
+  struct stat status = {};
+  return lstat(path.c_str(), &status) == 0 ? InputFile::Identity::Of(status) : InputFile::Identity();
+}
+
+[[noreturn]] void ThrowChanged(const std::string& path) {
+  throw EngineError(kErrorSourceChanged, path + ": changed since it was opened");
+}
+
+// An advisory lock for as long as the object lives. This library holds one for an instant, so a long wait means another
+// program or a stopped process. On file systems without locks it locks nothing.
+class FileLock {
+ public:
+  FileLock(int descriptor, const std::string& path) : descriptor_(descriptor) {
+    for (int waited = 0; flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++waited) {
+      if (waited == kLongestWait) throw EngineError(kErrorCannotWrite, path + ": locked by another program");
+      usleep(1000);
+    }
+  }
+  ~FileLock() { flock(descriptor_, LOCK_UN); }
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+ private:
+  const int descriptor_;
+};
 
 }  // namespace
 
@@ -159,9 +212,10 @@ void OutputFile::Flush() {
   buffer_.clear();
 }
 
+// The descriptor's own position is never used: a hole only moves written_.
 void OutputFile::WriteOut(const char* data, std::size_t count) {
   while (count > 0) {
-    const ssize_t put = write(descriptor_, data, count);
+    const ssize_t put = pwrite(descriptor_, data, count, static_cast<off_t>(written_));
     if (put < 0 && errno == EINTR) continue;
     if (put < 0) ThrowWriteError(errno);
     data += put;
@@ -171,59 +225,96 @@ void OutputFile::WriteOut(const char* data, std::size_t count) {
 }
 
 void OutputFile::CopyFrom(const InputFile& source) {
+  if (Size() > 0) throw EngineError(kErrorInternal, "a copy has to come first");
+  source_ = source.shared_from_this();
   if (const std::string* bytes = source.Bytes()) {
+    copiedByHand_ = true;
     Write(*bytes);
   } else if (InMemory() || !source.Sparse()) {
-    CopyRange(source, 0, source.Size());
+    CopyUpTo(source, source.Size());
   } else {
     CopyWithHoles(source);
   }
-  source.CheckUnchanged();
+  NoteLoaded(source);
+}
+
+// In this order: a target that is the source, replaced by now, is noticed by the check.
+void OutputFile::NoteLoaded(const InputFile& loaded) {
+  struct stat target = {};
+  if (!InMemory() && !loaded.InMemory() && stat(target_.c_str(), &target) == 0 &&
+      target.st_dev == loaded.GetIdentity().device && target.st_ino == loaded.GetIdentity().inode) {
+    loaded_ = loaded.shared_from_this();
+  }
+  loaded.CheckUnchanged();
 }
 
 void OutputFile::CopyWithHoles(const InputFile& source) {
-  Flush();
-  const auto size = static_cast<off_t>(source.Size());
-  off_t position = 0;
-  while (position < size) {
-    off_t data = lseek(source.Descriptor(), position, SEEK_DATA);
-    if (data < 0 && errno != ENXIO) data = position;  // a file system without holes
-    if (data < 0 || data > size) data = size;
-    if (lseek(descriptor_, data - position, SEEK_CUR) < 0) ThrowWriteError(errno);
-    written_ += static_cast<std::uint64_t>(data - position);
-    off_t hole = data < size ? lseek(source.Descriptor(), data, SEEK_HOLE) : size;
-    if (hole <= data || hole > size) hole = size;
-    CopyRange(source, static_cast<std::uint64_t>(data), static_cast<std::uint64_t>(hole - data));
-    position = hole;
+  while (written_ < source.Size()) {
+    written_ = NextData(source.Descriptor(), written_, source.Size());
+    CopyUpTo(source, NextHole(source.Descriptor(), written_, source.Size()));
+    Flush();
   }
   if (ftruncate(descriptor_, static_cast<off_t>(written_)) != 0) ThrowWriteError(errno);
 }
 
-void OutputFile::CopyRange(const InputFile& source, std::uint64_t offset, std::uint64_t count) {
-  // copy_file_range shares the blocks itself where the file system can.
-  if (!InMemory() && !source.InMemory()) {
-    Flush();
-    auto from = static_cast<off_t>(offset);
-    while (count > 0) {
-      const std::size_t part = static_cast<std::size_t>(std::min<std::uint64_t>(count, SSIZE_MAX / 2));
-      const ssize_t copied = copy_file_range(source.Descriptor(), &from, descriptor_, nullptr, part, 0);
-      if (copied < 0 && errno == EINTR) continue;
-      if (copied < 0 && IsFull(errno)) ThrowWriteError(errno);
-      if (copied <= 0) break;  // other file systems, or not supported: by hand
-      offset += static_cast<std::uint64_t>(copied);
-      count -= static_cast<std::uint64_t>(copied);
-      written_ += static_cast<std::uint64_t>(copied);
-    }
-  }
+// The source's bytes from as many on as were written.
+void OutputFile::CopyUpTo(const InputFile& source, std::uint64_t end) {
+  if (!InMemory()) CopyInKernel(source, end);
   std::string block;
-  while (count > 0) {
-    block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(count, kCopyBlock)));
-    const std::size_t got = source.ReadAt(offset, block.data(), block.size());
-    if (got == 0) throw EngineError(kErrorSourceChanged, source.Path() + ": shrank since it was opened");
-    Write(block.data(), got);
-    offset += got;
-    count -= got;
+  while (Size() < end) {
+    copiedByHand_ = true;
+    block.resize(static_cast<std::size_t>(std::min<std::uint64_t>(end - Size(), kCopyBlock)));
+    source.ReadAt(Size(), block.data(), block.size());
+    Write(block);
   }
+}
+
+// Stops early where the kernel cannot copy, between file systems for example.
+void OutputFile::CopyInKernel(const InputFile& source, std::uint64_t end) {
+  while (written_ < end) {
+    const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(end - written_, SSIZE_MAX / 2));
+    auto from = static_cast<off_t>(written_);
+    auto to = from;
+    const ssize_t copied = copy_file_range(source.Descriptor(), &from, descriptor_, &to, count, 0);
+    if (copied < 0 && errno == EINTR) continue;
+    if (copied < 0 && IsFull(errno)) ThrowWriteError(errno);
+    if (copied <= 0) return;
+    written_ += static_cast<std::uint64_t>(copied);
+  }
+}
+
+// Looks at all of it where it was copied by hand, otherwise at the size and both ends.
+void OutputFile::CheckBeginsWith(const InputFile& source) const {
+  const std::uint64_t size = source.Size();
+  struct stat status = {};
+  bool equal = fstat(descriptor_, &status) == 0 && static_cast<std::uint64_t>(status.st_size) == written_;
+  if (copiedByHand_) {
+    for (std::uint64_t offset = 0; equal && offset < size; offset += kCopyBlock) {
+      if (source.Sparse()) {
+        offset = std::min(NextData(source.Descriptor(), offset, size), NextData(descriptor_, offset, size));
+      }
+      equal = EqualsAt(source, offset, std::min<std::uint64_t>(kCopyBlock, size - offset));
+    }
+  } else {
+    const std::uint64_t end = std::min<std::uint64_t>(kEndSize, size);
+    equal = equal && EqualsAt(source, 0, end) && EqualsAt(source, size - end, end);
+  }
+  if (equal) return;
+  source.CheckUnchanged();
+  throw EngineError(kErrorCannotWrite, target_ + ": what was written does not begin with the loaded file");
+}
+
+bool OutputFile::EqualsAt(const InputFile& source, std::uint64_t offset, std::uint64_t count) const {
+  const std::string wanted = source.ReadAt(offset, static_cast<std::size_t>(count));
+  std::string block(wanted.size(), '\0');
+  std::size_t done = 0;
+  while (done < block.size()) {
+    const ssize_t got = pread(descriptor_, &block[done], block.size() - done, static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    done += static_cast<std::size_t>(got);
+  }
+  return block == wanted;
 }
 
 std::shared_ptr<const InputFile> OutputFile::ReadBack() {
@@ -232,15 +323,16 @@ std::shared_ptr<const InputFile> OutputFile::ReadBack() {
   return InputFile::Open(temporary_.empty() ? DescriptorPath(descriptor_) : temporary_);
 }
 
-void OutputFile::Commit() {
+void OutputFile::Commit(const InputFile* loaded) {
   if (InMemory()) return;
   Flush();
+  if (source_ != nullptr) CheckBeginsWith(*source_);
+  if (loaded != nullptr && loaded_ == nullptr) NoteLoaded(*loaded);
   const bool unnamed = temporary_.empty();
-  if (unnamed && Name(descriptor_, target_)) {
-    Close();
-    return;
+  if (unnamed && loaded_ == nullptr) {
+    if (Name(descriptor_, target_)) return Close();
+    if (errno != EEXIST) ThrowWriteError(errno);
   }
-  if (unnamed && errno != EEXIST) ThrowWriteError(errno);
   if (unnamed) ResolveTarget();
   Replace();
 }
@@ -248,21 +340,75 @@ void OutputFile::Commit() {
 void OutputFile::Replace() {
   struct stat old = {};
   const bool replaces = lstat(target_.c_str(), &old) == 0;
+  if (loaded_ != nullptr) CheckIsLoaded(target_, old);
   if (replaces) PrepareReplacement(old);
   if (temporary_.empty() && !NameTemporary()) return CommitElsewhere();
-  Close();
-  if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowWriteError(errno);
-  temporary_.clear();
+  if (loaded_ != nullptr) {
+    TakePlaceOfLoaded(old);
+  } else {
+    Close();
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowWriteError(errno);
+    temporary_.clear();
+  }
   if (!replaces) return;
   replaced_ = {old.st_dev, old.st_ino};
   SyncFolder();
+}
+
+// Leaves no temporary file. The header has the reasons for the locks and for their order.
+void OutputFile::TakePlaceOfLoaded(const struct stat& old) {
+  const FileLock oldLock(loaded_->Descriptor(), target_);
+  const FileLock newLock(descriptor_, target_);
+  CheckIsLoaded(target_, old);
+  if (Exchange(temporary_, target_)) {
+    try {
+      CheckIsLoaded(temporary_, old);
+    } catch (const EngineError&) {
+      PutBack();
+      throw;
+    }
+    unlink(temporary_.c_str());
+  } else {
+    if (errno == ENOENT) ThrowChanged(target_);
+    if (!CannotExchange(errno)) ThrowWriteError(errno);
+    CheckIsLoaded(target_, old);
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) ThrowWriteError(errno);
+  }
+  temporary_.clear();
+}
+
+// The rights are compared too: the new file got them from `old`, and a change since must not be lost.
+void OutputFile::CheckIsLoaded(const std::string& path, const struct stat& old) const {
+  struct stat now = {};
+  if (lstat(path.c_str(), &now) != 0 || InputFile::Identity::Of(now) != loaded_->GetIdentity() ||
+      now.st_mode != old.st_mode || now.st_uid != old.st_uid || now.st_gid != old.st_gid) {
+    ThrowChanged(target_);
+  }
+}
+
+// Undoes an exchange that took another program's save out of its place. When that place then held anything but what was
+// put there, somebody has saved once more meanwhile, and the newest save has to stay.
+void OutputFile::PutBack() {
+  struct stat own = {};
+  fstat(descriptor_, &own);
+  InputFile::Identity placed = InputFile::Identity::Of(own);
+  for (;;) {
+    const InputFile::Identity next = IdentityAt(temporary_);
+    if (!Exchange(temporary_, target_)) break;
+    if (IdentityAt(temporary_) == placed) return;
+    placed = next;
+  }
+  // The name was removed meanwhile, or nothing can be done: then the other save stays under the hidden name.
+  if (errno == ENOENT && (link(temporary_.c_str(), target_.c_str()) == 0 || errno == EEXIST)) return;
+  const std::string kept = std::exchange(temporary_, {});
+  throw EngineError(kErrorCannotWrite, target_ + ": another program saved it meanwhile; its file is now " + kept);
 }
 
 // The target was a link to another file system.
 void OutputFile::CommitElsewhere() {
   OutputFile there(target_);
   there.CopyFrom(*ReadBack());
-  there.Commit();
+  there.Commit(loaded_.get());
   replaced_ = there.replaced_;
   Close();
 }
@@ -273,11 +419,20 @@ void OutputFile::PrepareReplacement(const struct stat& old) {
   mode_t mode = old.st_mode & 07777;
   if (fchown(descriptor_, old.st_uid, old.st_gid) != 0) {
     mode &= 0777u;  // Another owner's file must not gain this one's rights.
-    if (fchown(descriptor_, static_cast<uid_t>(-1), old.st_gid) != 0) mode &= 0707u;
+    if (fchown(descriptor_, static_cast<uid_t>(-1), old.st_gid) != 0) CheckGroupIsNoMatter(old);
   }
   if (fchmod(descriptor_, mode) != 0) ThrowWriteError(errno);
   CopyExtendedAttributes(target_, descriptor_);
   if (fsync(descriptor_) != 0) ThrowWriteError(errno);
+}
+
+// With the same rights for the group and for others, another group changes nothing for anybody. Otherwise the file
+// would be lost to its readers or open to new ones, so it stays as it is.
+void OutputFile::CheckGroupIsNoMatter(const struct stat& old) const {
+  const bool same = (old.st_mode >> 3 & 7U) == (old.st_mode & 7U);
+  if (same && getxattr(target_.c_str(), kAccessList, nullptr, 0) < 0) return;
+  throw EngineError(kErrorCannotWrite,
+                    target_ + ": its group cannot be kept (not a member), and its rights depend on it");
 }
 
 bool OutputFile::NameTemporary() {
@@ -293,7 +448,7 @@ bool OutputFile::NameTemporary() {
   return true;
 }
 
-// Some network file systems tell only now that the data did not fit.
+// Some network file systems report only now that the data did not fit.
 void OutputFile::Close() {
   const int descriptor = std::exchange(descriptor_, -1);
   if (close(descriptor) != 0 && errno != EINTR) ThrowWriteError(errno);

@@ -70,7 +70,7 @@ void Document::SaveToFile(const std::string& path) {
   std::unique_ptr<OutputFile> output;
   const SaveMode mode = File().Write(edits_, output, [&] { return std::make_unique<OutputFile>(path); });
   const InputFile::Identity source = file_->Source().GetIdentity();
-  output->Commit();
+  output->Commit(&file_->Source());
   lastSaved_ = mode;
   // Replaced under another of its names, the loaded file is still there.
   if (!output->Replaced(source.device, source.inode) || file_->IsAt(absolutePath_)) return;

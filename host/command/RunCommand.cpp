@@ -12,6 +12,7 @@
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
 #include "host/base/CommandError.h"
+#include "host/base/Console.h"
 #include "host/base/Interruption.h"
 #include "host/base/NativeName.h"
 #include "host/files/FileLookup.h"
@@ -24,7 +25,6 @@
 #include "host/run/WorkerPool.h"
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "plugin/WorkProcInfoStruct.h"
-#include "utils/CUtils.h"
 
 namespace {
 
@@ -150,9 +150,11 @@ std::vector<RunStep> RunCommand::LoadSteps(ActionCatalog& catalog) const {
     steps.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
     return steps;
   }
-  const ActionList list = ActionList::Read(ActionList::Locate(Value("list"), CUtils::GetSequenceFolder()));
-  for (const ActionList::Step& step : list.Steps()) {
-    steps.push_back({&catalog.Get(step.actionName), step.actionName, step.settings});
+  QStringList warnings;
+  const ActionListFile list = ActionList::Read(ActionList::Locate(Value("list")), &warnings);
+  for (const QString& warning : warnings) Console::Error(warning);
+  for (const ActionListFile::Entry& entry : list.entries) {
+    steps.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
   }
   return steps;
 }

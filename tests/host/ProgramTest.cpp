@@ -98,8 +98,6 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
             "ELF\n\n[[[");
   WriteList("unknown.xqq", "Unknown", {"Set Base URL", "No Such Action"});
   WriteList("empty.xqq", "Empty", {});
-  WriteList("gap.xqq", "Gap", {"Set Base URL"});
-  QSettings("gap.xqq", QSettings::IniFormat).setValue("ActionName2", "Set Base URL");
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionName0", "Set Base URL");
   QSettings("badprefs.xqq", QSettings::IniFormat).setValue("ActionPrefs0", "text");
   WriteFile("tornprefs.xqq",
@@ -114,7 +112,6 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
       {{"run", "--list", "No Such List"}, "no action list 'No Such List'"},
       {{"run", "--list", "./noise.xqq"}, "noise.xqq"},
       {{"run", "--list", "./empty.xqq"}, "no actions"},
-      {{"run", "--list", "./gap.xqq"}, "action 1 is missing"},
       {{"run", "--list", "./badprefs.xqq"}, "damaged"},
       {{"run", "--list", "./tornprefs.xqq"}, "damaged"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "tools"}, "broken.so"},
@@ -260,6 +257,11 @@ TEST(Program, ListsByNameAndByFile) {
   EXPECT_THAT(RunProgram({"run", "--list", "Twin", "--in-place", "a.pdf"}).err.toStdString(), HasSubstr("Several"));
   EXPECT_EQ(RunProgram({"run", "--list", "twin2", "--in-place", "a.pdf"}).code, 0);
 
+  WriteFile("gap.xqq", "\xef\xbb\xbf[General]\n; a comment\nActionName0=Set Base URL\nActionName2=No Such Action\n");
+  const ProgramResult gap = RunProgram({"run", "--list", "./gap.xqq", "--in-place", "a.pdf"});
+  EXPECT_EQ(gap.code, 0) << gap.err.toStdString();
+  EXPECT_THAT(gap.err.toStdString(), HasSubstr("action 1 is missing"));
+
   const ProgramResult text = RunProgram({"lists"});
   EXPECT_THAT(text.out.toStdString(), HasSubstr("My List\tTests\tSet Base URL, Set Base URL\n"));
   const QJsonArray json = QJsonDocument::fromJson(RunProgram({"lists", "--json"}).out).array();
@@ -274,6 +276,12 @@ TEST(Program, ShowsActionsHelpVersionAndUrls) {
   EXPECT_EQ(RunProgram({"actions"}).out, "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\n");
   const QJsonArray actions = QJsonDocument::fromJson(RunProgram({"actions", "--json"}).out).array();
   EXPECT_EQ(actions[0]["flags"].toInt(), 15);
+  EXPECT_EQ(RunProgram({"actions"}).err, "");
+  const ProgramResult probe = RunProgram({"actions", "--tools-dir", QFileInfo(PROBEACTION_FILE).path()});
+  EXPECT_EQ(probe.code, 0);
+  EXPECT_THAT(probe.err.toStdString(),
+              testing::MatchesRegex("[^\n]*Probe: :/Vorlane/Resources/HelpFiles/Probe.html is not [^\n]*\n"
+                                    "[^\n]*Probe: :/Vorlane/Resources/Tools/Probe_Selected.png is not [^\n]*\n"));
   EXPECT_THAT(RunProgram({"--version"}).out.toStdString(), testing::MatchesRegex("vorlane-run [0-9.]+\n"));
   EXPECT_THAT(RunProgram({"--help"}).out.toStdString(), HasSubstr("Exit codes"));
   EXPECT_THAT(RunProgram({"run", "--help"}).out.toStdString(), HasSubstr("vorlane-run run [options] FILE..."));

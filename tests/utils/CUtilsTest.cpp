@@ -67,6 +67,13 @@ TEST(CUtils, SetupFoldersMakesTheWholeTreeOnceAndKeepsWhatIsThere) {
   EXPECT_EQ(ReadText(CUtils::GetSequenceFolder() + "/kept.xqq"), "x");
 }
 
+TEST(CUtils, SetupFoldersWorksBelowARelativeLocation) {
+  QDir().mkdir("data here");
+  qputenv("XDG_DATA_HOME", "data here");
+  CUtils::SetupFolders();
+  EXPECT_TRUE(QDir("data here/nolva software/PDF Tools/Settings/Favorites").exists());
+}
+
 TEST(CUtils, SetupFoldersGoesOnAfterAFailedStep) {
   QDir().mkpath(Sandbox::Folder() + "/home/Documents");
   WriteFile(Tools() + "Reports", "a file where a folder belongs");

@@ -17,6 +17,7 @@
 
 #include "tests/pdflib/FakeLibrary.h"
 #include "utils/CActionUtils.h"
+#include "utils/CUtils.h"
 
 namespace {
 
@@ -280,6 +281,17 @@ TEST(TextItems, IconsAreScaledAndAdded) {
   }
   EXPECT_EQ(icon.availableSizes().size(), 2);
   CActionUtils::GenerateTextItemIcon(10, 10, "Text", nullptr);
+
+  // Sides beyond what a painter reaches at once: the text is painted to its end.
+  const QString lines = QString("m\n").repeated(5000);
+  for (const QSize& size : {QSize(400, 40000), QSize(40000, 400)}) {
+    QIcon large;
+    CActionUtils::GenerateTextItemIcon(size.width(), size.height(), size.height() > 400 ? lines : QString(40000, 'W'),
+                                       &large);
+    ASSERT_EQ(large.availableSizes(), QList<QSize>{size.scaled(128, 128, Qt::KeepAspectRatio)});
+    const QImage scaled = large.pixmap(128, 128).toImage().convertToFormat(QImage::Format_ARGB32);
+    EXPECT_GT(qAlpha(scaled.pixel(size.width() > 400 ? 127 : 0, size.height() > 400 ? 127 : 0)), 0);
+  }
 }
 
 TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
@@ -311,6 +323,11 @@ TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
   EXPECT_EQ(label->text(), "still there");
   label.reset();
   CActionUtils::SetCurrentSection("gone");
+}
+
+// The "offscreen" platform claims to have OpenGL and then hands out no context.
+TEST(OpenGL, IsAbsentWithoutACrashWhereNoContextCanBeMade) {
+  EXPECT_FALSE(CUtils::CheckOpenGLSupport());
 }
 
 TEST(ToolIcons, AreFoundByFileName) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Opens each picker in a real window, pops it up and saves what the screen shows: picker_gallery <folder>
+// Pickers FOLDER: opens each picker in a real window, pops it up and saves what the screen shows. Run it through
+// docs/pictures/make-screenshots.
 #include <functional>
 #include <QAbstractItemView>
 #include <QApplication>
@@ -35,6 +36,7 @@ bool Photograph(const Exhibit& exhibit, const QString& path) {
   layout->addWidget(combo, 0, Qt::AlignLeft);
   layout->addStretch();
   combo->setFixedWidth(exhibit.width);
+  window.setWindowFlags(Qt::FramelessWindowHint);
   window.setFixedSize(2 * exhibit.width + 50, 240);
   window.move(20, 20);
   window.show();
@@ -56,7 +58,7 @@ bool Photograph(const Exhibit& exhibit, const QString& path) {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   if (argc != 2 || QGuiApplication::platformName() != QLatin1String("xcb")) {
-    QTextStream(stderr) << "usage: picker_gallery <folder>, on an X server\n";
+    QTextStream(stderr) << "usage: Pickers FOLDER, on an X server\n";
     return 2;
   }
   const Exhibit exhibits[] = {

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/actions/SettingsDescription.h"
+
+#include <algorithm>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QMap>
+#include <QRegularExpression>
+
+#include "host/base/CommandError.h"
+
+namespace {
+
+using Setting = SettingsDescription::Setting;
+using Type = SettingsDescription::Type;
+
+struct TypeWord {
+  Type type;
+  const char* word;
+  const char* placeholder;
+};
+constexpr TypeWord kTypes[] = {{Type::kText, "text", "TEXT"},
+                               {Type::kUrl, "url", "URL"},
+                               {Type::kNumber, "number", "NUMBER"},
+                               {Type::kChoice, "choice", "CHOICE"},
+                               {Type::kSwitch, "switch", "true|false"}};
+
+// Reads the members of an object and in the end refuses what nobody has read.
+class Members {
+ public:
+  Members(const QJsonObject& object, const QString& origin) : object_(object), origin_(origin) {}
+
+  QString Text(const char* name, bool needed = false) {
+    const QJsonValue value = Take(name);
+    if (value.isUndefined() ? needed : !value.isString()) Refuse(QStringLiteral("'%1' must be a text").arg(name));
+    return value.toString();
+  }
+  bool Truth(const char* name) {
+    const QJsonValue value = Take(name);
+    if (!value.isUndefined() && !value.isBool()) Refuse(QStringLiteral("'%1' must be true or false").arg(name));
+    return value.toBool();
+  }
+  std::optional<double> Number(const char* name) {
+    const QJsonValue value = Take(name);
+    if (value.isUndefined()) return std::nullopt;
+    if (!value.isDouble()) Refuse(QStringLiteral("'%1' must be a number").arg(name));
+    return value.toDouble();
+  }
+  QJsonArray Array(const char* name, bool needed) {
+    const QJsonValue value = Take(name);
+    if (value.isUndefined() ? needed : !value.isArray()) Refuse(QStringLiteral("'%1' must be an array").arg(name));
+    return value.toArray();
+  }
+  bool Has(const char* name) const { return object_.contains(QLatin1String(name)); }
+  void RefuseRest() const {
+    if (!object_.isEmpty()) Refuse(QStringLiteral("'%1' is unknown").arg(object_.keys().constFirst()));
+  }
+  [[noreturn]] void Refuse(const QString& why) const {
+    throw CommandError(kExitNotLoaded, QStringLiteral("The settings description %1: %2.").arg(origin_, why));
+  }
+
+ private:
+  QJsonValue Take(const char* name) {
+    const QJsonValue value = object_.value(QLatin1String(name));
+    object_.remove(QLatin1String(name));
+    return value;
+  }
+
+  QJsonObject object_;
+  QString origin_;
+};
+
+Type TypeOf(const QString& word, const Members& members) {
+  for (const TypeWord& each : kTypes) {
+    if (word == QLatin1String(each.word)) return each.type;
+  }
+  members.Refuse(QStringLiteral("'%1' is not a type").arg(word));
+}
+
+Setting ReadSetting(const QJsonObject& object, const QString& origin) {
+  Members members(object, origin);
+  Setting setting;
+  setting.key = members.Text("key", true);
+  setting.type = TypeOf(members.Text("type", true), members);
+  setting.title = members.Text("title", true);
+  setting.help = members.Text("help", true);
+  if (members.Has("default")) setting.standard = members.Text("default");
+  setting.required = members.Truth("required");
+  setting.empty = members.Text("empty");
+  setting.isBase = members.Truth("base");
+  for (const QJsonValue& choice : members.Array("choices", setting.type == Type::kChoice)) {
+    setting.choices += choice.toString();
+  }
+  setting.least = members.Number("least");
+  setting.most = members.Number("most");
+  members.RefuseRest();
+  if (setting.key.isEmpty() || setting.key.contains(QLatin1Char('=')))
+    members.Refuse(QStringLiteral("a key is missing"));
+  return setting;
+}
+
+// Every plug-in puts its file below one folder; the action's name inside tells whose it is.
+const QMap<QString, QString>& FilesByAction() {
+  static QMap<QString, QString> files;
+  const QDir folder(QStringLiteral(":/Vorlane/Settings"));
+  for (const QString& name : folder.entryList(QDir::Files)) {
+    const QString path = folder.filePath(name);
+    if (files.values().contains(path)) continue;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) continue;
+    files.insert(QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String("action")).toString(), path);
+  }
+  return files;
+}
+
+}  // namespace
+
+QString SettingsDescription::Setting::TypeName() const {
+  if (type == Type::kChoice) return choices.join(QLatin1Char('|'));
+  const auto* const found =
+      std::find_if(std::begin(kTypes), std::end(kTypes), [&](const TypeWord& each) { return each.type == type; });
+  return QLatin1String(found->placeholder);
+}
+
+std::optional<SettingsDescription> SettingsDescription::Of(const QString& actionName) {
+  const QString path = FilesByAction().value(actionName);
+  if (path.isEmpty()) return std::nullopt;
+  QFile file(path);
+  file.open(QIODevice::ReadOnly);
+  return FromJson(file.readAll(), QStringLiteral("of the action '%1'").arg(actionName));
+}
+
+SettingsDescription SettingsDescription::FromJson(const QByteArray& json, const QString& origin) {
+  QJsonParseError error;
+  const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+  Members members(document.object(), origin);
+  if (!document.isObject()) members.Refuse(QStringLiteral("it is not a JSON object (%1)").arg(error.errorString()));
+  SettingsDescription description;
+  description.actionName_ = members.Text("action", true);
+  description.commandName_ = members.Text("command");
+  description.first_ = members.Text("first");
+  for (const QJsonValue& each : members.Array("settings", true)) {
+    Setting setting = ReadSetting(each.toObject(), origin);
+    if (description.Find(setting.key) != nullptr)
+      members.Refuse(QStringLiteral("'%1' is there twice").arg(setting.key));
+    description.settings_.push_back(std::move(setting));
+  }
+  members.RefuseRest();
+  static const QRegularExpression command(QStringLiteral("^([a-z][a-z0-9-]*)?$"));
+  if (!command.match(description.commandName_).hasMatch()) {
+    members.Refuse(QStringLiteral("'%1' cannot be a command's name").arg(description.commandName_));
+  }
+  if (!description.first_.isEmpty() && description.First() == nullptr) {
+    members.Refuse(QStringLiteral("'first' names no setting"));
+  }
+  return description;
+}
+
+const SettingsDescription::Setting* SettingsDescription::Find(const QString& key) const {
+  for (const Setting& setting : settings_) {
+    if (setting.key == key) return &setting;
+  }
+  return nullptr;
+}
+
+QStringList SettingsDescription::Keys() const {
+  QStringList keys;
+  for (const Setting& setting : settings_) keys += setting.key;
+  return keys;
+}

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <vector>
+
+// What an action says of its settings, in a JSON file among its plug-in's resources (":/Vorlane/Settings/"). The guide
+// for authors documents the file.
+class SettingsDescription {
+ public:
+  enum class Type { kText, kUrl, kNumber, kChoice, kSwitch };
+  struct Setting {
+    QString key;
+    Type type = Type::kText;
+    QString title;
+    QString help;
+    std::optional<QString> standard;  // the value when none is given
+    bool required = false;
+    QString empty;  // what an empty value does; an empty text: the value cannot be empty
+    bool isBase = false;
+    QStringList choices;
+    std::optional<double> least;
+    std::optional<double> most;
+
+    // "URL", "NUMBER" and so on, for help texts.
+    QString TypeName() const;
+  };
+
+  // The description of the action, from the resources of the loaded plug-ins; nothing when there is none. Throws
+  // CommandError(kExitNotLoaded) for one that does not follow the schema.
+  static std::optional<SettingsDescription> Of(const QString& actionName);
+  // Throws CommandError(kExitNotLoaded) that names `origin`.
+  static SettingsDescription FromJson(const QByteArray& json, const QString& origin);
+
+  const QString& ActionName() const { return actionName_; }
+  // The short name by which the action is a command; empty when it is none.
+  const QString& CommandName() const { return commandName_; }
+  // The key that the command's first argument sets, null when it takes none.
+  const Setting* First() const { return Find(first_); }
+  const std::vector<Setting>& Settings() const { return settings_; }
+  const Setting* Find(const QString& key) const;
+  QStringList Keys() const;
+
+ private:
+  QString actionName_;
+  QString commandName_;
+  QString first_;
+  std::vector<Setting> settings_;
+};

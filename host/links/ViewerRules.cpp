@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/links/ViewerRules.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "host/links/WebUrl.h"
+
+namespace {
+
+bool IsSchemeCharacter(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == '.';
+}
+
+// Whether the text begins with a letter, at least so many characters of a scheme in all, and a colon.
+bool HasScheme(const QByteArray& text, int least) {
+  const int colon = text.indexOf(':');
+  return colon >= least && std::isalpha(static_cast<unsigned char>(text[0])) != 0 &&
+         std::all_of(text.begin(), text.begin() + colon, IsSchemeCharacter);
+}
+
+QByteArray UntilNul(const QByteArray& text) {
+  return QByteArray(text.constData());
+}
+
+}  // namespace
+
+ViewerRules::Target ViewerRules::PdfJs(const QByteArray& uri, const std::optional<QByteArray>& base) {
+  if (uri.isEmpty()) return std::nullopt;
+  const std::optional<WebUrl> parsedBase = base ? WebUrl::Parse(*base, nullptr) : std::nullopt;
+  const bool isHost = uri.startsWith("www.") && uri.count('.') >= 2;
+  const std::optional<WebUrl> url = WebUrl::Parse(isHost ? "http://" + uri : uri, parsedBase ? &*parsedBase : nullptr);
+  return url ? Target(url->Href()) : std::nullopt;
+}
+
+// A colon anywhere but at the start makes the link absolute; the others are joined to the base as texts.
+ViewerRules::Target ViewerRules::Pdfium(const QByteArray& uri, const std::optional<QByteArray>& base) {
+  return uri.indexOf(':') > 0 ? uri : base.value_or(QByteArray()) + uri;
+}
+
+// A scheme has three letters or more, so that "C:\x" is none. Without a base, a link is the name of a file.
+ViewerRules::Target ViewerRules::MuPdf(const QByteArray& uri, const std::optional<QByteArray>& base) {
+  constexpr int kShortestScheme = 3;
+  const QByteArray text = UntilNul(uri);
+  return HasScheme(text, kShortestScheme) ? text : base.value_or("file://") + text;
+}
+
+// A colon before any slash makes the link absolute. Base and link are joined by exactly one slash, unless the base ends
+// in
+// "?" or is empty.
+ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const std::optional<QByteArray>& base) {
+  QByteArray text = UntilNul(uri);
+  const int colon = text.indexOf(':');
+  const int slash = text.indexOf('/');
+  if (colon >= 0 && (slash < 0 || colon < slash)) return text;
+  if (text.startsWith("www.")) return "http://" + text;
+  if (!base) return text;
+  if (text.startsWith('/')) text.remove(0, 1);
+  const bool joined = base->isEmpty() || base->endsWith('/') || base->endsWith('?');
+  return *base + (joined ? "" : "/") + text;
+}

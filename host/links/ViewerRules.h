@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <QByteArray>
+
+// Where PDF viewers lead for a link (URI action; ISO 32000-1, 12.6.4.7) in a document with or without a base URL. Set
+// by what the viewers' engines were seen to do, not by a standard; docs/viewers.md has the versions and tests/viewers
+// measures them again. All texts are UTF-8; `base` is the catalog's /URI /Base, nothing when there is none.
+namespace ViewerRules {
+
+// Where a viewer leads; nothing where it makes no link of it.
+using Target = std::optional<QByteArray>;
+
+// Firefox.
+Target PdfJs(const QByteArray& uri, const std::optional<QByteArray>& base);
+// Chrome and Edge.
+Target Pdfium(const QByteArray& uri, const std::optional<QByteArray>& base);
+Target MuPdf(const QByteArray& uri, const std::optional<QByteArray>& base);
+// Evince and Okular.
+Target Poppler(const QByteArray& uri, const std::optional<QByteArray>& base);
+
+}  // namespace ViewerRules
