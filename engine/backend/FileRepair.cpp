@@ -62,6 +62,12 @@ std::optional<ObjectId> ToReference(const std::string& text) {
   }
 }
 
+// Whether a catalog's page tree is there and has nothing in it.
+bool HasNoPages(QPDFObjectHandle catalog) {
+  QPDFObjectHandle pages = catalog.getKey("/Pages");
+  return pages.isDictionary() && pages.getKey("/Kids").isArray() && pages.getKey("/Kids").getArrayNItems() == 0;
+}
+
 QPDFObjectHandle ObjectOf(QPDF& document, ObjectId id) {
   return document.getObjectByID(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
@@ -76,6 +82,19 @@ std::shared_ptr<QPDF> OpenRecovering(View& view, const std::string& password) {
 
 std::string Text(QPDFObjectHandle value) {
   return value.isIndirect() ? value.unparse() : ObjectWriter().Write(value);
+}
+
+// The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
+std::string FirstIdentifier(const std::string& identifier) {
+  try {
+    if (identifier.empty() || identifier.front() != '[') return {};
+    PdfLexer lexer(identifier, 1);
+    const PdfLexer::Value first = lexer.ReadValue();
+    const bool isString = first.kind == PdfLexer::Kind::kString || first.kind == PdfLexer::Kind::kHexString;
+    return isString ? PdfLexer::ToBytes(lexer.Text(first)) : std::string();
+  } catch (const PdfSyntaxError&) {
+    return {};
+  }
 }
 
 // The trailer's entries that an update repeats.
@@ -162,12 +181,17 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
   return key == "/Encrypt" && Finds(encryption) ? encryption.Reference() : std::string();
 }
 
-// Files that were joined: what one of them has encrypted is not encrypted in the other.
-void FileRepair::CheckOneEncryption() {
+// Files that were joined: they have objects of the same numbers, and what one has encrypted is not in the other.
+void FileRepair::CheckOneDocument() {
   std::set<std::string> values;
+  std::set<std::string> identifiers;
   for (const std::string& trailer : Scan().trailers) {
-    if (!LenientEntry(trailer, "/Root").empty()) values.insert(LenientEntry(trailer, "/Encrypt"));
+    if (LenientEntry(trailer, "/Root").empty()) continue;
+    values.insert(LenientEntry(trailer, "/Encrypt"));
+    const std::string identifier = FirstIdentifier(LenientEntry(trailer, "/ID"));
+    if (!identifier.empty()) identifiers.insert(identifier);
   }
+  if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
   if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
 }
 
@@ -293,6 +317,20 @@ std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& 
   return OpenRecovering(view, password);
 }
 
+// What the file's own cross-references lead to is what they say, whatever else has its number.
+void FileRepair::PutPreferred(Kept& kept) const {
+  for (const FileTail::KeptObject& object : preferred_) {
+    const auto at =
+        std::lower_bound(kept.begin(), kept.end(), object.id.number,
+                         [](const FileTail::KeptObject& one, std::uint32_t number) { return one.id.number < number; });
+    if (at != kept.end() && at->id.number == object.id.number) {
+      *at = object;
+    } else {
+      kept.insert(at, object);
+    }
+  }
+}
+
 // Of a file with something else after it: the objects that its own cross-references name, if they lead to a page.
 std::optional<FileTail> FileRepair::FindEarlierEnd(const std::string& password) {
   const std::vector<std::uint64_t>& ends = Scan().ends;
@@ -319,9 +357,10 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
     if (object.kind == Kind::kXrefStream || object.offset < headerOffset) continue;
     kept.push_back({object.id, object.offset - headerOffset});
   }
+  PutPreferred(kept);
   const bool streams = std::any_of(Newest().begin(), Newest().end(),
                                    [](const FileScan::Object& object) { return object.kind == Kind::kObjectStream; });
-  CheckOneEncryption();
+  CheckOneDocument();
   std::shared_ptr<QPDF> document = OpenWithStandIn(kept, password);
   if (document != nullptr && streams) {
     const Kept plain = kept;
@@ -336,10 +375,12 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
   const bool pages = root && LeadsToPage(ObjectOf(*document, *root));
+  const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
   document.reset();
   Result result;
   std::optional<FileTail> earlier = pages ? std::nullopt : FindEarlierEnd(password);
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
+  if (!pages && !earlier && !noPages) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);

@@ -43,6 +43,9 @@ class FileRepair {
   // Whether the file has the object, outside of object streams.
   bool Finds(ObjectId id);
 
+  // Objects that take the place of whatever has their numbers otherwise.
+  void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
+
   // The repaired file. `document` is null when the password does not fit. Throws EngineError kErrorDamaged when no
   // catalog is found or its object streams inflate to too much, CannotRepair, and what the parser throws.
   Result Open(const std::string& password);
@@ -52,16 +55,18 @@ class FileRepair {
 
   const std::vector<FileScan::Object>& Newest();
   std::string TrailerEntry(const std::string& key);
-  void CheckOneEncryption();
+  void CheckOneDocument();
   std::optional<FileTail> FindEarlierEnd(const std::string& password);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
+  void PutPreferred(Kept& kept) const;
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
   FileTail MakeTail(ObjectId root, Kept kept);
 
   std::shared_ptr<const InputFile> file_;
+  Kept preferred_;
   std::optional<FileScan> scan_;
   std::optional<std::vector<FileScan::Object>> newest_;
 };

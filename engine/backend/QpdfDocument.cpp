@@ -201,6 +201,7 @@ void QpdfDocument::Load(const std::string& password) {
   try {
     OpenView(password, Recovery::kOff);
     if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = true;
   } catch (const EngineError& error) {
     // The parser calls a cross-reference stream that it cannot decode unsupported as well.

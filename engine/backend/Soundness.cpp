@@ -100,4 +100,14 @@ bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
          PagesAreThere(document, repair);
 }
 
+std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {
+  const std::uint64_t headerOffset = QuickReader::HeaderOffset(file);
+  FileWindow window(file);
+  std::vector<FileTail::KeptObject> entries;
+  for (const Place& place : PlacesOf(document, headerOffset)) {
+    if (StandsAt(window, place)) entries.push_back({place.id, place.offset - headerOffset});
+  }
+  return entries;
+}
+
 }  // namespace engine

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <qpdf/QPDF.hh>
+#include <vector>
 
 #include "engine/backend/FileRepair.h"
 
@@ -12,5 +13,8 @@ namespace engine {
 // to what they name. What a repair would not find either does not count. Reads the whole file only on suspicion.
 // Throws EngineError kErrorDamaged when object streams inflate to far more than the file can hold.
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair);
+
+// The objects outside of object streams that the cross-references lead to.
+std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file);
 
 }  // namespace engine
