@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <QTextCodec>
 
 #include "host/links/WebUrl.h"
 
@@ -23,13 +24,29 @@ QByteArray UntilNul(const QByteArray& text) {
   return QByteArray(text.constData());
 }
 
+// In UTF-8 what already is that, otherwise as Latin-1.
+QByteArray Utf8OrLatin1(const QByteArray& bytes) {
+  QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+  QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
+  const bool isUtf8 = state.invalidChars == 0 && state.remainingChars == 0;
+  return isUtf8 ? bytes : QString::fromLatin1(bytes.constData(), bytes.size()).toUtf8();
+}
+
+// A text string with or without a byte order mark (ISO 32000-2, 7.9.2.2).
+QByteArray DecodedTextString(const QByteArray& bytes) {
+  if (bytes.startsWith("\xEF\xBB\xBF")) return bytes.mid(3);
+  if (!bytes.startsWith("\xFE\xFF") && !bytes.startsWith("\xFF\xFE")) return Utf8OrLatin1(bytes);
+  return QTextCodec::codecForName("UTF-16")->toUnicode(bytes).toUtf8();
+}
+
 }  // namespace
 
 ViewerRules::Target ViewerRules::PdfJs(const QByteArray& uri, const std::optional<QByteArray>& base) {
   if (uri.isEmpty()) return std::nullopt;
-  const std::optional<WebUrl> parsedBase = base ? WebUrl::Parse(*base, nullptr) : std::nullopt;
+  const std::optional<WebUrl> parsedBase = base ? WebUrl::Parse(Utf8OrLatin1(*base), nullptr) : std::nullopt;
   const bool isHost = uri.startsWith("www.") && uri.count('.') >= 2;
-  const std::optional<WebUrl> url = WebUrl::Parse(isHost ? "http://" + uri : uri, parsedBase ? &*parsedBase : nullptr);
+  const QByteArray text = (isHost ? "http://" : "") + Utf8OrLatin1(uri);
+  const std::optional<WebUrl> url = WebUrl::Parse(text, parsedBase ? &*parsedBase : nullptr);
   return url ? Target(url->Href()) : std::nullopt;
 }
 
@@ -41,13 +58,12 @@ ViewerRules::Target ViewerRules::Pdfium(const QByteArray& uri, const std::option
 // A scheme has three letters or more, so that "C:\x" is none. Without a base, a link is the name of a file.
 ViewerRules::Target ViewerRules::MuPdf(const QByteArray& uri, const std::optional<QByteArray>& base) {
   constexpr int kShortestScheme = 3;
-  const QByteArray text = UntilNul(uri);
-  return HasScheme(text, kShortestScheme) ? text : base.value_or("file://") + text;
+  const QByteArray text = UntilNul(DecodedTextString(uri));
+  return HasScheme(text, kShortestScheme) ? text : (base ? DecodedTextString(*base) : "file://") + text;
 }
 
-// A colon before any slash makes the link absolute. Base and link are joined by exactly one slash, unless the base ends
-// in
-// "?" or is empty.
+// A colon before any slash makes the link absolute. Base and link are joined by exactly one slash, unless the base is
+// empty or ends in "?".
 ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const std::optional<QByteArray>& base) {
   QByteArray text = UntilNul(uri);
   const int colon = text.indexOf(':');
@@ -57,5 +73,5 @@ ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const std::optio
   if (!base) return text;
   if (text.startsWith('/')) text.remove(0, 1);
   const bool joined = base->isEmpty() || base->endsWith('/') || base->endsWith('?');
-  return *base + (joined ? "" : "/") + text;
+  return UntilNul(*base + (joined ? "" : "/") + text);
 }

@@ -5,8 +5,9 @@
 #include <QByteArray>
 
 // Where PDF viewers lead for a link (URI action; ISO 32000-1, 12.6.4.7) in a document with or without a base URL. Set
-// by what the viewers' engines were seen to do, not by a standard; docs/viewers.md has the versions and tests/viewers
-// measures them again. All texts are UTF-8; `base` is the catalog's /URI /Base, nothing when there is none.
+// by what the viewers' engines were seen to do, not by a standard; docs/viewers.md has the versions and
+// tests/viewers/measure compares them again. `uri` and `base` (the catalog's /URI /Base, nothing when there is none) are
+// the bytes of the strings in the file: only MuPDF takes them as text strings with a byte order mark.
 namespace ViewerRules {
 
 // Where a viewer leads; nothing where it makes no link of it.

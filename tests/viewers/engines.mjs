@@ -1,80 +1,110 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where the viewers' own engines lead for the links of a PDF file: reads file names from the standard input, one a line,
-// and prints for each a JSON object of arrays, one element for each link annotation in order, null where the engine
-// makes no link of it. Run with NODE_PATH-independent packages: the folder of node_modules is the first argument.
+// engines.mjs NODE_MODULES: where the viewers' own engines lead for the links of PDF files. Reads file names from the
+// standard input, one a line. Prints the engines' versions, then a JSON object for each file: by engine an array of the
+// pages, each an array of what its link annotations lead to, in their order: UTF-8 as hexadecimal digits, or null where
+// the engine makes no link of an annotation; or {"error": text}. Poppler leaves such annotations out.
 import { createRequire } from "node:module";
-import { execFileSync } from "node:child_process";
+import { execFileSync, spawnSync } from "node:child_process";
 import { readFileSync } from "node:fs";
 import { createInterface } from "node:readline";
 import { dirname, join } from "node:path";
 import { pathToFileURL } from "node:url";
 
-const require = createRequire(join(process.argv[2], "anchor.js"));
+const modules = process.argv[2];
+const require = createRequire(join(modules, "anchor.js"));
 const load = (path) => import(pathToFileURL(require.resolve(path)).href);
+const version = (name) => JSON.parse(readFileSync(join(modules, name, "package.json"), "utf8")).version;
+const hex = (text) => Buffer.from(text).toString("hex");
 
 const pdfjs = await load("pdfjs-dist/legacy/build/pdf.mjs");
 const { init } = await load("@embedpdf/pdfium");
 const wasm = join(dirname(require.resolve("@embedpdf/pdfium")), "pdfium.wasm");
 const pdfium = await init({ wasmBinary: readFileSync(wasm) });
-pdfium.FPDF_InitLibrary ? pdfium.FPDF_InitLibrary() : pdfium.PDFiumExt_Init();
+pdfium.PDFiumExt_Init();
 const mupdf = await load("mupdf");
 
 async function withPdfJs(bytes) {
   const task = pdfjs.getDocument({ data: new Uint8Array(bytes), verbosity: 0, isEvalSupported: false });
-  const document = await task.promise;
-  const links = [];
-  for (let number = 1; number <= document.numPages; ++number) {
-    const page = await document.getPage(number);
-    for (const annotation of await page.getAnnotations()) {
-      if (annotation.subtype === "Link") links.push(annotation.url ?? null);
+  try {
+    const document = await task.promise;
+    const pages = [];
+    for (let number = 1; number <= document.numPages; ++number) {
+      const annotations = await (await document.getPage(number)).getAnnotations();
+      const links = annotations.filter((annotation) => annotation.subtype === "Link");
+      pages.push(links.map((link) => (link.url === undefined ? null : hex(link.url))));
     }
+    return pages;
+  } finally {
+    await task.destroy();
   }
-  await task.destroy();
-  return links;
+}
+
+function uriWithPdfium(document, link) {
+  const runtime = pdfium.pdfium;
+  const action = pdfium.FPDFLink_GetAction(link);
+  const size = action ? pdfium.FPDFAction_GetURIPath(document, action, 0, 0) : 0;
+  if (size === 0) return null;
+  const text = runtime.wasmExports.malloc(size);
+  pdfium.FPDFAction_GetURIPath(document, action, text, size);
+  const uri = hex(runtime.HEAPU8.slice(text, text + size - 1));
+  runtime.wasmExports.free(text);
+  return uri;
 }
 
 function withPdfium(bytes) {
   const runtime = pdfium.pdfium;
   const data = runtime.wasmExports.malloc(bytes.length);
+  const place = runtime.wasmExports.malloc(8);
   runtime.HEAPU8.set(bytes, data);
   const document = pdfium.FPDF_LoadMemDocument(data, bytes.length, "");
-  const links = [];
-  const place = runtime.wasmExports.malloc(8);
-  for (let number = 0; number < pdfium.FPDF_GetPageCount(document); ++number) {
-    const page = pdfium.FPDF_LoadPage(document, number);
-    runtime.setValue(place, 0, "i32");
-    while (pdfium.FPDFLink_Enumerate(page, place, place + 4)) {
-      const action = pdfium.FPDFLink_GetAction(runtime.getValue(place + 4, "i32"));
-      const size = action ? pdfium.FPDFAction_GetURIPath(document, action, 0, 0) : 0;
-      if (size === 0) {
-        links.push(null);
-        continue;
+  try {
+    if (!document) throw new Error("cannot open");
+    const pages = [];
+    for (let number = 0; number < pdfium.FPDF_GetPageCount(document); ++number) {
+      const page = pdfium.FPDF_LoadPage(document, number);
+      const links = [];
+      runtime.setValue(place, 0, "i32");
+      while (page && pdfium.FPDFLink_Enumerate(page, place, place + 4)) {
+        links.push(uriWithPdfium(document, runtime.getValue(place + 4, "i32")));
       }
-      const text = runtime.wasmExports.malloc(size);
-      pdfium.FPDFAction_GetURIPath(document, action, text, size);
-      links.push(Buffer.from(runtime.HEAPU8.slice(text, text + size - 1)).toString("utf8"));
-      runtime.wasmExports.free(text);
+      if (page) pdfium.FPDF_ClosePage(page);
+      pages.push(links);
     }
-    pdfium.FPDF_ClosePage(page);
+    return pages;
+  } finally {
+    if (document) pdfium.FPDF_CloseDocument(document);
+    runtime.wasmExports.free(place);
+    runtime.wasmExports.free(data);
   }
-  pdfium.FPDF_CloseDocument(document);
-  runtime.wasmExports.free(data);
-  return links;
 }
 
 function withMuPdf(bytes) {
   const document = mupdf.Document.openDocument(bytes, "application/pdf");
-  const links = [];
+  const pages = [];
   for (let number = 0; number < document.countPages(); ++number) {
     const page = document.loadPage(number);
-    for (const link of page.getLinks()) links.push({ y: link.getBounds()[1], uri: link.getURI() });
+    pages.push(page.getLinks().map((link) => hex(link.getURI())));
+    page.destroy();
   }
-  return links.map((link) => link.uri);
+  document.destroy();
+  return pages;
 }
 
+// A line for each link: page, "Annotation", URL in columns. A URL may have line ends of its own.
 function withPoppler(file) {
-  const lines = execFileSync("pdfinfo", ["-url", file], { encoding: "utf8", stdio: ["ignore", "pipe", "ignore"] });
-  return lines.split("\n").slice(1).filter(Boolean).map((line) => line.replace(/^\s*\d+\s+\S+\s/, ""));
+  const text = execFileSync("pdfinfo", ["-url", file], { encoding: "latin1", stdio: ["ignore", "pipe", "ignore"], maxBuffer: 1 << 28 });
+  const pages = [];
+  let last = null;
+  for (const line of text.replace(/\n$/, "").split("\n").slice(1)) {
+    const found = /^ *(\d+)  Annotation {4}(.*)$/s.exec(line);
+    if (found) {
+      last = pages[found[1] - 1] ??= [];
+      last.push(found[2]);
+    } else if (last) {
+      last.push(last.pop() + "\n" + line);
+    }
+  }
+  return Array.from(pages, (page) => (page ?? []).map((url) => Buffer.from(url, "latin1").toString("hex")));
 }
 
 async function attempt(read) {
@@ -85,14 +115,21 @@ async function attempt(read) {
   }
 }
 
+const poppler = /version (\S+)/.exec(spawnSync("pdfinfo", ["-v"], { encoding: "utf8" }).stderr)?.[1];
+const print = (object) => new Promise((done) => process.stdout.write(JSON.stringify(object) + "\n", done));
+await print({
+  pdfjs: "pdfjs-dist " + version("pdfjs-dist"),
+  pdfium: "@embedpdf/pdfium " + version("@embedpdf/pdfium"),
+  mupdf: "mupdf " + version("mupdf"),
+  poppler: "pdfinfo " + poppler,
+});
 for await (const file of createInterface({ input: process.stdin })) {
   const bytes = readFileSync(file);
-  const answer = {
+  await print({
     pdfjs: await attempt(() => withPdfJs(bytes)),
     pdfium: await attempt(() => withPdfium(bytes)),
     mupdf: await attempt(() => withMuPdf(bytes)),
     poppler: await attempt(() => withPoppler(file)),
-  };
-  process.stdout.write(JSON.stringify(answer) + "\n");
+  });
 }
 process.exit(0);
