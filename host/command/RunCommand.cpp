@@ -252,9 +252,10 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
   if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("The folders hold %1 temporary files (.vorlane-*.tmp) of runs that were killed or are "
-                                  "at work; 'vorlane-run clean' removes the old ones.")
-                       .arg(inputs.Leftovers()));
+    Console::Error(
+        QStringLiteral("The folders hold %1 temporary files (.vorlane-*.tmp) of runs that were killed or are "
+                       "at work; 'vorlane-run clean' removes the old ones.")
+            .arg(inputs.Leftovers()));
   }
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;

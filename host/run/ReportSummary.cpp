@@ -147,8 +147,8 @@ std::string ReportSummary::ToJson() const {
   append("skipped", skipped_);
   append("missing", missing_.size());
   append("tornLines", tornLines_);
-  return json + "\n \"failures\":" + JsonGroups(failed_, "reason") + ",\n \"warnings\":" +
-         JsonGroups(warnings_, "warning") + ",\n \"missingFiles\":" + JsonNames(missing_) + "}\n";
+  return json + "\n \"failures\":" + JsonGroups(failed_, "reason") +
+         ",\n \"warnings\":" + JsonGroups(warnings_, "warning") + ",\n \"missingFiles\":" + JsonNames(missing_) + "}\n";
 }
 
 std::string ReportSummary::ToCsv() const {
