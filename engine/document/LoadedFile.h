@@ -5,9 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "engine/document/BackendDocument.h"
 #include "engine/document/SaveMode.h"
+#include "engine/links/QuickObjects.h"
 #include "engine/quick/QuickDocument.h"
 
 namespace engine {
@@ -36,12 +38,17 @@ class LoadedFile {
   BackendDocument::Signatures Signatures();
   // 0: not encrypted; 1: encrypted, opened as user; 2: opened as owner.
   int EncryptionStatus();
+  BackendDocument::Encryption Encryption() { return quick_ ? BackendDocument::Encryption() : Full().EncryptionMethod(); }
+  // The pages in their order.
+  const std::vector<ObjectId>& Pages();
   // The full parser's view, opened on first use.
   BackendDocument& Full();
 
   // See BackendDocument.
   std::optional<std::string> ObjectText(ObjectId id);
   std::string TrailerValue(const std::string& key);
+  // Whether a save can change the object.
+  bool IsInFile(ObjectId id);
   std::uint32_t FirstFreeNumber() { return Full().FirstFreeNumber(); }
 
   // How the file would be saved with these edits.
@@ -61,7 +68,9 @@ class LoadedFile {
 
  private:
   LoadedFile() = default;
-  bool QuickSuffices(const Edits& edits) const;
+  QuickObjects* Objects();
+  void LeaveObjectsToParser();
+  bool QuickSuffices(const Edits& edits);
   Edits ForFull(const Edits& edits);
   // False when an appended update does not read back and the file may be rewritten instead.
   bool WriteAs(SaveMode mode, const Edits& edits, OutputFile& output);
@@ -70,6 +79,9 @@ class LoadedFile {
   std::shared_ptr<const InputFile> source_;
   std::string password_;
   std::optional<QuickDocument> quick_;
+  std::unique_ptr<QuickObjects> objects_;
+  bool objectsLeftToParser_ = false;
+  std::optional<std::vector<ObjectId>> pages_;
   std::unique_ptr<BackendDocument> full_;
   std::optional<BackendDocument::Signatures> signatures_;
   bool isNew_ = false;
