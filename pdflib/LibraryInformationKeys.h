@@ -7,8 +7,8 @@
 /// keeps its meaning for good.
 ///
 /// The first eight are entries of the document information dictionary (ISO 32000-2, 14.3.3); setting an empty text
-/// removes one. Those from 1000 on are facts that can only be asked for; a library that does not know them answers an
-/// empty text.
+/// removes one. Those from 1000 on are facts that can only be asked for, but for kInformationWarnings; a library that
+/// does not know them answers an empty text.
 enum LibraryInformationKey : int {
   kInformationAuthor = 1,            ///< /Author
   kInformationTitle = 2,             ///< /Title
@@ -24,5 +24,6 @@ enum LibraryInformationKey : int {
   kInformationCertification = 1003,  ///< "1", "2" or "3", the /P of DocMDP (ISO 32000-2, 12.8.2.2); else empty
   kInformationLastWay = 1004,        ///< how the last save was written, in the words of kInformationWayOfSaving
   kInformationHasBaseUrl = 1005,     ///< "1" when the document has a base URL, be it an empty one, else "0"
-  kInformationPdfVersion = 1006  ///< the PDF version, as in "1.7" (ISO 32000-2, 7.5.2 and 7.7.2); empty when unknown
+  kInformationPdfVersion = 1006,  ///< the PDF version, as in "1.7" (ISO 32000-2, 7.5.2 and 7.7.2); empty when unknown
+  kInformationWarnings = 1007     ///< what an action has to say of the document, a line each; can be set, is not stored
 };

@@ -66,6 +66,8 @@ std::string Fact(Document& document, int key) {
       return document.HasBaseUrl() ? "1" : "0";
     case kInformationPdfVersion:
       return document.PdfVersion();
+    case kInformationWarnings:
+      return document.Warnings();
     default:
       return document.Information(InformationKey(key));
   }
@@ -110,7 +112,12 @@ wchar_t* HPLGetInformation(int instance, int key) {
 
 int HPLSetInformation(int instance, int key, void* value) {
   return Guarded<int>(instance, {value}, [&](Call& call) {
-    call.Selected().SetInformation(InformationKey(key), Utf8FromWide(call.Text(value)));
+    const std::string text = Utf8FromWide(call.Text(value));
+    if (key == kInformationWarnings) {
+      call.Selected().SetWarnings(text);
+    } else {
+      call.Selected().SetInformation(InformationKey(key), text);
+    }
     return 1;
   });
 }

@@ -34,6 +34,9 @@ class Document {
   std::string PdfVersion();
   std::string Information(const std::string& key);
   void SetInformation(const std::string& key, const std::string& value);
+  // What an action has to say of the document; any text, never stored in the file.
+  const std::string& Warnings() const { return warnings_; }
+  void SetWarnings(const std::string& warnings) { warnings_ = warnings; }
 
   int PageCount() { return static_cast<int>(File().Pages().size()); }
   int SelectedPage() const { return selectedPage_; }
@@ -71,6 +74,7 @@ class Document {
   Edits& AllEdits();
 
   std::string fileName_;
+  std::string warnings_;
   std::string absolutePath_;
   std::string password_;
   std::optional<LoadedFile> file_;

@@ -8,6 +8,7 @@
 #include "host/command/ActionsCommand.h"
 #include "host/command/CleanCommand.h"
 #include "host/command/EditCommand.h"
+#include "host/command/LinksCommand.h"
 #include "host/command/ListsCommand.h"
 #include "host/command/ReportCommand.h"
 #include "host/command/RunCommand.h"
@@ -18,6 +19,7 @@
 Program::Program() {
   commands_.push_back(std::make_unique<ActionsCommand>());
   commands_.push_back(std::make_unique<ShowCommand>());
+  commands_.push_back(std::make_unique<LinksCommand>());
   commands_.push_back(std::make_unique<RunCommand>());
   commands_.push_back(std::make_unique<ReportCommand>());
   commands_.push_back(std::make_unique<SplitCommand>());

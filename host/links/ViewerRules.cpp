@@ -75,3 +75,18 @@ ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const std::optio
   const bool joined = base->isEmpty() || base->endsWith('/') || base->endsWith('?');
   return UntilNul(*base + (joined ? "" : "/") + text);
 }
+
+ViewerRules::Targets ViewerRules::All(const QByteArray& uri, const std::optional<QByteArray>& base) {
+  return {PdfJs(uri, base), Pdfium(uri, base), MuPdf(uri, base), Poppler(uri, base)};
+}
+
+bool ViewerRules::Agree(const Targets& targets) {
+  const auto place = [](const QByteArray& target) {
+    const std::optional<WebUrl> url = WebUrl::Parse(target, nullptr);
+    return url ? url->Href() : target;
+  };
+  const Target& first = targets.front();
+  return first && std::all_of(targets.begin(), targets.end(), [&](const Target& target) {
+           return target && (*target == *first || place(*target) == place(*first));
+         });
+}

@@ -57,7 +57,7 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
 
 void DocumentProcessor::ProcessOnce(FileRecord& record) {
   Load(record);
-  RunActions();
+  RunActions(record);
   record.baseUrlAfter = library_.GetBaseURL();
   CheckSaving(record);
   Save(record);
@@ -70,7 +70,7 @@ void DocumentProcessor::Load(FileRecord& record) {
   record.baseUrlBefore = library_.GetBaseURL();
 }
 
-void DocumentProcessor::RunActions() {
+void DocumentProcessor::RunActions(FileRecord& record) {
   for (const ConfiguredAction& action : actions_) {
     // An action may change the map; the next document starts from the settings of the run again.
     QMap<QString, QVariant> settings = action.settings;
@@ -91,6 +91,10 @@ void DocumentProcessor::RunActions() {
     const int error = library_.LastErrorCode();
     if (error != kErrorNone && error != errorBefore) throw failed(PdfLibrary::ErrorMessage(error), error);
     if (library_.SelectedDocument() != document_) library_.SelectDocument(document_);
+  }
+  const QString warnings = QString::fromStdWString(library_.GetInformation(kInformationWarnings));
+  for (const QString& warning : warnings.split('\n', Qt::SkipEmptyParts)) {
+    record.warnings.push_back(warning.toStdString());
   }
 }
 

@@ -31,7 +31,7 @@ class DocumentProcessor {
 
   void ProcessOnce(FileRecord& record);
   void Load(FileRecord& record);
-  void RunActions();
+  void RunActions(FileRecord& record);
   void CheckSaving(FileRecord& record);
   void Save(FileRecord& record);
   void NoteLastSaveMode(FileRecord& record);

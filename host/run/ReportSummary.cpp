@@ -5,6 +5,7 @@
 #include <QJsonArray>
 
 #include "host/base/Console.h"
+#include "host/base/CsvText.h"
 #include "host/base/JsonText.h"
 #include "host/base/NamedInput.h"
 #include "host/base/NativeName.h"
@@ -63,13 +64,6 @@ std::string JsonGroups(const Groups& groups, const char* key) {
     json += "\n  {\"" + std::string(key) + "\":" + JsonText::OfBytes(text) + ",\"files\":" + JsonNames(names) + '}';
   }
   return json + ']';
-}
-
-std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string field = "\"";
-  for (const char c : text) field += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return field + '"';
 }
 
 }  // namespace
@@ -156,9 +150,10 @@ std::string ReportSummary::ToCsv() const {
   for (const File& file : files_) {
     std::string warnings;
     for (const std::string& warning : file.warnings) warnings += (warnings.empty() ? "" : "; ") + warning;
-    csv += CsvField(file.name) + ',' + file.status + ',' + CsvField(file.reason) + ',' + CsvField(file.output) + ',' +
-           CsvField(file.saveMode) + ',' + std::to_string(file.attempts) + ',' + CsvField(warnings) + "\r\n";
+    csv += CsvText::Field(file.name) + ',' + file.status + ',' + CsvText::Field(file.reason) + ',' +
+           CsvText::Field(file.output) + ',' + CsvText::Field(file.saveMode) + ',' + std::to_string(file.attempts) +
+           ',' + CsvText::Field(warnings) + "\r\n";
   }
-  for (const std::string& name : missing_) csv += CsvField(name) + ",missing,,,,0,\r\n";
+  for (const std::string& name : missing_) csv += CsvText::Field(name) + ",missing,,,,0,\r\n";
   return csv;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Prints where the viewers lead by the rules: for each line "BASE URI" of the standard input one line with a word for each
-// viewer. A word is "=" and hexadecimal digits, or "-" for nothing.
+// Prints where the viewers lead by the rules: for each line "BASE URI" of the standard input one line with a word for
+// each viewer. A word is "=" and hexadecimal digits, or "-" for nothing.
 #include <iostream>
 #include <string>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// engines.mjs NODE_MODULES: where the viewers' own engines lead for the links of PDF files. Reads file names from the
+// engines.mjs NODE_MODULES [ENGINE...]: where the viewers' own engines lead for the links of PDF files. Reads file names from the
 // standard input, one a line. Prints the engines' versions, then a JSON object for each file: by engine an array of the
 // pages, each an array of what its link annotations lead to, in their order: UTF-8 as hexadecimal digits, or null where
 // the engine makes no link of an annotation; or {"error": text}. Poppler leaves such annotations out.
@@ -10,7 +10,7 @@ import { createInterface } from "node:readline";
 import { dirname, join } from "node:path";
 import { pathToFileURL } from "node:url";
 
-const modules = process.argv[2];
+const [modules, ...names] = process.argv.slice(2);
 const require = createRequire(join(modules, "anchor.js"));
 const load = (path) => import(pathToFileURL(require.resolve(path)).href);
 const version = (name) => JSON.parse(readFileSync(join(modules, name, "package.json"), "utf8")).version;
@@ -123,13 +123,18 @@ await print({
   mupdf: "mupdf " + version("mupdf"),
   poppler: "pdfinfo " + poppler,
 });
+const engines = {
+  pdfjs: (file, bytes) => withPdfJs(bytes),
+  pdfium: (file, bytes) => withPdfium(bytes),
+  mupdf: (file, bytes) => withMuPdf(bytes),
+  poppler: (file) => withPoppler(file),
+};
 for await (const file of createInterface({ input: process.stdin })) {
   const bytes = readFileSync(file);
-  await print({
-    pdfjs: await attempt(() => withPdfJs(bytes)),
-    pdfium: await attempt(() => withPdfium(bytes)),
-    mupdf: await attempt(() => withMuPdf(bytes)),
-    poppler: await attempt(() => withPoppler(file)),
-  });
+  const answers = {};
+  for (const name of names.length > 0 ? names : Object.keys(engines)) {
+    answers[name] = await attempt(() => engines[name](file, bytes));
+  }
+  await print(answers);
 }
 process.exit(0);

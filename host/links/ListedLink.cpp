@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/links/ListedLink.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "host/base/Console.h"
+#include "host/base/CsvText.h"
+#include "host/base/JsonText.h"
+#include "utils/LinkTarget.h"
+
+namespace {
+
+constexpr int kLinkColumn = 32;
+constexpr int kViewersColumn = 24;
+constexpr std::array<const char*, ViewerRules::kViewers.size()> kViewerNames{"Firefox", "Chrome", "MuPDF", "Poppler"};
+
+const char* KindName(DocumentLink::Kind kind) {
+  switch (kind) {
+    case DocumentLink::Kind::kOutline:
+      return "outline";
+    case DocumentLink::Kind::kField:
+      return "field";
+    case DocumentLink::Kind::kAnnotation:
+      break;
+  }
+  return "annotation";
+}
+
+std::string Utf8(const QString& text) {
+  return text.toUtf8().toStdString();
+}
+
+void AppendJson(std::string& json, const char* key, const std::optional<std::string>& text) {
+  json += std::string(",\"") + key + "\":";
+  if (text) {
+    JsonText::AppendBytes(json, *text);
+  } else {
+    json += "null";
+  }
+}
+
+std::optional<std::string> Text(const std::optional<QString>& text) {
+  return text ? std::optional(Utf8(*text)) : std::nullopt;
+}
+
+std::optional<std::string> Text(const ViewerRules::Target& target) {
+  return target ? std::optional(target->toStdString()) : std::nullopt;
+}
+
+QByteArray Shown(const std::string& text) {
+  return text.empty() ? QByteArray("(empty)") : Console::OneLine(text);
+}
+
+// The places where viewers lead, each with the names of those viewers.
+std::vector<std::pair<ViewerRules::Target, QByteArray>> ByTarget(const ViewerRules::Targets& viewers) {
+  std::vector<std::pair<ViewerRules::Target, QByteArray>> groups;
+  for (std::size_t i = 0; i < viewers.size(); ++i) {
+    const auto same = std::find_if(groups.begin(), groups.end(), [&](const auto& g) { return g.first == viewers[i]; });
+    if (same == groups.end()) {
+      groups.emplace_back(viewers[i], kViewerNames[i]);
+    } else {
+      same->second += QByteArray(", ") + kViewerNames[i];
+    }
+  }
+  return groups;
+}
+
+}  // namespace
+
+ListedLink::ListedLink(const DocumentLink& found, const std::optional<QString>& base)
+    : link(found),
+      relative(IsRelativeLink(found.uri)),
+      target(ResolvedLink(base.value_or(QString()), found.uri)),
+      viewers(ViewerRules::All(found.uri.toUtf8(), base ? std::optional(base->toUtf8()) : std::nullopt)),
+      agree(ViewerRules::Agree(viewers)) {}
+
+std::string LinkFormat::Json(const std::string& file, const ListedLink& link) {
+  std::string json = "{\"file\":";
+  JsonText::AppendBytes(json, file);
+  json += ",\"page\":" + (link.link.page > 0 ? std::to_string(link.link.page) : "null");
+  AppendJson(json, "kind", KindName(link.link.kind));
+  AppendJson(json, "uri", Utf8(link.link.uri));
+  AppendJson(json, "target", Text(link.target));
+  json += ",\"viewers\":";
+  std::string viewers;
+  for (std::size_t i = 0; i < link.viewers.size(); ++i) {
+    AppendJson(viewers, ViewerRules::kViewers[i], Text(link.viewers[i]));
+  }
+  viewers[0] = '{';
+  return json + viewers + "},\"agree\":" + (link.agree ? "true" : "false") + "}\n";
+}
+
+std::string LinkFormat::CsvHeader() {
+  std::string header = "file,page,kind,uri,target";
+  for (const char* const viewer : ViewerRules::kViewers) header += std::string(",") + viewer;
+  return header + ",agree\r\n";
+}
+
+std::string LinkFormat::Csv(const std::string& file, const ListedLink& link) {
+  std::string record = CsvText::Field(file) + ',' + (link.link.page > 0 ? std::to_string(link.link.page) : "") + ',' +
+                       KindName(link.link.kind) + ',' + CsvText::Field(Utf8(link.link.uri)) + ',' +
+                       CsvText::Field(Text(link.target).value_or(""));
+  for (const ViewerRules::Target& viewer : link.viewers) record += ',' + CsvText::Field(Text(viewer).value_or(""));
+  return record + (link.agree ? ",true\r\n" : ",false\r\n");
+}
+
+std::string LinkFormat::Table(const ListedLink& link) {
+  const QByteArray page =
+      link.link.page > 0 ? QByteArray::number(link.link.page) : QByteArray(KindName(link.link.kind));
+  const QByteArray start = page.rightJustified(7) + "  " + Shown(Utf8(link.link.uri)).leftJustified(kLinkColumn);
+  if (link.agree) return (start + "   " + Shown(*Text(link.viewers[0])) + '\n').toStdString();
+  QByteArray text;
+  for (const auto& [target, names] : ByTarget(link.viewers)) {
+    text += text.isEmpty() ? start + " ! " : QByteArray(start.size() + 3, ' ');
+    text += names.leftJustified(kViewersColumn) + ' ' +
+            (target ? Shown(target->toStdString()) : QByteArray("no link")) + '\n';
+  }
+  return text.toStdString();
+}

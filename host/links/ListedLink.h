@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <QByteArray>
+#include <QString>
+#include <string>
+
+#include "host/links/ViewerRules.h"
+#include "utils/DocumentLinks.h"
+
+// A link of a document with where it leads.
+struct ListedLink {
+  // `base` is the document's base URL, or another one; nothing when there is none.
+  ListedLink(const DocumentLink& found, const std::optional<QString>& base);
+
+  DocumentLink link;
+  bool relative;
+  std::optional<QString> target;  // by RFC 3986, 5.2; nothing for a relative link without a base
+  ViewerRules::Targets viewers;
+  bool agree;
+};
+
+// How links are printed. `file` is the file's name in bytes.
+namespace LinkFormat {
+
+// One JSON object and a line end.
+std::string Json(const std::string& file, const ListedLink& link);
+// A record as RFC 4180 has it; what is null in JSON is an empty field.
+std::string CsvHeader();
+std::string Csv(const std::string& file, const ListedLink& link);
+// For people: one line, or one for each place where viewers disagree.
+std::string Table(const ListedLink& link);
+
+}  // namespace LinkFormat

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "make-links-absolute/CMakeLinksAbsolute.h"
+
+#include <optional>
+#include <QStringList>
+
+#include "make-links-absolute/CMakeLinksAbsoluteDialog.h"
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "pdflib/LibraryInformationKeys.h"
+#include "plugin/ShowSettingsDialog.h"
+#include "plugin/WorkProcInfoStruct.h"
+#include "utils/DocumentLinks.h"
+#include "utils/LinkTarget.h"
+
+namespace {
+
+void Warn(HalvexPDFLibraryCPDylibCPP1311& document, int left, bool unread) {
+  QStringList warnings;
+  if (left > 0) {
+    warnings += left == 1 ? QStringLiteral("1 relative link has no base URL and stays relative")
+                          : QStringLiteral("%1 relative links have no base URL and stay relative").arg(left);
+  }
+  if (unread) warnings += QStringLiteral("some links could not be read");
+  if (warnings.isEmpty()) return;
+  const QString earlier = QString::fromStdWString(document.GetInformation(kInformationWarnings));
+  if (!earlier.isEmpty()) warnings.prepend(earlier);
+  document.SetInformation(kInformationWarnings, warnings.join('\n').toStdWString());
+}
+
+}  // namespace
+
+int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
+  HalvexPDFLibraryCPDylibCPP1311& document = *info->document;
+  QString base = info->settings->value(QStringLiteral("base")).toString().trimmed();
+  if (base.isEmpty()) base = QString::fromStdWString(document.GetBaseURL());
+
+  int left = 0;
+  std::optional<DocumentLink> failed;
+  const int error = VisitDocumentLinks(document, [&](const DocumentLink& link) {
+    if (failed || !IsRelativeLink(link.uri)) return;
+    const std::optional<QString> target = ResolvedLink(base, link.uri);
+    if (!target) {
+      ++left;
+    } else if (SetDocumentLink(document, link, *target) != 0) {
+      failed = link;
+    }
+  });
+  // Once more, so that the last call is the one that failed: a host sees no other sign of it.
+  if (failed) {
+    SetDocumentLink(document, *failed, ResolvedLink(base, failed->uri).value_or(QString()));
+    return 0;
+  }
+  if (left == 0 && info->settings->value(QStringLiteral("removeBase")).toBool()) document.SetBaseURL(std::wstring());
+  Warn(document, left, error != 0);
+  return 0;
+}
+
+int CMakeLinksAbsolute::ShowDialogProc(QWidget* parent, DialogLoadStruct* info) {
+  // The document's own base URL is what an empty field stands for.
+  return ShowSettingsDialog<CMakeLinksAbsoluteDialog>(*this, parent, info, [](auto&, auto&) {});
+}
