@@ -139,8 +139,8 @@ bool LoadedFile::QuickSuffices(const Edits& edits) {
   const std::map<ObjectId, std::string>& edited = edits.Objects();
   if (edited.size() == 1 && edited.begin()->first == quick_->tail.root) return true;
   const QuickObjects* const objects = Objects();
-  return objects != nullptr && std::all_of(edited.begin(), edited.end(),
-                                           [&](const auto& object) { return objects->Exists(object.first); });
+  return objects != nullptr &&
+         std::all_of(edited.begin(), edited.end(), [&](const auto& object) { return objects->Exists(object.first); });
 }
 
 SavePlan LoadedFile::PlanFor(const Edits& edits) {

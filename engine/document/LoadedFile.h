@@ -38,7 +38,9 @@ class LoadedFile {
   BackendDocument::Signatures Signatures();
   // 0: not encrypted; 1: encrypted, opened as user; 2: opened as owner.
   int EncryptionStatus();
-  BackendDocument::Encryption Encryption() { return quick_ ? BackendDocument::Encryption() : Full().EncryptionMethod(); }
+  BackendDocument::Encryption Encryption() {
+    return quick_ ? BackendDocument::Encryption() : Full().EncryptionMethod();
+  }
   // The pages in their order.
   const std::vector<ObjectId>& Pages();
   // The full parser's view, opened on first use.

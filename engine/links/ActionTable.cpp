@@ -89,7 +89,8 @@ void ActionTable::Add(const LocatedValue& action, std::string_view type) {
 void ActionTable::Forget(ObjectId owner, const std::string& path) {
   const auto found = slots_.find({owner, Kept(path)});
   if (found == slots_.end()) return;
-  for (auto i = static_cast<std::size_t>(found->second) - 1; records_[i].type != nullptr; ++i) records_[i].type = nullptr;
+  for (auto i = static_cast<std::size_t>(found->second) - 1; records_[i].type != nullptr; ++i)
+    records_[i].type = nullptr;
   slots_.erase(found);
 }
 

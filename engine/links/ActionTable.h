@@ -14,8 +14,8 @@
 namespace engine {
 
 // The actions of a document that were asked for, by IDs from 1 on (ISO 32000-1, 12.6). Those of one place have
-// consecutive IDs: an action and, depth first, those that follow it (/Next), each once; the ID after the last of them is
-// not an action.
+// consecutive IDs: an action and, depth first, those that follow it (/Next), each once; the ID after the last of them
+// is not an action.
 class ActionTable {
  public:
   struct Action {

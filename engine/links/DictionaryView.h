@@ -7,8 +7,9 @@
 
 namespace engine {
 
-// The entries of a dictionary object's text, which must outlive this object. Of a key that is there twice the last value
-// counts, as for full parsers; where the syntax is broken, the entries before it are there. Empty for anything else.
+// The entries of a dictionary object's text, which must outlive this object. Of a key that is there twice the last
+// value counts, as for full parsers; where the syntax is broken, the entries before it are there. Empty for anything
+// else.
 class DictionaryView {
  public:
   struct Entry {
