@@ -3,14 +3,13 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <optional>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
@@ -19,6 +18,7 @@
 #include "host/files/InputList.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/DocumentRun.h"
+#include "host/run/JobDigest.h"
 #include "host/run/ReportFile.h"
 #include "host/run/ResumedReport.h"
 #include "host/run/RunPlan.h"
@@ -27,16 +27,6 @@
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
-
-constexpr int kMostJobs = 1024;
-constexpr int kUsualSeconds = 900;
-constexpr int kMostSeconds = 1000000;
-constexpr int kUsualMebibytes = 4096;
-constexpr int kMostMebibytes = 1 << 20;
-
-int Cores() {
-  return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
-}
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   const std::optional<FileStatus> status = FileLookup().Get(path);
@@ -71,50 +61,57 @@ void MakeOutputFolder(const std::string& folder) {
   }
 }
 
+// Whether the folder could be made.
+void CheckOutputFolder(const std::string& folder) {
+  std::filesystem::path existing = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::exists(existing, ignored) && existing.has_relative_path()) existing = existing.parent_path();
+  if (std::filesystem::is_directory(existing, ignored)) return;
+  throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
+                                     .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
-    : Command(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
+    : BatchCommand(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
   AddOption(QStringLiteral("list"), QStringLiteral("The action list: its name in the sequence folder, or a file."),
             QStringLiteral("NAME|FILE.xqq"));
   AddActionOptions();
   AddOption(QStringLiteral("output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
-  AddOption(QStringLiteral("files-from"),
-            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
-            QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
+  AddInputOptions();
+  AddOption(QStringLiteral("dry-run"),
+            QStringLiteral("Does all but save: nothing is written but the report, which says what would be."));
+  AddOption(QStringLiteral("backup"),
+            QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
+                           "backup stays: the next one is numbered."),
+            QStringLiteral("SUFFIX"));
+  AddOption(QStringLiteral("only-if"),
+            QStringLiteral("Touches only files without a base URL ('none'), those whose base URL would change "
+                           "('differs'), or those with this one."),
+            QStringLiteral("none|differs|URL"));
   AddPasswordOptions();
   AddOption(
       QStringLiteral("report"),
       QStringLiteral(
           "JSON report: an array at the end; '-' or a name ending in .jsonl: a line for each file as it finishes."),
       QStringLiteral("FILE"));
-  AddOption(QStringLiteral("resume"), QStringLiteral("Leaves out the files that this earlier report says are done."),
+  AddOption(QStringLiteral("resume"),
+            QStringLiteral("Leaves out the files that the same job has done according to this earlier report, and that "
+                           "are as it left them."),
             QStringLiteral("REPORT"));
-  AddOption(QStringLiteral("jobs"),
-            QStringLiteral("Worker processes (default: the cores); 0 runs everything in one process, for actions that "
-                           "gather across documents."),
-            QStringLiteral("N"));
-  AddOption(QStringLiteral("timeout"),
-            QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "
-                           "which the run is stopped or the machine sleeps does not count."),
-            QStringLiteral("SECONDS"));
-  AddOption(QStringLiteral("memory"),
-            QStringLiteral("A file fails that takes more memory; each process may take as much (default: 4096; 0: no "
-                           "limit)."),
-            QStringLiteral("MIB"));
+  AddWorkerOptions();
   AddOption(QStringLiteral("allow-breaking-signatures"),
-            QStringLiteral("Also saves signed documents that can only be rewritten."));
+            QStringLiteral("Also saves signed documents that can only be rewritten, and certified ones that permit no "
+                           "change."));
   AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
   AddOption(QStringLiteral("exit-zero"),
             QStringLiteral("Ends with 0 also when documents failed; the report names them."));
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));
   AddToolsOption();
   AddLibraryOption();
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
-                                QStringLiteral("FILE..."));
 }
 
 void RunCommand::Check() {
@@ -125,25 +122,31 @@ void RunCommand::Check() {
   Exclude("output-dir", "in-place");
   if (!IsSet("list") && !IsSet("action")) refuse("Either '--list' or '--action' is needed.");
   if (!IsSet("output-dir") && !IsSet("in-place")) refuse("Either '--output-dir' or '--in-place' is needed.");
-  for (const char* name : {"list", "action", "output-dir", "files-from", "report", "resume"}) {
-    if (IsSet(name) && Value(name).isEmpty()) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
-    }
-  }
-  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  RefuseEmpty({"list", "action", "output-dir", "report", "resume", "backup", "only-if"});
+  CheckInputOptions();
+  CheckOutputOptions();
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
   Settings();
-  jobs_ = Number("jobs", Cores(), 0, kMostJobs);
-  timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
-  memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
-  if (IsSet("timeout") && timeout_ > 0 && jobs_ == 0) {
-    refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
+  CheckWorkerOptions();
+}
+
+void RunCommand::CheckOutputOptions() const {
+  const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
+  if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
+    refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
+  }
+  if (!IsSet("backup")) return;
+  if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
+  const QString suffix = Value("backup");
+  if (suffix.contains(QLatin1Char('/'))) refuse("The suffix of '--backup' cannot contain '/'.");
+  if (suffix.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+    refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
   }
 }
 
 // A connection to a display does not survive in forked workers.
 void RunCommand::PrepareWindowSystem() const {
-  if (jobs_ > 0) {
+  if (Jobs() > 0) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   } else {
     Command::PrepareWindowSystem();
@@ -167,11 +170,6 @@ std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) co
 
 QString RunCommand::ListFile() const {
   return ActionList::Locate(Value("list"));
-}
-
-void RunCommand::CollectInputs(InputList& inputs) const {
-  for (const QString& file : parser_.positionalArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
-  if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
 }
 
 // What the run reads beside the documents.
@@ -200,8 +198,8 @@ void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& othe
 int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
-  settings.processing = {Password(), IsSet("allow-breaking-signatures")};
-  settings.memoryLimit = memoryLimit_;
+  settings.processing = Processing();
+  settings.memoryLimit = MemoryLimit();
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
   settings.actions = LoadActions(catalog);
@@ -215,39 +213,83 @@ int RunCommand::Execute() {
   return RunOver(inputs, outputFolder, protectedFiles, settings);
 }
 
-int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
-                        const RunSettings& settings) const {
-  const std::string reportName = BytesOf("report").toStdString();
+ProcessingOptions RunCommand::Processing() const {
+  using Kind = BaseUrlCondition::Kind;
+  ProcessingOptions options;
+  options.password = Password();
+  options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
+  options.dryRun = IsSet("dry-run");
+  options.backupSuffix = BytesOf("backup").toStdString();
+  if (!IsSet("only-if")) return options;
+  const QString condition = Value("only-if");
+  if (condition == QLatin1String("none")) {
+    options.onlyIf.kind = Kind::kNone;
+  } else if (condition == QLatin1String("differs")) {
+    options.onlyIf.kind = Kind::kDiffers;
+  } else {
+    options.onlyIf = {Kind::kIs, UrlAsWritten(condition).toStdWString()};
+  }
+  return options;
+}
+
+ResumedReport RunCommand::ReadEarlierReport(bool isSameFile) const {
   const std::string earlier = BytesOf("resume").toStdString();
-  const std::optional<FileIdentity> written = IdentityOf(reportName);
-  const bool sameFile = earlier == reportName || (written && written == IdentityOf(earlier));
-  const bool append = !earlier.empty() && sameFile && ReportFile::IsLines(reportName);
   // A job that resumes its own report has none yet in its first run.
-  const ResumedReport resumed = earlier.empty() || (sameFile && !written) ? ResumedReport() : ResumedReport(earlier);
+  if (earlier.empty() || (isSameFile && !IdentityOf(earlier))) return ResumedReport();
+  ResumedReport resumed(earlier);
   if (resumed.TornLines() > 0 && !IsSet("quiet")) {
     Console::Error(QStringLiteral("The report '%1' has %2 lines that were cut off by a crash; they are passed over.")
                        .arg(Value("resume"))
                        .arg(resumed.TornLines()));
   }
-  if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
+  return resumed;
+}
+
+void RunCommand::WarnOfRedone(const RunPlan& plan) const {
+  const auto warn = [&](std::size_t files, const char* why) {
+    if (files == 0 || IsSet("quiet")) return;
+    Console::Error(QStringLiteral("Files of the report '%1' that are done again: %2 (%3).")
+                       .arg(Value("resume"))
+                       .arg(files)
+                       .arg(QLatin1String(why)));
+  };
+  warn(plan.DoneWithoutJob(), "the report does not say with which settings they were done");
+  warn(plan.DoneOtherwise(), "they were done with other actions or settings");
+  warn(plan.ChangedSince(), "they were changed or removed since");
+}
+
+int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+                        const RunSettings& settings) const {
+  const bool dryRun = settings.processing.dryRun;
+  const std::string reportName = BytesOf("report").toStdString();
+  const std::string earlier = BytesOf("resume").toStdString();
+  const std::optional<FileIdentity> written = IdentityOf(reportName);
+  const bool sameFile = !earlier.empty() && (earlier == reportName || (written && written == IdentityOf(earlier)));
+  if (sameFile && dryRun) {
+    throw CommandError(kExitUsage, QStringLiteral("A dry run cannot write the report that it resumes."));
+  }
+  const bool append = sameFile && ReportFile::IsLines(reportName);
+  ResumedReport resumed = ReadEarlierReport(sameFile);
+  if (!outputFolder.empty()) dryRun ? CheckOutputFolder(outputFolder) : MakeOutputFolder(outputFolder);
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, outputFolder, resumed, protectedFiles);
-  if (!append) {
+  const RunPlan plan(inputs, {outputFolder, dryRun, JobDigest(settings.actions)}, resumed, protectedFiles);
+  WarnOfRedone(plan);
+  if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {
       report.Add({json.constData(), static_cast<std::size_t>(json.size())});
     });
   }
 
-  RunReporter reporter(report, inputs.Count(), IsSet("quiet"));
+  RunReporter reporter(report, inputs.Count(), IsSet("quiet"), dryRun);
   reporter.CountDoneBefore(plan.DoneBefore());
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
-  for (const FileRecord& record : plan.Settled()) reporter.Take(record);
+  for (const FileRecord& record : plan.Settled()) reporter.TakeSettled(record);
   DocumentRun run(settings, plan, reporter);
-  if (jobs_ == 0) {
+  if (Jobs() == 0) {
     run.RunHere();
   } else {
-    WorkerPool(run, plan.Count(), static_cast<std::size_t>(jobs_), std::chrono::seconds(timeout_)).Run();
+    WorkerPool(run, plan.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);

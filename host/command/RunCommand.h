@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 
 #include <string>
 #include <vector>
@@ -11,10 +11,13 @@
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
+class ResumedReport;
+class RunPlan;
+struct ProcessingOptions;
 struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
-class RunCommand : public Command {
+class RunCommand : public BatchCommand {
  public:
   RunCommand();
 
@@ -28,13 +31,12 @@ class RunCommand : public Command {
  private:
   std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog) const;
   QString ListFile() const;
-  void CollectInputs(InputList& inputs) const;
   ProtectedFiles OtherInputs() const;
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
+  ResumedReport ReadEarlierReport(bool isSameFile) const;
+  void CheckOutputOptions() const;
+  ProcessingOptions Processing() const;
+  void WarnOfRedone(const RunPlan& plan) const;
   int RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
-
-  int jobs_ = 0;
-  int timeout_ = 0;
-  std::size_t memoryLimit_ = 0;
 };

@@ -5,13 +5,13 @@
 
 #include "host/base/Interruption.h"
 
-RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
-    : inputs_(inputs) {
-  if (!outputFolder.empty()) {
-    names_.emplace(outputFolder);
+    : inputs_(inputs), options_(options) {
+  if (!options_.outputFolder.empty()) {
+    names_.emplace(options_.outputFolder);
     std::error_code ignored;
-    outputFolderWasEmpty_ = std::filesystem::is_empty(outputFolder, ignored);
+    outputFolderWasEmpty_ = std::filesystem::is_empty(options_.outputFolder, ignored);
   }
   items_.reserve(inputs.Count());
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
@@ -20,7 +20,7 @@ RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const
   }
 }
 
-void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const ProtectedFiles& protectedFiles) {
+void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFiles& protectedFiles) {
   using Status = FileRecord::Status;
   if (const std::string problem = inputs_.Problem(input); !problem.empty()) {
     return Settle(input, Status::kFailed, problem);
@@ -41,11 +41,23 @@ void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const Protect
       return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
     }
   }
-  if (resumed.Done(inputs_.File(input), output)) {
+  if (IsDone(inputs_.File(input), output, resumed)) {
     ++doneBefore_;
   } else {
     items_.push_back(item);
   }
+}
+
+// Whether the same job has saved this output, and it is as it was left.
+bool RunPlan::IsDone(const std::string& file, const std::string& output, ResumedReport& resumed) {
+  const ResumedReport::Result* const result = resumed.Find(file, output);
+  if (result == nullptr) return false;
+  const FileState now = FileState::Of(output);
+  const bool sameJob = result->job == options_.job;
+  if (sameJob && now.size == result->size && now.TimeText() == result->time) return true;
+  ++(result->job.empty() ? doneWithoutJob_ : sameJob ? changedSince_ : doneOtherwise_);
+  resumed.Forget(file, output);
+  return false;
 }
 
 void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::string& reason) {
@@ -59,11 +71,12 @@ void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::st
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
   const std::string file = inputs_.File(input);
-  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file};
+  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file, options_.job};
 }
 
 // Inputs from folders keep their path below that folder.
 bool RunPlan::MakeParent(const std::string& output) {
+  if (options_.dryRun) return true;
   const std::string parent = output.substr(0, output.rfind('/'));
   if (!madeFolders_.insert(parent).second) return true;
   std::error_code error;
