@@ -200,7 +200,9 @@ TEST_F(LinksTest, AreSetInEveryFormOfFile) {
       EXPECT_EQ(library_.GetInformation(1000), L"incremental");
       ASSERT_EQ(library_.SaveToFile(L"changed.pdf"), 1) << library_.LastErrorCode();
       EXPECT_EQ(LinksOf("changed.pdf", form.password), after);
-      if (Sound("source.pdf", "--password=user")) EXPECT_TRUE(Sound("changed.pdf", "--password=user"));
+      if (Sound("source.pdf", "--password=user")) {
+        EXPECT_TRUE(Sound("changed.pdf", "--password=user"));
+      }
       const std::string source = ReadFile("source.pdf");
       EXPECT_EQ(ReadFile("changed.pdf").substr(0, source.size()), source);
       library_.RemoveDocument(library_.SelectedDocument());
