@@ -56,7 +56,7 @@ void ActionTable::AddChain(ObjectTexts& objects, LocatedValue first) {
     following.pop_back();
     if (action.path.empty() && !visited.insert(action.holder).second) continue;
     const DictionaryView dictionary(action.text);
-    const std::string type = NameText(dictionary.Find("/S"));
+    const std::string type = NameText(Entry(objects, action, "/S").text);
     if (type.empty()) continue;
     Add(action, type);
     const std::string_view next = dictionary.Find("/Next");
@@ -107,7 +107,8 @@ std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedVa
   const std::string_view additional = dictionary.Find("/AA");
   if (additional.empty()) return slots;
   const LocatedValue actions = Resolve(objects, owner, additional, "/AA");
-  for (const DictionaryView::Entry& entry : DictionaryView(actions.text).Entries()) {
+  const DictionaryView triggers(actions.text);
+  for (const DictionaryView::Entry& entry : triggers.Entries()) {
     slots.push_back({owner, "/AA" + UnescapedName(entry.key)});
   }
   return slots;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/links/QuickObjects.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 #include "engine/quick/PdfFileText.h"
@@ -19,7 +18,7 @@ using Type = XrefMap::Place::Type;
 
 constexpr std::size_t kLongestObject = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kLongestStream = std::size_t{16} * 1024 * 1024;
-constexpr std::size_t kKeptStreams = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t kKeptStreams = std::size_t{32} * 1024 * 1024;
 constexpr std::uint64_t kMostObjectsInStream = 100000;
 
 XrefMap ReadPlaces(const InputFile& file, std::uint64_t startXref) {
@@ -67,26 +66,26 @@ std::optional<std::string> QuickObjects::TextAt(std::uint64_t offset, ObjectId i
 }
 
 std::string QuickObjects::TextInStream(ObjectId id, const XrefMap::Place& place) {
-  const ObjectStream& stream = Stream(place.where);
+  const ObjectStream& stream = Stream(static_cast<std::uint32_t>(place.where));
   if (place.detail >= stream.objects.size() || stream.objects[place.detail].first != id.number) throw PdfSyntaxError();
   PdfLexer lexer(stream.data, stream.objects[place.detail].second);
   return std::string(lexer.Text(lexer.ReadValue()));
 }
 
-const QuickObjects::ObjectStream& QuickObjects::Stream(std::uint64_t number) {
-  const auto found = std::find_if(streams_.begin(), streams_.end(),
-                                  [number](const ObjectStream& stream) { return stream.number == number; });
-  if (found != streams_.end()) {
-    streams_.splice(streams_.begin(), streams_, found);
+const QuickObjects::ObjectStream& QuickObjects::Stream(std::uint32_t number) {
+  const auto found = streamsByNumber_.find(number);
+  if (found != streamsByNumber_.end()) {
+    streams_.splice(streams_.begin(), streams_, found->second);
     return streams_.front();
   }
-  streams_.push_front(ReadStream(static_cast<std::uint32_t>(number)));
-  std::size_t kept = 0;
-  auto stream = streams_.begin();
-  for (; stream != streams_.end() && (kept == 0 || kept + stream->data.size() <= kKeptStreams); ++stream) {
-    kept += stream->data.size() + 1;
+  streams_.push_front(ReadStream(number));
+  streamsByNumber_[number] = streams_.begin();
+  streamBytes_ += streams_.front().data.size();
+  while (streamBytes_ > kKeptStreams && streams_.size() > 1) {
+    streamBytes_ -= streams_.back().data.size();
+    streamsByNumber_.erase(streams_.back().number);
+    streams_.pop_back();
   }
-  streams_.erase(stream, streams_.end());
   return streams_.front();
 }
 

@@ -5,6 +5,7 @@
 #include <list>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -30,14 +31,14 @@ class QuickObjects {
 
  private:
   struct ObjectStream {
-    std::uint64_t number = 0;
+    std::uint32_t number = 0;
     std::string data;
     std::vector<std::pair<std::uint64_t, std::size_t>> objects;  // number, and where it begins in the data
   };
 
   std::optional<std::string> TextAt(std::uint64_t offset, ObjectId id);
   std::string TextInStream(ObjectId id, const XrefMap::Place& place);
-  const ObjectStream& Stream(std::uint64_t number);
+  const ObjectStream& Stream(std::uint32_t number);
   ObjectStream ReadStream(std::uint32_t number);
   std::uint64_t StreamLength(std::string_view value);
 
@@ -45,7 +46,9 @@ class QuickObjects {
   const XrefMap places_;
   FileWindows windows_;
   std::list<ObjectStream> streams_;  // the latest used first
-  std::uint64_t decodable_;          // bytes
+  std::unordered_map<std::uint32_t, std::list<ObjectStream>::iterator> streamsByNumber_;
+  std::size_t streamBytes_ = 0;
+  std::uint64_t decodable_;  // bytes
 };
 
 }  // namespace engine
