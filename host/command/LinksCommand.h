@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 #include "host/run/LinkListing.h"
 
 // Lists the links of files and where viewers lead for them.
-class LinksCommand : public Command {
+class LinksCommand : public BatchCommand {
  public:
   LinksCommand();
 
@@ -14,9 +14,7 @@ class LinksCommand : public Command {
   int Execute() override;
 
  private:
-  bool PrintSummary(const LinkListing& listing) const;
+  bool PrintSummary(const LinkCounts& counts) const;
 
-  int jobs_ = 0;
-  int timeout_ = 0;
   LinkListingOptions options_;
 };

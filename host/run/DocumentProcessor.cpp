@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/DocumentProcessor.h"
 
+#include <sys/stat.h>
 #include <algorithm>
+
 #include <chrono>
 #include <cwchar>
 #include <exception>
@@ -10,12 +12,14 @@
 
 #include "host/base/NativeName.h"
 #include "host/files/BackupFile.h"
+#include "host/links/LinkAdvice.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
 
+constexpr off_t kLargestAdvised = 4 << 20;  // bytes
 constexpr int kMostAttempts = 10;
 constexpr std::chrono::milliseconds kPause(2);  // grows with each attempt
 
@@ -35,7 +39,7 @@ struct DocumentProcessor::Unwanted {
   std::string reason;
 };
 
-FileRecord DocumentProcessor::Process(const PlannedFile& file) {
+FileRecord DocumentProcessor::Process(const PlannedFile& file, bool advise) {
   const auto start = std::chrono::steady_clock::now();
   FileRecord record;
   const auto failed = [&](const std::string& reason) {
@@ -53,7 +57,7 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
     record.job = file.job;
     bool again = false;
     try {
-      ProcessOnce(record);
+      ProcessOnce(record, advise);
     } catch (const Failure& failure) {
       failed(failure.reason);
       again = failure.error == kErrorSourceChanged && attempt < kMostAttempts;
@@ -73,12 +77,13 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
   return record;
 }
 
-void DocumentProcessor::ProcessOnce(FileRecord& record) {
+void DocumentProcessor::ProcessOnce(FileRecord& record, bool advise) {
   Load(record);
   CheckCondition(record, false);
   RunActions(record);
   record.baseUrlAfter = library_.GetBaseURL();
   CheckCondition(record, true);
+  if (advise) Advise(record);
   CheckSaving(record);
   if (!options_.dryRun) return Save(record);
   record.status = record.Unchanged() ? FileRecord::Status::kUnchanged : FileRecord::Status::kWouldChange;
@@ -136,6 +141,14 @@ void DocumentProcessor::RunActions(FileRecord& record) {
   for (const QString& warning : warnings.split('\n', Qt::SkipEmptyParts)) {
     record.warnings.push_back(warning.toStdString());
   }
+}
+
+void DocumentProcessor::Advise(FileRecord& record) {
+  if (record.baseUrlAfter.empty() || record.baseUrlAfter == record.baseUrlBefore) return;
+  struct stat status = {};
+  if (stat(record.file.c_str(), &status) != 0 || status.st_size > kLargestAdvised) return;
+  const std::string advice = LinkAdvice(library_, QString::fromStdWString(record.baseUrlAfter));
+  if (!advice.empty()) record.warnings.push_back(advice);
 }
 
 // How the document would be saved now, and whether policy lets it.

@@ -39,16 +39,18 @@ class DocumentProcessor {
       : library_(library), actions_(actions), options_(options) {}
 
   // Whatever goes wrong is in the record; nothing is thrown. A failed document leaves its output untouched.
-  FileRecord Process(const PlannedFile& file);
+  // `advise`: a new base URL by which links lead to different places gets a warning, if the file is small.
+  FileRecord Process(const PlannedFile& file, bool advise);
 
  private:
   struct Failure;
   struct Unwanted;
 
-  void ProcessOnce(FileRecord& record);
+  void ProcessOnce(FileRecord& record, bool advise);
   void Load(FileRecord& record);
   void RunActions(FileRecord& record);
   void CheckCondition(const FileRecord& record, bool actionsRan) const;
+  void Advise(FileRecord& record);
   void CheckSaving(FileRecord& record);
   void CheckSignatures(FileRecord& record);
   void Save(FileRecord& record);

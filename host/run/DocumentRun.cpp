@@ -14,9 +14,13 @@ void DocumentRun::RunHere() {
   Begin();
   Interruption::EndAtSecond();
   for (std::size_t item = 0; item < plan_.Count() && Interruption::Signal() == 0; ++item) {
-    reporter_.Take(processor_->Process(plan_.File(item)));
+    reporter_.Take(ProcessItem(item));
     reporter_.Flush();
   }
+}
+
+FileRecord DocumentRun::ProcessItem(std::size_t item) {
+  return processor_->Process(plan_.File(item), item < kAdvisedFiles);
 }
 
 void DocumentRun::Lose(std::size_t item, const std::string& reason) {

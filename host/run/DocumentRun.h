@@ -29,12 +29,17 @@ class DocumentRun : public WorkerTask {
   void RunHere();
 
   void Begin() override;
-  std::string Work(std::size_t item) override { return processor_->Process(plan_.File(item)).Pack(); }
+  std::string Work(std::size_t item) override { return ProcessItem(item).Pack(); }
   void Take(std::size_t, std::string_view result) override { reporter_.Take(FileRecord::Unpack(result)); }
   void Lose(std::size_t item, const std::string& reason) override;
   void Flush() override { reporter_.Flush(); }
 
  private:
+  // Reading the links of every file would take longer than the rest of a run over many small ones.
+  static constexpr std::size_t kAdvisedFiles = 50;
+
+  FileRecord ProcessItem(std::size_t item);
+
   const RunSettings& settings_;
   const RunPlan& plan_;
   RunReporter& reporter_;

@@ -1,128 +1,104 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/LinkListing.h"
 
-#include <algorithm>
 #include <cstring>
-#include <exception>
 
 #include "host/base/Console.h"
-#include "host/run/MemoryLimit.h"
 #include "host/run/RecordFraming.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 
-// What one document has to show.
-struct LinkListing::Listing {
-  std::string problem;  // empty when all links were read
-  std::string text;
-  LinkCounts counts;
+namespace {
 
-  std::string Pack() const {
-    const std::string_view numbers(reinterpret_cast<const char*>(&counts), sizeof counts);
-    std::string bytes;
-    RecordFraming::Append(bytes, {problem, text, numbers});
-    return bytes;
+std::string Formatted(LinkListingOptions::Format format, const std::string& file, const ListedLink& link) {
+  switch (format) {
+    case LinkListingOptions::Format::kJson:
+      return LinkFormat::Json(file, link);
+    case LinkListingOptions::Format::kCsv:
+      return LinkFormat::Csv(file, link);
+    case LinkListingOptions::Format::kTable:
+      break;
   }
-  static Listing Unpack(std::string_view bytes) {
-    const RecordFraming::Fields fields = RecordFraming::Parse(bytes);
-    Listing listing{std::string(fields[0]), std::string(fields[1]), {}};
-    std::memcpy(&listing.counts, fields[2].data(), sizeof listing.counts);
-    return listing;
-  }
-};
+  return LinkFormat::Table(link);
+}
 
-void LinkListing::Begin() {
-  library_ = PdfLibrary::Open(options_.libraryFile);
-  MemoryLimit::Set(options_.memoryLimit);
+std::string Heading(const std::string& file, const std::optional<QString>& base) {
+  const std::string from = base ? "base URL " + base->toStdString() : "no base URL";
+  return (Console::OneLine(file) + ": " + Console::OneLine(from) + '\n').toStdString();
+}
+
+}  // namespace
+
+LinkCounts& LinkCounts::operator+=(const LinkCounts& other) {
+  files += other.files;
+  incomplete += other.incomplete;
+  links += other.links;
+  relative += other.relative;
+  disagreeing += other.disagreeing;
+  withoutBase += other.withoutBase;
+  checked += other.checked;
+  missing += other.missing;
+  return *this;
+}
+
+LinkListing::LinkListing(const InputList& inputs, const FileQuestion& question, const LinkListingOptions& options)
+    : FileQuery(inputs, question_), question_(question), options_(options) {
+  question_.answer = [this](PdfLibrary::Wrapper& library, const std::string& file) { return Answer(library, file); };
 }
 
 std::string LinkListing::Work(std::size_t item) {
-  Listing listing;
-  const std::string file = inputs_.File(item);
-  listing.problem = inputs_.Problem(item);
-  try {
-    if (listing.problem.empty()) Read(file, listing);
-  } catch (const std::exception& exception) {
-    listing.problem = exception.what();
-  }
-  return listing.Pack();
-}
-
-void LinkListing::Read(const std::string& file, Listing& listing) {
-  listing.problem = PdfLibrary::LoadDocument(*library_, file, options_.password);
-  if (!listing.problem.empty()) return;
-  const int document = library_->SelectedDocument();
-  std::optional<QString> base = options_.base;
-  if (!base && library_->GetInformation(kInformationHasBaseUrl) != L"0") {
-    base = QString::fromStdWString(library_->GetBaseURL());
-  }
-  const int error =
-      VisitDocumentLinks(*library_, [&](const DocumentLink& link) { Add(file, ListedLink(link, base), listing); });
-  if (error != kErrorNone) listing.problem = PdfLibrary::ErrorMessage(error);
-  library_->RemoveDocument(document);
-  listing.counts.files = 1;
-  if (options_.format != LinkListingOptions::Format::kTable || listing.text.empty()) return;
-  const std::string from = base ? "base URL " + base->toStdString() : "no base URL";
-  listing.text.insert(0, file + ": " + from + '\n');
-}
-
-void LinkListing::Add(const std::string& file, const ListedLink& link, Listing& listing) const {
-  LinkCounts& counts = listing.counts;
-  ++counts.links;
-  if (link.relative) {
-    ++counts.relative;
-    if (!link.agree) ++counts.disagreeing;
-    if (!link.target) ++counts.withoutBase;
-  }
-  bool listed = options_.all || link.relative;
-  if (!options_.checks.empty()) {
-    std::optional<bool> there;
-    for (const LinkCheck& check : options_.checks) {
-      if (link.target && !there) there = check.Has(*link.target);
-    }
-    if (there) ++counts.checked;
-    listed = there && !*there;
-    if (listed) ++counts.missing;
-  }
-  if (!listed) return;
-  switch (options_.format) {
-    case LinkListingOptions::Format::kTable:
-      listing.text += LinkFormat::Table(link);
-      break;
-    case LinkListingOptions::Format::kJson:
-      listing.text += LinkFormat::Json(file, link);
-      break;
-    case LinkListingOptions::Format::kCsv:
-      listing.text += LinkFormat::Csv(file, link);
-      break;
-  }
+  counts_ = LinkCounts();
+  const std::string answer = FileQuery::Work(item);
+  std::string bytes;
+  RecordFraming::Append(bytes, {{reinterpret_cast<const char*>(&counts_), sizeof counts_}, answer});
+  return bytes;
 }
 
 void LinkListing::Take(std::size_t item, std::string_view result) {
-  waiting_.emplace(item, result);
-  for (auto first = waiting_.begin(); first != waiting_.end() && first->first == next_; first = waiting_.begin()) {
-    Print(next_++, Listing::Unpack(first->second));
-    waiting_.erase(first);
-  }
+  const RecordFraming::Fields fields = RecordFraming::Parse(result);
+  LinkCounts counts;
+  std::memcpy(&counts, fields[0].data(), sizeof counts);
+  total_ += counts;
+  FileQuery::Take(item, fields[1]);
 }
 
-void LinkListing::Lose(std::size_t item, const std::string& reason) {
-  Listing listing;
-  listing.problem = reason;
-  Take(item, listing.Pack());
+std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
+  std::optional<QString> base = options_.base;
+  if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
+    base = QString::fromStdWString(library.GetBaseURL());
+  }
+  std::string text;
+  const int error = VisitDocumentLinks(library, [&](const DocumentLink& found) {
+    const ListedLink link(found, base);
+    if (Count(link)) text += Formatted(options_.format, file, link);
+  });
+  counts_.files = 1;
+  // What was found is listed all the same.
+  if (error != kErrorNone) {
+    counts_.incomplete = 1;
+    Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));
+  }
+  const bool isTable = options_.format == LinkListingOptions::Format::kTable;
+  return isTable && !text.empty() ? Heading(file, base) + text : text;
 }
 
-void LinkListing::Print(std::size_t item, const Listing& listing) {
-  printed_ = (listing.text.empty() || Console::Print(QByteArray::fromStdString(listing.text))) && printed_;
-  if (!listing.problem.empty()) {
-    ++failed_;
-    Console::ErrorAbout(inputs_.File(item), listing.problem);
+bool LinkListing::Count(const ListedLink& link) {
+  ++counts_.links;
+  if (link.relative) {
+    ++counts_.relative;
+    if (!link.agree) ++counts_.disagreeing;
+    if (!link.target) ++counts_.withoutBase;
   }
-  counts_.files += listing.counts.files;
-  counts_.links += listing.counts.links;
-  counts_.relative += listing.counts.relative;
-  counts_.disagreeing += listing.counts.disagreeing;
-  counts_.withoutBase += listing.counts.withoutBase;
-  counts_.checked += listing.counts.checked;
-  counts_.missing += listing.counts.missing;
+  return options_.checks.empty() ? options_.all || link.relative : IsMissing(link);
+}
+
+bool LinkListing::IsMissing(const ListedLink& link) {
+  std::optional<bool> there;
+  for (const LinkCheck& check : options_.checks) {
+    if (link.target && !there) there = check.Has(*link.target);
+  }
+  if (!there) return false;
+  ++counts_.checked;
+  if (!*there) ++counts_.missing;
+  return !*there;
 }

@@ -71,9 +71,9 @@ QByteArray ReadFile(const QString& name) {
   return file.readAll();
 }
 
-QByteArray MakePdf(const QByteArray& catalog, const QList<QByteArray>& objects) {
+QByteArray MakePdf(const QByteArray& catalog, const QList<QByteArray>& objects, const QByteArray& page) {
   QList<QByteArray> all{"<</Type/Catalog/Pages 2 0 R" + catalog + ">>", "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-                        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 72 72]>>"};
+                        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 72 72]" + page + ">>"};
   all += objects;
   QByteArray pdf = "%PDF-1.7\n";
   QByteArray table = "0000000000 65535 f \n";

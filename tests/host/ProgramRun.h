@@ -28,8 +28,9 @@ QStringList ProbeRun(const QStringList& more);
 
 void WriteFile(const QString& name, const QByteArray& content);
 QByteArray ReadFile(const QString& name);
-// A one-page PDF; `catalog` holds further entries of the catalog, `objects` further objects from number 4 on.
-QByteArray MakePdf(const QByteArray& catalog = QByteArray(), const QList<QByteArray>& objects = {});
+// A one-page PDF; `catalog` and `page` hold further entries of these, `objects` further objects from number 4 on.
+QByteArray MakePdf(const QByteArray& catalog = QByteArray(), const QList<QByteArray>& objects = {},
+                   const QByteArray& page = QByteArray());
 // A PDF with one signed field, with a certification of this level unless 0.
 QByteArray MakeSignedPdf(int certification = 0);
 // The same bytes with a cross-reference offset that leads nowhere.

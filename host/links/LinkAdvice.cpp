@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/links/LinkAdvice.h"
+
+#include "host/links/ViewerRules.h"
+#include "utils/DocumentLinks.h"
+#include "utils/LinkTarget.h"
+
+namespace {
+
+bool LeadsElsewhere(const QByteArray& uri, const QByteArray& base) {
+  const ViewerRules::Target inFirefox = ViewerRules::PdfJs(uri, base);
+  const ViewerRules::Target inChrome = ViewerRules::Pdfium(uri, base);
+  return !ViewerRules::Agree({inFirefox, inFirefox, inChrome, inChrome});
+}
+
+}  // namespace
+
+std::string LinkAdvice(HalvexPDFLibraryCPDylibCPP1311& library, const QString& base) {
+  const QByteArray from = base.toUtf8();
+  int relative = 0;
+  int elsewhere = 0;
+  int elsewhereWithSlash = 0;
+  VisitDocumentLinks(library, [&](const DocumentLink& link) {
+    if (!IsRelativeLink(link.uri)) return;
+    ++relative;
+    const QByteArray uri = link.uri.toUtf8();
+    if (!LeadsElsewhere(uri, from)) return;
+    ++elsewhere;
+    if (from.endsWith('/') || LeadsElsewhere(uri, from + '/')) ++elsewhereWithSlash;
+  });
+  if (elsewhere == 0) return {};
+  std::string advice = std::to_string(relative) + (relative == 1 ? " relative link, " : " relative links, ") +
+                       std::to_string(elsewhere) + (elsewhere == 1 ? " leads elsewhere" : " lead elsewhere") +
+                       " in Chrome than in Firefox";
+  if (elsewhereWithSlash < elsewhere) advice += "; end the base URL with '/'";
+  return advice;
+}
