@@ -332,11 +332,13 @@ std::string QpdfDocument::TrailerValue(const std::string& key) {
 }
 
 std::uint32_t QpdfDocument::FirstFreeNumber() {
-  const auto entries = qpdf_->getXRefTable();
-  const std::uint32_t afterLast =
-      entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
-  const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  return tail ? std::max(tail->size, afterLast) : afterLast;
+  if (firstFree_ == 0) {
+    // The parser returns a copy of its table.
+    const auto entries = qpdf_->getXRefTable();
+    firstFree_ = entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
+    if (const std::optional<FileTail> tail = QuickReader::ReadTail(*file_)) firstFree_ = std::max(firstFree_, tail->size);
+  }
+  return firstFree_;
 }
 
 std::optional<FileTail> QpdfDocument::Tail() {

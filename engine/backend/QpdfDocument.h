@@ -56,6 +56,7 @@ class QpdfDocument : public BackendDocument {
   std::shared_ptr<QPDF> qpdf_;
   bool repaired_ = false;
   bool outOfMemory_ = false;
+  std::uint32_t firstFree_ = 0;  // 0 until it is asked for
   std::unique_ptr<RawObjects> raw_;
 };
 
