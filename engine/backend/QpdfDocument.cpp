@@ -336,7 +336,8 @@ std::uint32_t QpdfDocument::FirstFreeNumber() {
     // The parser returns a copy of its table.
     const auto entries = qpdf_->getXRefTable();
     firstFree_ = entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
-    if (const std::optional<FileTail> tail = QuickReader::ReadTail(*file_)) firstFree_ = std::max(firstFree_, tail->size);
+    if (const std::optional<FileTail> tail = QuickReader::ReadTail(*file_))
+      firstFree_ = std::max(firstFree_, tail->size);
   }
   return firstFree_;
 }

@@ -47,6 +47,8 @@ class PdfFileText {
 
   // The object that starts at the offset exactly.
   Object ReadObject(std::uint64_t offset) const;
+  // The dictionary after the word "trailer", which starts at the offset.
+  std::string ReadTrailer(std::uint64_t offset) const;
   // Throws unless that object starts at the offset and is a dictionary or stream.
   void CheckObject(std::uint64_t offset, ObjectId id) const;
   // Throws unless "endstream" follows the stream's data.

@@ -156,14 +156,7 @@ FileTail ReadTailOf(const InputFile& input) {
     if (RawDictionary(object.dictionary).Text("/Type") != "/XRef") throw PdfSyntaxError();
     return MakeTail(file, startXref, object.dictionary, true);
   }
-  const std::string trailer = file.ParseAt(FindTrailer(file, startXref + 4), [](std::string_view text) {
-    PdfLexer lexer(text);
-    lexer.Expect("trailer");
-    lexer.SkipSpace();
-    const RawDictionary dictionary(text.substr(lexer.Position()));
-    return std::string(text.substr(lexer.Position(), dictionary.End()));
-  });
-  return MakeTail(file, startXref, trailer, false);
+  return MakeTail(file, startXref, file.ReadTrailer(FindTrailer(file, startXref + 4)), false);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 
 #include <limits>
 
-#include "engine/syntax/PdfSyntaxError.h"
-
 namespace engine {
 
 namespace {
@@ -163,6 +161,14 @@ bool PdfLexer::Accept(std::string_view word) {
   if (text_.size() - position_ <= word.size()) throw PdfSyntaxError(true);
   if (text_.compare(position_, word.size(), word) != 0 || !IsDelimiter(text_[position_ + word.size()])) return false;
   position_ += word.size();
+  return true;
+}
+
+// "<<" or ">>".
+bool PdfLexer::AcceptBrackets(std::string_view brackets) {
+  if (text_.size() - position_ < brackets.size()) throw PdfSyntaxError(true);
+  if (text_.compare(position_, brackets.size(), brackets) != 0) return false;
+  position_ += brackets.size();
   return true;
 }
 
