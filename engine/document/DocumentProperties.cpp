@@ -21,6 +21,8 @@ constexpr char kUri[] = "/URI";
 constexpr char kBase[] = "/Base";
 
 std::optional<ObjectId> ReferenceIn(std::string_view value) {
+  // Most values are none, and an exception costs time.
+  if (value.empty() || value.back() != 'R') return std::nullopt;
   try {
     return PdfLexer::ToReference(value);
   } catch (const PdfSyntaxError&) {
@@ -62,7 +64,7 @@ class EditedFile {
   }
   // The base URL's dictionary in a catalog; an empty one when there is none.
   DictionaryText Uri(const DictionaryText& catalog) const {
-    return Dictionary(catalog.Find(kUri).value_or("null")).value_or(DictionaryText());
+    return Dictionary(catalog.Find(kUri).value_or("")).value_or(DictionaryText());
   }
   std::string BaseUrl(const DictionaryText& catalog) const { return String(Uri(catalog), kBase); }
   std::string Information(const DictionaryText& information, const std::string& entry) const {

@@ -11,6 +11,7 @@
 namespace engine {
 
 std::optional<DictionaryText> DictionaryText::Parse(std::string text) {
+  if (text.compare(0, 2, "<<") != 0) return std::nullopt;
   try {
     return DictionaryText(std::move(text));
   } catch (const PdfSyntaxError&) {
