@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "engine/base/EngineError.h"
 #include "engine/document/LoadedFile.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
@@ -112,6 +113,10 @@ void EditEntry(LoadedFile& file, Edits& edits, const std::string& trailerKey, co
     }
   } else {
     SetOrRemove(dictionary, entry, newValue(edited, dictionary));
+  }
+  // A catalog that cannot be read is not replaced by one without pages.
+  if (!id && trailerKey == kRoot && dictionary.Find("/Pages") == std::nullopt) {
+    throw EngineError(kErrorDamaged, "the catalog cannot be read");
   }
   if (!id) {
     id = ObjectId{edits.NextNumber(file.FirstFreeNumber()), 0};

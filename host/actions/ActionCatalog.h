@@ -15,7 +15,7 @@ class ActionCatalog {
 
   // The action of that name, or null. Loads no more plug-ins than it takes to find it.
   CActionInterface* Find(const QString& actionName);
-  // As Find, but throws CommandError(kExitNotLoaded) with what went wrong on the way.
+  // As Find, but throws CommandError(kExitNotLoaded) that names the plug-ins which could not be loaded.
   CActionInterface& Get(const QString& actionName);
 
   struct Entry {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/base/Console.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,6 +15,15 @@ std::string_view View(const QByteArray& bytes) {
 }
 
 }  // namespace
+
+void Console::OpenMissingDescriptors() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) >= 0) continue;
+    // The lowest free number is the one that is missing.
+    [[maybe_unused]] const int opened =
+        open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);  // NOLINT: stays open for good
+  }
+}
 
 bool Console::WriteAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {

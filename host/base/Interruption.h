@@ -1,18 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Ctrl-C and the polite termination signal: the run stops after the files in hand, its report stays true.
+#include <chrono>
+
+// SIGINT (Ctrl-C) and SIGTERM. The first one lets a run stop after the files in hand with a true report, and ends every
+// wait for input. The second one ends the program at once.
 namespace Interruption {
 
 // Catches SIGINT and SIGTERM from now on and ignores SIGPIPE.
 void Install();
 // In a process that works alone: a second signal ends it, whatever it holds.
 void EndAtSecond();
-// In a worker process: the main process alone decides when to stop.
-void LeaveToParent();
+// In a worker process: the main process alone decides when to stop, and takes the worker along when it dies.
+void LeaveToParent(int parent);
 // The signal that came first, or 0.
 int Signal();
-// How many came; a second one means that the files in hand are not waited for.
+// How many came. After a second one nothing is waited for; should the program still wait somewhere, it is ended by
+// force two seconds later.
 int Count();
+// Throws CommandError with the signal's exit code when one came. For the time before any document is touched.
+void Check();
+
+// Waits until the descriptor is ready for poll()'s `events`, or broken. Once a signal came it waits no longer than
+// `grace`, after a second one not at all; false when the descriptor is not ready then.
+bool WaitFor(int descriptor, short events, std::chrono::milliseconds grace = {});
+// Waits for that long, or until a signal comes.
+void Sleep(std::chrono::milliseconds time);
 
 }  // namespace Interruption

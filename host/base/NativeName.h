@@ -12,7 +12,7 @@ namespace NativeName {
 
 QString ToText(std::string_view bytes);
 QByteArray ToBytes(const QString& text);
-// 32-bit units for the PDF library, undecodable bytes carried the same way.
+// 32-bit units for the PDF library, with undecodable bytes as above.
 std::wstring ToWide(std::string_view bytes);
 // One unit for each byte: how the wrapper wants the path of the library file.
 std::wstring ToUnitPerByte(std::string_view bytes);

@@ -4,13 +4,13 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 #include <QVariant>
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/NamedInput.h"
 #include "host/base/NativeName.h"
 #include "utils/CUtils.h"
 
@@ -141,14 +141,9 @@ void Command::AddPasswordOptions() {
 
 std::wstring Command::Password() const {
   if (!IsSet("password-file")) return NativeName::ToWide(View(BytesOf("password")));
-  QFile file(Value("password-file"));
-  if (!file.open(QIODevice::ReadOnly)) {
-    throw CommandError(
-        kExitUsage, QStringLiteral("Cannot read the password file '%1': %2").arg(file.fileName(), file.errorString()));
-  }
-  QByteArray line = file.readLine(1 << 20);
-  while (line.endsWith('\n') || line.endsWith('\r')) line.chop(1);
-  return NativeName::ToWide(View(line));
+  std::string line = NamedInput::ReadLine(BytesOf("password-file").toStdString(), "password file");
+  while (!line.empty() && line.back() == '\r') line.pop_back();
+  return NativeName::ToWide(line);
 }
 
 void Command::AddActionOptions() {

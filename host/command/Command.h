@@ -26,7 +26,7 @@ class Command {
   // Prepares the environment of that QApplication.
   virtual void PrepareWindowSystem() const;
   bool OnlyHelps() const { return IsSet("help"); }
-  // Does the work, or prints the help when it was asked for; answers the exit code. Throws CommandError.
+  // Does the work, or prints the help when it was asked for; returns the exit code. Throws CommandError.
   int Run();
 
  protected:
@@ -40,11 +40,12 @@ class Command {
   bool IsSet(const char* name) const { return parser_.isSet(QLatin1String(name)); }
   QString Value(const char* name) const { return parser_.value(QLatin1String(name)); }
   QByteArray BytesOf(const char* name) const;
-  // The option's whole number, `fallback` when it is not set. Throws CommandError when it is none or out of the range.
+  // The option's whole number, `fallback` when it is not set. Throws CommandError when it is not a number or out of
+  // range.
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;
-  // Throws CommandError when there is an argument that is no option.
+  // Throws CommandError when there is an argument that is not an option.
   void RefuseArguments() const;
   // Marks an option that may be given more than once.
   void AllowRepeated(const char* name) { repeatable_ += QLatin1String(name); }

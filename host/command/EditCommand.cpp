@@ -13,18 +13,14 @@
 #include "host/actions/ActionList.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
-#include "host/base/LibraryReasons.h"
 #include "host/base/NativeName.h"
+#include "host/base/PdfLibrary.h"
 #include "host/files/HostFolders.h"
-#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "plugin/DialogLoadStruct.h"
-#include "utils/CUtils.h"
 
 namespace {
 
-using Library = HalvexPDFLibraryCPDylibCPP1311;
-
-// The window that dialogs find out their place from, by its object name; none when standing alone.
+// The window by whose object name dialogs know where they are shown; none for a dialog of its own.
 std::unique_ptr<QWidget> MakeParent(const QString& context) {
   if (context == QLatin1String("standalone")) return nullptr;
   auto parent = std::make_unique<QWidget>();
@@ -34,17 +30,14 @@ std::unique_ptr<QWidget> MakeParent(const QString& context) {
   return parent;
 }
 
-std::unique_ptr<Library> OpenDocument(const std::wstring& libraryFile, const std::string& file,
-                                      const std::wstring& password) {
-  auto library = std::make_unique<Library>(libraryFile);
-  if (!library->LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded,
-                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
-  }
-  if (library->LoadFromFile(NativeName::ToWide(file), password) == 0) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("Cannot open '%1': %2")
-                                           .arg(NativeName::ToText(file),
-                                                QLatin1String(LoadingReason(library->LastErrorCode(), file))));
+std::unique_ptr<PdfLibrary::Wrapper> OpenDocument(const std::wstring& libraryFile, const std::string& file,
+                                                  const std::wstring& password) {
+  std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(libraryFile);
+  const std::string problem = PdfLibrary::LoadDocument(*library, file, password);
+  if (!problem.empty()) {
+    throw CommandError(
+        kExitNotLoaded,
+        QStringLiteral("Cannot open '%1': %2").arg(NativeName::ToText(file), QString::fromStdString(problem)));
   }
   return library;
 }
@@ -104,20 +97,20 @@ int EditCommand::Execute() {
   QString actionName = Value("action");
   QMap<QString, QVariant> settings = Settings();
   if (IsSet("list")) {
-    listFile = ActionList::Locate(Value("list"), CUtils::GetSequenceFolder());
-    const ActionList list = ActionList::Read(listFile);
-    if (index_ >= static_cast<int>(list.Steps().size())) {
+    listFile = ActionList::Locate(Value("list"));
+    const ActionListFile list = ActionList::Read(listFile);
+    if (index_ >= static_cast<int>(list.entries.size())) {
       throw CommandError(kExitNotLoaded,
                          QStringLiteral("The action list '%1' has no action %2.").arg(listFile).arg(index_));
     }
-    const ActionList::Step& step = list.Steps()[static_cast<std::size_t>(index_)];
-    actionName = step.actionName;
-    settings = step.settings;
+    const ActionListFile::Entry& entry = list.entries[static_cast<std::size_t>(index_)];
+    actionName = entry.actionName;
+    settings = entry.settings;
   }
 
   ActionCatalog catalog(ToolsFolders());
   CActionInterface& action = catalog.Get(actionName);
-  std::unique_ptr<Library> document;
+  std::unique_ptr<PdfLibrary::Wrapper> document;
   if (IsSet("document")) document = OpenDocument(LibraryFile(), BytesOf("document").toStdString(), Password());
   const std::unique_ptr<QWidget> parent = MakeParent(IsSet("context") ? Value("context") : QStringLiteral("main"));
   if (parent) parent->show();

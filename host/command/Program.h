@@ -20,7 +20,7 @@ class Program {
     return command_ != nullptr && !command_->OnlyHelps() && command_->NeedsWindowSystem();
   }
   void PrepareWindowSystem() const { command_->PrepareWindowSystem(); }
-  // Needs an application object. Answers the exit code. Throws CommandError.
+  // Needs an application object. Returns the exit code. Throws CommandError.
   int Run();
 
  private:

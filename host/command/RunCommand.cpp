@@ -12,23 +12,24 @@
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
 #include "host/base/CommandError.h"
+#include "host/base/Console.h"
 #include "host/base/Interruption.h"
 #include "host/base/NativeName.h"
 #include "host/files/FileLookup.h"
 #include "host/files/InputList.h"
-#include "host/run/MemoryLimit.h"
+#include "host/files/ProtectedFiles.h"
+#include "host/run/DocumentRun.h"
+#include "host/run/ReportFile.h"
 #include "host/run/ResumedReport.h"
 #include "host/run/RunPlan.h"
 #include "host/run/RunReporter.h"
-#include "host/run/Worker.h"
 #include "host/run/WorkerPool.h"
-#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "plugin/WorkProcInfoStruct.h"
-#include "utils/CUtils.h"
 
 namespace {
 
 constexpr int kMostJobs = 1024;
+constexpr int kUsualSeconds = 900;
 constexpr int kMostSeconds = 1000000;
 constexpr int kUsualMebibytes = 4096;
 constexpr int kMostMebibytes = 1 << 20;
@@ -43,19 +44,20 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
 }
 
 // Once before and once after all documents, for each action.
-void CallSequenceProc(const std::vector<RunStep>& steps, int (CActionInterface::*proc)(WorkProcInfoStruct*),
+void CallSequenceProc(const std::vector<ConfiguredAction>& actions, int (CActionInterface::*proc)(WorkProcInfoStruct*),
                       const char* when) {
-  for (const RunStep& step : steps) {
-    QMap<QString, QVariant> settings = step.settings;
+  for (const ConfiguredAction& action : actions) {
+    QMap<QString, QVariant> settings = action.settings;
     WorkProcInfoStruct info{nullptr, nullptr, nullptr, nullptr, &settings};
     try {
-      (step.action->*proc)(&info);
+      (action.action->*proc)(&info);
     } catch (const std::exception& exception) {
-      throw CommandError(kExitNotLoaded, QStringLiteral("Action '%1' failed %2 the documents: %3")
-                                             .arg(step.name, QLatin1String(when), QString::fromUtf8(exception.what())));
+      throw CommandError(kExitNotLoaded,
+                         QStringLiteral("Action '%1' failed %2 the documents: %3")
+                             .arg(action.name, QLatin1String(when), QString::fromUtf8(exception.what())));
     } catch (...) {
       throw CommandError(kExitNotLoaded,
-                         QStringLiteral("Action '%1' failed %2 the documents.").arg(step.name, QLatin1String(when)));
+                         QStringLiteral("Action '%1' failed %2 the documents.").arg(action.name, QLatin1String(when)));
     }
   }
 }
@@ -82,7 +84,7 @@ RunCommand::RunCommand()
   AddOption(QStringLiteral("files-from"),
             QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
             QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder stands for the PDF files below it."));
+  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
   AddPasswordOptions();
   AddOption(
       QStringLiteral("report"),
@@ -95,10 +97,13 @@ RunCommand::RunCommand()
             QStringLiteral("Worker processes (default: the cores); 0 runs everything in one process, for actions that "
                            "gather across documents."),
             QStringLiteral("N"));
-  AddOption(QStringLiteral("timeout"), QStringLiteral("Gives up a file after so many seconds (not with --jobs 0)."),
+  AddOption(QStringLiteral("timeout"),
+            QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "
+                           "which the run is stopped or the machine sleeps does not count."),
             QStringLiteral("SECONDS"));
   AddOption(QStringLiteral("memory"),
-            QStringLiteral("Gives up a file that takes more memory, for each process (default: 4096; 0: no limit)."),
+            QStringLiteral("A file fails that takes more memory; each process may take as much (default: 4096; 0: no "
+                           "limit)."),
             QStringLiteral("MIB"));
   AddOption(QStringLiteral("allow-breaking-signatures"),
             QStringLiteral("Also saves signed documents that can only be rewritten."));
@@ -124,15 +129,13 @@ void RunCommand::Check() {
     }
   }
   if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
-  // It could take the place of a result.
-  if (IsSet("output-dir") && Value("report").endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
-    refuse("A report's name cannot end in .pdf.");
-  }
   Settings();
   jobs_ = Number("jobs", Cores(), 0, kMostJobs);
-  timeout_ = Number("timeout", 0, 1, kMostSeconds);
+  timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
   memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
-  if (timeout_ > 0 && jobs_ == 0) refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
+  if (IsSet("timeout") && timeout_ > 0 && jobs_ == 0) {
+    refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
+  }
 }
 
 // A connection to a display does not survive in forked workers.
@@ -144,17 +147,23 @@ void RunCommand::PrepareWindowSystem() const {
   }
 }
 
-std::vector<RunStep> RunCommand::LoadSteps(ActionCatalog& catalog) const {
-  std::vector<RunStep> steps;
+std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) const {
+  std::vector<ConfiguredAction> actions;
   if (IsSet("action")) {
-    steps.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
-    return steps;
+    actions.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
+    return actions;
   }
-  const ActionList list = ActionList::Read(ActionList::Locate(Value("list"), CUtils::GetSequenceFolder()));
-  for (const ActionList::Step& step : list.Steps()) {
-    steps.push_back({&catalog.Get(step.actionName), step.actionName, step.settings});
+  QStringList warnings;
+  const ActionListFile list = ActionList::Read(ListFile(), &warnings);
+  for (const QString& warning : warnings) Console::Error(warning);
+  for (const ActionListFile::Entry& entry : list.entries) {
+    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
   }
-  return steps;
+  return actions;
+}
+
+QString RunCommand::ListFile() const {
+  return ActionList::Locate(Value("list"));
 }
 
 void RunCommand::CollectInputs(InputList& inputs) const {
@@ -162,86 +171,80 @@ void RunCommand::CollectInputs(InputList& inputs) const {
   if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
 }
 
-void RunCommand::RefuseReportOverInput(const InputList& inputs) const {
+// What the run reads beside the documents.
+ProtectedFiles RunCommand::OtherInputs() const {
+  ProtectedFiles files;
+  if (IsSet("files-from")) {
+    const std::string name = BytesOf("files-from").toStdString();
+    name == "-" ? files.Add(STDIN_FILENO, "the list of files") : files.Add(name, "the list of files");
+  }
+  if (IsSet("password-file")) files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("list")) files.Add(NativeName::ToBytes(ListFile()).toStdString(), "the action list");
+  return files;
+}
+
+void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& others) const {
   const std::string report = BytesOf("report").toStdString();
   if (report.empty() || report == "-") return;
   const std::optional<FileIdentity> identity = IdentityOf(report);
-  if (identity && inputs.Holds(*identity)) {
-    throw CommandError(kExitUsage, QStringLiteral("The report '%1' would overwrite an input.").arg(Value("report")));
-  }
+  const std::string what = identity && inputs.Holds(*identity) ? "an input" : others.What(report);
+  if (what.empty()) return;
+  throw CommandError(
+      kExitUsage,
+      QStringLiteral("The report '%1' would overwrite %2.").arg(Value("report"), QString::fromStdString(what)));
 }
 
 int RunCommand::Execute() {
   Interruption::Install();
-  ProcessingOptions options;
-  options.password = Password();
-  options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
+  RunSettings settings;
+  settings.processing = {Password(), IsSet("allow-breaking-signatures")};
+  settings.memoryLimit = memoryLimit_;
+  settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  const std::vector<RunStep> steps = LoadSteps(catalog);
+  settings.actions = LoadActions(catalog);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
   InputList inputs(IsSet("recursive"), existingOutput ? &*existingOutput : nullptr);
   CollectInputs(inputs);
-  RefuseReportOverInput(inputs);
+  ProtectedFiles protectedFiles = OtherInputs();
+  CheckReport(inputs, protectedFiles);
+  return RunOver(inputs, outputFolder, protectedFiles, settings);
+}
 
+int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+                        const RunSettings& settings) const {
   // Read before the new report may take the earlier one's place, and once more to carry its records over.
-  const std::string report = BytesOf("report").toStdString();
+  const std::string reportName = BytesOf("report").toStdString();
   std::string earlier = BytesOf("resume").toStdString();
-  // The first run of a job that is told to resume itself has nothing to resume.
-  if (earlier == report && !IdentityOf(report)) earlier.clear();
+  // A job that resumes its own report has none yet in its first run.
+  if (earlier == reportName && !IdentityOf(reportName)) earlier.clear();
   const ResumedReport resumed = earlier.empty() ? ResumedReport() : ResumedReport(earlier, [](const QByteArray&) {});
-  const bool append = !earlier.empty() && RunReporter::IsStreamed(report) && IdentityOf(report) == IdentityOf(earlier);
+  const bool append =
+      !earlier.empty() && ReportFile::IsLines(reportName) && IdentityOf(reportName) == IdentityOf(earlier);
   if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
-  RunReporter reporter(report, append, IsSet("quiet"));
-  reporter.SetTotal(inputs.Count());
+  ReportFile report(reportName, append);
+  report.Protect(protectedFiles);
+  const RunPlan plan(inputs, outputFolder, resumed, protectedFiles);
   if (!earlier.empty() && !append) {
     ResumedReport(earlier, [&](const QByteArray& json) {
-      reporter.Carry({json.constData(), static_cast<std::size_t>(json.size())});
+      report.Add({json.constData(), static_cast<std::size_t>(json.size())});
     });
   }
 
-  CallSequenceProc(steps, &CActionInterface::PreSequenceProc, "before");
-  RunPlan plan(inputs, outputFolder, resumed);
-  // A worker would only cost time where no other file needs to be kept from a crash.
-  const bool alone = jobs_ == 0 || (inputs.Count() == 1 && !IsSet("jobs") && timeout_ == 0);
-  if (alone) {
-    RunHere(plan, steps, options, reporter);
-  } else if (inputs.Count() > 0) {
-    RunInWorkers(plan, steps, options, reporter);
+  RunReporter reporter(report, inputs.Count(), IsSet("quiet"));
+  reporter.CountDoneBefore(plan.DoneBefore());
+  CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
+  for (const FileRecord& record : plan.Settled()) reporter.Take(record);
+  DocumentRun run(settings, plan, reporter);
+  if (jobs_ == 0) {
+    run.RunHere();
+  } else {
+    WorkerPool(run, plan.Count(), static_cast<std::size_t>(jobs_), std::chrono::seconds(timeout_)).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
-  CallSequenceProc(steps, &CActionInterface::PostSequenceProc, "after");
+  CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;
   return reported && reporter.Failed() == 0 ? kExitDone : kExitSomeFailed;
-}
-
-void RunCommand::RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
-                         RunReporter& reporter) const {
-  HalvexPDFLibraryCPDylibCPP1311 library(LibraryFile());
-  if (!library.LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded,
-                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
-  }
-  MemoryLimit::Set(memoryLimit_);
-  DocumentProcessor processor(library, steps, options);
-  Interruption::EndAtSecond();
-  while (Interruption::Signal() == 0) {
-    const std::optional<RunPlan::Step> step = plan.Next();
-    if (!step) return;
-    if (step->doneBefore) {
-      reporter.CountDoneBefore();
-    } else {
-      reporter.Take(step->settled ? *step->settled : processor.Process(step->job.file, step->job.output));
-    }
-    reporter.Flush();
-  }
-}
-
-void RunCommand::RunInWorkers(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
-                              RunReporter& reporter) const {
-  const WorkerSettings settings{LibraryFile(), steps, options, memoryLimit_, reporter.WantsRecords()};
-  WorkerPool pool(settings, std::chrono::seconds(timeout_), reporter);
-  pool.Run(plan, std::min(static_cast<std::size_t>(jobs_), plan.Remaining()));
 }

@@ -3,16 +3,15 @@
 
 #include "host/command/Command.h"
 
-#include <QStringList>
 #include <string>
 #include <vector>
 
-#include "host/run/DocumentProcessor.h"
+#include "host/actions/ConfiguredAction.h"
 
 class ActionCatalog;
 class InputList;
-class RunPlan;
-class RunReporter;
+class ProtectedFiles;
+struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
 class RunCommand : public Command {
@@ -27,13 +26,13 @@ class RunCommand : public Command {
   int Execute() override;
 
  private:
-  std::vector<RunStep> LoadSteps(ActionCatalog& catalog) const;
+  std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog) const;
+  QString ListFile() const;
   void CollectInputs(InputList& inputs) const;
-  void RefuseReportOverInput(const InputList& inputs) const;
-  void RunHere(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
-               RunReporter& reporter) const;
-  void RunInWorkers(RunPlan& plan, const std::vector<RunStep>& steps, const ProcessingOptions& options,
-                    RunReporter& reporter) const;
+  ProtectedFiles OtherInputs() const;
+  void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
+  int RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+              const RunSettings& settings) const;
 
   int jobs_ = 0;
   int timeout_ = 0;

@@ -3,9 +3,8 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
-#include "host/base/LibraryReasons.h"
 #include "host/base/NativeName.h"
-#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "host/base/PdfLibrary.h"
 
 ShowCommand::ShowCommand()
     : Command(QStringLiteral("show"), QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
@@ -21,22 +20,19 @@ void ShowCommand::Check() {
 
 int ShowCommand::Execute() {
   const std::wstring password = Password();
-  HalvexPDFLibraryCPDylibCPP1311 library(LibraryFile());
-  if (!library.LibraryLoaded()) {
-    throw CommandError(kExitNotLoaded,
-                       QStringLiteral("The PDF library cannot be loaded: it is missing or incomplete."));
-  }
+  const std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(LibraryFile());
   int code = kExitDone;
   for (const QString& argument : parser_.positionalArguments()) {
     const std::string file = NativeName::ToBytes(argument).toStdString();
-    if (library.LoadFromFile(NativeName::ToWide(file), password) == 0) {
-      Console::ErrorAbout(file, LoadingReason(library.LastErrorCode(), file));
+    const std::string problem = PdfLibrary::LoadDocument(*library, file, password);
+    if (!problem.empty()) {
+      Console::ErrorAbout(file, problem);
       code = kExitSomeFailed;
       continue;
     }
-    const std::string url = QString::fromStdWString(library.GetBaseURL()).toUtf8().toStdString();
+    const std::string url = PdfLibrary::ToUtf8(library->GetBaseURL());
     if (!Console::Print(Console::OneLine(file) + '\t' + Console::OneLine(url) + '\n')) return kExitSomeFailed;
-    library.RemoveDocument(library.SelectedDocument());
+    library->RemoveDocument(library->SelectedDocument());
   }
   return code;
 }

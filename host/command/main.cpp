@@ -14,8 +14,8 @@ namespace {
 
 QtMessageHandler usualHandler = nullptr;
 
-// Qt aborts when the display cannot be reached; the user's mistake gets the usual exit code instead. Why stands in the
-// warnings before.
+// Qt aborts when the display cannot be reached; the user's mistake gets the usual exit code instead. The
+// warnings before it say why.
 void RefuseDisplay(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   if (type != QtFatalMsg) {
     usualHandler(type, context, text);
@@ -35,6 +35,7 @@ std::unique_ptr<QCoreApplication> ConnectToDisplay(int& argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  Console::OpenMissingDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   // A file that grows beyond the limit is a full disk, not a reason to die.
   std::signal(SIGXFSZ, SIG_IGN);

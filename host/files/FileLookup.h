@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "host/base/Descriptor.h"
+
 // A file or folder as the system identifies it, whatever its names.
 struct FileIdentity {
   dev_t device;
@@ -22,25 +24,21 @@ struct std::hash<FileIdentity> {
 
 // What the system says of a name.
 struct FileStatus {
+  explicit FileStatus(const struct stat& status)
+      : identity{status.st_dev, status.st_ino}, mode(status.st_mode), links(status.st_nlink) {}
+
   FileIdentity identity;
   mode_t mode;
   nlink_t links;
 };
 
-// stat() for many names of which neighbours mostly lie in one folder: the way to that folder is walked once.
+// stat() for many names. Neighbours mostly lie in one folder, whose own path is looked up once.
 class FileLookup {
  public:
-  FileLookup() = default;
-  ~FileLookup();
-  FileLookup(const FileLookup&) = delete;
-  FileLookup& operator=(const FileLookup&) = delete;
-
-  // Nothing when there is no such file or it cannot be reached. Symbolic links are followed unless told otherwise.
-  std::optional<FileStatus> Get(const std::string& name, bool followLinks = true);
+  // Returns nothing when the file does not exist or cannot be reached. Symbolic links are followed.
+  std::optional<FileStatus> Get(const std::string& name);
 
  private:
-  void Leave();
-
   std::string folder_;  // with its slash
-  int descriptor_ = -1;
+  Descriptor descriptor_;
 };

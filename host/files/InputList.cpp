@@ -1,24 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/files/InputList.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <strings.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <climits>
 #include <cstdlib>
-#include <cstring>
-#include <optional>
+#include <system_error>
 
-#include "host/base/CommandError.h"
-#include "host/base/NativeName.h"
+#include "host/base/Interruption.h"
+#include "host/base/NamedInput.h"
+#include "host/files/FolderWalk.h"
 
 namespace {
 
-bool EndsInPdf(std::string_view name) {
-  return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0;
+std::string ErrorText(int error) {
+  return std::generic_category().message(error);
 }
 
 std::string RealPath(std::string_view name) {
@@ -26,44 +21,6 @@ std::string RealPath(std::string_view name) {
   std::string path = found != nullptr ? found : "";
   std::free(found);
   return path;
-}
-
-std::optional<std::vector<std::string>> NamesIn(const std::string& folder) {
-  DIR* const dir = opendir(folder.c_str());
-  if (dir == nullptr) return std::nullopt;
-  std::vector<std::string> names;
-  while (const dirent* const entry = readdir(dir)) {
-    if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
-      names.emplace_back(entry->d_name);
-  }
-  closedir(dir);
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-std::string ReadAll(const std::string& listFile) {
-  const auto fail = [&] {
-    return CommandError(kExitUsage,
-                        QStringLiteral("Cannot read the list of files '%1': %2")
-                            .arg(NativeName::ToText(listFile), QString::fromLocal8Bit(std::strerror(errno))));
-  };
-  const int descriptor = listFile == "-" ? STDIN_FILENO : open(listFile.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) throw fail();
-  std::string content;
-  char block[1 << 16];
-  for (;;) {
-    const ssize_t count = read(descriptor, block, sizeof block);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
-      const CommandError error = fail();
-      if (descriptor != STDIN_FILENO) close(descriptor);
-      throw error;
-    }
-    if (count == 0) break;
-    content.append(block, static_cast<std::size_t>(count));
-  }
-  if (descriptor != STDIN_FILENO) close(descriptor);
-  return content;
 }
 
 }  // namespace
@@ -78,19 +35,23 @@ std::string InputList::Relative(std::size_t index) const {
   return std::string(NameOf(index).substr(entries_[index].relative));
 }
 
+std::string InputList::Problem(std::size_t index) const {
+  const auto found = problems_.find(index);
+  return found != problems_.end() ? found->second : std::string();
+}
+
 void InputList::Add(const std::string& name) {
+  Interruption::Check();
   const std::optional<FileStatus> status = lookup_.Get(name);
-  if (recursive_ && status && S_ISDIR(status->mode)) {
-    const std::string folder = name.back() == '/' ? name : name + '/';
-    AddFolder(folder, folder.size());
-    return;
-  }
+  const bool isFolder = status && S_ISDIR(status->mode);
+  if (recursive_ && isFolder) return AddFolder(name.back() == '/' ? name : name + '/');
   const std::size_t slash = name.rfind('/');
-  AddFile(name, slash == std::string::npos ? 0 : slash + 1, status);
+  AddFile(name, slash == std::string::npos ? 0 : slash + 1, status,
+          isFolder ? "is a folder (use --recursive for the files below it)" : "");
 }
 
 void InputList::AddFrom(const std::string& listFile) {
-  const std::string content = ReadAll(listFile);
+  const std::string content = NamedInput::ReadAll(listFile, "list of files");
   const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
   for (std::size_t begin = 0; begin < content.size();) {
     const std::size_t end = std::min(content.find(separator, begin), content.size());
@@ -100,28 +61,23 @@ void InputList::AddFrom(const std::string& listFile) {
 }
 
 // `folder` ends in a slash.
-void InputList::AddFolder(const std::string& folder, std::size_t relative) {
-  const std::optional<std::vector<std::string>> names = NamesIn(folder);
-  if (!names) return AddFile(folder, relative, lookup_.Get(folder));
-  for (const std::string& name : *names) {
-    const std::string path = folder + name;
-    std::optional<FileStatus> status = lookup_.Get(path, false);
-    if (!status) continue;
-    if (S_ISDIR(status->mode)) {
-      const bool leftOut = leaveOut_ != nullptr && *leaveOut_ == status->identity;
-      if (!leftOut) AddFolder(path + '/', relative);
-    } else if (EndsInPdf(name)) {
-      if (S_ISLNK(status->mode)) status = lookup_.Get(path);
-      if (status && !S_ISREG(status->mode)) continue;
-      AddFile(path, relative, status);
-    }
-  }
+void InputList::AddFolder(const std::string& folder) {
+  WalkFolder(folder, leaveOut_, [&](const FolderEntry& entry) {
+    const char* const what = entry.path.back() == '/' ? "cannot read the folder: " : "cannot be looked up: ";
+    AddFile(entry.path, folder.size(), entry.status, entry.error != 0 ? what + ErrorText(entry.error) : "");
+  });
 }
 
-void InputList::AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status) {
-  Entry entry{names_.size(), static_cast<std::uint32_t>(relative), -1, Kind::kFile};
-  if (status) {
-    if (S_ISDIR(status->mode)) entry.kind = Kind::kFolder;
+void InputList::AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status,
+                        const std::string& problem) {
+  Entry entry{names_.size(), static_cast<std::uint32_t>(relative), -1};
+  const std::size_t index = entries_.size();
+  if (!problem.empty()) {
+    problems_.emplace(index, problem);
+  } else if (name.size() >= PATH_MAX) {
+    problems_.emplace(index,
+                      "its path is too long for the system, which takes " + std::to_string(PATH_MAX - 1) + " bytes");
+  } else if (status) {
     entry.sameAs = FindSame(name, *status);
   }
   names_ += name;

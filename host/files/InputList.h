@@ -15,11 +15,11 @@
 // little more in memory than their names.
 class InputList {
  public:
-  // With `recursive`, folders stand for the "*.pdf" files below them (the suffix in any case), in the byte order of
-  // their names; links to folders are not followed. `leaveOut`, if not null, is a folder that is not entered: the
-  // output's own.
+  // With `recursive`, a folder means the files that WalkFolder finds below it. `leaveOut`, if not null, is a folder
+  // that is not entered: the output's own.
   InputList(bool recursive, const FileIdentity* leaveOut) : recursive_(recursive), leaveOut_(leaveOut) {}
 
+  // Throws as Interruption::Check does, as the next one.
   void Add(const std::string& name);
   // The names of a file, "-" for the standard input: separated by NUL if one occurs, else by newlines; empty names are
   // left out. Throws CommandError(kExitUsage) when it cannot be read.
@@ -29,24 +29,22 @@ class InputList {
   std::string File(std::size_t index) const { return std::string(NameOf(index)); }
   // The part of the name that an output folder repeats: below a given folder the path from there, else the base name.
   std::string Relative(std::size_t index) const;
-  // A folder where none is expected, or, with `recursive`, one that cannot be read.
-  bool IsFolder(std::size_t index) const { return entries_[index].kind == Kind::kFolder; }
-  bool IsRecursive() const { return recursive_; }
+  // Why this entry cannot be processed, or an empty text. Whether a file can be opened shows later.
+  std::string Problem(std::size_t index) const;
   // The earlier entry that names the very same file, or -1. Hard links with different names are different files.
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }
 
  private:
-  enum class Kind : std::uint8_t { kFile, kFolder };
   struct Entry {
     std::uint64_t offset;
     std::uint32_t relative;  // where the relative part starts
     std::int32_t sameAs;
-    Kind kind;
   };
 
-  void AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status);
-  void AddFolder(const std::string& folder, std::size_t relative);
+  void AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status,
+               const std::string& problem);
+  void AddFolder(const std::string& folder);
   std::int32_t FindSame(std::string_view name, const FileStatus& status);
   std::string_view NameOf(std::size_t index) const;
 
@@ -56,4 +54,5 @@ class InputList {
   std::string names_;
   std::vector<Entry> entries_;
   std::unordered_map<FileIdentity, std::int32_t> identities_;
+  std::unordered_map<std::size_t, std::string> problems_;
 };

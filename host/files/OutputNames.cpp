@@ -9,24 +9,31 @@ std::uint64_t Hash(const std::string& name) {
   return std::hash<std::string>()(name);
 }
 
+std::string WithNumber(const std::string& relative, std::uint32_t number) {
+  const std::size_t base = relative.rfind('/') + 1;  // npos + 1 is 0
+  std::size_t dot = relative.rfind('.');
+  if (dot == std::string::npos || dot <= base) dot = relative.size();
+  return relative.substr(0, dot) + " (" + std::to_string(number) + ")" + relative.substr(dot);
+}
+
 }  // namespace
 
 OutputNames::OutputNames(const std::string& folder) : folder_(folder) {
   if (folder_.back() != '/') folder_ += '/';
 }
 
-bool OutputNames::Take(const std::string& name) {
+bool OutputNames::TakeExactly(const std::string& name) {
   return taken_.try_emplace(Hash(name), 1).second;
 }
 
-std::string OutputNames::For(const std::string& relative) {
-  if (Take(relative)) return folder_ + relative;
-  const std::size_t base = relative.rfind('/') + 1;  // npos + 1 is 0
-  std::size_t dot = relative.rfind('.');
-  if (dot == std::string::npos || dot <= base) dot = relative.size();
+std::uint32_t OutputNames::Take(const std::string& relative) {
+  if (TakeExactly(relative)) return 0;
   for (;;) {
     const std::uint32_t number = taken_[Hash(relative)]++;
-    const std::string name = relative.substr(0, dot) + " (" + std::to_string(number) + ")" + relative.substr(dot);
-    if (Take(name)) return folder_ + name;
+    if (TakeExactly(WithNumber(relative, number))) return number;
   }
+}
+
+std::string OutputNames::Name(const std::string& relative, std::uint32_t copyNumber) const {
+  return folder_ + (copyNumber == 0 ? relative : WithNumber(relative, copyNumber));
 }

@@ -3,76 +3,84 @@
 
 #include <chrono>
 #include <exception>
+#include <thread>
+#include <utility>
 
-#include "host/base/LibraryReasons.h"
 #include "host/base/NativeName.h"
-#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
 
-std::string Narrow(const std::wstring& text) {
-  const QByteArray utf8 = QString::fromStdWString(text).toUtf8();
-  return utf8.toStdString();
-}
+constexpr int kMostAttempts = 10;
+constexpr std::chrono::milliseconds kPause(2);  // grows with each attempt
 
 }  // namespace
 
 struct DocumentProcessor::Failure {
   std::string reason;
+  int error = kErrorNone;
 };
 
-FileRecord DocumentProcessor::Process(const std::string& file, const std::string& output) {
+FileRecord DocumentProcessor::Process(const PlannedFile& file) {
   const auto start = std::chrono::steady_clock::now();
   FileRecord record;
-  record.file = file;
-  record.output = output;
   const auto failed = [&](const std::string& reason) {
     record.status = FileRecord::Status::kFailed;
     record.reason = reason;
-    record.way.clear();
+    record.saveMode.clear();
     record.warnings.clear();
     record.baseUrlAfter = record.baseUrlBefore;
   };
-  try {
-    Load(record);
-    RunActions();
-    record.baseUrlAfter = library_.GetBaseURL();
-    CheckSaving(record);
-    Save(record);
-  } catch (const Failure& failure) {
-    failed(failure.reason);
-  } catch (const std::exception& exception) {
-    failed(exception.what());
+  for (int attempt = 1;; ++attempt) {
+    record = FileRecord();
+    record.file = file.file;
+    record.output = file.output;
+    bool again = false;
+    try {
+      ProcessOnce(record);
+    } catch (const Failure& failure) {
+      failed(failure.reason);
+      again = failure.error == kErrorSourceChanged && attempt < kMostAttempts;
+    } catch (const std::exception& exception) {
+      failed(exception.what());
+    }
+    if (document_ != 0) library_.RemoveDocument(std::exchange(document_, 0));
+    if (!again) break;
+    std::this_thread::sleep_for(kPause * attempt);
   }
-  if (document_ != 0) library_.RemoveDocument(document_);
-  document_ = 0;
   record.microseconds =
       std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count();
   return record;
 }
 
+void DocumentProcessor::ProcessOnce(FileRecord& record) {
+  Load(record);
+  RunActions();
+  record.baseUrlAfter = library_.GetBaseURL();
+  CheckSaving(record);
+  Save(record);
+}
+
 void DocumentProcessor::Load(FileRecord& record) {
-  if (library_.LoadFromFile(NativeName::ToWide(record.file), options_.password) == 0) {
-    throw Failure{LoadingReason(library_.LastErrorCode(), record.file)};
-  }
+  const std::string problem = PdfLibrary::LoadDocument(library_, record.file, options_.password);
+  if (!problem.empty()) throw Failure{problem, library_.LastErrorCode()};
   document_ = library_.SelectedDocument();
   record.baseUrlBefore = library_.GetBaseURL();
 }
 
 void DocumentProcessor::RunActions() {
-  for (const RunStep& step : steps_) {
+  for (const ConfiguredAction& action : actions_) {
     // An action may change the map; the next document starts from the settings of the run again.
-    QMap<QString, QVariant> settings = step.settings;
+    QMap<QString, QVariant> settings = action.settings;
     WorkProcInfoStruct info{&library_, nullptr, nullptr, nullptr, &settings};
-    const auto failed = [&](const char* reason) {
-      return Failure{"action '" + NativeName::ToBytes(step.name).toStdString() + "': " + reason};
+    const auto failed = [&](const char* reason, int error = kErrorNone) {
+      return Failure{"action '" + NativeName::ToBytes(action.name).toStdString() + "': " + reason, error};
     };
     const int errorBefore = library_.LastErrorCode();
     try {
-      step.action->WorkProc(&info);
+      action.action->WorkProc(&info);
     } catch (const std::exception& exception) {
       throw failed(exception.what());
     } catch (...) {
@@ -81,22 +89,22 @@ void DocumentProcessor::RunActions() {
     // WorkProc's result says nothing, so a library call that failed as the action's last one is the only trace of a
     // document that is not what the user asked for.
     const int error = library_.LastErrorCode();
-    if (error != kErrorNone && error != errorBefore) throw failed(LibraryReason(error));
+    if (error != kErrorNone && error != errorBefore) throw failed(PdfLibrary::ErrorMessage(error), error);
     if (library_.SelectedDocument() != document_) library_.SelectDocument(document_);
   }
 }
 
 // How the document would be saved now, and whether policy lets it.
 void DocumentProcessor::CheckSaving(FileRecord& record) {
-  record.way = Narrow(library_.GetInformation(kInformationWayOfSaving));
-  if (record.way.empty()) record.way = "unknown";
-  if (record.way == "unchanged" || record.way == "unknown") return;
+  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWayOfSaving));
+  if (record.saveMode.empty()) record.saveMode = "unknown";
+  if (record.saveMode == "unchanged" || record.saveMode == "unknown") return;
 
   const std::wstring certification = library_.GetInformation(kInformationCertification);
   if (certification == L"1") record.warnings.push_back("the document's certification forbids changes");
-  if (record.way != "rewrite") return;
+  if (record.saveMode != "rewrite") return;
 
-  const std::string why = Narrow(library_.GetInformation(kInformationWhyRewrite));
+  const std::string why = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWhyRewrite));
   const std::wstring signatures = library_.GetInformation(kInformationSignatures);
   const bool isSigned = !signatures.empty() && signatures != L"0";
   const std::string rewritten = why.empty() ? "" : " (" + why + ")";
@@ -108,21 +116,22 @@ void DocumentProcessor::CheckSaving(FileRecord& record) {
 
 void DocumentProcessor::Save(FileRecord& record) {
   const std::wstring output = NativeName::ToWide(record.output);
-  if (library_.SaveToFile(output) != 0) return NoteLastWay(record);
+  if (library_.SaveToFile(output) != 0) return NoteLastSaveMode(record);
   int error = library_.LastErrorCode();
   // Only the attempt showed that a signed document must be rewritten; the next attempt would do so.
   if (error == kErrorCannotAppend) {
     if (!options_.allowBreakingSignatures) throw Failure{"signed, and saving would break the signatures"};
-    record.way = "rewrite";
+    record.saveMode = "rewrite";
     record.warnings.push_back("the file was rewritten, which breaks its signatures");
     error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
-  if (error != kErrorNone) throw Failure{LibraryReason(error)};
+  if (error != kErrorNone) throw Failure{PdfLibrary::ErrorMessage(error), error};
 }
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
-void DocumentProcessor::NoteLastWay(FileRecord& record) {
-  if (record.way != "incremental" || Narrow(library_.GetInformation(kInformationLastWay)) != "rewrite") return;
-  record.way = "rewrite";
+void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
+  if (record.saveMode != "incremental" || PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastWay)) != "rewrite")
+    return;
+  record.saveMode = "rewrite";
   record.warnings.push_back("the file was rewritten (an appended update was not readable)");
 }

@@ -4,17 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "host/actions/ConfiguredAction.h"
+#include "host/base/PdfLibrary.h"
 #include "host/run/FileRecord.h"
-#include "plugin/CActionInterface.h"
-
-class HalvexPDFLibraryCPDylibCPP1311;
-
-// One action of a run with its settings.
-struct RunStep {
-  CActionInterface* action;
-  QString name;
-  QMap<QString, QVariant> settings;
-};
+#include "host/run/RunPlan.h"
 
 struct ProcessingOptions {
   std::wstring password;
@@ -22,27 +15,29 @@ struct ProcessingOptions {
 };
 
 // Loads a document, runs the actions on it, saves it. All documents go through one library object, one after another.
+// When another program changes the file meanwhile, everything is done again with the new file, a few times at most.
 class DocumentProcessor {
  public:
-  // Keeps references: library, steps and options outlive the processor.
-  DocumentProcessor(HalvexPDFLibraryCPDylibCPP1311& library, const std::vector<RunStep>& steps,
+  // Keeps references: library, actions and options outlive the processor.
+  DocumentProcessor(PdfLibrary::Wrapper& library, const std::vector<ConfiguredAction>& actions,
                     const ProcessingOptions& options)
-      : library_(library), steps_(steps), options_(options) {}
+      : library_(library), actions_(actions), options_(options) {}
 
   // Whatever goes wrong is in the record; nothing is thrown. A failed document leaves its output untouched.
-  FileRecord Process(const std::string& file, const std::string& output);
+  FileRecord Process(const PlannedFile& file);
 
  private:
   struct Failure;
 
+  void ProcessOnce(FileRecord& record);
   void Load(FileRecord& record);
   void RunActions();
   void CheckSaving(FileRecord& record);
   void Save(FileRecord& record);
-  void NoteLastWay(FileRecord& record);
+  void NoteLastSaveMode(FileRecord& record);
 
-  HalvexPDFLibraryCPDylibCPP1311& library_;
-  const std::vector<RunStep>& steps_;
+  PdfLibrary::Wrapper& library_;
+  const std::vector<ConfiguredAction>& actions_;
   const ProcessingOptions& options_;
   int document_ = 0;
 };

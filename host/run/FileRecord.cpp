@@ -2,29 +2,12 @@
 #include "host/run/FileRecord.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "host/base/NativeName.h"
+#include "host/run/RecordFraming.h"
 
 namespace {
-
-void AppendUtf8(std::string& json, char32_t codePoint) {
-  const auto tail = [&](int shift) { json += static_cast<char>(0x80 | ((codePoint >> shift) & 0x3F)); };
-  if (codePoint < 0x80) {
-    json += static_cast<char>(codePoint);
-  } else if (codePoint < 0x800) {
-    json += static_cast<char>(0xC0 | (codePoint >> 6));
-    tail(0);
-  } else if (codePoint < 0x10000) {
-    json += static_cast<char>(0xE0 | (codePoint >> 12));
-    tail(6);
-    tail(0);
-  } else {
-    json += static_cast<char>(0xF0 | (codePoint >> 18));
-    tail(12);
-    tail(6);
-    tail(0);
-  }
-}
 
 void AppendUnit(std::string& json, char32_t unit) {
   if (unit == '"' || unit == '\\') {
@@ -34,8 +17,11 @@ void AppendUnit(std::string& json, char32_t unit) {
     char escape[8];
     std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
     json += escape;
+  } else if (unit < 0x7F) {
+    json += static_cast<char>(unit);
   } else {
-    AppendUtf8(json, unit > 0x10FFFF ? 0xFFFD : unit);
+    const char32_t valid = unit > 0x10FFFF ? 0xFFFD : unit;
+    json += QString::fromUcs4(&valid, 1).toUtf8().toStdString();
   }
 }
 
@@ -73,7 +59,43 @@ const char* Name(FileRecord::Status status) {
   return "skipped";
 }
 
+std::string_view Bytes(const std::wstring& text) {
+  return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
+}
+
+std::wstring Wide(std::string_view bytes) {
+  std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
+  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
+  return text;
+}
+
 }  // namespace
+
+std::string FileRecord::Pack() const {
+  const std::string_view statusByte(reinterpret_cast<const char*>(&status), sizeof status);
+  const std::string_view time(reinterpret_cast<const char*>(&microseconds), sizeof microseconds);
+  RecordFraming::Fields fields{file, output,  statusByte, reason, Bytes(baseUrlBefore), Bytes(baseUrlAfter),
+                               time, saveMode};
+  fields.insert(fields.end(), warnings.begin(), warnings.end());
+  std::string bytes;
+  RecordFraming::Append(bytes, fields);
+  return bytes;
+}
+
+FileRecord FileRecord::Unpack(std::string_view bytes) {
+  const RecordFraming::Fields fields = RecordFraming::Parse(bytes);
+  FileRecord record;
+  record.file = fields[0];
+  record.output = fields[1];
+  std::memcpy(&record.status, fields[2].data(), sizeof record.status);
+  record.reason = fields[3];
+  record.baseUrlBefore = Wide(fields[4]);
+  record.baseUrlAfter = Wide(fields[5]);
+  std::memcpy(&record.microseconds, fields[6].data(), sizeof record.microseconds);
+  record.saveMode = fields[7];
+  record.warnings.assign(fields.begin() + 8, fields.end());
+  return record;
+}
 
 std::string FileRecord::ToJson() const {
   std::string json;
@@ -95,7 +117,7 @@ std::string FileRecord::ToJson() const {
   json += ",\"milliseconds\":";
   json += milliseconds;
   json += ",\"way\":";
-  AppendBytes(json, way);
+  AppendBytes(json, saveMode);
   json += ",\"warnings\":[";
   for (std::size_t i = 0; i < warnings.size(); ++i) {
     if (i > 0) json += ',';

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What became of one input file. The report holds one for every file.
@@ -15,10 +16,13 @@ struct FileRecord {
   std::wstring baseUrlBefore;
   std::wstring baseUrlAfter;
   long long microseconds = 0;
-  std::string way;  // "unchanged", "incremental", "rewrite", "unknown", or empty when nothing was saved
+  std::string saveMode;  // "unchanged", "incremental", "rewrite", "unknown", or empty when nothing was saved
   std::vector<std::string> warnings;
 
-  bool Unchanged() const { return way == "unchanged"; }
-  // One JSON object without line breaks. File names are UTF-8; a byte that is none stands as the escape \udcXX.
+  bool Unchanged() const { return saveMode == "unchanged"; }
+  // One JSON object without line breaks. File names are UTF-8; a byte that is none is the escape \udcXX.
   std::string ToJson() const;
+  // The record as bytes for another process of this program, and back.
+  std::string Pack() const;
+  static FileRecord Unpack(std::string_view bytes);
 };

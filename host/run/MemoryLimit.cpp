@@ -8,7 +8,7 @@
 
 namespace {
 
-// Private writable memory in bytes, what RLIMIT_DATA counts; 0 when it cannot be told.
+// Private writable memory in bytes, what RLIMIT_DATA counts; 0 when it is unknown.
 rlim_t DataSize() {
   std::ifstream statm("/proc/self/statm");
   rlim_t size = 0, resident = 0, shared = 0, text = 0, library = 0, data = 0;

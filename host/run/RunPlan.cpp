@@ -3,55 +3,63 @@
 
 #include <filesystem>
 
-#include "host/files/FileLookup.h"
+#include "host/base/Interruption.h"
 
-namespace {
-
-RunPlan::Step Settled(const Job& job, FileRecord::Status status, const std::string& reason) {
-  RunPlan::Step step{job, FileRecord(), false};
-  step.settled->file = job.file;
-  step.settled->status = status;
-  step.settled->reason = reason;
-  return step;
-}
-
-RunPlan::Step Failed(const Job& job, const std::string& reason) {
-  return Settled(job, FileRecord::Status::kFailed, reason);
-}
-
-}  // namespace
-
-RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed)
-    : inputs_(inputs), resumed_(resumed) {
-  if (outputFolder.empty()) return;
-  names_.emplace(outputFolder);
-  std::error_code ignored;
-  outputFolderWasEmpty_ = std::filesystem::is_empty(outputFolder, ignored);
-}
-
-std::optional<RunPlan::Step> RunPlan::Next() {
-  if (next_ == inputs_.Count()) return std::nullopt;
-  const std::size_t index = next_++;
-  Job job{inputs_.File(index), {}};
-  if (inputs_.IsFolder(index)) {
-    return Failed(
-        job, inputs_.IsRecursive() ? "cannot read the folder" : "is a folder (use --recursive for the files below it)");
+RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+                 const ProtectedFiles& protectedFiles)
+    : inputs_(inputs) {
+  if (!outputFolder.empty()) {
+    names_.emplace(outputFolder);
+    std::error_code ignored;
+    outputFolderWasEmpty_ = std::filesystem::is_empty(outputFolder, ignored);
   }
-  if (const long same = inputs_.SameFileAs(index); same >= 0) {
-    return Settled(job, FileRecord::Status::kSkipped,
-                   "the same file as " + inputs_.File(static_cast<std::size_t>(same)));
+  items_.reserve(inputs.Count());
+  for (std::size_t input = 0; input < inputs.Count(); ++input) {
+    Interruption::Check();
+    Add(input, resumed, protectedFiles);
   }
-  job.output = OutputFor(index);
+}
+
+void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const ProtectedFiles& protectedFiles) {
+  using Status = FileRecord::Status;
+  if (const std::string problem = inputs_.Problem(input); !problem.empty()) {
+    return Settle(input, Status::kFailed, problem);
+  }
+  if (const long same = inputs_.SameFileAs(input); same >= 0) {
+    return Settle(input, Status::kSkipped, "the same file as " + inputs_.File(static_cast<std::size_t>(same)));
+  }
+  Item item{static_cast<std::uint32_t>(input), 0};
+  std::string output = inputs_.File(input);
   if (names_) {
-    if (OverwritesInput(job.output)) return Failed(job, "its output " + job.output + " would overwrite an input");
-    if (!MakeParent(job.output)) return Failed(job, "cannot make the folder of its output " + job.output);
+    const std::string relative = inputs_.Relative(input);
+    item.copyNumber = names_->Take(relative);
+    output = names_->Name(relative, item.copyNumber);
+    if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
+      return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
+    }
+    if (!MakeParent(output)) {
+      return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
+    }
   }
-  if (resumed_.Done(job.file, job.output)) return Step{job, std::nullopt, true};
-  return Step{job, std::nullopt, false};
+  if (resumed.Done(inputs_.File(input), output)) {
+    ++doneBefore_;
+  } else {
+    items_.push_back(item);
+  }
 }
 
-std::string RunPlan::OutputFor(std::size_t index) {
-  return names_ ? names_->For(inputs_.Relative(index)) : inputs_.File(index);
+void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::string& reason) {
+  FileRecord record;
+  record.file = inputs_.File(input);
+  record.status = status;
+  record.reason = reason;
+  settled_.push_back(std::move(record));
+}
+
+PlannedFile RunPlan::File(std::size_t item) const {
+  const auto [input, copyNumber] = items_[item];
+  const std::string file = inputs_.File(input);
+  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file};
 }
 
 // Inputs from folders keep their path below that folder.
@@ -63,8 +71,12 @@ bool RunPlan::MakeParent(const std::string& output) {
   return !error;
 }
 
-bool RunPlan::OverwritesInput(const std::string& output) const {
-  if (outputFolderWasEmpty_) return false;
-  const std::optional<FileStatus> status = FileLookup().Get(output);
-  return status && inputs_.Holds(status->identity);
+// What the output would overwrite that it must not, or an empty text.
+std::string RunPlan::Overwrites(const std::string& output, const ProtectedFiles& protectedFiles) {
+  const std::optional<FileStatus> status = outputFolderWasEmpty_ ? std::nullopt : lookup_.Get(output);
+  if (status) return inputs_.Holds(status->identity) ? "an input" : protectedFiles.What(status->identity);
+  // A protected file may come to be there, or where a link leads that is there.
+  std::error_code ignored;
+  const bool isLink = !outputFolderWasEmpty_ && std::filesystem::is_symlink(output, ignored);
+  return isLink || protectedFiles.MayHold(output) ? protectedFiles.What(output) : std::string();
 }

@@ -1,45 +1,58 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 #include "host/files/InputList.h"
 #include "host/files/OutputNames.h"
+#include "host/files/ProtectedFiles.h"
 #include "host/run/FileRecord.h"
 #include "host/run/ResumedReport.h"
 
-// One file to process.
-struct Job {
+// One file to process and where its result goes.
+struct PlannedFile {
   std::string file;
   std::string output;
 };
 
-// Decides, input by input and in their order, what is to be done: process it, or settle it at once with a record.
+// Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
+// is whole before the first file is processed, so that worker processes can take files from it by number.
 class RunPlan {
  public:
-  // `outputFolder` empty means in place; else it is an existing folder. Keeps references to both other arguments.
-  RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed);
+  // `outputFolder` empty means in place; else it is an existing folder, in which the folders of the outputs are made.
+  // Keeps a reference to the inputs. Throws as Interruption::Check does.
+  RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+          const ProtectedFiles& protectedFiles);
 
-  struct Step {
-    Job job;
-    std::optional<FileRecord> settled;
-    bool doneBefore = false;  // by the run that is resumed; there is a record of it already
-  };
-  // The next input's step, or nothing when all inputs are planned.
-  std::optional<Step> Next();
-  std::size_t Remaining() const { return inputs_.Count() - next_; }
+  // The files to process are numbered from 0.
+  std::size_t Count() const { return items_.size(); }
+  PlannedFile File(std::size_t item) const;
+  // The inputs that are not to be processed.
+  const std::vector<FileRecord>& Settled() const { return settled_; }
+  // How many the resumed run has done; there are records of them already.
+  std::size_t DoneBefore() const { return doneBefore_; }
 
  private:
-  std::string OutputFor(std::size_t index);
+  struct Item {
+    std::uint32_t input;
+    std::uint32_t copyNumber;
+  };
+
+  void Add(std::size_t input, const ResumedReport& resumed, const ProtectedFiles& protectedFiles);
+  void Settle(std::size_t input, FileRecord::Status status, const std::string& reason);
+  std::string Overwrites(const std::string& output, const ProtectedFiles& protectedFiles);
   bool MakeParent(const std::string& output);
-  bool OverwritesInput(const std::string& output) const;
 
   const InputList& inputs_;
-  const ResumedReport& resumed_;
   std::optional<OutputNames> names_;
+  std::vector<Item> items_;
+  std::vector<FileRecord> settled_;
+  std::size_t doneBefore_ = 0;
+  FileLookup lookup_;
   std::unordered_set<std::string> madeFolders_;
   bool outputFolderWasEmpty_ = false;
-  std::size_t next_ = 0;
 };

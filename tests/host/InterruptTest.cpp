@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -48,24 +51,72 @@ TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
   EXPECT_EQ(ReadFile("r.jsonl").count('\n'), files.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, Interrupted,
+INSTANTIATE_TEST_SUITE_P(States, Interrupted,
                          testing::Values(std::make_pair(1, SIGINT), std::make_pair(2, SIGTERM),
                                          std::make_pair(0, SIGINT)));
 
-TEST(InterruptedTwice, FilesInHandAreNotWaitedFor) {
-  for (const char* jobs : {"1", "0"}) {
+TEST(InterruptedTwice, NothingIsWaitedFor) {
+  const std::pair<QStringList, const char*> rows[] = {
+      {{"--jobs", "1"}, "interrupted"}, {{"--jobs", "0"}, ""}, {{"--set", "hang=1"}, ""}};  // before all documents
+  for (const auto& [arguments, reason] : rows) {
     QFile::remove("log");
     WriteFile("hang.pdf", MakePdf());
     const auto process =
-        StartProgram(ProbeRun({"--set", "log=log", "--in-place", "--report", "-", "--jobs", jobs, "hang.pdf"}));
-    WaitForLines("log", 2);
-    Interrupt(*process, SIGINT);
+        StartProgram(ProbeRun({"--set", "log=log", "--in-place", "--report", "-", "hang.pdf"}) + arguments);
+    WaitForLines("log", arguments.contains("hang=1") ? 1 : 2);
+    Interrupt(*process, SIGTERM);
     EXPECT_FALSE(process->waitForFinished(300));
-    Interrupt(*process, SIGINT);
+    Interrupt(*process, SIGTERM);
     const ProgramResult result = FinishProgram(*process);
-    EXPECT_EQ(result.code, 130);
-    EXPECT_EQ(ReadReport(result.out)["hang.pdf"]["reason"].toString(), *jobs == '1' ? "interrupted" : "");
+    EXPECT_EQ(result.code, 128 + SIGTERM);
+    EXPECT_EQ(ReadReport(result.out)["hang.pdf"]["reason"].toString(), reason);
     EXPECT_EQ(ReadFile("hang.pdf"), MakePdf());
+  }
+}
+
+TEST(Waiting, OneSignalEndsIt) {
+  ASSERT_EQ(mkfifo("pipe", 0600), 0);
+  QStringList files;
+  for (int i = 0; i < 600; ++i) files += QString("f%1.pdf").arg(i);
+  for (const QString& file : files) WriteFile(file, MakePdf());
+  const QStringList rows[] = {{"--files-from", "-"},
+                              {"--files-from", "pipe"},
+                              {"--password-file", "pipe", "f0.pdf"},
+                              {"--report", "pipe", "f0.pdf"},
+                              {"--report", "pipe", "--jobs", "1"},
+                              {"--report", "pipe", "--jobs", "0"}};
+  for (const QStringList& row : rows) {
+    const bool isRead = row.contains("--jobs");  // but nothing is taken out of the pipe
+    const int reader = isRead ? open("pipe", O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1;
+    const auto process = StartProgram(ProbeRun({"--output-dir", "out"}) + row + (isRead ? files : QStringList()));
+    EXPECT_FALSE(process->waitForFinished(isRead ? 1000 : 200)) << row.join(' ').toStdString();
+    Interrupt(*process, SIGTERM);
+    // Its standard input stays open meanwhile.
+    EXPECT_TRUE(process->waitForFinished(10000)) << row.join(' ').toStdString();
+    EXPECT_EQ(process->exitCode(), 128 + SIGTERM) << row.join(' ').toStdString();
+    if (reader >= 0) close(reader);
+  }
+}
+
+TEST(Stopped, TimeInWhichNothingRunsCostsNoFile) {
+  WriteFile("steps.pdf", MakePdf());
+  for (const bool workerAlone : {false, true}) {
+    QFile::remove("log");
+    const auto process = StartProgram(ProbeRun(
+        {"--set", "log=log", "--output-dir", "out", "--report", "-", "--jobs", "1", "--timeout", "2", "steps.pdf"}));
+    WaitForLines("log", 2);
+    const auto id = static_cast<pid_t>(process->processId());
+    const QString children = QString("/proc/%1/task/%1/children").arg(id);
+    const pid_t stopped = workerAlone ? ReadFile(children).trimmed().toInt() : -id;
+    for (int round = 0; round < 2; ++round) {
+      ASSERT_EQ(kill(stopped, SIGSTOP), 0);
+      sleep(3);
+      ASSERT_EQ(kill(stopped, SIGCONT), 0);
+      usleep(100000);
+    }
+    const ProgramResult result = FinishProgram(*process);
+    EXPECT_EQ(result.code, 0) << result.err.toStdString();
+    EXPECT_EQ(QDir("out").entryList(QDir::Files | QDir::Hidden), QStringList("steps.pdf"));
   }
 }
 

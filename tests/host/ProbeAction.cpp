@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/host/ProbeAction.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,10 +26,17 @@ void Log(const WorkProcInfoStruct* info, const std::string& line) {
   file.write((line + '\n').c_str());
 }
 
+// As if the PDF library hung while it writes where it needs a name for that.
+[[noreturn]] void HangWithTemporaryFile() {
+  [[maybe_unused]] const int file = open("out/.vorlane-0123456789abcdef.tmp", O_CREAT | O_WRONLY, 0600);
+  for (;;) sleep(1000);
+}
+
 }  // namespace
 
 int ProbeAction::PreSequenceProc(WorkProcInfoStruct* info) {
   Log(info, "pre " + std::to_string(getpid()));
+  while (info->settings->contains(QStringLiteral("hang"))) sleep(1000);
   return 1;
 }
 
@@ -40,23 +48,25 @@ int ProbeAction::PostSequenceProc(WorkProcInfoStruct* info) {
 int ProbeAction::WorkProc(WorkProcInfoStruct* info) {
   const std::wstring file = info->document->GetDocumentFileName();
   const auto named = [&](const wchar_t* word) { return file.find(word) != std::wstring::npos; };
-  // A setting that an earlier document left behind would show here.
+  // A setting that an earlier document added would show here.
   Log(info, info->settings->contains(QStringLiteral("used")) ? "work used" : "work fresh");
   info->settings->insert(QStringLiteral("used"), true);
   if (named(L"abort")) std::abort();
   if (named(L"exit")) std::exit(0);
   if (named(L"throw")) throw std::runtime_error("thrown on purpose");
-  while (named(L"hang")) sleep(1000);
+  if (named(L"hang")) HangWithTemporaryFile();
   if (named(L"slow")) usleep(100000);
+  for (int i = 0; i < 20 && named(L"steps"); ++i) usleep(25000);
   if (named(L"greedy")) mostTaken = std::max(mostTaken, std::vector<char>(300 << 20).size());
   QString url = info->settings->value(QStringLiteral("baseUrlString")).toString();
   if (url == QLatin1String("platform")) url = QGuiApplication::platformName();
-  info->document->SetBaseURL(url.toStdWString());
+  const bool adds = info->settings->contains(QStringLiteral("add"));
+  info->document->SetBaseURL((adds ? info->document->GetBaseURL() : std::wstring()) + url.toStdWString());
   if (named(L"refused")) info->document->SelectDocument(-1);
   return 0;
 }
 
-// Accepts at once when "accept" is set; "context" and "document" tell what the dialog was given.
+// Accepts at once when "accept" is set; "context" and "document" hold what the dialog was given.
 int ProbeAction::ShowDialogProc(QWidget* parent, DialogLoadStruct* info) {
   info->settings->insert(QStringLiteral("context"), parent != nullptr ? parent->objectName() : QStringLiteral("none"));
   const QString url = info->document != nullptr ? QString::fromStdWString(info->document->GetBaseURL()) : QString();

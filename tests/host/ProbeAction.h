@@ -5,9 +5,10 @@
 
 #include "plugin/CActionInterface.h"
 
-// The action "Probe": writes a line for each call to the file of its setting "log", sets "baseUrlString", and does what
-// the document's file name holds: abort, exit, throw, hang, slow, greedy (300 MiB), refused
-// (a failing library call).
+// The action "Probe": writes a line for each call to the file of its setting "log", sets "baseUrlString" or, with the
+// setting "add", appends it to what the document has, hangs before all documents with the setting "hang", and does what
+// the document's file name holds: abort, exit, throw, hang (with a temporary file open), slow (100 ms), steps (20 times
+// 25 ms), greedy (300 MiB), refused (a failing library call).
 class ProbeAction : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.halvex.vorlane.probe")
@@ -21,8 +22,8 @@ class ProbeAction : public QObject, public CActionInterface {
 
   QString GetActionName() override { return QStringLiteral("Probe"); }
   QString GetDisplayName() override { return QStringLiteral("Probe"); }
-  QString GetActionHelp() override { return QString(); }
+  QString GetActionHelp() override { return QStringLiteral("Probe.html"); }
   QString GetGroupName() override { return QStringLiteral("Tests"); }
   int GetActionFlags() override { return 0; }
-  QString GetDefaultIcon() override { return QString(); }
+  QString GetDefaultIcon() override { return QStringLiteral("Action_SetBaseURL.png#Probe_Selected.png"); }
 };

@@ -2,6 +2,7 @@
 #include "tests/host/ProgramRun.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -9,6 +10,16 @@
 #include <QJsonDocument>
 
 #include "host/base/NativeName.h"
+
+namespace {
+
+// Leads a process group, so that a test can signal the program with its workers.
+class GroupLeader : public QProcess {
+ protected:
+  void setupChildProcess() override { setpgid(0, 0); }
+};
+
+}  // namespace
 
 void PrepareToRun() {
   NativeName::InstallAsLocale();
@@ -20,7 +31,7 @@ void PrepareToRun() {
 
 std::unique_ptr<QProcess> StartProgram(const QStringList& arguments) {
   PrepareToRun();
-  auto process = std::make_unique<QProcess>();
+  std::unique_ptr<QProcess> process = std::make_unique<GroupLeader>();
   process->start(QStringLiteral(VORLANE_RUN_FILE), arguments);
   EXPECT_TRUE(process->waitForStarted());
   return process;

@@ -18,6 +18,7 @@ struct ProgramResult {
 
 // For tests that start it through another program.
 void PrepareToRun();
+// The program leads a process group of its own.
 std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
 ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());

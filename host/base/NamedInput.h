@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+// Reading small inputs that the user names: a file, a pipe, or "-" for the standard input. A stop signal ends the wait
+// for a pipe's writer.
+namespace NamedInput {
+
+// `what` is for the message, as in "password file". Throws CommandError(kExitUsage) when it cannot be read, and as
+// Interruption::Check does.
+std::string ReadAll(const std::string& name, const char* what);
+// The same, up to the first line break and without it.
+std::string ReadLine(const std::string& name, const char* what);
+
+}  // namespace NamedInput

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+
+// Opening the PDF library and documents with it, and what went wrong in a user's words.
+namespace PdfLibrary {
+
+using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
+
+// Loads the library's file, named as the wrapper wants it. Throws CommandError(kExitNotLoaded).
+std::unique_ptr<Wrapper> Open(const std::wstring& libraryFile);
+
+// Loads and selects a document. A wrong password is ignored where none is needed. Returns an empty text,
+// or why the document could not be loaded, as one clause; the library's last error then says the same.
+std::string LoadDocument(Wrapper& library, const std::string& file, const std::wstring& password);
+
+// What an error code of the library means: one clause without a full stop, never null.
+const char* ErrorMessage(int errorCode);
+
+// UTF-8 of a text of the library.
+std::string ToUtf8(const std::wstring& text);
+
+}  // namespace PdfLibrary

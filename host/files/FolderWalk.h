@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "host/files/FileLookup.h"
+
+// One name below a walked folder.
+struct FolderEntry {
+  const std::string& path;           // from the walked folder's own name on; of a folder, with a slash at its end
+  std::optional<FileStatus> status;  // of a file, links followed; nothing for a link that leads nowhere
+  int error;                         // why the name, or what the folder holds, cannot be looked up; 0 for a file
+};
+
+// Calls `each` for the files "*.pdf" below a folder, the suffix in any case, folder by folder in the byte order of
+// their names, and for everything that cannot be looked up. Links to folders are not followed; `leaveOut`, if not null,
+// is a folder that is not entered. The walk goes by descriptors, so that neither its depth nor the length of a path
+// matters. A stop signal ends it as Interruption::Check does.
+void WalkFolder(const std::string& folder, const FileIdentity* leaveOut,
+                const std::function<void(const FolderEntry&)>& each);
