@@ -55,7 +55,7 @@ class Library {
   bool Failed() const { return HPLLastErrorCode(id_) != kErrorNone; }
   bool Damaged() const { return HPLLastErrorCode(id_) == kErrorDamaged; }
   int Encrypted() const { return HPLEncryptionStatus(id_); }
-  // What else a host may ask for; any answer or error, but no crash.
+  // What else a host may ask for: any result or error, but no crash.
   void AskAll() {
     const int pages = HPLPageCount(id_);
     CheckOutcome(!Failed());

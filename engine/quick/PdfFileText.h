@@ -18,10 +18,10 @@ class PdfFileText {
   struct Object {
     ObjectId id;
     std::string dictionary;
-    std::uint64_t dataOffset = 0;  // 0 when it is no stream
+    std::uint64_t dataOffset = 0;  // 0 when it is not a stream
   };
 
-  // Throws PdfSyntaxError when the header lies behind the end.
+  // Throws PdfSyntaxError when the header is beyond the end.
   explicit PdfFileText(const InputFile& file, std::uint64_t headerOffset = 0);
 
   // Bytes from the header on.

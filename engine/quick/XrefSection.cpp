@@ -52,7 +52,7 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     offset += lexer.Position();
     AddSubsection(first, count, offset);
     if (count > 0) {
-      // What is no table of entries in the one standard length shows at one of its ends.
+      // A table whose entries do not have the standard length shows at one of its ends.
       ReadTableEntry(offset);
       offset += (count - 1) * kTableEntrySize;
       ReadTableEntry(offset);

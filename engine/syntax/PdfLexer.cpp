@@ -54,7 +54,7 @@ std::string HexStringBytes(std::string_view text) {
   return bytes;
 }
 
-// ISO 32000-1, table 3; `i` stands behind the backslash and is moved behind the escape.
+// ISO 32000-1, table 3; `i` is the position after the backslash and is moved after the escape.
 void AppendEscape(std::string_view text, std::size_t& i, std::string& bytes) {
   const char c = text[i++];
   switch (c) {
@@ -287,7 +287,7 @@ void PdfLexer::SkipContainer() {
   } while (!closers.empty());
 }
 
-// Behind an unsigned integer: whether it begins a reference; moves behind that if so.
+// After an unsigned integer: whether it begins a reference; moves after that if so.
 bool PdfLexer::AcceptReferenceTail() {
   const std::size_t begin = position_;
   SkipSpace();

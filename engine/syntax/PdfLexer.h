@@ -42,7 +42,7 @@ class PdfLexer {
 
   // White space and comments.
   void SkipSpace();
-  // Whether the text goes on with `word` and ends it there; moves behind it if so.
+  // Whether `word` is next, followed by a delimiter; moves after it if so.
   bool Accept(std::string_view word);
   void Expect(std::string_view word);
   // The next object, whole.

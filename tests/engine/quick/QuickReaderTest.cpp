@@ -143,33 +143,3 @@ TEST(QuickReaderTest, CostDoesNotGrowWithTheObjects) {
     }
   }
 }
-
-TEST(QuickReaderTest, EncryptedFileHasATail) {
-  const std::string options[] = {"40", "128 --use-aes=y", "256"};
-  for (const std::string& bits : options) {
-    for (const char* streams : {"disable", "generate"}) {
-      const std::string keyLength = bits.substr(0, bits.find(' '));
-      const std::string rest = bits.substr(keyLength.size());
-      ASSERT_EQ(RunTool("qpdf --object-streams=" + std::string(streams) + " --allow-weak-crypto --encrypt '' owner " +
-                        keyLength + rest + " -- '" + SampleFile::Named("table-lf.pdf").path + "' encrypted.pdf")
-                    .status,
-                0);
-      const auto input = InputFile::Open("encrypted.pdf");
-      EXPECT_FALSE(QuickReader::Read(*input).has_value());
-      const auto tail = QuickReader::ReadTail(*input);
-      ASSERT_TRUE(tail.has_value());
-      EXPECT_TRUE(tail->Encrypted());
-      const std::string catalog =
-          RunTool("qpdf --show-object=" + std::to_string(tail->root.number) + " encrypted.pdf").output;
-      const std::string pages = catalog.substr(catalog.find("/Pages"), std::string("/Pages 0 0 R").size());
-      OutputFile output("out.pdf");
-      AppendUpdate(*input, *tail, {{tail->root, "<</Type/Catalog" + pages + ">>"}}, output);
-      output.Commit();
-      const ToolResult check = RunTool("qpdf --check out.pdf");
-      EXPECT_EQ(check.status, 0) << check.output;
-      const auto full = FullParser::Read(ReadFile("out.pdf"));
-      ASSERT_TRUE(full.has_value());
-      EXPECT_EQ(full->baseUrl, "");
-    }
-  }
-}
