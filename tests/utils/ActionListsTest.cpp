@@ -130,8 +130,8 @@ TEST_F(ActionLists, AListThatCannotBeReplacedIsKept) {
   EXPECT_EQ(Files(), QStringList({"D.xqq", "D.xqq/inside", "L.xqq"}));
 }
 
-// Whatever the file holds, and whatever this process read of it before.
-TEST_F(ActionLists, AppendingAsksNothingOfTheFile) {
+// No content of the file prevents it, nor what this process read of it before.
+TEST_F(ActionLists, AppendingHasNoConditions) {
   for (const bool readBefore : {false, true}) {
     WriteFile(ListPath("L"), "\xef\xbb\xbf[General]\n; comment\nSequenceName=L\nwhatever this line is\n");
     if (readBefore) CActionUtils::GetActionListCategories();
