@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/backend/ObjectWriter.h"
 
+#include <string_view>
 #include <utility>
 
 #include "engine/syntax/LiteralString.h"
+#include "engine/syntax/PdfName.h"
 
 namespace engine {
+
+namespace {
+
+constexpr std::string_view kMadeUpKey = "/QPDFFake";
+
+}  // namespace
 
 std::string ObjectWriter::Write(QPDFObjectHandle object) {
   text_.clear();
@@ -33,6 +41,8 @@ void ObjectWriter::AppendValue(QPDFObjectHandle object) {
     text_ += ']';
   } else if (object.isString()) {
     text_ += LiteralString(object.getStringValue());
+  } else if (object.isName()) {
+    text_ += EscapedName(object.getName());
   } else {
     text_ += object.unparseResolved();
   }
@@ -43,7 +53,9 @@ void ObjectWriter::AppendDictionary(QPDFObjectHandle dictionary) {
   for (const auto& [key, value] : dictionary.getDictAsMap()) {
     // A null direct value is the same as no entry.
     if (!value.isIndirect() && QPDFObjectHandle(value).isNull()) continue;
-    text_ += QPDFObjectHandle::newName(key).unparse() + ' ';
+    // The parser makes up keys where it finds none.
+    if (key.compare(0, kMadeUpKey.size(), kMadeUpKey) == 0) continue;
+    text_ += EscapedName(key) + ' ';
     Append(value);
     text_ += ' ';
   }

@@ -8,15 +8,18 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 #include <qpdf/QPDFXRefEntry.hh>
-#include <qpdf/QUtil.hh>
 #include <set>
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
-#include "engine/backend/CryptFilters.h"
-#include "engine/backend/ObjectStreamGuard.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/NameEscapes.h"
+#include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
 #include "engine/backend/SignatureSearch.h"
+#include "engine/backend/Soundness.h"
 #include "engine/backend/StringCipher.h"
 #include "engine/backend/XrefStreamGuard.h"
 #include "engine/base/EngineError.h"
@@ -30,12 +33,6 @@ namespace engine {
 
 namespace {
 
-// Where memory runs out, the parser often goes on: with a broken object, and a warning that quotes the exception.
-bool TellsOfLackOfMemory(const std::string& message) {
-  static const std::string exception = std::bad_alloc().what();
-  return message.find(exception) != std::string::npos;
-}
-
 // The parser's exceptions as the engine's.
 template <typename Body>
 auto Translated(Body&& body) {
@@ -45,6 +42,8 @@ auto Translated(Body&& body) {
     throw;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const TooManyTokens&) {
+    throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
     if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
@@ -70,36 +69,6 @@ bool RepairIsBounded(const InputFile& file) {
   return !file.Sparse() || file.Size() <= kLargestWithHoles;
 }
 
-// Null when the password does not fit.
-std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password,
-                              const std::vector<BackendInputSource::Edit>& edits = {}) {
-  std::shared_ptr<QPDF> document = QPDF::create();
-  document->setSuppressWarnings(true);
-  document->setAttemptRecovery(RepairIsBounded(*file));
-  try {
-    document->processInputSource(std::make_shared<BackendInputSource>(file, edits), password.c_str());
-  } catch (const QPDFExc& error) {
-    if (error.getErrorCode() == qpdf_e_password) return nullptr;
-    for (const QPDFExc& warning : document->getWarnings()) {
-      if (TellsOfLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
-    }
-    throw;
-  }
-  const std::vector<BackendInputSource::Edit> needed = EditsOfCryptFilters(*document, *file);
-  if (needed.empty()) return document;
-  if (!edits.empty()) throw EngineError(kErrorUnsupportedSecurity, "the crypt filters cannot be read");
-  return TryOpen(file, password, needed);
-}
-
-// Old security handlers take passwords in PDFDocEncoding or what a producer thought it was, new ones in UTF-8.
-std::vector<std::string> Encodings(const std::string& password) {
-  std::vector<std::string> encodings = {password};
-  for (std::string& other : QUtil::possible_repaired_encodings(password)) {
-    if (std::find(encodings.begin(), encodings.end(), other) == encodings.end()) encodings.push_back(std::move(other));
-  }
-  return encodings;
-}
-
 // A copy of the entry's dictionary, or a new one in place of a missing or broken one.
 QPDFObjectHandle DictionaryCopy(QPDFObjectHandle object) {
   return object.isDictionary() ? object.shallowCopy() : QPDFObjectHandle::newDictionary();
@@ -108,21 +77,6 @@ QPDFObjectHandle DictionaryCopy(QPDFObjectHandle object) {
 bool IsIdentifier(QPDFObjectHandle id) {
   return id.isArray() && id.getArrayNItems() == 2 && id.getArrayItem(0).isString() && id.getArrayItem(1).isString();
 }
-
-// Gives a dictionary entry another value for a while.
-class ScopedEntry {
- public:
-  ScopedEntry(QPDFObjectHandle dictionary, std::string key)
-      : dictionary_(dictionary), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
-  ~ScopedEntry() { dictionary_.replaceKey(key_, old_); }
-  ScopedEntry(const ScopedEntry&) = delete;
-  ScopedEntry& operator=(const ScopedEntry&) = delete;
-
- private:
-  QPDFObjectHandle dictionary_;
-  std::string key_;
-  QPDFObjectHandle old_;
-};
 
 // The parser takes an exception out of a pipeline for a broken stream and goes on; this one keeps it.
 class OutputPipeline : public Pipeline {
@@ -159,22 +113,15 @@ QPDFObjGen IdOf(ObjectId id) {
   return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
-// Gives an object another value for a while.
-class ScopedObject {
- public:
-  ScopedObject(QPDF& document, QPDFObjGen id, QPDFObjectHandle value)
-      : document_(document), id_(id), old_(document.getObject(id).shallowCopy()) {
-    document_.replaceObject(id_, value);
-  }
-  ~ScopedObject() { document_.replaceObject(id_, old_); }
-  ScopedObject(const ScopedObject&) = delete;
-  ScopedObject& operator=(const ScopedObject&) = delete;
+QPDFObjectHandle Parse(QPDF& document, const std::string& text) {
+  // By itself a reference would be read as a number.
+  return QPDFObjectHandle::parse(&document, '[' + text + "\n]").getArrayItem(0);
+}
 
- private:
-  QPDF& document_;
-  QPDFObjGen id_;
-  QPDFObjectHandle old_;
-};
+// One above the highest number with an entry.
+std::uint32_t AfterLast(const std::map<QPDFObjGen, QPDFXRefEntry>& entries) {
+  return entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
+}
 
 // Whether what `set` holds directly is in `found` too. Objects have other numbers there; references are not followed.
 bool Holds(QPDFObjectHandle found, QPDFObjectHandle set) {
@@ -228,40 +175,89 @@ std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_ptr<const InputFile> file,
                                                      const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  document->file_ = std::move(file);
+  const InputFile& source = *document->file_;
   // The parser would search the whole of it for a header.
-  if (!RepairIsBounded(*file) && !HasHeader(*file)) throw EngineError(kErrorNotPdf, "no header");
-  if (origin == Origin::kOutside) GuardXrefStreams(*file);
+  if (!RepairIsBounded(source) && !HasHeader(source)) throw EngineError(kErrorNotPdf, "no header");
   try {
-    for (std::string& encoded : Encodings(password)) {
-      document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });
-      document->password_ = std::move(encoded);
-      if (document->qpdf_ != nullptr) break;
+    if (origin == Origin::kOutside) {
+      document->Load(password);
+    } else {
+      document->OpenView(password, Recovery::kOff);
     }
-    if (document->qpdf_ != nullptr) {
-      if (origin == Origin::kOutside) document->Guard(file);
-      document->Ask([&] { return document->qpdf_->getRoot(); });
-    }
+    document->Ask([&] { return document->qpdf_->getRoot(); });
   } catch (const EngineError& error) {
-    if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
+    if (error.code() == kErrorDamaged && !HasHeader(source)) throw EngineError(kErrorNotPdf, error.what());
     throw;
   }
-  if (document->qpdf_ == nullptr) {
-    throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
-  }
-  document->file_ = std::move(file);
   return document;
 }
 
-void QpdfDocument::Guard(const std::shared_ptr<const InputFile>& file) {
-  const bool repairedBefore = Repaired();
-  Ask([&] {
-    GuardObjectStreams(*qpdf_, file->Size());
-    return true;
+// Opens the document as it is if it is sound, otherwise repaired, otherwise as the parser rebuilds it.
+void QpdfDocument::Load(const std::string& password) {
+  GuardXrefStreams(*file_);
+  FileRepair repair(file_);
+  bool opened = false;
+  try {
+    OpenView(password, Recovery::kOff);
+    if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    repair.Prefer(SoundEntries(*qpdf_, *file_));
+    opened = true;
+  } catch (const EngineError& error) {
+    // The parser calls a cross-reference stream that it cannot decode unsupported as well.
+    const bool mayBeDamaged = error.code() == kErrorDamaged || error.code() == kErrorUnsupportedSecurity;
+    if (!mayBeDamaged || !RepairIsBounded(*file_)) throw;
+  }
+  std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
+  if (!opened) asItIs.reset();
+  try {
+    Repair(repair, password);
+    return;
+  } catch (const CannotRepair&) {
+    // Any other way to rebuild the file would lose what this one cannot describe.
+    if (!opened) throw;
+  } catch (const EngineError& error) {
+    if (error.code() != kErrorDamaged) throw;
+  }
+  if (opened) {
+    qpdf_ = asItIs;
+    return;
+  }
+  OpenView(password, Recovery::kOn);
+  repaired_ = true;
+  Ask([&] { return ObjectStreams(file_->Size()).Check(*qpdf_); });
+}
+
+void QpdfDocument::OpenView(const std::string& password, Recovery recovery) {
+  recovery_ = recovery;
+  OpenWith(password, [&](const std::string& encoded) {
+    view_ = {file_, "", std::nullopt};
+    return OpenParser(view_, encoded, recovery);
   });
-  if (Repaired() == repairedBefore) return;
-  // The guard came upon damage in a part that may never be asked for; a repair can also lose what is still sound.
-  qpdf_ = Translated([&] { return TryOpen(file, password_); });
-  repaired_ = false;
+}
+
+void QpdfDocument::Repair(FileRepair& repair, const std::string& password) {
+  recovery_ = Recovery::kOff;
+  OpenWith(password, [&](const std::string& encoded) {
+    FileRepair::Result result = repair.Open(encoded);
+    view_ = std::move(result.view);
+    tail_ = std::move(result.tail);
+    tailKnown_ = true;
+    return result.document;
+  });
+  repaired_ = true;
+}
+
+// Opens the parser with the first encoding of the password that fits.
+void QpdfDocument::OpenWith(const std::string& password,
+                            const std::function<std::shared_ptr<QPDF>(const std::string&)>& open) {
+  for (std::string& encoded : PasswordEncodings(password)) {
+    qpdf_ = Translated([&] { return open(encoded); });
+    if (qpdf_ == nullptr) continue;
+    password_ = std::move(encoded);
+    return;
+  }
+  throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
 }
 
 int QpdfDocument::PageCount() {
@@ -287,8 +283,9 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
   if (!Encrypted()) return {};
   return Translated([&]() -> PasswordMatch {
-    for (const std::string& encoded : Encodings(password)) {
-      const std::shared_ptr<QPDF> opened = TryOpen(file_, encoded);
+    for (const std::string& encoded : PasswordEncodings(password)) {
+      BackendInputSource::View view = view_;
+      const std::shared_ptr<QPDF> opened = OpenParser(view, encoded, recovery_);
       if (opened != nullptr) return {opened->userPasswordMatched(), opened->ownerPasswordMatched()};
     }
     return {};
@@ -300,7 +297,9 @@ bool QpdfDocument::Linearized() {
 }
 
 BackendDocument::Signatures QpdfDocument::FindSignatures() {
-  return Ask([&] { return SearchSignatures(*qpdf_); });
+  // What is appended to a sound document harms no signature.
+  const bool appends = !Repaired() && !appendFailed_ && Tail();
+  return Ask([&] { return SearchSignatures(*qpdf_, appends ? SearchDepth::kFields : SearchDepth::kEverywhere); });
 }
 
 bool QpdfDocument::Repaired() {
@@ -312,12 +311,9 @@ std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
   return Ask([&]() -> std::optional<std::string> {
     QPDFObjectHandle object = qpdf_->getObject(IdOf(id));
     if (object.isStream()) return std::nullopt;
-    // The cross-reference of a repaired document may change with the next repair.
-    if (Repaired()) return ObjectWriter().Write(object);
-    if (raw_ == nullptr) {
-      const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-      raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, tail ? tail->headerOffset : 0);
-    }
+    // The parser tells nobody where it found the objects of a file that it rebuilt.
+    if (recovery_ == Recovery::kOn) return ObjectWriter().Write(object);
+    if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
     std::optional<std::string> text = raw_->Text(id);
     return text ? std::move(*text) : ObjectWriter().Write(object);
   });
@@ -332,18 +328,25 @@ std::string QpdfDocument::TrailerValue(const std::string& key) {
 }
 
 std::uint32_t QpdfDocument::FirstFreeNumber() {
-  const auto entries = qpdf_->getXRefTable();
-  const std::uint32_t afterLast =
-      entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
-  const std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  return tail ? std::max(tail->size, afterLast) : afterLast;
+  const std::optional<FileTail>& tail = KnownTail();
+  return tail ? tail->size : AfterLast(qpdf_->getXRefTable());
 }
 
 std::optional<FileTail> QpdfDocument::Tail() {
-  if (Repaired()) return std::nullopt;
+  return KnownTail();
+}
+
+const std::optional<FileTail>& QpdfDocument::KnownTail() {
+  if (!tailKnown_) tail_ = recovery_ == Recovery::kOff ? FindTail() : std::nullopt;
+  tailKnown_ = true;
+  return tail_;
+}
+
+std::optional<FileTail> QpdfDocument::FindTail() {
+  const std::string root = TrailerValue("/Root");
   std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
-  if (!tail || TrailerValue("/Root") != tail->root.Reference()) return std::nullopt;
-  tail->size = FirstFreeNumber();
+  if (!tail || root != tail->root.Reference()) tail = CompleteTail(*qpdf_, *file_);
+  if (tail) tail->size = std::max(tail->size, AfterLast(qpdf_->getXRefTable()));
   return tail;
 }
 
@@ -353,11 +356,6 @@ std::string QpdfDocument::EncryptStrings(ObjectId id, const std::string& text) {
     if (!cipher.Encrypts()) return text;
     return MapStrings(text, [&](const std::string& bytes) { return HexString(cipher.Encrypt(bytes)); });
   });
-}
-
-QPDFObjectHandle QpdfDocument::Parse(const std::string& text) {
-  // By itself a reference would be read as a number.
-  return QPDFObjectHandle::parse(qpdf_.get(), '[' + text + "\n]").getArrayItem(0);
 }
 
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved) const {
@@ -370,6 +368,11 @@ std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const Inpu
 }
 
 bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) {
+  appendFailed_ = !ReadsBack(std::move(updated), edits);
+  return !appendFailed_;
+}
+
+bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
   const auto before = qpdf_->getXRefTable();
@@ -385,7 +388,7 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
     return other->Ask([&] {
       for (const auto& [id, text] : edits.Objects()) {
         QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
-        if (ObjectWriter().Write(found) != ObjectWriter().Write(other->Parse(text))) return false;
+        if (ObjectWriter().Write(found) != ObjectWriter().Write(Parse(*other->qpdf_, text))) return false;
       }
       for (const auto& [key, value] : edits.Trailer()) {
         if (other->TrailerValue(key) != value) return false;
@@ -397,22 +400,24 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
   }
 }
 
+// Another parser of the document as it was loaded, to be changed before it is written.
+std::shared_ptr<QPDF> QpdfDocument::OpenCopy() {
+  BackendInputSource::View view = view_;
+  std::shared_ptr<QPDF> copy = OpenParser(view, password_, recovery_);
+  if (copy == nullptr) throw EngineError(kErrorDamaged, "the document cannot be read again");
+  copy->setAttemptRecovery(Repaired());
+  return copy;
+}
+
 void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
   std::map<QPDFObjGen, QPDFObjGen> numbers;
+  ReachableObjects expected;
   Ask([&] {
-    std::vector<std::unique_ptr<ScopedObject>> objects;
-    for (const auto& [id, text] : edits.Objects()) {
-      objects.push_back(std::make_unique<ScopedObject>(*qpdf_, IdOf(id), Parse(text)));
-    }
-    QPDFObjectHandle trailer = qpdf_->getTrailer();
-    std::vector<std::unique_ptr<ScopedEntry>> entries;
-    for (const auto& [key, value] : edits.Trailer()) {
-      entries.push_back(std::make_unique<ScopedEntry>(trailer, key));
-      trailer.replaceKey(key, Parse(value));
-    }
-    const ScopedEntry size(trailer, "/Size");
-    const ScopedEntry oldId(trailer, "/ID");
-    const ScopedEntry oldEncrypt(trailer, "/Encrypt");
+    const std::shared_ptr<QPDF> copy = OpenCopy();
+    for (const auto& [id, text] : edits.Objects()) copy->replaceObject(IdOf(id), Parse(*copy, text));
+    QPDFObjectHandle trailer = copy->getTrailer();
+    for (const auto& [key, value] : edits.Trailer()) trailer.replaceKey(key, Parse(*copy, value));
+    expected = ReachableObjects::Of(*copy);
     // The parser does without these entries and the key's /Length, but the writer goes by them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     if (!IsIdentifier(trailer.getKey("/ID"))) {
@@ -420,16 +425,17 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     }
     if (Encrypted()) {
       QPDFObjectHandle encrypt = DictionaryCopy(trailer.getKey("/Encrypt"));
-      const auto bits = static_cast<long long>(qpdf_->getEncryptionKey().size()) * 8;
+      const auto bits = static_cast<long long>(copy->getEncryptionKey().size()) * 8;
       encrypt.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
       trailer.replaceKey("/Encrypt", encrypt);
     }
+    EscapeNames(*copy);
     // The writer would inflate metadata, whatever comes out of it.
-    for (QPDFObjectHandle& object : qpdf_->getAllObjects()) {
+    for (QPDFObjectHandle& object : copy->getAllObjects()) {
       if (object.isStream()) object.setFilterOnWrite(false);
     }
     OutputPipeline pipeline(output);
-    QPDFWriter writer(*qpdf_);
+    QPDFWriter writer(*copy);
     writer.setOutputPipeline(&pipeline);
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.write();
@@ -438,22 +444,23 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     return true;
   });
   file_->CheckUnchanged();
-  if (!VerifyRewrite(output.ReadBack(), edits, numbers)) {
-    throw EngineError(kErrorDamaged, "the rewritten document does not read back");
+  if (!VerifyRewrite(output.ReadBack(), edits, numbers, expected)) {
+    throw EngineError(kErrorDamaged, "the rewritten document does not hold all that the damaged one has");
   }
 }
 
 // Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere.
 // `numbers` are the objects' new ones, 0 for one that nothing refers to.
 bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
-                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers) {
+                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten));
   if (other == nullptr || other->Encrypted() != Encrypted()) return false;
   try {
     return other->Ask([&] {
+      if (!ReachableObjects::Of(*other->qpdf_).HasAllOf(expected)) return false;
       for (const auto& [id, text] : edits.Objects()) {
         const QPDFObjGen number = numbers.at(IdOf(id));
-        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(text))) return false;
+        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(*qpdf_, text))) return false;
       }
       return true;
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -8,6 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "engine/backend/BackendInputSource.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
 #include "engine/backend/RawObjects.h"
 #include "engine/document/BackendDocument.h"
 
@@ -44,17 +49,29 @@ class QpdfDocument : public BackendDocument {
   template <typename Body>
   auto Ask(Body&& body);
   void NoteWarnings();
-  void Guard(const std::shared_ptr<const InputFile>& file);
+  void Load(const std::string& password);
+  void OpenView(const std::string& password, Recovery recovery);
+  void Repair(FileRepair& repair, const std::string& password);
+  void OpenWith(const std::string& password,
+                const std::function<std::shared_ptr<QPDF>(const std::string& encoded)>& open);
   // The saved document if it is sound, otherwise null.
   std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved) const;
   bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
-                     const std::map<QPDFObjGen, QPDFObjGen>& numbers);
-  QPDFObjectHandle Parse(const std::string& text);
+                     const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected);
+  std::shared_ptr<QPDF> OpenCopy();
+  const std::optional<FileTail>& KnownTail();
+  std::optional<FileTail> FindTail();
+  bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;
   std::string password_;  // the encoding of it that opened the document
   std::shared_ptr<QPDF> qpdf_;
+  BackendInputSource::View view_;  // what the parser was shown
+  Recovery recovery_ = Recovery::kOff;
+  std::optional<FileTail> tail_;
+  bool tailKnown_ = false;
   bool repaired_ = false;
+  bool appendFailed_ = false;
   bool outOfMemory_ = false;
   std::unique_ptr<RawObjects> raw_;
 };

@@ -6,6 +6,7 @@
 
 #include "engine/backend/StringCipher.h"
 #include "engine/quick/PdfFileText.h"
+#include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/MapStrings.h"
 #include "engine/syntax/PdfLexer.h"
@@ -23,8 +24,12 @@ std::optional<std::string> RawObjects::Text(ObjectId id) {
   if (found == entries_.end()) return std::nullopt;
   const QPDFXRefEntry& entry = found->second;
   try {
-    if (entry.getType() == kInStream) return TextInStream(id, entry.getObjStreamNumber());
-    if (entry.getType() == kInFile) return TextInFile(id, static_cast<std::uint64_t>(entry.getOffset()));
+    std::optional<std::string> text;
+    if (entry.getType() == kInStream) text = TextInStream(id, entry.getObjStreamNumber());
+    if (entry.getType() == kInFile) text = TextInFile(id, static_cast<std::uint64_t>(entry.getOffset()));
+    // A dictionary with a value too many is no plain syntax either.
+    if (text && text->compare(0, 2, "<<") == 0 && !DictionaryText::Parse(*text)) return std::nullopt;
+    return text;
   } catch (const PdfSyntaxError&) {
     // Left to the parser.
   }

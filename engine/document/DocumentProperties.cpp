@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "engine/base/EngineError.h"
 #include "engine/document/LoadedFile.h"
 #include "engine/quick/BaseUrl.h"
 #include "engine/syntax/DictionaryText.h"
@@ -88,6 +89,10 @@ void SetDictionary(LoadedFile& file, Edits& edits, const std::string& trailerKey
     if (id) edits.Reset(*id);
     edits.ResetTrailer(trailerKey);
     return;
+  }
+  // A catalog that cannot be read is not replaced by one without pages.
+  if (!id && trailerKey == kRoot && dictionary.Find("/Pages") == std::nullopt) {
+    throw EngineError(kErrorDamaged, "the catalog cannot be read");
   }
   if (!id) {
     id = ObjectId{edits.NextNumber(file.FirstFreeNumber()), 0};

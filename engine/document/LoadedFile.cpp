@@ -99,6 +99,7 @@ bool LoadedFile::WriteAs(SaveMode mode, const Edits& edits, OutputFile& output) 
     case SaveMode::kIncremental:
       if (Append(edits, output)) break;
       appendFailed_ = true;
+      signatures_.reset();  // to be looked for everywhere
       // The answer to how the save would be written no longer holds; with signatures at stake, let the caller ask anew.
       if (Signatures().count > 0) throw EngineError(kErrorCannotAppend, "the signed document can only be rewritten");
       return false;
