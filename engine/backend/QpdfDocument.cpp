@@ -28,6 +28,7 @@
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/MapStrings.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -333,13 +334,15 @@ bool QpdfDocument::Repaired() {
 
 std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
   return Ask([&]() -> std::optional<std::string> {
+    // The parser keeps every object that it was asked for. And it tells nobody where it found those of a file that it
+    // rebuilt.
+    if (recovery_ != Recovery::kOn) {
+      if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
+      if (std::optional<std::string> text = raw_->Text(id)) return text;
+    }
     QPDFObjectHandle object = qpdf_->getObject(IdOf(id));
     if (object.isStream()) return std::nullopt;
-    // The parser tells nobody where it found the objects of a file that it rebuilt.
-    if (recovery_ == Recovery::kOn) return ObjectWriter().Write(object);
-    if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
-    std::optional<std::string> text = raw_->Text(id);
-    return text ? std::move(*text) : ObjectWriter().Write(object);
+    return ObjectWriter().Write(object);
   });
 }
 
@@ -396,6 +399,17 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
   return !appendFailed_;
 }
 
+// Whether the object has this text; its strings may be written in other ways.
+bool QpdfDocument::Has(ObjectId id, const std::string& text) {
+  const std::optional<std::string> found = ObjectText(id);
+  try {
+    if (found && MapStrings(*found, LiteralString) == MapStrings(text, LiteralString)) return true;
+  } catch (const PdfSyntaxError&) {
+    // Left to the parser.
+  }
+  return ObjectWriter().Write(qpdf_->getObject(IdOf(id))) == ObjectWriter().Write(Parse(*qpdf_, text));
+}
+
 bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
@@ -411,8 +425,7 @@ bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edi
   try {
     return other->Ask([&] {
       for (const auto& [id, text] : edits.Objects()) {
-        QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
-        if (ObjectWriter().Write(found) != ObjectWriter().Write(Parse(*other->qpdf_, text))) return false;
+        if (!other->Has(id, text)) return false;
       }
       for (const auto& [key, value] : edits.Trailer()) {
         if (other->TrailerValue(key) != value) return false;

@@ -63,6 +63,7 @@ class QpdfDocument : public BackendDocument {
   std::shared_ptr<QPDF> OpenCopy();
   const std::optional<FileTail>& KnownTail();
   std::optional<FileTail> FindTail();
+  bool Has(ObjectId id, const std::string& text);
   bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;

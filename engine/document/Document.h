@@ -68,7 +68,7 @@ class Document {
 
  private:
   Document() = default;
-  // The loaded file; after a save onto it, what stands there now.
+  // The loaded file; after a save onto it, the new one.
   LoadedFile& File();
   // The edits with those that were made through Links().
   Edits& AllEdits();

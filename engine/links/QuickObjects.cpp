@@ -31,6 +31,19 @@ std::uint64_t MostDecoded(const InputFile& file) {
   return (std::uint64_t{64} << 20) + 100 * file.Size();
 }
 
+// A value as it is in the file. Full parsers read a dictionary with a value too many in their own ways.
+std::string PlainText(const PdfLexer& lexer, const PdfLexer::Value& value) {
+  const std::string_view text = lexer.Text(value);
+  if (value.kind == PdfLexer::Kind::kDictionary) {
+    PdfLexer entries(text, 2);
+    for (entries.SkipSpace(); text.compare(entries.Position(), 2, ">>") != 0; entries.SkipSpace()) {
+      if (entries.ReadValue().kind != PdfLexer::Kind::kName) throw PdfSyntaxError();
+      entries.ReadValue();
+    }
+  }
+  return std::string(text);
+}
+
 }  // namespace
 
 QuickObjects::QuickObjects(const InputFile& file, std::uint64_t startXref)
@@ -56,7 +69,7 @@ std::optional<std::string> QuickObjects::TextAt(std::uint64_t offset, ObjectId i
       if (lexer.ReadObjectHeader() != id) throw PdfSyntaxError();
       const PdfLexer::Value value = lexer.ReadValue();
       lexer.SkipSpace();
-      if (lexer.Accept("endobj")) return std::string(lexer.Text(value));
+      if (lexer.Accept("endobj")) return PlainText(lexer, value);
       lexer.Expect("stream");
       return std::nullopt;
     } catch (const PdfSyntaxError& error) {
@@ -69,7 +82,7 @@ std::string QuickObjects::TextInStream(ObjectId id, const XrefMap::Place& place)
   const ObjectStream& stream = Stream(static_cast<std::uint32_t>(place.where));
   if (place.detail >= stream.objects.size() || stream.objects[place.detail].first != id.number) throw PdfSyntaxError();
   PdfLexer lexer(stream.data, stream.objects[place.detail].second);
-  return std::string(lexer.Text(lexer.ReadValue()));
+  return PlainText(lexer, lexer.ReadValue());
 }
 
 const QuickObjects::ObjectStream& QuickObjects::Stream(std::uint32_t number) {
