@@ -142,7 +142,10 @@ TEST(LinkCheck, LooksInTheFolderAndNeverOutside) {
               {"https://e.org/x/%2Fetc/passwd", 0}, {"https://e.org/x/out", 0},
               {"https://e.org/x/a%00", 0},          {"https://e.org/x/none", 0},
               {"https://e.org/xy/a", -1},           {"http://e.org/x/a", -1}};
-  for (const auto& row : rows) EXPECT_EQ(check.Has(row.target).value_or(-1), row.has) << row.target;
+  for (const auto& row : rows) {
+    const std::optional<bool> has = check.Has(row.target);
+    EXPECT_EQ(has ? static_cast<int>(*has) : -1, row.has) << row.target;
+  }
   EXPECT_EQ(LinkCheck("https://e.org/?a=b=site").Has("https://e.org/?a=b"), std::optional<bool>(false));
   for (const char* const wrong : {"x", "=site", "x=site", "https://e.org=none"}) {
     EXPECT_THROW(LinkCheck{wrong}, CommandError) << wrong;
