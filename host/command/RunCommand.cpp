@@ -71,14 +71,45 @@ void MakeOutputFolder(const std::string& folder) {
   }
 }
 
+// The folder's real path with a slash at its end.
+std::string RealFolder(const std::string& folder) {
+  std::error_code error;
+  const std::filesystem::path real = std::filesystem::canonical(folder, error);
+  if (!error && std::filesystem::is_directory(real)) return real == "/" ? "/" : real.string() + '/';
+  throw CommandError(kExitUsage, QStringLiteral("There is no folder '%1'.").arg(NativeName::ToText(folder)));
+}
+
+// The first key whose values depend on the files' folders, or an empty text.
+QString UserOfFolders(const std::vector<ConfiguredAction>& actions) {
+  for (const ConfiguredAction& action : actions) {
+    for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+      if (each->UsesFolder()) return each.key();
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
-    : Command(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
+    : RunCommand(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
   AddOption(QStringLiteral("list"), QStringLiteral("The action list: its name in the sequence folder, or a file."),
             QStringLiteral("NAME|FILE.xqq"));
-  AddActionOptions();
-  AddOption(QStringLiteral("output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
+  AddActionOption();
+  AddFileArgument();
+  AddExample(QStringLiteral("run --list \"My List\" --recursive --output-dir out --report out/report.json archive/"));
+  AddExample(QStringLiteral("run --action \"Set Base URL\" --set baseUrlString=https://example.org/ --in-place *.pdf"));
+  AddExample(
+      QStringLiteral("edit --action \"Set Base URL\" | vorlane-run run --settings - --output-dir out a.pdf b.pdf"));
+}
+
+RunCommand::RunCommand(const QString& name, const QString& summary) : SettingsCommand(name, summary) {
+  AddSettingsOptions();
+  AddUncheckedOption();
+  AddTemplateOptions();
+  AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
+            QStringLiteral("FILE"));
+  AddOption(QStringLiteral("d|output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddOption(QStringLiteral("files-from"),
@@ -113,26 +144,40 @@ RunCommand::RunCommand()
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));
   AddToolsOption();
   AddLibraryOption();
+}
+
+void RunCommand::AddFileArgument() {
   parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
                                 QStringLiteral("FILE..."));
+}
+
+void RunCommand::CheckAction() const {
+  if (IsSet("list") && HasSettings()) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--list' excludes options for an action and its settings."));
+  }
+  if (IsSet("list") || IsSet("action") || IsSet("settings")) return;
+  throw CommandError(kExitUsage, QStringLiteral("Either '--list' or '--action' is needed."));
 }
 
 void RunCommand::Check() {
   const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
   CheckPasswordOptions();
-  Exclude("list", "action");
-  Exclude("list", "set");
+  CheckAction();
+  CheckSettingsOptions();
   Exclude("output-dir", "in-place");
-  if (!IsSet("list") && !IsSet("action")) refuse("Either '--list' or '--action' is needed.");
-  if (!IsSet("output-dir") && !IsSet("in-place")) refuse("Either '--output-dir' or '--in-place' is needed.");
-  for (const char* name : {"list", "action", "output-dir", "files-from", "report", "resume"}) {
+  Exclude("output", "in-place");
+  Exclude("output", "output-dir");
+  if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
+    refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
+  }
+  for (const char* name : {"list", "output", "output-dir", "files-from", "report", "resume"}) {
     if (IsSet(name) && Value(name).isEmpty()) {
       throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
     }
   }
-  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  if (FileArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  CheckStandardInput({"files-from", "password-file", "settings"});
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
-  Settings();
   jobs_ = Number("jobs", Cores(), 0, kMostJobs);
   timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
   memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
@@ -143,24 +188,29 @@ void RunCommand::Check() {
 
 // A connection to a display does not survive in forked workers.
 void RunCommand::PrepareWindowSystem() const {
-  if (jobs_ > 0) {
+  if (!IsSet("jobs") || Value("jobs").toInt() > 0) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   } else {
     Command::PrepareWindowSystem();
   }
 }
 
-std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) const {
+std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog, QStringList& warnings) const {
+  if (IsSet("list")) return LoadList(catalog, warnings);
+  return {Configure(catalog, warnings)};
+}
+
+std::vector<ConfiguredAction> RunCommand::LoadList(ActionCatalog& catalog, QStringList& warnings) const {
   std::vector<ConfiguredAction> actions;
-  if (IsSet("action")) {
-    actions.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
-    return actions;
-  }
-  QStringList warnings;
-  const ActionListFile list = ActionList::Read(ListFile(), &warnings);
-  for (const QString& warning : warnings) Console::Error(warning);
+  const QString file = ListFile();
+  const ActionListFile list = ActionList::Read(file, &warnings);
   for (const ActionListFile::Entry& entry : list.entries) {
-    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
+    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings, {}});
+    const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.actionName);
+    if (!description) continue;
+    for (const QString& warning : ListWarnings(*description, entry.settings)) {
+      warnings += QStringLiteral("Warning: the action list '%1': %2").arg(file, warning);
+    }
   }
   return actions;
 }
@@ -170,8 +220,35 @@ QString RunCommand::ListFile() const {
 }
 
 void RunCommand::CollectInputs(InputList& inputs) const {
-  for (const QString& file : parser_.positionalArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
+  for (const QString& file : FileArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
   if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
+  for (const std::string& folder : inputs.EmptyFolders()) Console::ErrorAbout(folder, "no PDF file is below it");
+}
+
+// Throws CommandError when the options do not fit the inputs.
+NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
+  NamingRules rules{BytesOf("output-dir").toStdString(), BytesOf("output").toStdString(), false, {}};
+  if (IsSet("output") && inputs.Count() != 1) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
+                                                  "'--output-dir'.")
+                                       .arg(inputs.Count()));
+  }
+  if (IsSet("root")) rules.root = RealFolder(BytesOf("root").toStdString());
+  const QString folderUser = UserOfFolders(actions);
+  for (const ConfiguredAction& action : actions) rules.needsPathBelow |= !action.templates.isEmpty();
+  if (folderUser.isEmpty()) return rules;
+  for (std::size_t input = 0; input < inputs.Count(); ++input) {
+    Interruption::Check();
+    if (!inputs.Problem(input).empty() || inputs.PathBelow(rules.root, input)) continue;
+    const QString file = NativeName::ToText(inputs.File(input));
+    throw CommandError(kExitUsage,
+                       IsSet("root")
+                           ? QStringLiteral("'%1' is not below the folder of '--root'.").arg(file)
+                           : QStringLiteral("The value of '%1' uses the folder of '%2', which is not in a folder that "
+                                            "is given with '--recursive': '--root DIR' is needed.")
+                                 .arg(folderUser, file));
+  }
+  return rules;
 }
 
 // What the run reads beside the documents.
@@ -181,7 +258,11 @@ ProtectedFiles RunCommand::OtherInputs() const {
     const std::string name = BytesOf("files-from").toStdString();
     name == "-" ? files.Add(STDIN_FILENO, "the list of files") : files.Add(name, "the list of files");
   }
-  if (IsSet("password-file")) files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("password-file") && Value("password-file") != QLatin1String("-"))
+    files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("settings") && Value("settings") != QLatin1String("-")) {
+    files.Add(BytesOf("settings").toStdString(), "the settings");
+  }
   if (IsSet("list")) files.Add(NativeName::ToBytes(ListFile()).toStdString(), "the action list");
   return files;
 }
@@ -200,11 +281,12 @@ void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& othe
 int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
-  settings.processing = {Password(), IsSet("allow-breaking-signatures")};
+  settings.processing = {Passwords(), IsSet("allow-breaking-signatures")};
   settings.memoryLimit = memoryLimit_;
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  settings.actions = LoadActions(catalog);
+  QStringList warnings;
+  settings.actions = LoadActions(catalog, warnings);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
@@ -212,10 +294,14 @@ int RunCommand::Execute() {
   CollectInputs(inputs);
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
-  return RunOver(inputs, outputFolder, protectedFiles, settings);
+  const NamingRules naming = Naming(inputs, settings.actions);
+  for (const QString& warning : warnings) {
+    if (!IsSet("quiet")) Console::Error(warning);
+  }
+  return RunOver(inputs, naming, protectedFiles, settings);
 }
 
-int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
   const std::string reportName = BytesOf("report").toStdString();
   const std::string earlier = BytesOf("resume").toStdString();
@@ -229,10 +315,10 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
                        .arg(Value("resume"))
                        .arg(resumed.TornLines()));
   }
-  if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
+  if (!naming.outputFolder.empty()) MakeOutputFolder(naming.outputFolder);
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, outputFolder, resumed, protectedFiles);
+  const RunPlan plan(inputs, naming, resumed, protectedFiles);
   if (!append) {
     resumed.CarryOver([&](const QByteArray& json) {
       report.Add({json.constData(), static_cast<std::size_t>(json.size())});

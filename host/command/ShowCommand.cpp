@@ -19,12 +19,12 @@ void ShowCommand::Check() {
 }
 
 int ShowCommand::Execute() {
-  const std::wstring password = Password();
+  const std::vector<std::wstring> passwords = Passwords();
   const std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(LibraryFile());
   int code = kExitDone;
   for (const QString& argument : parser_.positionalArguments()) {
     const std::string file = NativeName::ToBytes(argument).toStdString();
-    const std::string problem = PdfLibrary::LoadDocument(*library, file, password);
+    const std::string problem = PdfLibrary::LoadDocument(*library, file, passwords);
     if (!problem.empty()) {
       Console::ErrorAbout(file, problem);
       code = kExitSomeFailed;

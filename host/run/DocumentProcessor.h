@@ -10,7 +10,7 @@
 #include "host/run/RunPlan.h"
 
 struct ProcessingOptions {
-  std::wstring password;
+  std::vector<std::wstring> passwords;
   bool allowBreakingSignatures = false;
 };
 
@@ -29,9 +29,10 @@ class DocumentProcessor {
  private:
   struct Failure;
 
-  void ProcessOnce(FileRecord& record);
+  void ProcessOnce(FileRecord& record, const PlannedFile& file);
   void Load(FileRecord& record);
-  void RunActions();
+  QMap<QString, QVariant> SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const;
+  void RunActions(const PlannedFile& file);
   void CheckSaving(FileRecord& record);
   void Save(FileRecord& record);
   void NoteLastSaveMode(FileRecord& record);

@@ -5,13 +5,13 @@
 
 #include "host/base/Interruption.h"
 
-RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+RunPlan::RunPlan(const InputList& inputs, const NamingRules& rules, const ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
-    : inputs_(inputs) {
-  if (!outputFolder.empty()) {
-    names_.emplace(outputFolder);
+    : inputs_(inputs), rules_(rules) {
+  if (!rules.outputFolder.empty()) {
+    names_.emplace(rules.outputFolder);
     std::error_code ignored;
-    outputFolderWasEmpty_ = std::filesystem::is_empty(outputFolder, ignored);
+    outputFolderWasEmpty_ = std::filesystem::is_empty(rules.outputFolder, ignored);
   }
   items_.reserve(inputs.Count());
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
@@ -29,15 +29,13 @@ void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const Protect
     return Settle(input, Status::kSkipped, "the same file as " + inputs_.File(static_cast<std::size_t>(same)));
   }
   Item item{static_cast<std::uint32_t>(input), 0};
-  std::string output = inputs_.File(input);
-  if (names_) {
-    const std::string relative = inputs_.Relative(input);
-    item.copyNumber = names_->Take(relative);
-    output = names_->Name(relative, item.copyNumber);
+  if (names_) item.copyNumber = names_->Take(inputs_.Relative(input));
+  const std::string output = OutputOf(item.input, item.copyNumber);
+  if (names_ || !rules_.outputFile.empty()) {
     if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
       return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
     }
-    if (!MakeParent(output)) {
+    if (names_ && !MakeParent(output)) {
       return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
     }
   }
@@ -56,10 +54,17 @@ void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::st
   settled_.push_back(std::move(record));
 }
 
+std::string RunPlan::OutputOf(std::uint32_t input, std::uint32_t copyNumber) const {
+  if (names_) return names_->Name(inputs_.Relative(input), copyNumber);
+  return rules_.outputFile.empty() ? inputs_.File(input) : rules_.outputFile;
+}
+
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
   const std::string file = inputs_.File(input);
-  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file};
+  PlannedFile planned{file, OutputOf(input, copyNumber), {}};
+  if (rules_.needsPathBelow) planned.pathBelow = inputs_.PathBelow(rules_.root, input).value_or("");
+  return planned;
 }
 
 // Inputs from folders keep their path below that folder.

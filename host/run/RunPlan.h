@@ -17,15 +17,24 @@
 struct PlannedFile {
   std::string file;
   std::string output;
+  std::string pathBelow;  // what values for this file are made of; only where a run makes some
+};
+
+// How outputs and values for each file are named.
+struct NamingRules {
+  std::string outputFolder;     // an existing folder, or empty for the next or, when that is empty too, in place
+  std::string outputFile;       // for the one input there is
+  bool needsPathBelow = false;  // values are made for each file
+  std::string root;             // see InputList::PathBelow
 };
 
 // Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
 // is whole before the first file is processed, so that worker processes can take files from it by number.
 class RunPlan {
  public:
-  // `outputFolder` empty means in place; else it is an existing folder, in which the folders of the outputs are made.
-  // Keeps a reference to the inputs. Throws as Interruption::Check does.
-  RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+  // Makes the folders of the outputs in the output folder. Keeps references to inputs and rules. Throws as
+  // Interruption::Check does.
+  RunPlan(const InputList& inputs, const NamingRules& rules, const ResumedReport& resumed,
           const ProtectedFiles& protectedFiles);
 
   // The files to process are numbered from 0.
@@ -43,11 +52,13 @@ class RunPlan {
   };
 
   void Add(std::size_t input, const ResumedReport& resumed, const ProtectedFiles& protectedFiles);
+  std::string OutputOf(std::uint32_t input, std::uint32_t copyNumber) const;
   void Settle(std::size_t input, FileRecord::Status status, const std::string& reason);
   std::string Overwrites(const std::string& output, const ProtectedFiles& protectedFiles);
   bool MakeParent(const std::string& output);
 
   const InputList& inputs_;
+  const NamingRules& rules_;
   std::optional<OutputNames> names_;
   std::vector<Item> items_;
   std::vector<FileRecord> settled_;
