@@ -3,14 +3,13 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <optional>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
@@ -19,6 +18,7 @@
 #include "host/files/InputList.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/DocumentRun.h"
+#include "host/run/JobDigest.h"
 #include "host/run/ReportFile.h"
 #include "host/run/ResumedReport.h"
 #include "host/run/RunPlan.h"
@@ -27,16 +27,6 @@
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
-
-constexpr int kMostJobs = 1024;
-constexpr int kUsualSeconds = 900;
-constexpr int kMostSeconds = 1000000;
-constexpr int kUsualMebibytes = 4096;
-constexpr int kMostMebibytes = 1 << 20;
-
-int Cores() {
-  return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
-}
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   const std::optional<FileStatus> status = FileLookup().Get(path);
@@ -89,6 +79,16 @@ QString UserOfFolders(const std::vector<ConfiguredAction>& actions) {
   return {};
 }
 
+// Whether the folder could be made.
+void CheckOutputFolder(const std::string& folder) {
+  std::filesystem::path existing = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::exists(existing, ignored) && existing.has_relative_path()) existing = existing.parent_path();
+  if (std::filesystem::is_directory(existing, ignored)) return;
+  throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
+                                     .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
@@ -103,7 +103,7 @@ RunCommand::RunCommand()
       QStringLiteral("edit --action \"Set Base URL\" | vorlane-run run --settings - --output-dir out a.pdf b.pdf"));
 }
 
-RunCommand::RunCommand(const QString& name, const QString& summary) : SettingsCommand(name, summary) {
+RunCommand::RunCommand(const QString& name, const QString& summary) : BatchCommand(name, summary) {
   AddSettingsOptions();
   AddUncheckedOption();
   AddTemplateOptions();
@@ -112,43 +112,37 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : SettingsCo
   AddOption(QStringLiteral("d|output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
-  AddOption(QStringLiteral("files-from"),
-            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
-            QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
+  AddInputOptions();
+  AddOption(QStringLiteral("dry-run"),
+            QStringLiteral("Does all but save: nothing is written but the report, which says what would be."));
+  AddOption(QStringLiteral("backup"),
+            QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
+                           "backup stays: the next one is numbered."),
+            QStringLiteral("SUFFIX"));
+  AddOption(QStringLiteral("only-if"),
+            QStringLiteral("Touches only files without a base URL ('none'), those whose base URL would change "
+                           "('differs'), or those with this one."),
+            QStringLiteral("none|differs|URL"));
   AddPasswordOptions();
   AddOption(
       QStringLiteral("report"),
       QStringLiteral(
           "JSON report: an array at the end; '-' or a name ending in .jsonl: a line for each file as it finishes."),
       QStringLiteral("FILE"));
-  AddOption(QStringLiteral("resume"), QStringLiteral("Leaves out the files that this earlier report says are done."),
+  AddOption(QStringLiteral("resume"),
+            QStringLiteral("Leaves out the files that the same job has done according to this earlier report, and that "
+                           "are as it left them."),
             QStringLiteral("REPORT"));
-  AddOption(QStringLiteral("jobs"),
-            QStringLiteral("Worker processes (default: the cores); 0 runs everything in one process, for actions that "
-                           "gather across documents."),
-            QStringLiteral("N"));
-  AddOption(QStringLiteral("timeout"),
-            QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "
-                           "which the run is stopped or the machine sleeps does not count."),
-            QStringLiteral("SECONDS"));
-  AddOption(QStringLiteral("memory"),
-            QStringLiteral("A file fails that takes more memory; each process may take as much (default: 4096; 0: no "
-                           "limit)."),
-            QStringLiteral("MIB"));
+  AddWorkerOptions();
   AddOption(QStringLiteral("allow-breaking-signatures"),
-            QStringLiteral("Also saves signed documents that can only be rewritten."));
+            QStringLiteral("Also saves signed documents that can only be rewritten, and certified ones that permit no "
+                           "change."));
   AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
   AddOption(QStringLiteral("exit-zero"),
             QStringLiteral("Ends with 0 also when documents failed; the report names them."));
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));
   AddToolsOption();
   AddLibraryOption();
-}
-
-void RunCommand::AddFileArgument() {
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
-                                QStringLiteral("FILE..."));
 }
 
 void RunCommand::CheckAction() const {
@@ -170,19 +164,25 @@ void RunCommand::Check() {
   if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
     refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
   }
-  for (const char* name : {"list", "output", "output-dir", "files-from", "report", "resume"}) {
-    if (IsSet(name) && Value(name).isEmpty()) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
-    }
-  }
-  if (FileArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup", "only-if"});
+  CheckInputOptions();
   CheckStandardInput({"files-from", "password-file", "settings"});
+  CheckOutputOptions();
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
-  jobs_ = Number("jobs", Cores(), 0, kMostJobs);
-  timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
-  memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
-  if (IsSet("timeout") && timeout_ > 0 && jobs_ == 0) {
-    refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
+  CheckWorkerOptions();
+}
+
+void RunCommand::CheckOutputOptions() const {
+  const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
+  if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
+    refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
+  }
+  if (!IsSet("backup")) return;
+  if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
+  const QString suffix = Value("backup");
+  if (suffix.contains(QLatin1Char('/'))) refuse("The suffix of '--backup' cannot contain '/'.");
+  if (suffix.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+    refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
   }
 }
 
@@ -219,27 +219,25 @@ QString RunCommand::ListFile() const {
   return ActionList::Locate(Value("list"));
 }
 
-void RunCommand::CollectInputs(InputList& inputs) const {
-  for (const QString& file : FileArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
-  if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
-  for (const std::string& folder : inputs.EmptyFolders()) Console::ErrorAbout(folder, "no PDF file is below it");
-}
-
 // Throws CommandError when the options do not fit the inputs.
-NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
-  NamingRules rules{BytesOf("output-dir").toStdString(), BytesOf("output").toStdString(), false, {}};
+PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
+  PlanOptions options;
+  options.outputFolder = BytesOf("output-dir").toStdString();
+  options.outputFile = BytesOf("output").toStdString();
+  options.dryRun = IsSet("dry-run");
   if (IsSet("output") && inputs.Count() != 1) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
                                                   "'--output-dir'.")
                                        .arg(inputs.Count()));
   }
-  if (IsSet("root")) rules.root = RealFolder(BytesOf("root").toStdString());
+  if (IsSet("root")) options.root = RealFolder(BytesOf("root").toStdString());
+  options.job = JobDigest(actions, options.root);
   const QString folderUser = UserOfFolders(actions);
-  for (const ConfiguredAction& action : actions) rules.needsPathBelow |= !action.templates.isEmpty();
-  if (folderUser.isEmpty()) return rules;
+  for (const ConfiguredAction& action : actions) options.needsPathBelow |= !action.templates.isEmpty();
+  if (folderUser.isEmpty()) return options;
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
     Interruption::Check();
-    if (!inputs.Problem(input).empty() || inputs.PathBelow(rules.root, input)) continue;
+    if (!inputs.Problem(input).empty() || inputs.PathBelow(options.root, input)) continue;
     const QString file = NativeName::ToText(inputs.File(input));
     throw CommandError(kExitUsage,
                        IsSet("root")
@@ -248,7 +246,7 @@ NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<Config
                                             "is given with '--recursive': '--root DIR' is needed.")
                                  .arg(folderUser, file));
   }
-  return rules;
+  return options;
 }
 
 // What the run reads beside the documents.
@@ -281,8 +279,8 @@ void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& othe
 int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
-  settings.processing = {Passwords(), IsSet("allow-breaking-signatures")};
-  settings.memoryLimit = memoryLimit_;
+  settings.processing = Processing();
+  settings.memoryLimit = MemoryLimit();
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
   QStringList warnings;
@@ -294,46 +292,92 @@ int RunCommand::Execute() {
   CollectInputs(inputs);
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
-  const NamingRules naming = Naming(inputs, settings.actions);
+  const PlanOptions options = Plan(inputs, settings.actions);
   for (const QString& warning : warnings) {
     if (!IsSet("quiet")) Console::Error(warning);
   }
-  return RunOver(inputs, naming, protectedFiles, settings);
+  return RunOver(inputs, options, protectedFiles, settings);
 }
 
-int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
-                        const RunSettings& settings) const {
-  const std::string reportName = BytesOf("report").toStdString();
+ProcessingOptions RunCommand::Processing() const {
+  using Kind = BaseUrlCondition::Kind;
+  ProcessingOptions options;
+  options.passwords = Passwords();
+  options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
+  options.dryRun = IsSet("dry-run");
+  options.backupSuffix = BytesOf("backup").toStdString();
+  if (!IsSet("only-if")) return options;
+  const QString condition = Value("only-if");
+  if (condition == QLatin1String("none")) {
+    options.onlyIf.kind = Kind::kNone;
+  } else if (condition == QLatin1String("differs")) {
+    options.onlyIf.kind = Kind::kDiffers;
+  } else {
+    options.onlyIf = {Kind::kIs, UrlAsWritten(condition).toStdWString()};
+  }
+  return options;
+}
+
+ResumedReport RunCommand::ReadEarlierReport(bool isSameFile) const {
   const std::string earlier = BytesOf("resume").toStdString();
-  const std::optional<FileIdentity> written = IdentityOf(reportName);
-  const bool sameFile = earlier == reportName || (written && written == IdentityOf(earlier));
-  const bool append = !earlier.empty() && sameFile && ReportFile::IsLines(reportName);
   // A job that resumes its own report has none yet in its first run.
-  const ResumedReport resumed = earlier.empty() || (sameFile && !written) ? ResumedReport() : ResumedReport(earlier);
+  if (earlier.empty() || (isSameFile && !IdentityOf(earlier))) return ResumedReport();
+  ResumedReport resumed(earlier);
   if (resumed.TornLines() > 0 && !IsSet("quiet")) {
     Console::Error(QStringLiteral("The report '%1' has %2 lines that were cut off by a crash; they are passed over.")
                        .arg(Value("resume"))
                        .arg(resumed.TornLines()));
   }
-  if (!naming.outputFolder.empty()) MakeOutputFolder(naming.outputFolder);
+  return resumed;
+}
+
+void RunCommand::WarnOfRedone(const RunPlan& plan) const {
+  const auto warn = [&](std::size_t files, const char* why) {
+    if (files == 0 || IsSet("quiet")) return;
+    Console::Error(QStringLiteral("Files of the report '%1' that are done again: %2 (%3).")
+                       .arg(Value("resume"))
+                       .arg(files)
+                       .arg(QLatin1String(why)));
+  };
+  warn(plan.DoneWithoutJob(), "the report does not say with which settings they were done");
+  warn(plan.DoneOtherwise(), "they were done with other actions or settings");
+  warn(plan.ChangedSince(), "they were changed or removed since");
+}
+
+int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
+                        const RunSettings& settings) const {
+  const bool dryRun = options.dryRun;
+  const std::string reportName = BytesOf("report").toStdString();
+  const std::string earlier = BytesOf("resume").toStdString();
+  const std::optional<FileIdentity> written = IdentityOf(reportName);
+  const bool sameFile = !earlier.empty() && (earlier == reportName || (written && written == IdentityOf(earlier)));
+  if (sameFile && dryRun) {
+    throw CommandError(kExitUsage, QStringLiteral("A dry run cannot write the report that it resumes."));
+  }
+  const bool append = sameFile && ReportFile::IsLines(reportName);
+  ResumedReport resumed = ReadEarlierReport(sameFile);
+  if (const std::string& folder = options.outputFolder; !folder.empty()) {
+    dryRun ? CheckOutputFolder(folder) : MakeOutputFolder(folder);
+  }
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, naming, resumed, protectedFiles);
-  if (!append) {
+  const RunPlan plan(inputs, options, resumed, protectedFiles);
+  WarnOfRedone(plan);
+  if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {
       report.Add({json.constData(), static_cast<std::size_t>(json.size())});
     });
   }
 
-  RunReporter reporter(report, inputs.Count(), IsSet("quiet"));
+  RunReporter reporter(report, inputs.Count(), IsSet("quiet"), dryRun);
   reporter.CountDoneBefore(plan.DoneBefore());
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
-  for (const FileRecord& record : plan.Settled()) reporter.Take(record);
+  for (const FileRecord& record : plan.Settled()) reporter.TakeSettled(record);
   DocumentRun run(settings, plan, reporter);
-  if (jobs_ == 0) {
+  if (Jobs() == 0) {
     run.RunHere();
   } else {
-    WorkerPool(run, plan.Count(), static_cast<std::size_t>(jobs_), std::chrono::seconds(timeout_)).Run();
+    WorkerPool(run, plan.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);

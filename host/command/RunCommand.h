@@ -1,19 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/command/BatchCommand.h"
+
 #include <string>
 #include <vector>
-
-#include "host/command/SettingsCommand.h"
 
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
-struct NamingRules;
+class ResumedReport;
+class RunPlan;
+struct PlanOptions;
+struct ProcessingOptions;
 struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
-class RunCommand : public SettingsCommand {
+class RunCommand : public BatchCommand {
  public:
   RunCommand();
 
@@ -31,20 +34,17 @@ class RunCommand : public SettingsCommand {
 
   // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
   virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
-  virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
-  void AddFileArgument();
 
  private:
   std::vector<ConfiguredAction> LoadList(ActionCatalog& catalog, QStringList& warnings) const;
   QString ListFile() const;
-  void CollectInputs(InputList& inputs) const;
   ProtectedFiles OtherInputs() const;
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
-  NamingRules Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
-  int RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
+  ResumedReport ReadEarlierReport(bool isSameFile) const;
+  void CheckOutputOptions() const;
+  ProcessingOptions Processing() const;
+  void WarnOfRedone(const RunPlan& plan) const;
+  PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
-
-  int jobs_ = 0;
-  int timeout_ = 0;
-  std::size_t memoryLimit_ = 0;
 };

@@ -202,6 +202,10 @@ TEST(Program, SignedDocuments) {
   WriteFile("signed.pdf", MakeSignedPdf());
   WriteFile("certified.pdf", MakeSignedPdf(1));
   WriteFile("broken.pdf", MakeSignedPdfToRewrite());
+  const ProgramResult refused = RunProgram(kSet + QStringList{"--in-place", "certified.pdf"});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.err.toStdString(), HasSubstr("certification permits no change"));
+  EXPECT_EQ(ReadFile("certified.pdf"), MakeSignedPdf(1));
   const ProgramResult result = RunProgram(kSet + QStringList{"--allow-breaking-signatures", "--in-place", "--report",
                                                              "r.json", "signed.pdf", "certified.pdf", "broken.pdf"});
   EXPECT_EQ(result.code, 0) << result.err.toStdString();
