@@ -283,8 +283,7 @@ int RunCommand::Execute() {
   settings.memoryLimit = MemoryLimit();
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  QStringList warnings;
-  settings.actions = LoadActions(catalog, warnings);
+  settings.actions = LoadActions(catalog, warnings_);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
@@ -293,9 +292,6 @@ int RunCommand::Execute() {
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
   const PlanOptions options = Plan(inputs, settings.actions);
-  for (const QString& warning : warnings) {
-    if (!IsSet("quiet")) Console::Error(warning);
-  }
   return RunOver(inputs, options, protectedFiles, settings);
 }
 
@@ -369,6 +365,10 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
     });
   }
 
+  // Only now: an error before is the one line that counts.
+  for (const QString& warning : warnings_) {
+    if (!IsSet("quiet")) Console::Error(warning);
+  }
   RunReporter reporter(report, inputs.Count(), IsSet("quiet"), dryRun);
   reporter.CountDoneBefore(plan.DoneBefore());
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");

@@ -47,4 +47,6 @@ class RunCommand : public BatchCommand {
   PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
   int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
+
+  QStringList warnings_;  // of the settings
 };
