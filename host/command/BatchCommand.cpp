@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "host/base/CommandError.h"
+#include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/files/InputList.h"
 
@@ -28,20 +29,24 @@ void BatchCommand::AddInputOptions() {
             QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
+}
+
+void BatchCommand::AddFileArgument() {
   parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
                                 QStringLiteral("FILE..."));
 }
 
 void BatchCommand::CheckInputOptions() const {
   RefuseEmpty({"files-from"});
-  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) {
+  if (FileArguments().isEmpty() && !IsSet("files-from")) {
     throw CommandError(kExitUsage, QStringLiteral("No file is given."));
   }
 }
 
 void BatchCommand::CollectInputs(InputList& inputs) const {
-  for (const QString& file : parser_.positionalArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
+  for (const QString& file : FileArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
   if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
+  for (const std::string& folder : inputs.EmptyFolders()) Console::ErrorAbout(folder, "no PDF file is below it");
 }
 
 void BatchCommand::AddWorkerOptions() {

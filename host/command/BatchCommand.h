@@ -5,17 +5,20 @@
 #include <cstddef>
 #include <initializer_list>
 
-#include "host/command/Command.h"
+#include "host/command/SettingsCommand.h"
 
 class InputList;
 
 // A command that works on many files in worker processes: which files, and what each process may take.
-class BatchCommand : public Command {
+class BatchCommand : public SettingsCommand {
  protected:
-  using Command::Command;
+  using SettingsCommand::SettingsCommand;
 
-  // FILE, --files-from, --recursive.
+  // --files-from, --recursive.
   void AddInputOptions();
+  // FILE, which stands last among the arguments.
+  void AddFileArgument();
+  virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
   void CheckInputOptions() const;
   // Throws as InputList::Add and InputList::AddFrom do.
   void CollectInputs(InputList& inputs) const;

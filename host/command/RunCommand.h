@@ -6,13 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "host/actions/ConfiguredAction.h"
-
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
 class ResumedReport;
 class RunPlan;
+struct PlanOptions;
 struct ProcessingOptions;
 struct RunSettings;
 
@@ -25,11 +24,19 @@ class RunCommand : public BatchCommand {
   void PrepareWindowSystem() const override;
 
  protected:
+  // With the options for files, outputs and settings, but none that says which action.
+  RunCommand(const QString& name, const QString& summary);
+
   void Check() override;
+  // Throws CommandError when no action is given.
+  virtual void CheckAction() const;
   int Execute() override;
 
+  // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
+  virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
+
  private:
-  std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog) const;
+  std::vector<ConfiguredAction> LoadList(ActionCatalog& catalog, QStringList& warnings) const;
   QString ListFile() const;
   ProtectedFiles OtherInputs() const;
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
@@ -37,6 +44,9 @@ class RunCommand : public BatchCommand {
   void CheckOutputOptions() const;
   ProcessingOptions Processing() const;
   void WarnOfRedone(const RunPlan& plan) const;
-  int RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+  PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
+
+  QStringList warnings_;  // of the settings
 };

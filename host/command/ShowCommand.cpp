@@ -14,6 +14,7 @@ ShowCommand::ShowCommand()
                    QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
   AddOption(QStringLiteral("json"), QStringLiteral("Prints all facts about each file: one JSON object a line."));
   AddInputOptions();
+  AddFileArgument();
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
@@ -28,7 +29,7 @@ void ShowCommand::Check() {
 int ShowCommand::Execute() {
   FileQuestion question;
   question.libraryFile = LibraryFile();
-  question.password = Password();
+  question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
   if (IsSet("json")) {
     question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {

@@ -22,7 +22,7 @@ struct BaseUrlCondition {
 };
 
 struct ProcessingOptions {
-  std::wstring password;
+  std::vector<std::wstring> passwords;
   bool allowBreakingSignatures = false;
   bool dryRun = false;       // everything but the save
   std::string backupSuffix;  // bytes; empty for no backups. Outputs are the inputs then
@@ -39,16 +39,16 @@ class DocumentProcessor {
       : library_(library), actions_(actions), options_(options) {}
 
   // Whatever goes wrong is in the record; nothing is thrown. A failed document leaves its output untouched.
-  // `advise`: a new base URL by which links lead to different places gets a warning, if the file is small.
-  FileRecord Process(const PlannedFile& file, bool advise);
+  FileRecord Process(const PlannedFile& file);
 
  private:
   struct Failure;
   struct Unwanted;
 
-  void ProcessOnce(FileRecord& record, bool advise);
+  void ProcessOnce(FileRecord& record, const PlannedFile& file);
   void Load(FileRecord& record);
-  void RunActions(FileRecord& record);
+  QMap<QString, QVariant> SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const;
+  void RunActions(FileRecord& record, const PlannedFile& file);
   void CheckCondition(const FileRecord& record, bool actionsRan) const;
   void Advise(FileRecord& record);
   void CheckSaving(FileRecord& record);

@@ -20,7 +20,9 @@ void DocumentRun::RunHere() {
 }
 
 FileRecord DocumentRun::ProcessItem(std::size_t item) {
-  return processor_->Process(plan_.File(item), item < kAdvisedFiles);
+  PlannedFile file = plan_.File(item);
+  file.advise = item < kAdvisedFiles;
+  return processor_->Process(file);
 }
 
 void DocumentRun::Lose(std::size_t item, const std::string& reason) {

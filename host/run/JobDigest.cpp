@@ -24,10 +24,15 @@ QVariant Ordered(const QVariant& value) {
 
 }  // namespace
 
-std::string JobDigest(const std::vector<ConfiguredAction>& actions) {
+std::string JobDigest(const std::vector<ConfiguredAction>& actions, const std::string& root) {
   QByteArray bytes;
   QDataStream stream(&bytes, QIODevice::WriteOnly);
   stream.setVersion(QDataStream::Qt_5_15);
-  for (const ConfiguredAction& action : actions) stream << action.name << Ordered(action.settings).toMap();
+  for (const ConfiguredAction& action : actions) {
+    stream << action.name << Ordered(action.settings).toMap();
+    for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+      stream << each.key() << each->Text() << QByteArray::fromStdString(root);
+    }
+  }
   return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(kDigits).toStdString();
 }

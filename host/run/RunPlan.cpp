@@ -29,15 +29,13 @@ void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFile
     return Settle(input, Status::kSkipped, "the same file as " + inputs_.File(static_cast<std::size_t>(same)));
   }
   Item item{static_cast<std::uint32_t>(input), 0};
-  std::string output = inputs_.File(input);
-  if (names_) {
-    const std::string relative = inputs_.Relative(input);
-    item.copyNumber = names_->Take(relative);
-    output = names_->Name(relative, item.copyNumber);
+  if (names_) item.copyNumber = names_->Take(inputs_.Relative(input));
+  const std::string output = OutputOf(item.input, item.copyNumber);
+  if (names_ || !options_.outputFile.empty()) {
     if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
       return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
     }
-    if (!MakeParent(output)) {
+    if (names_ && !MakeParent(output)) {
       return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
     }
   }
@@ -68,10 +66,17 @@ void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::st
   settled_.push_back(std::move(record));
 }
 
+std::string RunPlan::OutputOf(std::uint32_t input, std::uint32_t copyNumber) const {
+  if (names_) return names_->Name(inputs_.Relative(input), copyNumber);
+  return options_.outputFile.empty() ? inputs_.File(input) : options_.outputFile;
+}
+
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
   const std::string file = inputs_.File(input);
-  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file, options_.job};
+  PlannedFile planned{file, OutputOf(input, copyNumber), options_.job, {}};
+  if (options_.needsPathBelow) planned.pathBelow = inputs_.PathBelow(options_.root, input).value_or("");
+  return planned;
 }
 
 // Inputs from folders keep their path below that folder.

@@ -17,14 +17,20 @@
 struct PlannedFile {
   std::string file;
   std::string output;
-  std::string job;  // see JobDigest
+  std::string job;        // see JobDigest
+  std::string pathBelow;  // what values for this file are made of; only where a run makes some
+  // A new base URL by which viewers lead to different places gets a warning, if the file is small.
+  bool advise = false;
 };
 
 // What a plan depends on beside the inputs.
 struct PlanOptions {
-  std::string outputFolder;  // an existing folder, or empty for in place
-  bool dryRun = false;       // no folder is made, and the output's need not exist
-  std::string job;           // see JobDigest
+  std::string outputFolder;     // an existing folder, or empty for the next or, when that is empty too, in place
+  std::string outputFile;       // for the one input there is
+  bool needsPathBelow = false;  // values are made for each file
+  std::string root;             // see InputList::PathBelow
+  bool dryRun = false;          // no folder is made, and the output's need not exist
+  std::string job;              // see JobDigest
 };
 
 // Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
@@ -57,6 +63,7 @@ class RunPlan {
 
   void Add(std::size_t input, ResumedReport& resumed, const ProtectedFiles& protectedFiles);
   bool IsDone(const std::string& file, const std::string& output, ResumedReport& resumed);
+  std::string OutputOf(std::uint32_t input, std::uint32_t copyNumber) const;
   void Settle(std::size_t input, FileRecord::Status status, const std::string& reason);
   std::string Overwrites(const std::string& output, const ProtectedFiles& protectedFiles);
   bool MakeParent(const std::string& output);
