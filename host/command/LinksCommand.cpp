@@ -57,7 +57,7 @@ void LinksCommand::Check() {
 int LinksCommand::Execute() {
   FileQuestion question;
   question.libraryFile = LibraryFile();
-  question.password = Password();
+  question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);

@@ -174,9 +174,9 @@ TEST(Commands, PasswordsAreTriedInTurn) {
 TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
   QDir().mkdir("Tools");
   QFile::copy(PROBEACTION_FILE, "Tools/ProbeAction.so");
-  EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 1);
-  qputenv("VORLANE_TOOLS_PATH", "/nowhere:" + QDir("Tools").absolutePath().toUtf8());
   EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 2);
+  qputenv("VORLANE_TOOLS_PATH", "/nowhere:" + QDir("Tools").absolutePath().toUtf8());
+  EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 3);
   qputenv("VORLANE_TOOLS_PATH", "Tools");
   EXPECT_EQ(RunProgram({"actions"}).code, 2);
   qunsetenv("VORLANE_TOOLS_PATH");

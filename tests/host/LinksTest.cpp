@@ -165,6 +165,23 @@ TEST(Links, CheckListsWhatIsMissing) {
   EXPECT_EQ(missing, (QStringList{"gone.html", "https://e.org/d/away", "o.html", "f.html"}));
 }
 
+TEST(Links, ANewBaseUrlIsWarnedOf) {
+  const struct {
+    const char* base;
+    QVariantList warnings;
+  } rows[] = {
+      {"https://e.org/m/", {"4 relative links, 1 leads elsewhere in Chrome than in Firefox"}},
+      {"https://e.org/m", {"4 relative links, 4 lead elsewhere in Chrome than in Firefox; end the base URL with '/'"}},
+      {"https://e.org/old/", {}}};
+  WriteFile("a.pdf", LinksPdf(Base("https://e.org/old/"), {"c.html", "/root", "http://e.org/"}));
+  for (const auto& row : rows) {
+    const ProgramResult result =
+        RunProgram({"run", "--action", "Set Base URL", "--set", QStringLiteral("baseUrlString=") + row.base,
+                    "--output-dir", "out", "--report", "-", "a.pdf"});
+    EXPECT_EQ(ReadReport(result.out)["a.pdf"]["warnings"].toArray().toVariantList(), row.warnings) << row.base;
+  }
+}
+
 // ---- The action "Make Links Absolute" ----
 
 ProgramResult MakeAbsolute(const QStringList& more) {

@@ -254,6 +254,8 @@ TEST(Program, ListsByNameAndByFile) {
 
 TEST(Program, ShowsActionsHelpVersionAndUrls) {
   EXPECT_EQ(RunProgram({"actions"}).out,
+            "Make Links Absolute\tDocument Properties\t15\tAction_MakeLinksAbsolute.html\tmake-links-absolute\tbase "
+            "removeBase\n"
             "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\tset-base-url\tbaseUrlString\n");
   EXPECT_EQ(RunProgram({"actions"}).err, "");
   const ProgramResult probe = RunProgram({"actions", "--tools-dir", QFileInfo(PROBEACTION_FILE).path()});
