@@ -185,7 +185,7 @@ TEST(Links, ANewBaseUrlIsWarnedOf) {
 // ---- The action "Make Links Absolute" ----
 
 ProgramResult MakeAbsolute(const QStringList& more) {
-  return RunProgram(QStringList{"run", "--action", "Make Links Absolute", "--in-place", "--report", "-"} + more);
+  return RunProgram(QStringList{"make-links-absolute", "--in-place", "--report", "-"} + more);
 }
 
 TEST(MakeLinksAbsolute, EveryRelativeLinkLeadsWhereItShould) {
