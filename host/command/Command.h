@@ -1,10 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <QCommandLineParser>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <string>
+#include <vector>
+
+class InputList;
+
+// How many worker processes, and what each may take.
+struct WorkerLimits {
+  std::size_t jobs = 0;               // 0: everything in this process
+  std::chrono::seconds timeLimit{0};  // 0: none
+  std::size_t memory = 0;             // bytes; 0: no limit
+};
 
 // One command of the program: its options, its help and its work.
 class Command {
@@ -20,14 +33,15 @@ class Command {
   static QCommandLineOption HelpOption();
 
   // Takes the arguments after the command's name. Throws CommandError(kExitUsage).
-  void Parse(const QStringList& arguments);
+  virtual void Parse(const QStringList& arguments);
   // Whether a QApplication must exist before Run; a QCoreApplication always does. Asked after Parse.
   virtual bool NeedsWindowSystem() const { return false; }
   // Prepares the environment of that QApplication.
   virtual void PrepareWindowSystem() const;
   bool OnlyHelps() const { return IsSet("help"); }
   // Does the work, or prints the help when it was asked for; returns the exit code. Throws CommandError.
-  int Run();
+  virtual int Run();
+  virtual QString HelpText() const;
 
  protected:
   Command(const QString& name, const QString& summary);
@@ -36,8 +50,12 @@ class Command {
   virtual void Check() {}
   virtual int Execute() = 0;
 
+  // `name` may have a short form before it: "o|output".
   void AddOption(const QString& name, const QString& description, const QString& value = QString());
-  bool IsSet(const char* name) const { return parser_.isSet(QLatin1String(name)); }
+  // False also for an option that the command does not have.
+  bool IsSet(const char* name) const {
+    return options_.contains(QLatin1String(name)) && parser_.isSet(QLatin1String(name));
+  }
   QString Value(const char* name) const { return parser_.value(QLatin1String(name)); }
   QByteArray BytesOf(const char* name) const;
   // The option's whole number, `fallback` when it is not set. Throws CommandError when it is not a number or out of
@@ -45,6 +63,8 @@ class Command {
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;
+  // Throws CommandError when one of the options is given an empty text.
+  void RefuseEmpty(const std::vector<const char*>& options) const;
   // Throws CommandError when there is an argument that is not an option.
   void RefuseArguments() const;
   // Marks an option that may be given more than once.
@@ -59,18 +79,36 @@ class Command {
   std::wstring LibraryFile() const;
   void AddPasswordOptions();
   void CheckPasswordOptions() const { Exclude("password", "password-file"); }
-  // Throws CommandError when the password file cannot be read.
-  std::wstring Password() const;
-  void AddActionOptions();
-  // The --set options as a settings map. Throws CommandError for one without "=".
-  QMap<QString, QVariant> Settings() const;
+  // --files-from, --recursive; the names themselves are AddFileArgument().
+  void AddInputOptions();
+  void AddFileArgument();
+  // Takes these files and those of --files-from. Throws as InputList::Add and InputList::AddFrom do.
+  void CollectInputs(InputList& inputs, const QStringList& files) const;
+  // --jobs, --timeout, --memory.
+  void AddWorkerOptions();
+  // Throws CommandError.
+  WorkerLimits Workers() const;
+  // All that are to be tried. Throws CommandError when the password file cannot be read.
+  std::vector<std::wstring> Passwords() const;
+  // Throws CommandError when more than one of the options reads the standard input.
+  void CheckStandardInput(const std::vector<const char*>& options) const;
+  // One example for the end of the help.
+  void AddExample(const QString& line) { examples_ += line; }
 
   QCommandLineParser parser_;
 
  private:
   void RefuseRepeatedOptions() const;
 
+  QString LongName(const QString& name) const;
+  void RefuseDashedNames(const QStringList& arguments) const;
+  QString ParsingError() const;
+
   QString name_;
   QString summary_;
+  QStringList options_;
+  QStringList valued_;                 // options with a value
+  QMap<QString, QString> shortForms_;  // to long ones
   QStringList repeatable_;
+  QStringList examples_;
 };

@@ -71,14 +71,45 @@ void CheckOutputFolder(const std::string& folder) {
                                      .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
 }
 
+// The folder's real path with a slash at its end.
+std::string RealFolder(const std::string& folder) {
+  std::error_code error;
+  const std::filesystem::path real = std::filesystem::canonical(folder, error);
+  if (!error && std::filesystem::is_directory(real)) return real == "/" ? "/" : real.string() + '/';
+  throw CommandError(kExitUsage, QStringLiteral("There is no folder '%1'.").arg(NativeName::ToText(folder)));
+}
+
+// The first key whose values depend on the files' folders, or an empty text.
+QString UserOfFolders(const std::vector<ConfiguredAction>& actions) {
+  for (const ConfiguredAction& action : actions) {
+    for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+      if (each->UsesFolder()) return each.key();
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
-    : BatchCommand(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
+    : RunCommand(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
   AddOption(QStringLiteral("list"), QStringLiteral("The action list: its name in the sequence folder, or a file."),
             QStringLiteral("NAME|FILE.xqq"));
-  AddActionOptions();
-  AddOption(QStringLiteral("output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
+  AddActionOption();
+  AddFileArgument();
+  AddExample(QStringLiteral("run --list \"My List\" --recursive --output-dir out --report out/report.json archive/"));
+  AddExample(QStringLiteral("run --action \"Set Base URL\" --set baseUrlString=https://example.org/ --in-place *.pdf"));
+  AddExample(
+      QStringLiteral("edit --action \"Set Base URL\" | vorlane-run run --settings - --output-dir out a.pdf b.pdf"));
+}
+
+RunCommand::RunCommand(const QString& name, const QString& summary) : SettingsCommand(name, summary) {
+  AddSettingsOptions();
+  AddUncheckedOption();
+  AddTemplateOptions();
+  AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
+            QStringLiteral("FILE"));
+  AddOption(QStringLiteral("d|output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddInputOptions();
@@ -114,20 +145,31 @@ RunCommand::RunCommand()
   AddLibraryOption();
 }
 
+void RunCommand::CheckAction() const {
+  if (IsSet("list") && HasSettings()) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--list' excludes options for an action and its settings."));
+  }
+  if (IsSet("list") || IsSet("action") || IsSet("settings")) return;
+  throw CommandError(kExitUsage, QStringLiteral("Either '--list' or '--action' is needed."));
+}
+
 void RunCommand::Check() {
   const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
   CheckPasswordOptions();
-  Exclude("list", "action");
-  Exclude("list", "set");
+  CheckAction();
+  CheckSettingsOptions();
   Exclude("output-dir", "in-place");
-  if (!IsSet("list") && !IsSet("action")) refuse("Either '--list' or '--action' is needed.");
-  if (!IsSet("output-dir") && !IsSet("in-place")) refuse("Either '--output-dir' or '--in-place' is needed.");
-  RefuseEmpty({"list", "action", "output-dir", "report", "resume", "backup", "only-if"});
-  CheckInputOptions();
+  Exclude("output", "in-place");
+  Exclude("output", "output-dir");
+  if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
+    refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
+  }
+  RefuseEmpty({"list", "output", "output-dir", "files-from", "report", "resume", "backup", "only-if"});
   CheckOutputOptions();
+  if (FileArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  CheckStandardInput({"files-from", "password-file", "settings"});
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
-  Settings();
-  CheckWorkerOptions();
+  workers_ = Workers();
 }
 
 void RunCommand::CheckOutputOptions() const {
@@ -146,30 +188,61 @@ void RunCommand::CheckOutputOptions() const {
 
 // A connection to a display does not survive in forked workers.
 void RunCommand::PrepareWindowSystem() const {
-  if (Jobs() > 0) {
+  if (!IsSet("jobs") || Value("jobs").toInt() > 0) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   } else {
     Command::PrepareWindowSystem();
   }
 }
 
-std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) const {
+std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog, QStringList& warnings) const {
+  if (IsSet("list")) return LoadList(catalog, warnings);
+  return {Configure(catalog, warnings)};
+}
+
+std::vector<ConfiguredAction> RunCommand::LoadList(ActionCatalog& catalog, QStringList& warnings) const {
   std::vector<ConfiguredAction> actions;
-  if (IsSet("action")) {
-    actions.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
-    return actions;
-  }
-  QStringList warnings;
-  const ActionListFile list = ActionList::Read(ListFile(), &warnings);
-  for (const QString& warning : warnings) Console::Error(warning);
+  const QString file = ListFile();
+  const ActionListFile list = ActionList::Read(file, &warnings);
   for (const ActionListFile::Entry& entry : list.entries) {
-    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
+    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings, {}});
+    const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.actionName);
+    if (!description) continue;
+    for (const QString& warning : ListWarnings(*description, entry.settings)) {
+      warnings += QStringLiteral("Warning: the action list '%1': %2").arg(file, warning);
+    }
   }
   return actions;
 }
 
 QString RunCommand::ListFile() const {
   return ActionList::Locate(Value("list"));
+}
+
+// Throws CommandError when the options do not fit the inputs.
+NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
+  NamingRules rules{BytesOf("output-dir").toStdString(), BytesOf("output").toStdString(), IsSet("dry-run"), false, {}};
+  if (IsSet("output") && inputs.Count() != 1) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
+                                                  "'--output-dir'.")
+                                       .arg(inputs.Count()));
+  }
+  if (IsSet("root")) rules.root = RealFolder(BytesOf("root").toStdString());
+  const QString folderUser = UserOfFolders(actions);
+  for (const ConfiguredAction& action : actions) rules.needsPathBelow |= !action.templates.isEmpty();
+  if (folderUser.isEmpty()) return rules;
+  for (std::size_t input = 0; input < inputs.Count(); ++input) {
+    Interruption::Check();
+    if (!inputs.Problem(input).empty() || inputs.PathBelow(rules.root, input)) continue;
+    const QString file = NativeName::ToText(inputs.File(input));
+    throw CommandError(kExitUsage,
+                       IsSet("root")
+                           ? QStringLiteral("'%1' is not below the folder of '--root'.").arg(file)
+                           : QStringLiteral("The value of '%1' uses the folder of '%2', which is not in a folder that "
+                                            "is given with '--recursive': '--root DIR' is needed.")
+                                 .arg(folderUser, file));
+  }
+  return rules;
 }
 
 // What the run reads beside the documents.
@@ -179,7 +252,11 @@ ProtectedFiles RunCommand::OtherInputs() const {
     const std::string name = BytesOf("files-from").toStdString();
     name == "-" ? files.Add(STDIN_FILENO, "the list of files") : files.Add(name, "the list of files");
   }
-  if (IsSet("password-file")) files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("password-file") && Value("password-file") != QLatin1String("-"))
+    files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("settings") && Value("settings") != QLatin1String("-")) {
+    files.Add(BytesOf("settings").toStdString(), "the settings");
+  }
   if (IsSet("list")) files.Add(NativeName::ToBytes(ListFile()).toStdString(), "the action list");
   return files;
 }
@@ -199,24 +276,29 @@ int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
   settings.processing = Processing();
-  settings.memoryLimit = MemoryLimit();
+  settings.memoryLimit = workers_.memory;
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  settings.actions = LoadActions(catalog);
+  QStringList warnings;
+  settings.actions = LoadActions(catalog, warnings);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
   InputList inputs(IsSet("recursive"), existingOutput ? &*existingOutput : nullptr);
-  CollectInputs(inputs);
+  CollectInputs(inputs, FileArguments());
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
-  return RunOver(inputs, outputFolder, protectedFiles, settings);
+  const NamingRules naming = Naming(inputs, settings.actions);
+  for (const QString& warning : warnings) {
+    if (!IsSet("quiet")) Console::Error(warning);
+  }
+  return RunOver(inputs, naming, protectedFiles, settings);
 }
 
 ProcessingOptions RunCommand::Processing() const {
   using Kind = BaseUrlCondition::Kind;
   ProcessingOptions options;
-  options.password = Password();
+  options.passwords = Passwords();
   options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
   options.dryRun = IsSet("dry-run");
   options.backupSuffix = BytesOf("backup").toStdString();
@@ -258,7 +340,7 @@ void RunCommand::WarnOfRedone(const RunPlan& plan) const {
   warn(plan.ChangedSince(), "they were changed or removed since");
 }
 
-int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
   const bool dryRun = settings.processing.dryRun;
   const std::string reportName = BytesOf("report").toStdString();
@@ -270,10 +352,12 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   }
   const bool append = sameFile && ReportFile::IsLines(reportName);
   ResumedReport resumed = ReadEarlierReport(sameFile);
+  const std::string& outputFolder = naming.outputFolder;
   if (!outputFolder.empty()) dryRun ? CheckOutputFolder(outputFolder) : MakeOutputFolder(outputFolder);
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, {outputFolder, dryRun, JobDigest(settings.actions)}, resumed, protectedFiles);
+  const JobDigest job(settings.actions);
+  const RunPlan plan(inputs, naming, job, resumed, protectedFiles);
   WarnOfRedone(plan);
   if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {
@@ -286,10 +370,10 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
   for (const FileRecord& record : plan.Settled()) reporter.TakeSettled(record);
   DocumentRun run(settings, plan, reporter);
-  if (Jobs() == 0) {
+  if (workers_.jobs == 0) {
     run.RunHere();
   } else {
-    WorkerPool(run, plan.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
+    WorkerPool(run, plan.Count(), workers_.jobs, workers_.timeLimit).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);

@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/BatchCommand.h"
-
 #include <string>
 #include <vector>
 
-#include "host/actions/ConfiguredAction.h"
+#include "host/command/SettingsCommand.h"
 
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
 class ResumedReport;
 class RunPlan;
+struct NamingRules;
 struct ProcessingOptions;
 struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
-class RunCommand : public BatchCommand {
+class RunCommand : public SettingsCommand {
  public:
   RunCommand();
 
@@ -25,11 +24,20 @@ class RunCommand : public BatchCommand {
   void PrepareWindowSystem() const override;
 
  protected:
+  // With the options for files, outputs and settings, but none that says which action.
+  RunCommand(const QString& name, const QString& summary);
+
   void Check() override;
+  // Throws CommandError when no action is given.
+  virtual void CheckAction() const;
   int Execute() override;
 
+  // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
+  virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
+  virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
+
  private:
-  std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog) const;
+  std::vector<ConfiguredAction> LoadList(ActionCatalog& catalog, QStringList& warnings) const;
   QString ListFile() const;
   ProtectedFiles OtherInputs() const;
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
@@ -37,6 +45,9 @@ class RunCommand : public BatchCommand {
   void CheckOutputOptions() const;
   ProcessingOptions Processing() const;
   void WarnOfRedone(const RunPlan& plan) const;
-  int RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+  NamingRules Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  int RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
+
+  WorkerLimits workers_;
 };

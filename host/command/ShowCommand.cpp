@@ -10,10 +10,10 @@
 #include "host/run/WorkerPool.h"
 
 ShowCommand::ShowCommand()
-    : BatchCommand(QStringLiteral("show"),
-                   QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
+    : Command(QStringLiteral("show"), QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
   AddOption(QStringLiteral("json"), QStringLiteral("Prints all facts about each file: one JSON object a line."));
   AddInputOptions();
+  AddFileArgument();
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
@@ -21,15 +21,19 @@ ShowCommand::ShowCommand()
 
 void ShowCommand::Check() {
   CheckPasswordOptions();
-  CheckInputOptions();
-  CheckWorkerOptions();
+  RefuseEmpty({"files-from"});
+  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) {
+    throw CommandError(kExitUsage, QStringLiteral("No file is given."));
+  }
+  CheckStandardInput({"files-from", "password-file"});
+  workers_ = Workers();
 }
 
 int ShowCommand::Execute() {
   FileQuestion question;
   question.libraryFile = LibraryFile();
-  question.password = Password();
-  question.memoryLimit = MemoryLimit();
+  question.passwords = Passwords();
+  question.memoryLimit = workers_.memory;
   if (IsSet("json")) {
     question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
       return DocumentFacts::ToJson(library, file) + '\n';
@@ -44,15 +48,15 @@ int ShowCommand::Execute() {
     };
   }
   InputList inputs(IsSet("recursive"), nullptr);
-  CollectInputs(inputs);
+  CollectInputs(inputs, parser_.positionalArguments());
   FileQuery query(inputs, question);
   // To start worker processes takes longer than to read one file.
-  const bool here = Jobs() == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
+  const bool here = workers_.jobs == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
   if (here) {
     query.RunHere();
   } else {
     Interruption::Install();
-    WorkerPool(query, inputs.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
+    WorkerPool(query, inputs.Count(), workers_.jobs, workers_.timeLimit).Run();
   }
   query.Finish();
   if (const int signal = Interruption::Signal()) return kExitSignalBase + signal;

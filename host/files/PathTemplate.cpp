@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/files/PathTemplate.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "host/base/CommandError.h"
@@ -66,6 +67,11 @@ QString PathTemplate::Fill(const std::string& path) const {
     }
   }
   return filled;
+}
+
+bool PathTemplate::UsesFolder() const {
+  return std::any_of(pieces_.begin(), pieces_.end(),
+                     [](const Piece& piece) { return piece.place == Place::kFolder || piece.place == Place::kPath; });
 }
 
 QString PathTemplate::Encoded(const std::string& part) const {

@@ -20,6 +20,8 @@ class PathTemplate {
 
   // `path` is relative, bytes as the file system has them. An empty {folder} takes the slash after it along.
   QString Fill(const std::string& path) const;
+  // Whether the text depends on the folders above the file.
+  bool UsesFolder() const;
 
  private:
   enum class Place { kNone, kPath, kFolder, kName, kStem };

@@ -53,7 +53,7 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
     record.job = file.job;
     bool again = false;
     try {
-      ProcessOnce(record);
+      ProcessOnce(record, file);
     } catch (const Failure& failure) {
       failed(failure.reason);
       again = failure.error == kErrorSourceChanged && attempt < kMostAttempts;
@@ -73,10 +73,10 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
   return record;
 }
 
-void DocumentProcessor::ProcessOnce(FileRecord& record) {
+void DocumentProcessor::ProcessOnce(FileRecord& record, const PlannedFile& file) {
   Load(record);
   CheckCondition(record, false);
-  RunActions();
+  RunActions(file);
   record.baseUrlAfter = library_.GetBaseURL();
   CheckCondition(record, true);
   CheckSaving(record);
@@ -87,7 +87,7 @@ void DocumentProcessor::ProcessOnce(FileRecord& record) {
 }
 
 void DocumentProcessor::Load(FileRecord& record) {
-  const std::string problem = PdfLibrary::LoadDocument(library_, record.file, options_.password);
+  const std::string problem = PdfLibrary::LoadDocument(library_, record.file, options_.passwords);
   if (!problem.empty()) throw Failure{problem, library_.LastErrorCode()};
   document_ = library_.SelectedDocument();
   record.baseUrlBefore = library_.GetBaseURL();
@@ -110,10 +110,22 @@ void DocumentProcessor::CheckCondition(const FileRecord& record, bool actionsRan
   }
 }
 
-void DocumentProcessor::RunActions() {
+QMap<QString, QVariant> DocumentProcessor::SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const {
+  QMap<QString, QVariant> settings = action.settings;
+  for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+    const QString value = each->Fill(file.pathBelow);
+    if (value.isEmpty()) {
+      throw Failure{"the value for this file of '" + NativeName::ToBytes(each.key()).toStdString() + "' is empty"};
+    }
+    settings.insert(each.key(), value);
+  }
+  return settings;
+}
+
+void DocumentProcessor::RunActions(const PlannedFile& file) {
   for (const ConfiguredAction& action : actions_) {
     // An action may change the map; the next document starts from the settings of the run again.
-    QMap<QString, QVariant> settings = action.settings;
+    QMap<QString, QVariant> settings = SettingsFor(action, file);
     WorkProcInfoStruct info{&library_, nullptr, nullptr, nullptr, &settings};
     const auto failed = [&](const char* reason, int error = kErrorNone) {
       return Failure{"action '" + NativeName::ToBytes(action.name).toStdString() + "': " + reason, error};
@@ -186,7 +198,7 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
     record.warnings.push_back("the whole file is rewritten, which breaks its signatures");
     error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
-  if (error != kErrorNone) throw Failure{PdfLibrary::ErrorMessage(error), error};
+  if (error != kErrorNone) throw Failure{PdfLibrary::SavingMessage(error, record.output), error};
 }
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.

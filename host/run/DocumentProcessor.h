@@ -22,7 +22,7 @@ struct BaseUrlCondition {
 };
 
 struct ProcessingOptions {
-  std::wstring password;
+  std::vector<std::wstring> passwords;
   bool allowBreakingSignatures = false;
   bool dryRun = false;       // everything but the save
   std::string backupSuffix;  // bytes; empty for no backups. Outputs are the inputs then
@@ -45,10 +45,11 @@ class DocumentProcessor {
   struct Failure;
   struct Unwanted;
 
-  void ProcessOnce(FileRecord& record);
+  void ProcessOnce(FileRecord& record, const PlannedFile& file);
   void Load(FileRecord& record);
-  void RunActions();
   void CheckCondition(const FileRecord& record, bool actionsRan) const;
+  QMap<QString, QVariant> SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const;
+  void RunActions(const PlannedFile& file);
   void CheckSaving(FileRecord& record);
   void CheckSignatures(FileRecord& record);
   void Save(FileRecord& record);

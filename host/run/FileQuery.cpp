@@ -33,7 +33,7 @@ std::string FileQuery::Work(std::size_t item) {
   const std::string file = inputs_.File(item);
   std::string error = inputs_.Problem(item);
   std::string text;
-  if (error.empty()) error = PdfLibrary::LoadDocument(*library_, file, question_.password);
+  if (error.empty()) error = PdfLibrary::LoadDocument(*library_, file, question_.passwords);
   if (error.empty()) {
     try {
       text = question_.answer(*library_, file);

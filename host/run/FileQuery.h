@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/base/PdfLibrary.h"
 #include "host/files/InputList.h"
@@ -14,7 +15,7 @@
 // What is asked of each file, and how its failure is shown.
 struct FileQuestion {
   std::wstring libraryFile;
-  std::wstring password;
+  std::vector<std::wstring> passwords;
   std::size_t memoryLimit = 0;  // bytes that documents may take in each process; 0: no limit
   // The answer of the library's selected document, lines for the standard output. Called in a worker process.
   std::function<std::string(PdfLibrary::Wrapper&, const std::string& file)> answer;
