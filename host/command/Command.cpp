@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -14,7 +13,6 @@
 #include "host/base/NamedInput.h"
 #include "host/base/NativeName.h"
 #include "host/base/Suggestion.h"
-#include "host/files/InputList.h"
 
 namespace {
 
@@ -37,16 +35,6 @@ QStringList FoldersOfEnvironment() {
                        QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
   }
   return folders;
-}
-
-constexpr int kMostJobs = 1024;
-constexpr int kUsualSeconds = 900;
-constexpr int kMostSeconds = 1000000;
-constexpr int kUsualMebibytes = 4096;
-constexpr int kMostMebibytes = 1 << 20;
-
-int Cores() {
-  return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
 }
 
 }  // namespace
@@ -239,56 +227,5 @@ void Command::CheckStandardInput(const std::vector<const char*>& options) const 
                                          .arg(QLatin1String(reader), QLatin1String(option)));
     }
     reader = option;
-  }
-}
-
-void Command::AddInputOptions() {
-  AddOption(QStringLiteral("files-from"),
-            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
-            QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
-}
-
-void Command::AddFileArgument() {
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
-                                QStringLiteral("FILE..."));
-}
-
-void Command::CollectInputs(InputList& inputs, const QStringList& files) const {
-  for (const QString& file : files) inputs.Add(NativeName::ToBytes(file).toStdString());
-  if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
-  for (const std::string& folder : inputs.EmptyFolders()) Console::ErrorAbout(folder, "no PDF file is below it");
-}
-
-void Command::AddWorkerOptions() {
-  AddOption(QStringLiteral("jobs"),
-            QStringLiteral("Worker processes (default: the cores); 0 does everything in one process, as actions need "
-                           "that gather across documents."),
-            QStringLiteral("N"));
-  AddOption(QStringLiteral("timeout"),
-            QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "
-                           "which the run is stopped or the machine sleeps does not count."),
-            QStringLiteral("SECONDS"));
-  AddOption(QStringLiteral("memory"),
-            QStringLiteral("A file fails that takes more memory; each process may take as much (default: 4096; 0: no "
-                           "limit)."),
-            QStringLiteral("MIB"));
-}
-
-WorkerLimits Command::Workers() const {
-  const int jobs = Number("jobs", Cores(), 0, kMostJobs);
-  const int seconds = Number("timeout", kUsualSeconds, 0, kMostSeconds);
-  const int mebibytes = Number("memory", kUsualMebibytes, 0, kMostMebibytes);
-  if (IsSet("timeout") && seconds > 0 && jobs == 0) {
-    throw CommandError(kExitUsage,
-                       QStringLiteral("Option '--timeout' needs worker processes, but '--jobs 0' forbids them."));
-  }
-  return {static_cast<std::size_t>(jobs), std::chrono::seconds(seconds), static_cast<std::size_t>(mebibytes) << 20};
-}
-
-void Command::RefuseEmpty(const std::vector<const char*>& options) const {
-  for (const char* option : options) {
-    if (!IsSet(option) || !Value(option).isEmpty()) continue;
-    throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(option)));
   }
 }

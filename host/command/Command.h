@@ -1,23 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <chrono>
-#include <cstddef>
 #include <QCommandLineParser>
 #include <QMap>
 #include <QString>
 #include <QStringList>
 #include <string>
 #include <vector>
-
-class InputList;
-
-// How many worker processes, and what each may take.
-struct WorkerLimits {
-  std::size_t jobs = 0;               // 0: everything in this process
-  std::chrono::seconds timeLimit{0};  // 0: none
-  std::size_t memory = 0;             // bytes; 0: no limit
-};
 
 // One command of the program: its options, its help and its work.
 class Command {
@@ -63,8 +52,6 @@ class Command {
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;
-  // Throws CommandError when one of the options is given an empty text.
-  void RefuseEmpty(const std::vector<const char*>& options) const;
   // Throws CommandError when there is an argument that is not an option.
   void RefuseArguments() const;
   // Marks an option that may be given more than once.
@@ -79,15 +66,6 @@ class Command {
   std::wstring LibraryFile() const;
   void AddPasswordOptions();
   void CheckPasswordOptions() const { Exclude("password", "password-file"); }
-  // --files-from, --recursive; the names themselves are AddFileArgument().
-  void AddInputOptions();
-  void AddFileArgument();
-  // Takes these files and those of --files-from. Throws as InputList::Add and InputList::AddFrom do.
-  void CollectInputs(InputList& inputs, const QStringList& files) const;
-  // --jobs, --timeout, --memory.
-  void AddWorkerOptions();
-  // Throws CommandError.
-  WorkerLimits Workers() const;
   // All that are to be tried. Throws CommandError when the password file cannot be read.
   std::vector<std::wstring> Passwords() const;
   // Throws CommandError when more than one of the options reads the standard input.

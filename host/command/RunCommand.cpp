@@ -61,16 +61,6 @@ void MakeOutputFolder(const std::string& folder) {
   }
 }
 
-// Whether the folder could be made.
-void CheckOutputFolder(const std::string& folder) {
-  std::filesystem::path existing = std::filesystem::absolute(folder);
-  std::error_code ignored;
-  while (!std::filesystem::exists(existing, ignored) && existing.has_relative_path()) existing = existing.parent_path();
-  if (std::filesystem::is_directory(existing, ignored)) return;
-  throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
-                                     .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
-}
-
 // The folder's real path with a slash at its end.
 std::string RealFolder(const std::string& folder) {
   std::error_code error;
@@ -89,6 +79,16 @@ QString UserOfFolders(const std::vector<ConfiguredAction>& actions) {
   return {};
 }
 
+// Whether the folder could be made.
+void CheckOutputFolder(const std::string& folder) {
+  std::filesystem::path existing = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::exists(existing, ignored) && existing.has_relative_path()) existing = existing.parent_path();
+  if (std::filesystem::is_directory(existing, ignored)) return;
+  throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
+                                     .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
@@ -103,7 +103,7 @@ RunCommand::RunCommand()
       QStringLiteral("edit --action \"Set Base URL\" | vorlane-run run --settings - --output-dir out a.pdf b.pdf"));
 }
 
-RunCommand::RunCommand(const QString& name, const QString& summary) : SettingsCommand(name, summary) {
+RunCommand::RunCommand(const QString& name, const QString& summary) : BatchCommand(name, summary) {
   AddSettingsOptions();
   AddUncheckedOption();
   AddTemplateOptions();
@@ -164,12 +164,12 @@ void RunCommand::Check() {
   if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
     refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
   }
-  RefuseEmpty({"list", "output", "output-dir", "files-from", "report", "resume", "backup", "only-if"});
-  CheckOutputOptions();
-  if (FileArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup", "only-if"});
+  CheckInputOptions();
   CheckStandardInput({"files-from", "password-file", "settings"});
+  CheckOutputOptions();
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
-  workers_ = Workers();
+  CheckWorkerOptions();
 }
 
 void RunCommand::CheckOutputOptions() const {
@@ -220,20 +220,23 @@ QString RunCommand::ListFile() const {
 }
 
 // Throws CommandError when the options do not fit the inputs.
-NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
-  NamingRules rules{BytesOf("output-dir").toStdString(), BytesOf("output").toStdString(), IsSet("dry-run"), false, {}};
+PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
+  PlanOptions options;
+  options.outputFolder = BytesOf("output-dir").toStdString();
+  options.outputFile = BytesOf("output").toStdString();
+  options.dryRun = IsSet("dry-run");
   if (IsSet("output") && inputs.Count() != 1) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
                                                   "'--output-dir'.")
                                        .arg(inputs.Count()));
   }
-  if (IsSet("root")) rules.root = RealFolder(BytesOf("root").toStdString());
+  if (IsSet("root")) options.root = RealFolder(BytesOf("root").toStdString());
   const QString folderUser = UserOfFolders(actions);
-  for (const ConfiguredAction& action : actions) rules.needsPathBelow |= !action.templates.isEmpty();
-  if (folderUser.isEmpty()) return rules;
+  for (const ConfiguredAction& action : actions) options.needsPathBelow |= !action.templates.isEmpty();
+  if (folderUser.isEmpty()) return options;
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
     Interruption::Check();
-    if (!inputs.Problem(input).empty() || inputs.PathBelow(rules.root, input)) continue;
+    if (!inputs.Problem(input).empty() || inputs.PathBelow(options.root, input)) continue;
     const QString file = NativeName::ToText(inputs.File(input));
     throw CommandError(kExitUsage,
                        IsSet("root")
@@ -242,7 +245,7 @@ NamingRules RunCommand::Naming(const InputList& inputs, const std::vector<Config
                                             "is given with '--recursive': '--root DIR' is needed.")
                                  .arg(folderUser, file));
   }
-  return rules;
+  return options;
 }
 
 // What the run reads beside the documents.
@@ -276,23 +279,19 @@ int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
   settings.processing = Processing();
-  settings.memoryLimit = workers_.memory;
+  settings.memoryLimit = MemoryLimit();
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  QStringList warnings;
-  settings.actions = LoadActions(catalog, warnings);
+  settings.actions = LoadActions(catalog, warnings_);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
   InputList inputs(IsSet("recursive"), existingOutput ? &*existingOutput : nullptr);
-  CollectInputs(inputs, FileArguments());
+  CollectInputs(inputs);
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
-  const NamingRules naming = Naming(inputs, settings.actions);
-  for (const QString& warning : warnings) {
-    if (!IsSet("quiet")) Console::Error(warning);
-  }
-  return RunOver(inputs, naming, protectedFiles, settings);
+  const PlanOptions options = Plan(inputs, settings.actions);
+  return RunOver(inputs, options, protectedFiles, settings);
 }
 
 ProcessingOptions RunCommand::Processing() const {
@@ -340,9 +339,9 @@ void RunCommand::WarnOfRedone(const RunPlan& plan) const {
   warn(plan.ChangedSince(), "they were changed or removed since");
 }
 
-int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
+int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
-  const bool dryRun = settings.processing.dryRun;
+  const bool dryRun = options.dryRun;
   const std::string reportName = BytesOf("report").toStdString();
   const std::string earlier = BytesOf("resume").toStdString();
   const std::optional<FileIdentity> written = IdentityOf(reportName);
@@ -352,12 +351,13 @@ int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, Prot
   }
   const bool append = sameFile && ReportFile::IsLines(reportName);
   ResumedReport resumed = ReadEarlierReport(sameFile);
-  const std::string& outputFolder = naming.outputFolder;
-  if (!outputFolder.empty()) dryRun ? CheckOutputFolder(outputFolder) : MakeOutputFolder(outputFolder);
+  if (const std::string& folder = options.outputFolder; !folder.empty()) {
+    dryRun ? CheckOutputFolder(folder) : MakeOutputFolder(folder);
+  }
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
   const JobDigest job(settings.actions);
-  const RunPlan plan(inputs, naming, job, resumed, protectedFiles);
+  const RunPlan plan(inputs, options, job, resumed, protectedFiles);
   WarnOfRedone(plan);
   if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {
@@ -365,15 +365,19 @@ int RunCommand::RunOver(const InputList& inputs, const NamingRules& naming, Prot
     });
   }
 
+  // Only now: an error before is the one line that counts.
+  for (const QString& warning : warnings_) {
+    if (!IsSet("quiet")) Console::Error(warning);
+  }
   RunReporter reporter(report, inputs.Count(), IsSet("quiet"), dryRun);
   reporter.CountDoneBefore(plan.DoneBefore());
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
   for (const FileRecord& record : plan.Settled()) reporter.TakeSettled(record);
   DocumentRun run(settings, plan, reporter);
-  if (workers_.jobs == 0) {
+  if (Jobs() == 0) {
     run.RunHere();
   } else {
-    WorkerPool(run, plan.Count(), workers_.jobs, workers_.timeLimit).Run();
+    WorkerPool(run, plan.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);

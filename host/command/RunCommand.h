@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "host/command/BatchCommand.h"
+
 #include <string>
 #include <vector>
-
-#include "host/command/SettingsCommand.h"
 
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
 class ResumedReport;
 class RunPlan;
-struct NamingRules;
+struct PlanOptions;
 struct ProcessingOptions;
 struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
-class RunCommand : public SettingsCommand {
+class RunCommand : public BatchCommand {
  public:
   RunCommand();
 
@@ -34,7 +34,6 @@ class RunCommand : public SettingsCommand {
 
   // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
   virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
-  virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
 
  private:
   std::vector<ConfiguredAction> LoadList(ActionCatalog& catalog, QStringList& warnings) const;
@@ -45,9 +44,9 @@ class RunCommand : public SettingsCommand {
   void CheckOutputOptions() const;
   ProcessingOptions Processing() const;
   void WarnOfRedone(const RunPlan& plan) const;
-  NamingRules Naming(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
-  int RunOver(const InputList& inputs, const NamingRules& naming, ProtectedFiles& protectedFiles,
+  PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
 
-  WorkerLimits workers_;
+  QStringList warnings_;  // of the settings
 };

@@ -10,7 +10,8 @@
 #include "host/run/WorkerPool.h"
 
 ShowCommand::ShowCommand()
-    : Command(QStringLiteral("show"), QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
+    : BatchCommand(QStringLiteral("show"),
+                   QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
   AddOption(QStringLiteral("json"), QStringLiteral("Prints all facts about each file: one JSON object a line."));
   AddInputOptions();
   AddFileArgument();
@@ -21,19 +22,15 @@ ShowCommand::ShowCommand()
 
 void ShowCommand::Check() {
   CheckPasswordOptions();
-  RefuseEmpty({"files-from"});
-  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) {
-    throw CommandError(kExitUsage, QStringLiteral("No file is given."));
-  }
-  CheckStandardInput({"files-from", "password-file"});
-  workers_ = Workers();
+  CheckInputOptions();
+  CheckWorkerOptions();
 }
 
 int ShowCommand::Execute() {
   FileQuestion question;
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
-  question.memoryLimit = workers_.memory;
+  question.memoryLimit = MemoryLimit();
   if (IsSet("json")) {
     question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
       return DocumentFacts::ToJson(library, file) + '\n';
@@ -48,15 +45,15 @@ int ShowCommand::Execute() {
     };
   }
   InputList inputs(IsSet("recursive"), nullptr);
-  CollectInputs(inputs, parser_.positionalArguments());
+  CollectInputs(inputs);
   FileQuery query(inputs, question);
   // To start worker processes takes longer than to read one file.
-  const bool here = workers_.jobs == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
+  const bool here = Jobs() == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
   if (here) {
     query.RunHere();
   } else {
     Interruption::Install();
-    WorkerPool(query, inputs.Count(), workers_.jobs, workers_.timeLimit).Run();
+    WorkerPool(query, inputs.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
   }
   query.Finish();
   if (const int signal = Interruption::Signal()) return kExitSignalBase + signal;

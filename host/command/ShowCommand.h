@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 
 // Prints the base URL of each file, or all that is known of it.
-class ShowCommand : public Command {
+class ShowCommand : public BatchCommand {
  public:
   ShowCommand();
 
  protected:
   void Check() override;
   int Execute() override;
-
- private:
-  WorkerLimits workers_;
 };

@@ -7,7 +7,7 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 
-PathTemplate::PathTemplate(const QString& text, Encoding encoding) : encoding_(encoding) {
+PathTemplate::PathTemplate(const QString& text, Encoding encoding) : text_(text), encoding_(encoding) {
   Piece piece;
   for (int i = 0; i < text.size(); ++i) {
     const QChar character = text[i];

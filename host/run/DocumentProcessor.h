@@ -47,9 +47,9 @@ class DocumentProcessor {
 
   void ProcessOnce(FileRecord& record, const PlannedFile& file);
   void Load(FileRecord& record);
-  void CheckCondition(const FileRecord& record, bool actionsRan) const;
   QMap<QString, QVariant> SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const;
   void RunActions(const PlannedFile& file);
+  void CheckCondition(const FileRecord& record, bool actionsRan) const;
   void CheckSaving(FileRecord& record);
   void CheckSignatures(FileRecord& record);
   void Save(FileRecord& record);

@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "host/base/PdfLibrary.h"
 #include "host/files/InputList.h"

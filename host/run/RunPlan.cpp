@@ -5,13 +5,13 @@
 
 #include "host/base/Interruption.h"
 
-RunPlan::RunPlan(const InputList& inputs, const NamingRules& rules, const JobDigest& job, ResumedReport& resumed,
+RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
-    : inputs_(inputs), rules_(rules), job_(job) {
-  if (!rules.outputFolder.empty()) {
-    names_.emplace(rules.outputFolder);
+    : inputs_(inputs), options_(options), job_(job) {
+  if (!options_.outputFolder.empty()) {
+    names_.emplace(options_.outputFolder);
     std::error_code ignored;
-    outputFolderWasEmpty_ = std::filesystem::is_empty(rules.outputFolder, ignored);
+    outputFolderWasEmpty_ = std::filesystem::is_empty(options_.outputFolder, ignored);
   }
   items_.reserve(inputs.Count());
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
@@ -31,7 +31,7 @@ void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFile
   Item item{static_cast<std::uint32_t>(input), 0};
   if (names_) item.copyNumber = names_->Take(inputs_.Relative(input));
   const std::string output = OutputOf(item.input, item.copyNumber);
-  if (names_ || !rules_.outputFile.empty()) {
+  if (names_ || !options_.outputFile.empty()) {
     if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
       return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
     }
@@ -70,23 +70,22 @@ void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::st
 
 std::string RunPlan::OutputOf(std::uint32_t input, std::uint32_t copyNumber) const {
   if (names_) return names_->Name(inputs_.Relative(input), copyNumber);
-  return rules_.outputFile.empty() ? inputs_.File(input) : rules_.outputFile;
-}
-
-std::string RunPlan::PathBelow(std::size_t input) const {
-  return rules_.needsPathBelow ? inputs_.PathBelow(rules_.root, input).value_or("") : std::string();
+  return options_.outputFile.empty() ? inputs_.File(input) : options_.outputFile;
 }
 
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
-  const std::string file = inputs_.File(input);
   const std::string pathBelow = PathBelow(input);
-  return {file, OutputOf(input, copyNumber), pathBelow, job_.Of(pathBelow)};
+  return {inputs_.File(input), OutputOf(input, copyNumber), job_.Of(pathBelow), pathBelow};
+}
+
+std::string RunPlan::PathBelow(std::size_t input) const {
+  return options_.needsPathBelow ? inputs_.PathBelow(options_.root, input).value_or("") : std::string();
 }
 
 // Inputs from folders keep their path below that folder.
 bool RunPlan::MakeParent(const std::string& output) {
-  if (rules_.dryRun) return true;
+  if (options_.dryRun) return true;
   const std::string parent = output.substr(0, output.rfind('/'));
   if (!madeFolders_.insert(parent).second) return true;
   std::error_code error;

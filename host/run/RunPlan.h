@@ -18,26 +18,26 @@
 struct PlannedFile {
   std::string file;
   std::string output;
-  std::string pathBelow;  // what values for this file are made of; only where a run makes some
   std::string job;        // see JobDigest
+  std::string pathBelow;  // what values for this file are made of; only where a run makes some
 };
 
-// How outputs and values for each file are named.
-struct NamingRules {
+// What a plan depends on beside the inputs.
+struct PlanOptions {
   std::string outputFolder;     // an existing folder, or empty for the next or, when that is empty too, in place
   std::string outputFile;       // for the one input there is
-  bool dryRun = false;          // no folder is made, and the output's need not exist
   bool needsPathBelow = false;  // values are made for each file
   std::string root;             // see InputList::PathBelow
+  bool dryRun = false;          // no folder is made, and the output's need not exist
 };
 
 // Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
 // is whole before the first file is processed, so that worker processes can take files from it by number.
 class RunPlan {
  public:
-  // Makes the folders of the outputs in the output folder. What the resumed run has done and this one does again is
-  // forgotten there. Keeps references to inputs, rules and job. Throws as Interruption::Check does.
-  RunPlan(const InputList& inputs, const NamingRules& rules, const JobDigest& job, ResumedReport& resumed,
+  // Makes the folders of the outputs. What the resumed run has done and this one does again is forgotten there. Keeps
+  // references to inputs and job. Throws as Interruption::Check does.
+  RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
           const ProtectedFiles& protectedFiles);
 
   // The files to process are numbered from 0.
@@ -68,7 +68,7 @@ class RunPlan {
   bool MakeParent(const std::string& output);
 
   const InputList& inputs_;
-  const NamingRules& rules_;
+  PlanOptions options_;
   const JobDigest& job_;
   std::optional<OutputNames> names_;
   std::vector<Item> items_;
