@@ -231,7 +231,6 @@ PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<Configur
                                        .arg(inputs.Count()));
   }
   if (IsSet("root")) options.root = RealFolder(BytesOf("root").toStdString());
-  options.job = JobDigest(actions, options.root);
   const QString folderUser = UserOfFolders(actions);
   for (const ConfiguredAction& action : actions) options.needsPathBelow |= !action.templates.isEmpty();
   if (folderUser.isEmpty()) return options;
@@ -357,7 +356,8 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
   }
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, options, resumed, protectedFiles);
+  const JobDigest job(settings.actions);
+  const RunPlan plan(inputs, options, job, resumed, protectedFiles);
   WarnOfRedone(plan);
   if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {

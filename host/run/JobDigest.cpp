@@ -22,17 +22,28 @@ QVariant Ordered(const QVariant& value) {
   return map;
 }
 
-}  // namespace
-
-std::string JobDigest(const std::vector<ConfiguredAction>& actions, const std::string& root) {
+std::string DigestOf(const std::vector<ConfiguredAction>& actions, const std::string& pathBelow) {
   QByteArray bytes;
   QDataStream stream(&bytes, QIODevice::WriteOnly);
   stream.setVersion(QDataStream::Qt_5_15);
   for (const ConfiguredAction& action : actions) {
-    stream << action.name << Ordered(action.settings).toMap();
+    QMap<QString, QVariant> settings = action.settings;
     for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
-      stream << each.key() << each->Text() << QByteArray::fromStdString(root);
+      settings.insert(each.key(), each->Fill(pathBelow));
     }
+    stream << action.name << Ordered(settings).toMap();
   }
   return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(kDigits).toStdString();
+}
+
+}  // namespace
+
+JobDigest::JobDigest(const std::vector<ConfiguredAction>& actions) : actions_(actions) {
+  for (const ConfiguredAction& action : actions) sameForAll_ = sameForAll_ && action.templates.isEmpty();
+  if (sameForAll_) digest_ = DigestOf(actions, {});
+}
+
+const std::string& JobDigest::Of(const std::string& pathBelow) const {
+  if (!sameForAll_) digest_ = DigestOf(actions_, pathBelow);
+  return digest_;
 }

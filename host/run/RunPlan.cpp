@@ -5,9 +5,9 @@
 
 #include "host/base/Interruption.h"
 
-RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, ResumedReport& resumed,
+RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
-    : inputs_(inputs), options_(options) {
+    : inputs_(inputs), options_(options), job_(job) {
   if (!options_.outputFolder.empty()) {
     names_.emplace(options_.outputFolder);
     std::error_code ignored;
@@ -39,7 +39,7 @@ void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFile
       return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
     }
   }
-  if (IsDone(inputs_.File(input), output, resumed)) {
+  if (IsDone(input, output, resumed)) {
     ++doneBefore_;
   } else {
     items_.push_back(item);
@@ -47,11 +47,13 @@ void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFile
 }
 
 // Whether the same job has saved this output, and it is as it was left.
-bool RunPlan::IsDone(const std::string& file, const std::string& output, ResumedReport& resumed) {
+bool RunPlan::IsDone(std::size_t input, const std::string& output, ResumedReport& resumed) {
+  if (resumed.Count() == 0) return false;
+  const std::string file = inputs_.File(input);
   const ResumedReport::Result* const result = resumed.Find(file, output);
   if (result == nullptr) return false;
   const FileState now = FileState::Of(output);
-  const bool sameJob = result->job == options_.job;
+  const bool sameJob = result->job == job_.Of(PathBelow(input));
   if (sameJob && now.size == result->size && now.TimeText() == result->time) return true;
   ++(result->job.empty() ? doneWithoutJob_ : sameJob ? changedSince_ : doneOtherwise_);
   resumed.Forget(file, output);
@@ -73,10 +75,12 @@ std::string RunPlan::OutputOf(std::uint32_t input, std::uint32_t copyNumber) con
 
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
-  const std::string file = inputs_.File(input);
-  PlannedFile planned{file, OutputOf(input, copyNumber), options_.job, {}};
-  if (options_.needsPathBelow) planned.pathBelow = inputs_.PathBelow(options_.root, input).value_or("");
-  return planned;
+  const std::string pathBelow = PathBelow(input);
+  return {inputs_.File(input), OutputOf(input, copyNumber), job_.Of(pathBelow), pathBelow};
+}
+
+std::string RunPlan::PathBelow(std::size_t input) const {
+  return options_.needsPathBelow ? inputs_.PathBelow(options_.root, input).value_or("") : std::string();
 }
 
 // Inputs from folders keep their path below that folder.

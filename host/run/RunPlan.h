@@ -11,6 +11,7 @@
 #include "host/files/OutputNames.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/FileRecord.h"
+#include "host/run/JobDigest.h"
 #include "host/run/ResumedReport.h"
 
 // One file to process and where its result goes.
@@ -30,16 +31,15 @@ struct PlanOptions {
   bool needsPathBelow = false;  // values are made for each file
   std::string root;             // see InputList::PathBelow
   bool dryRun = false;          // no folder is made, and the output's need not exist
-  std::string job;              // see JobDigest
 };
 
 // Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
 // is whole before the first file is processed, so that worker processes can take files from it by number.
 class RunPlan {
  public:
-  // Makes the folders of the outputs. What the resumed run has done and this one does again is forgotten there. Keeps a
-  // reference to the inputs. Throws as Interruption::Check does.
-  RunPlan(const InputList& inputs, const PlanOptions& options, ResumedReport& resumed,
+  // Makes the folders of the outputs. What the resumed run has done and this one does again is forgotten there. Keeps
+  // references to inputs and job. Throws as Interruption::Check does.
+  RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
           const ProtectedFiles& protectedFiles);
 
   // The files to process are numbered from 0.
@@ -62,14 +62,16 @@ class RunPlan {
   };
 
   void Add(std::size_t input, ResumedReport& resumed, const ProtectedFiles& protectedFiles);
-  bool IsDone(const std::string& file, const std::string& output, ResumedReport& resumed);
+  bool IsDone(std::size_t input, const std::string& output, ResumedReport& resumed);
   std::string OutputOf(std::uint32_t input, std::uint32_t copyNumber) const;
+  std::string PathBelow(std::size_t input) const;
   void Settle(std::size_t input, FileRecord::Status status, const std::string& reason);
   std::string Overwrites(const std::string& output, const ProtectedFiles& protectedFiles);
   bool MakeParent(const std::string& output);
 
   const InputList& inputs_;
   PlanOptions options_;
+  const JobDigest& job_;
   std::optional<OutputNames> names_;
   std::vector<Item> items_;
   std::vector<FileRecord> settled_;
