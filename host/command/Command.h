@@ -40,7 +40,8 @@ class Command {
   bool IsSet(const char* name) const { return parser_.isSet(QLatin1String(name)); }
   QString Value(const char* name) const { return parser_.value(QLatin1String(name)); }
   QByteArray BytesOf(const char* name) const;
-  // The option's whole number, `fallback` when it is not set. Throws CommandError when it is not a number or out of range.
+  // The option's whole number, `fallback` when it is not set. Throws CommandError when it is not a number or out of
+  // range.
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;

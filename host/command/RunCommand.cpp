@@ -224,9 +224,10 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   // A job that resumes its own report has none yet in its first run.
   const ResumedReport resumed = earlier.empty() || (sameFile && !written) ? ResumedReport() : ResumedReport(earlier);
   if (resumed.TornLines() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("The report '%1' has %2 lines that were cut off by a crash; they are passed over.")
-                       .arg(Value("resume"))
-                       .arg(resumed.TornLines()));
+    Console::Error(
+        QStringLiteral("Lines of the report '%1' that were cut off by a crash: %2. Their files are processed again.")
+            .arg(Value("resume"))
+            .arg(resumed.TornLines()));
   }
   if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
   ReportFile report(reportName, append);
@@ -251,8 +252,8 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
   if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("The folders hold %1 temporary files (.vorlane-*.tmp) of runs that were killed or are "
-                                  "at work; 'vorlane-run clean' removes the old ones.")
+    Console::Error(QStringLiteral("Temporary files (.vorlane-*.tmp) of killed or running runs in the folders: %1. "
+                                  "'vorlane-run clean' removes those that are older than a day.")
                        .arg(inputs.Leftovers()));
   }
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/SplitCommand.h"
 
+#include <unistd.h>
 #include <algorithm>
 #include <optional>
-#include <unistd.h>
 #include <unordered_map>
 
 #include "host/base/CommandError.h"
@@ -39,7 +39,8 @@ std::vector<std::size_t> DifferentFiles(const InputList& inputs) {
     if (const long same = inputs.SameFileAs(input); same < 0) {
       files.push_back(input);
     } else {
-      Console::ErrorAbout(inputs.File(input), "left out: the same file as " + inputs.File(static_cast<std::size_t>(same)));
+      Console::ErrorAbout(inputs.File(input),
+                          "left out: the same file as " + inputs.File(static_cast<std::size_t>(same)));
     }
   }
   return files;
@@ -56,8 +57,9 @@ void WriteParts(const std::string& prefix, const std::vector<std::vector<std::st
       continue;
     }
     for (const std::string& done : written) unlink(done.c_str());
-    throw CommandError(kExitUsage, QStringLiteral("Cannot write '%1': %2")
-                                       .arg(NativeName::ToText(name), QString::fromStdString(problem)));
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("Cannot write '%1': %2").arg(NativeName::ToText(name), QString::fromStdString(problem)));
   }
 }
 
@@ -69,9 +71,10 @@ SplitCommand::SplitCommand()
             QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
-  AddOption(QStringLiteral("output-dir"),
-            QStringLiteral("The folder that all parts will write to: refuses files that would get the same name there."),
-            QStringLiteral("DIR"));
+  AddOption(
+      QStringLiteral("output-dir"),
+      QStringLiteral("The folder that all parts will write to: refuses files that would get the same name there."),
+      QStringLiteral("DIR"));
   AddOption(QStringLiteral("prefix"),
             QStringLiteral("How the parts' names begin (default: part-): part-0000.part, part-0001.part and so on."),
             QStringLiteral("PREFIX"));
@@ -92,7 +95,8 @@ void SplitCommand::Check() {
       throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
     }
   }
-  if (arguments.size() == 1 && !IsSet("files-from")) throw CommandError(kExitUsage, QStringLiteral("No file is given."));
+  if (arguments.size() == 1 && !IsSet("files-from"))
+    throw CommandError(kExitUsage, QStringLiteral("No file is given."));
 }
 
 // Each part knows its own outputs only, so that two parts would overwrite each other's, or each other's inputs.

@@ -26,7 +26,10 @@ struct std::hash<FileIdentity> {
 // What the system says of a name.
 struct FileStatus {
   explicit FileStatus(const struct stat& status)
-      : identity{status.st_dev, status.st_ino}, mode(status.st_mode), links(status.st_nlink), size(static_cast<std::uint64_t>(status.st_size)) {}
+      : identity{status.st_dev, status.st_ino},
+        mode(status.st_mode),
+        links(status.st_nlink),
+        size(static_cast<std::uint64_t>(status.st_size)) {}
 
   FileIdentity identity;
   mode_t mode;

@@ -18,8 +18,8 @@ struct Part {
 // to the one with the fewest files. `count` is at least 1.
 std::vector<Part> Balance(const std::vector<std::uint64_t>& sizes, std::size_t count);
 
-// The name of a part's list: "PREFIX0007.part". The number has four digits, or as many as the last one of `count` needs,
-// so that the names are in the order of the numbers.
+// The name of a part's list: "PREFIX0007.part". The number has four digits, or as many as the last one of `count`
+// needs, so that the names are in the order of the numbers.
 std::string Name(const std::string& prefix, std::size_t part, std::size_t count);
 
 // The files in the prefix's folder that have the name of any part, whatever the count.

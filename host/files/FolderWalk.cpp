@@ -15,7 +15,8 @@
 
 namespace {
 
-// At most so many of the nested folders are open at once. Those above are opened again when the walk comes back to them.
+// At most so many of the nested folders are open at once. Those above are opened again when the walk comes back to
+// them.
 constexpr std::size_t kMostOpen = 64;
 
 struct Name {

@@ -28,5 +28,4 @@ bool IsPdfName(std::string_view name);
 // Calls `each` for the wanted files below a folder, folder by folder in the byte order of their names, and for
 // everything that cannot be looked up. Links to folders are not followed. The walk goes by descriptors, so that neither
 // its depth nor the length of a path matters. A stop signal ends it as Interruption::Check does.
-void WalkFolder(const std::string& folder, const WalkRules& rules,
-                const std::function<void(const FolderEntry&)>& each);
+void WalkFolder(const std::string& folder, const WalkRules& rules, const std::function<void(const FolderEntry&)>& each);

@@ -29,7 +29,8 @@ bool IsOld(const struct stat& status, std::time_t before) {
 Outcome RemoveFile(const std::string& path, std::time_t before) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   struct stat opened = {};
-  if (!file || fstat(file.Get(), &opened) != 0) return errno == ENOENT || errno == ELOOP ? Outcome::kKept : Outcome::kFailed;
+  if (!file || fstat(file.Get(), &opened) != 0)
+    return errno == ENOENT || errno == ELOOP ? Outcome::kKept : Outcome::kFailed;
   if (!S_ISREG(opened.st_mode) || !IsOld(opened, before)) return Outcome::kKept;
   if (flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return Outcome::kKept;
   struct stat named = {};

@@ -88,7 +88,8 @@ void ReportFile::OpenLines(bool append) {
   } else if (S_ISFIFO(mode)) {
     lines_ = Descriptor(OpenPipe(name_));
   } else {
-    lines_ = Descriptor(open(name_.c_str(), (S_ISREG(mode) ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+    lines_ =
+        Descriptor(open(name_.c_str(), (S_ISREG(mode) ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   }
   struct stat status = {};
   if (!lines_ || fstat(lines_.Get(), &status) != 0) return Fail();

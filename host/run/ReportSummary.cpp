@@ -125,7 +125,7 @@ std::string ReportSummary::ToText() const {
   append(CountNames(failed_), " failed");
   append(skipped_, " skipped");
   append(missing_.size(), " in no report");
-  append(tornLines_, " lines cut off by a crash");
+  append(tornLines_, " cut off by a crash");
   text += '\n';
   AppendGroups(text, "failed", failed_);
   AppendGroups(text, "warnings", warnings_);
@@ -147,8 +147,8 @@ std::string ReportSummary::ToJson() const {
   append("skipped", skipped_);
   append("missing", missing_.size());
   append("tornLines", tornLines_);
-  return json + "\n \"failures\":" + JsonGroups(failed_, "reason") + ",\n \"warnings\":" +
-         JsonGroups(warnings_, "warning") + ",\n \"missingFiles\":" + JsonNames(missing_) + "}\n";
+  return json + "\n \"failures\":" + JsonGroups(failed_, "reason") +
+         ",\n \"warnings\":" + JsonGroups(warnings_, "warning") + ",\n \"missingFiles\":" + JsonNames(missing_) + "}\n";
 }
 
 std::string ReportSummary::ToCsv() const {
