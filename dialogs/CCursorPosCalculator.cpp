@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dialogs/CCursorPosCalculator.h"
 
+CCursorPosCalculator::CCursorPosCalculator() = default;
+
 void CCursorPosCalculator::reset() {
   CCursorPosCalculator cleared;
   cleared.borderWidth = borderWidth;

@@ -11,6 +11,7 @@
 /// button needs the room.
 class CCursorPosCalculator {
  public:
+  CCursorPosCalculator();
   /// Clears the flags and keeps the three sizes.
   void reset();
   /// Sets every flag for the point `globalPos` and a window whose outer frame is `frameRect`.

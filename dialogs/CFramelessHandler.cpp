@@ -29,6 +29,30 @@ void CFramelessHandler::activateOn(QWidget* topLevelWidget) {
   connect(this, SIGNAL(movingMaximized()), widget, SLOT(on_MoveMaximized()));
 }
 
+void CFramelessHandler::setWidgetMovable(bool movable) {
+  widgetMovable = movable;
+}
+
+bool CFramelessHandler::isWidgetMovable() const {
+  return widgetMovable;
+}
+
+void CFramelessHandler::setWidgetResizable(bool resizable) {
+  widgetResizable = resizable;
+}
+
+bool CFramelessHandler::isWidgetResizable() const {
+  return widgetResizable;
+}
+
+int CFramelessHandler::borderWidth() const {
+  return pressCursorPos.borderWidth;
+}
+
+int CFramelessHandler::moveBarHeight() const {
+  return pressCursorPos.moveBarHeight;
+}
+
 void CFramelessHandler::setBorderWidth(int width) {
   if (width < 0) return;
   pressCursorPos.borderWidth = width;
@@ -45,8 +69,8 @@ void CFramelessHandler::setEdgeInset(int inset) {
   hoverCursorPos.edgeInset = inset;
 }
 
-bool CFramelessHandler::eventFilter(QObject* watched, QEvent* event) {
-  if (!widget || watched != widget) return false;
+bool CFramelessHandler::eventFilter(QObject*, QEvent* event) {
+  if (!widget) return false;
   switch (event->type()) {
     case QEvent::MouseButtonPress:
       handleMousePressEvent(static_cast<QMouseEvent*>(event));

@@ -18,7 +18,7 @@ class QWindowStateChangeEvent;
 /// drag on an edge or corner resizes it down to its minimum size, and hovering over an edge shows the resize cursor.
 ///
 /// The handler watches the window's events and never consumes one. What a drag does is decided at the press and stays
-/// until the release. The handler does not track maximization: an owner that does tells it with setWindowState().
+/// until the release. The handler does not track maximization: an owner that does calls setWindowState().
 class CFramelessHandler : public QObject {
   Q_OBJECT
 
@@ -32,22 +32,22 @@ class CFramelessHandler : public QObject {
   void activateOn(QWidget* topLevelWidget);
 
   /// Switches moving by the move bar on or off.
-  void setWidgetMovable(bool movable) { widgetMovable = movable; }
+  void setWidgetMovable(bool movable);
   /// Whether a drag in the move bar moves the window.
-  bool isWidgetMovable() const { return widgetMovable; }
+  bool isWidgetMovable() const;
   /// Switches resizing and the resize cursors on or off.
-  void setWidgetResizable(bool resizable) { widgetResizable = resizable; }
+  void setWidgetResizable(bool resizable);
   /// Whether a drag on an edge or corner resizes the window.
-  bool isWidgetResizable() const { return widgetResizable; }
+  bool isWidgetResizable() const;
 
   /// Width of the resize strips in pixels; a negative one is ignored.
   void setBorderWidth(int width);
   /// In pixels; 5 unless set.
-  int borderWidth() const { return pressCursorPos.borderWidth; }
+  int borderWidth() const;
   /// Height of the move bar in pixels, unchecked.
   void setMoveBarHeight(int height);
   /// In pixels; 0 unless set.
-  int moveBarHeight() const { return pressCursorPos.moveBarHeight; }
+  int moveBarHeight() const;
   /// How many pixels the resize strips lie inside the window's outer edge.
   void setEdgeInset(int inset);
   /// In pixels; 0 unless set.
@@ -56,11 +56,12 @@ class CFramelessHandler : public QObject {
   /// it along.
   void setWindowState(int state) { windowState = state; }
 
-  /// Watches the window's events; always false, so that every event goes on to the window.
+  /// Acts on the event by its type alone, as on one of the window's; `watched` is not looked at. Always false, so that
+  /// every event goes on to the watched object. Does nothing before activateOn().
   bool eventFilter(QObject* watched, QEvent* event) override;
 
   /// The decisions, free of any window.
-  /// The frame after dragging the zone that `pressed` tells to `globalPos`; the axis that would fall below the minimum
+  /// The frame after the zone in `pressed` was dragged to `globalPos`; the axis that would fall below the minimum
   /// keeps its extent. Empty when the drag turns the frame inside out.
   static std::optional<QRect> resizedFrame(const CCursorPosCalculator& pressed, const QRect& frame,
                                            const QSize& minimumSize, const QPoint& globalPos);

@@ -12,6 +12,7 @@ CSaveAsActionlistDialog::CSaveAsActionlistDialog(QWidget* parent, Qt::WindowFlag
   VDaddMainWidget(ui.main_widget, true);
   ui.categoryComboBox->clear();
   ui.categoryComboBox->addItems(CActionUtils::GetActionListCategories());
+  ui.actionListNameLineEdit->setFocus();
   connect(ui.actionListNameLineEdit, SIGNAL(returnPressed()), ui.saveButton, SIGNAL(clicked()));
 }
 
@@ -28,9 +29,9 @@ void CSaveAsActionlistDialog::on_UpdateUI() {
 void CSaveAsActionlistDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
   const QString name = ui.actionListNameLineEdit->text();
-  settings->insert(QStringLiteral("ActionListName"), name);
-  settings->insert(QStringLiteral("ActionListCategory"), ui.categoryComboBox->currentText());
-  settings->insert(QStringLiteral("ActionListOverwrite"), ui.newActionListRadioButton->isChecked());
+  settings->insert(QString("ActionListName"), name);
+  settings->insert(QString("ActionListCategory"), ui.categoryComboBox->currentText());
+  settings->insert(QString("ActionListOverwrite"), ui.newActionListRadioButton->isChecked());
   CActionUtils::SaveAsCustomActionList(settings);
   if (ui.addToActionListRadioButton->isChecked()) emit actionListChanged(name);
   accept();

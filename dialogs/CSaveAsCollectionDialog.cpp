@@ -24,6 +24,7 @@ CSaveAsCollectionDialog::CSaveAsCollectionDialog(QWidget* parent, Qt::WindowFlag
   ui.horizontalSpacer->changeSize(0, 20, QSizePolicy::Expanding, QSizePolicy::Minimum);
   VDaddMainWidget(ui.main_widget, true);
   if (height() < kMinimumHeight) setFixedHeight(kMinimumHeight);
+  ui.collectionNameLineEdit->setFocus();
 }
 
 CSaveAsCollectionDialog::~CSaveAsCollectionDialog() = default;
@@ -42,9 +43,9 @@ void CSaveAsCollectionDialog::on_UpdateUI() {
 
 void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
-  settings->insert(QStringLiteral("CollectionName"), ui.collectionNameLineEdit->text());
+  settings->insert(QString("CollectionName"), ui.collectionNameLineEdit->text());
   // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
-  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): told of the line where nothing refers to it any more.
+  // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): reported where the last reference ends.
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
   accept();
   // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
@@ -62,6 +63,6 @@ void CSaveAsCollectionDialog::on_SaveToFile() {
                                                     tr("Tool Settings Files (*.tsf)"));
   if (!settings) return;
   const auto tool = std::make_unique<QSettings>(file, QSettings::IniFormat, this);
-  tool->setValue(QStringLiteral("ToolSettings"), *settings);
+  tool->setValue(QString("ToolSettings"), *settings);
   reject();
 }

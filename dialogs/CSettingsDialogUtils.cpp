@@ -16,11 +16,11 @@ namespace {
 constexpr QSize kFavoriteIconSize(128, 128);
 
 QString geometryFile() {
-  return CUtils::GetSettingsFolder() + QStringLiteral("/VorlaneViewerSettings.vsf");
+  return CUtils::GetSettingsFolder() + QString("/VorlaneViewerSettings.vsf");
 }
 
 QString geometryKey(const QObject& dialog) {
-  return dialog.objectName() + QStringLiteral("geometry");
+  return dialog.objectName() + QString("geometry");
 }
 
 // Runs and destroys a dialog that a settings dialog has made; false when it was destroyed together with that one.
@@ -69,8 +69,7 @@ void CSettingsDialogUtils::RunFavoritesDialog(CVorlaneDialog* dialog, QMap<QStri
 QIcon CSettingsDialogUtils::ActionIcon(const QString& fileNames) {
   InitKitResources();
   const auto image = [&fileNames](int section) {
-    return QPixmap(QStringLiteral(":/Vorlane/Resources/Tools/") +
-                   fileNames.section(QLatin1Char('#'), section, section));
+    return QPixmap(QString(":/Vorlane/Resources/Tools/") + fileNames.section(QLatin1Char('#'), section, section));
   };
   QIcon icon;
   icon.addPixmap(image(1), QIcon::Selected, QIcon::Off);

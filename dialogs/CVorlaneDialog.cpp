@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dialogs/CVorlaneDialog.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QFontInfo>
 #include <QFrame>
 #include <QGridLayout>
-#include <QGuiApplication>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QPainter>
+#include <QRadioButton>
 #include <QScreen>
+#include <QStyle>
+#include <QStyleOptionGroupBox>
 #include <QVBoxLayout>
 
 #include "dialogs/CVorlaneHeaderButton.h"
@@ -18,7 +26,9 @@ namespace {
 
 constexpr int kShadowThickness = 8;
 constexpr int kHeaderHeight = 30;
+constexpr int kHeaderTextHeight = 25;  // what the header's margins leave
 constexpr int kResizeBorder = 9;
+constexpr int kButtonPadding = 6;  // the least that looks well beside a button's text
 
 const QLatin1String kPreviewName("VorlanePreviewClass");
 const QLatin1String kMainWindowName("VorlaneClass");
@@ -50,11 +60,11 @@ const QLatin1String kGreyReplacements[][2] = {
 };
 
 QString headerButtonStyle() {
-  const QString lit = QStringLiteral(
+  const QString lit = QString(
       "background-color: qlineargradient(spread:repeat, x1:0, y1:0, x2:1, y2:0, "
       "stop:0 rgba(210, 210, 210), stop:1 rgba(210, 210, 210));"
       "color: white;background-image: url(none.png);border: none;}");
-  return QStringLiteral(
+  return QString(
              "QToolButton {background-color: transparent;color: white;background-image: url(none.png);border: none;}"
              "QToolButton QWidget {background-color: black;}"
              "QToolButton:disabled{background-color: transparent;color: silver;"
@@ -70,13 +80,92 @@ void frameLook(QFrame* frame) {
 }
 
 QString resource(const char* file) {
-  return QStringLiteral(":/Vorlane/Resources/") + QLatin1String(file);
+  return QString(":/Vorlane/Resources/") + QLatin1String(file);
 }
 
 // Where the window's centre is the reference's; of two middle pixels of either, the one before.
 QPoint centredTopLeft(const QRect& window, const QRect& reference) {
   return {(reference.left() + reference.right()) / 2 - (window.right() - window.left()) / 2,
           (reference.top() + reference.bottom()) / 2 - (window.bottom() - window.top()) / 2};
+}
+
+// A text of the header, at most as high as the header. Where room is short, one that may shrink ends in an ellipsis.
+class HeaderLabel : public QLabel {
+ public:
+  HeaderLabel(QWidget* header, bool mayShrink) : QLabel(header), mayShrink_(mayShrink) {
+    const int height = fontMetrics().height();
+    if (height <= kHeaderTextHeight) return;
+    QFont smaller = font();
+    smaller.setPixelSize(QFontInfo(smaller).pixelSize() * kHeaderTextHeight / height);
+    setFont(smaller);
+  }
+  QSize minimumSizeHint() const override {
+    return {mayShrink_ ? fontMetrics().horizontalAdvance(QChar(0x2026)) : textWidth(),
+            QLabel::minimumSizeHint().height()};
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    if (textWidth() <= contentsRect().width()) return QLabel::paintEvent(event);
+    QPainter painter(this);
+    style()->drawItemText(&painter, contentsRect(), int(alignment()), palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()), foregroundRole());
+  }
+
+ private:
+  // The size hint is a little more.
+  int textWidth() const { return fontMetrics().horizontalAdvance(text()); }
+
+  const bool mayShrink_;
+};
+
+// The form is white whatever the application's palette is, so its texts are black; one with a colour of its own keeps
+// it.
+void writeBlackOnWhite(const QWidget* form) {
+  for (QWidget* child : form->findChildren<QWidget*>()) {
+    if (!qobject_cast<QLabel*>(child) && !qobject_cast<QGroupBox*>(child) && !qobject_cast<QRadioButton*>(child) &&
+        !qobject_cast<QCheckBox*>(child)) {
+      continue;
+    }
+    QPalette palette = child->palette();
+    if (palette.color(QPalette::WindowText) != QApplication::palette(child).color(QPalette::WindowText)) continue;
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, Qt::gray);
+    child->setPalette(palette);
+  }
+}
+
+// A least width set in the form may be less than what a large font needs. A fixed width stays.
+void keepTextWhole(QAbstractButton* button) {
+  if (button->minimumWidth() == 0 || button->minimumWidth() == button->maximumWidth()) return;
+  const int text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
+  if (text + 2 * kButtonPadding > button->minimumWidth()) button->setMinimumWidth(button->minimumSizeHint().width());
+}
+
+// The style sheet puts a group's title at a fixed place, so a large one would cover what is in the group.
+void keepTitleFree(QGroupBox* group) {
+  if (!group->layout() || group->title().isEmpty()) return;
+  QStyleOptionGroupBox option;
+  option.initFrom(group);
+  option.text = group->title();
+  option.lineWidth = 1;
+  option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
+  option.textAlignment = group->alignment();
+  const QRect title = group->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, group);
+  QMargins margins = group->layout()->contentsMargins();
+  margins.setTop(qMax(margins.top(), title.bottom() + 1 - group->contentsRect().top()));
+  group->layout()->setContentsMargins(margins);
+}
+
+// Gives every child its style and its geometry, as showing the window would.
+void layOut(QWidget* window) {
+  const auto children = window->findChildren<QWidget*>();
+  for (QWidget* child : children) child->ensurePolished();
+  for (QLayout* layout : window->findChildren<QLayout*>()) layout->invalidate();
+  window->layout()->activate();
+  for (QWidget* child : children) {
+    if (child->layout()) child->layout()->activate();
+  }
 }
 
 }  // namespace
@@ -145,7 +234,7 @@ CVorlaneDialog::Context CVorlaneDialog::findContext(QWidget* parent) {
 
 void CVorlaneDialog::buildFrame() {
   VDgridLayout = new QGridLayout(this);
-  VDgridLayout->setObjectName(QStringLiteral("VDgridLayout"));
+  VDgridLayout->setObjectName(QString("VDgridLayout"));
   VDgridLayout->setSpacing(0);
   VDgridLayout->setContentsMargins(0, 0, 0, 0);
 
@@ -167,18 +256,18 @@ void CVorlaneDialog::buildFrame() {
 
 void CVorlaneDialog::addShadow(const ShadowPiece& piece) {
   const QString place = QLatin1String(piece.place);
-  const QString name = QStringLiteral("VDshadow") + place;
+  const QString name = QString("VDshadow") + place;
   auto* frame = new QFrame(this);
   frame->setObjectName(name);
   if (piece.column != 1) frame->setFixedWidth(kShadowThickness);
   if (piece.row != 1) frame->setFixedHeight(kShadowThickness);
   QString style =
-      QStringLiteral("QFrame#%1 {\nbackground-image: url(:/Vorlane/Resources/DialogShadow-%2.png);\n").arg(name, place);
+      QString("QFrame#%1 {\nbackground-image: url(:/Vorlane/Resources/DialogShadow-%2.png);\n").arg(name, place);
   if (piece.imagePosition) {
-    style += QStringLiteral("background-repeat: no-repeat;\nbackground-position: %1;\nborder: 0px transparent;\n}")
+    style += QString("background-repeat: no-repeat;\nbackground-position: %1;\nborder: 0px transparent;\n}")
                  .arg(QLatin1String(piece.imagePosition));
   } else {
-    style += QStringLiteral("background-repeat: repeat-%1;\nborder: 0px transparent;\n\n}")
+    style += QString("background-repeat: repeat-%1;\nborder: 0px transparent;\n\n}")
                  .arg(piece.row == 1 ? QLatin1Char('y') : QLatin1Char('x'));
   }
   frame->setStyleSheet(style);
@@ -189,39 +278,39 @@ void CVorlaneDialog::addShadow(const ShadowPiece& piece) {
 
 void CVorlaneDialog::buildMainFrame() {
   VDmainFrame = new QFrame(this);
-  VDmainFrame->setObjectName(QStringLiteral("VDmainFrame"));
+  VDmainFrame->setObjectName(QString("VDmainFrame"));
   VDmainFrame->setMinimumSize(40, 40);
   VDmainFrame->setStyleSheet(kBlueTheme);
   frameLook(VDmainFrame);
   VDMainVerticalLayout = new QVBoxLayout(VDmainFrame);
-  VDMainVerticalLayout->setObjectName(QStringLiteral("VDMainVerticalLayout"));
+  VDMainVerticalLayout->setObjectName(QString("VDMainVerticalLayout"));
   VDMainVerticalLayout->setSpacing(2);
   VDMainVerticalLayout->setContentsMargins(0, 0, 0, 0);
 
   VDheaderWidget = new QWidget(VDmainFrame);
-  VDheaderWidget->setObjectName(QStringLiteral("VDheaderWidget"));
+  VDheaderWidget->setObjectName(QString("VDheaderWidget"));
   VDheaderWidget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   VDheaderWidget->setMinimumSize(0, kHeaderHeight);
   VDheaderWidget->setMaximumSize(QWIDGETSIZE_MAX, kHeaderHeight);
   VDheaderWidget->setStyleSheet(kHeaderStyle);
   VDHeaderHorizontalLayout = new QHBoxLayout(VDheaderWidget);
-  VDHeaderHorizontalLayout->setObjectName(QStringLiteral("VDHeaderHorizontalLayout"));
+  VDHeaderHorizontalLayout->setObjectName(QString("VDHeaderHorizontalLayout"));
   VDHeaderHorizontalLayout->setSpacing(6);
   VDHeaderHorizontalLayout->setContentsMargins(10, 3, 5, 2);
 
-  VDPrefixLabel = new QLabel(VDheaderWidget);
-  VDPrefixLabel->setObjectName(QStringLiteral("VDPrefixLabel"));
-  VDPrefixLabel->setStyleSheet(QStringLiteral("color:white;"));
+  VDPrefixLabel = new HeaderLabel(VDheaderWidget, true);
+  VDPrefixLabel->setObjectName(QString("VDPrefixLabel"));
+  VDPrefixLabel->setStyleSheet(QString("color:white;"));
   VDHeaderHorizontalLayout->addWidget(VDPrefixLabel);
-  VDtitleLabel = new QLabel(VDheaderWidget);
-  VDtitleLabel->setObjectName(QStringLiteral("VDtitleLabel"));
-  VDtitleLabel->setStyleSheet(QStringLiteral("color: white;"));
+  VDtitleLabel = new HeaderLabel(VDheaderWidget, false);
+  VDtitleLabel->setObjectName(QString("VDtitleLabel"));
+  VDtitleLabel->setStyleSheet(QString("color: white;"));
   // The title takes the free room, so that it follows the prefix and the buttons stand at the right.
   VDHeaderHorizontalLayout->addWidget(VDtitleLabel, 1);
   VDMainVerticalLayout->addWidget(VDheaderWidget);
 
   VDcontentWidget = new QWidget(VDmainFrame);
-  VDcontentWidget->setObjectName(QStringLiteral("VDcontentWidget"));
+  VDcontentWidget->setObjectName(QString("VDcontentWidget"));
   auto* contentLayout = new QVBoxLayout(VDcontentWidget);
   contentLayout->setContentsMargins(1, 1, 1, 1);
   VDMainVerticalLayout->addWidget(VDcontentWidget);
@@ -234,36 +323,53 @@ void CVorlaneDialog::applyContext(Context context) {
     VDmainFrame->setStyleSheet(style);
   }
   if (context == Context::Standalone) {
-    VDPrefixLabel->setText(tr("Nolva Reader Advanced Tools") + QStringLiteral(" -"));
+    VDPrefixLabel->setText(tr("Nolva Reader Advanced Tools") + QString(" -"));
   } else {
     VDPrefixLabel->hide();
   }
 }
 
 bool CVorlaneDialog::VDisInPreview() const {
-  return previewParent && previewParent->objectName() == kPreviewName;
+  // A dialog that was given another parent may have outlived the window.
+  QObject* ancestor = parent();
+  while (ancestor && ancestor != previewParent) ancestor = ancestor->parent();
+  return ancestor && ancestor->objectName() == kPreviewName;
+}
+
+QSize CVorlaneDialog::roomFor(const QWidget* form, const QSize& stated) {
+  layOut(this);
+  writeBlackOnWhite(form);
+  for (auto* button : form->findChildren<QAbstractButton*>()) keepTextWhole(button);
+  for (auto* group : form->findChildren<QGroupBox*>()) keepTitleFree(group);
+  resize(stated.expandedTo(VDMainVerticalLayout->totalMinimumSize()));
+  layOut(this);
+  for (auto* label : form->findChildren<QLabel*>()) {
+    // A layout takes one line for the least height of a text of several.
+    if (label->wordWrap()) label->setMinimumHeight(label->heightForWidth(label->width()));
+  }
+  layOut(this);
+  return stated.expandedTo(VDMainVerticalLayout->totalMinimumSize());
 }
 
 void CVorlaneDialog::VDaddMainWidget(QWidget* form, bool fixedSize) {
   if (!form) return;
-  const int width = form->width() + frameExtraWidth;
-  fixedHeight = form->height() + frameExtraHeight;
-  setGeometry(QRect(geometry().topLeft(), QSize(width, fixedHeight)));
-  const QRect reference =
-      VDisInPreview() ? previewParent->geometry() : QGuiApplication::primaryScreen()->availableGeometry();
-  move(centredTopLeft(geometry(), reference));
-
-  setMinimumHeight(fixedHeight);
-  if (fixedSize) {
-    // The width leaves out the frame's extra width on purpose.
-    setFixedSize(form->width(), fixedHeight);
-  } else {
-    setMinimumWidth(width);
-  }
-  updateGeometry();
+  // A fixed width leaves out the frame's extra width on purpose.
+  const QSize frame(fixedSize ? 0 : frameExtraWidth, frameExtraHeight);
+  const QSize stated = form->size() + frame;
   VDcontentWidget->layout()->addWidget(form);
   VDcontentWidget->layout()->setContentsMargins(0, 0, 0, 0);
+  const QSize size = roomFor(form, stated);
+  fixedHeight = size.height();
+
+  const QSize centred(size.width() - frame.width() + frameExtraWidth, fixedHeight);
+  const QRect reference =
+      VDisInPreview() ? previewParent->geometry() : QApplication::primaryScreen()->availableGeometry();
+  setGeometry(QRect(centredTopLeft(QRect(QPoint(), centred), reference), centred));
+  setMinimumSize(size);
+  if (fixedSize) setMaximumSize(size);
+  updateGeometry();
   framelessHandler.setWidgetResizable(!fixedSize);
+  layOut(this);
 }
 
 CVorlaneHeaderButton* CVorlaneDialog::addHeaderButton(const HeaderButton& description) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QPointer>
 
 #include "dialogs/CFramelessHandler.h"
 
@@ -34,7 +33,9 @@ class CVorlaneDialog : public QDialog {
 
   /// Puts the form, at the size it has, into the content area; sizes the dialog around it and centres it on the preview
   /// window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
-  /// size is the minimum. Null does nothing.
+  /// size is the minimum. Where the form needs more, as with a large font, the dialog is that much larger. Texts of the
+  /// form's labels, group boxes, radio buttons and check boxes become black, unless they have a colour of their own.
+  /// Afterwards every widget of the form has its geometry. Null does nothing.
   void VDaddMainWidget(QWidget* form, bool fixedSize);
   /// Adds the header's close button, which rejects the dialog.
   void VDaddCloseButton();
@@ -64,6 +65,7 @@ class CVorlaneDialog : public QDialog {
   void addShadow(const ShadowPiece& piece);
   void buildMainFrame();
   void applyContext(Context context);
+  QSize roomFor(const QWidget* form, const QSize& stated);
   CVorlaneHeaderButton* addHeaderButton(const HeaderButton& button);
 
   CFramelessHandler framelessHandler;
@@ -95,7 +97,7 @@ class CVorlaneDialog : public QDialog {
 
  private:
   QWidget* VDcontentWidget = nullptr;
-  QPointer<QWidget> previewParent;  // the ancestor that is the preview window, or null
+  QWidget* previewParent = nullptr;  // the ancestor that is the preview window, or null
   int fixedHeight = 0;
   int frameExtraHeight = 0;  // what the shell adds to the form's height and width
   int frameExtraWidth = 0;

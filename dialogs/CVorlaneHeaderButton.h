@@ -3,7 +3,7 @@
 
 #include <QToolButton>
 
-/// A tool button in a dialog's header. A double click on it is one press, and never reaches the header behind it.
+/// A tool button in a dialog's header. A double click on it is one press, and never reaches the header below it.
 class CVorlaneHeaderButton : public QToolButton {
  public:
   using QToolButton::QToolButton;

@@ -19,7 +19,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const auto full = FullParser::Read(bytes);
   if (!full || !full->Sound()) return 0;
   if (document->tail.root != full->root || document->baseUrl != full->baseUrl) {
-    std::fprintf(stderr, "quick: object %u, base URL \"%s\"; full: object %u, base URL \"%s\"\n",
+    std::fprintf(stderr,
+                 "violated: the quick reader reads what the full parser reads: object %u, base URL \"%s\"; full: "
+                 "object %u, base URL \"%s\"\n",
                  document->tail.root.number, document->baseUrl.c_str(), full->root.number, full->baseUrl.c_str());
     std::abort();
   }

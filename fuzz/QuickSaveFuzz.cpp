@@ -28,7 +28,7 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   const auto document = QuickReader::Read(*input);
   if (!document) return;
   OutputFile output;
-  AppendUpdate(*input, document->tail, {{document->tail.root, WithBaseUrl(*document, url)}}, output);
+  AppendUpdate(*input, document->tail, {{document->tail.root, engine::WithBaseUrl(document->catalog, url)}}, output);
   const std::string after = output.TakeBytes();
   Require(after.compare(0, bytes.size(), bytes) == 0, "the source is a prefix");
 

@@ -52,7 +52,5 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(GLOB compressed ${share}/man/man?/*.? ${share}/doc/${package}/changelog)
   execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
-# Where Debian's users look for examples.
-file(CREATE_LINK ../../vorlane/examples ${dev}/share/doc/${CPACK_DEBIAN_DEV_PACKAGE_NAME}/examples SYMBOLIC)
 configure_file(${source}/packaging/deb/dev.lintian-overrides
   ${dev}/share/lintian/overrides/${CPACK_DEBIAN_DEV_PACKAGE_NAME} COPYONLY)

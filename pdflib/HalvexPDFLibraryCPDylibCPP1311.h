@@ -9,18 +9,19 @@
 
 #include "pdflib/LibraryFunctionSlots.h"
 
-/// The door to the PDF library: opens the library file at run time, makes one library instance and forwards every call.
+/// Access to the PDF library: opens the library file at run time, makes one library instance and forwards every call.
 ///
 /// State: fixed by the constructor. LibraryLoaded() is false when the file could not be opened or lacks a function; every
-/// member then answers 0, 0.0 or an empty string without touching the library.
-/// Errors: nothing is thrown or reported here; a failing library function answers through its result (commonly 0), and
-/// LastErrorCode() tells why.
+/// member then returns 0, 0.0 or an empty string without touching the library.
+/// Errors: nothing is thrown or reported here; a failing library function reports through its result (commonly 0), and
+/// LastErrorCode() gives the reason.
 /// Strings: wide strings hold 32-bit code units and go to the library as they are; byte strings may hold any bytes, NUL
-/// included. A string whose size in bytes does not fit a 32-bit int is refused: the member answers its default and the
+/// included. A string whose size in bytes does not fit a 32-bit int is refused: the member returns its default and the
 /// library is not called. Results are copies that belong to the caller.
 /// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
 /// the call.
-/// Threads: none; one wrapper, and the instance behind it, is used by one thread at a time.
+/// Threads: one wrapper, and the instance behind it, is used by one thread at a time. Threads with a wrapper each may work
+/// side by side with the free engine; whether they may with another library is that library's to say.
 ///
 /// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
 /// wrappers with its own copy of this class and hands them to actions. It must not change.

@@ -9,13 +9,14 @@ struct WorkProcInfoStruct;
 struct DialogLoadStruct;
 
 /// What the host asks of every action. The order of the virtual functions is part of the contract with the host.
-/// Every call arrives on the host's GUI thread.
+/// Every call arrives on the host's GUI thread. A host may unload the plug-in and keep its texts and maps, so every
+/// text that an action returns or stores has memory of its own: QString("text"), not QString("text").
 class CActionInterface {
  public:
   virtual ~CActionInterface() = default;
 
-  /// Runs the action on one open document. Called once a document and action of a list. The number answered is the
-  /// host's to interpret; an action that knows of no failure answers 0. `info` and what it points to are the host's,
+  /// Runs the action on one open document; called once for each document and each action of a list. What the result
+  /// means is up to the host; 0 when the action found no failure. `info` and what it points to are the host's,
   /// and valid during the call only.
   virtual int WorkProc(WorkProcInfoStruct* info) = 0;
   /// Edits info->settings in a modal dialog; 1 if the user accepted, else 0.

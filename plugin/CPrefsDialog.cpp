@@ -14,13 +14,13 @@ CPrefsDialog::~CPrefsDialog() {
 }
 
 void CPrefsDialog::SetPrefs(QMap<QString, QVariant>* settings) {
-  if (settings) ui.lineEdit->setText(settings->value(QStringLiteral("baseUrlString")).toString());
+  if (settings) ui.lineEdit->setText(settings->value(QString("baseUrlString")).toString());
 }
 
 bool CPrefsDialog::GetPrefs(QMap<QString, QVariant>* settings) {
   if (!settings) return false;
-  settings->insert(QStringLiteral("baseUrlString"), ui.lineEdit->text());
-  settings->insert(QStringLiteral("ActionName"), QStringLiteral("Set Base URL"));
+  settings->insert(QString("baseUrlString"), ui.lineEdit->text());
+  settings->insert(QString("ActionName"), QString("Set Base URL"));
   return true;
 }
 

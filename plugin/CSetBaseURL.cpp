@@ -7,14 +7,14 @@
 #include "plugin/WorkProcInfoStruct.h"
 
 int CSetBaseURL::WorkProc(WorkProcInfoStruct* info) {
-  const QString url = info->settings->value(QStringLiteral("baseUrlString")).toString();
+  const QString url = info->settings->value(QString("baseUrlString")).toString();
   info->document->SetBaseURL(url.toStdWString());
   return 0;
 }
 
 int CSetBaseURL::ShowDialogProc(QWidget* parent, DialogLoadStruct* info) {
   return ShowSettingsDialog<CPrefsDialog>(*this, parent, info, [](auto& document, auto& settings) {
-    settings.insert(QStringLiteral("baseUrlString"), QString::fromStdWString(document.GetBaseURL()));
+    settings.insert(QString("baseUrlString"), QString::fromStdWString(document.GetBaseURL()));
   });
 }
 
@@ -27,19 +27,19 @@ int CSetBaseURL::PostSequenceProc(WorkProcInfoStruct*) {
 }
 
 QString CSetBaseURL::GetActionName() {
-  return QStringLiteral("Set Base URL");
+  return QString("Set Base URL");
 }
 
 QString CSetBaseURL::GetDisplayName() {
-  return QStringLiteral("Set Base URL");
+  return QString("Set Base URL");
 }
 
 QString CSetBaseURL::GetActionHelp() {
-  return QStringLiteral("Action_SetBaseUrl.html");
+  return QString("Action_SetBaseUrl.html");
 }
 
 QString CSetBaseURL::GetGroupName() {
-  return QStringLiteral("Document Properties");
+  return QString("Document Properties");
 }
 
 int CSetBaseURL::GetActionFlags() {
@@ -47,5 +47,5 @@ int CSetBaseURL::GetActionFlags() {
 }
 
 QString CSetBaseURL::GetDefaultIcon() {
-  return QStringLiteral("Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png");
+  return QString("Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png");
 }

@@ -25,4 +25,4 @@ static_assert(offsetof(DialogLoadStruct, settings) == 4 * sizeof(void*), "settin
 static_assert(offsetof(DialogLoadStruct, hideAddToActionList) == 6 * sizeof(void*),
               "hideAddToActionList follows the record's six pointers");
 static_assert(offsetof(DialogLoadStruct, skipDocumentValue) == 6 * sizeof(void*) + 1,
-              "skipDocumentValue is the byte behind hideAddToActionList");
+              "skipDocumentValue is the byte after hideAddToActionList");

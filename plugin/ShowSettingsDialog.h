@@ -14,7 +14,7 @@
 ///
 /// `readDocument(document, settings)` puts what the open document holds into the settings map; it is called unless
 /// there is no document or the host wants the stored settings shown. The dialog then edits the map in place, which
-/// changes only when the user accepts. Answers 1 for that and 0 for everything else; without a map nothing is shown.
+/// changes only when the user accepts. Returns 1 for that and 0 for everything else; without a map nothing is shown.
 template <class SettingsDialog, class ReadDocument>
 int ShowSettingsDialog(CActionInterface& action, QWidget* parent, DialogLoadStruct* info, ReadDocument readDocument) {
   if (!info || !info->settings) return 0;

@@ -18,13 +18,15 @@ class CActionHistoryAPI {
  public:
   /// Takes the files of the collections folder that match `prefix` followed by "*". The position is before the newest.
   explicit CActionHistoryAPI(QString prefix);
+  ~CActionHistoryAPI();
 
   /// Writes "<collections folder>/<value of "CollectionName">.ini" anew, with the map under "ActionPrefs" and the
-  /// icon's normal image, at most 42 x 42, under "ActionIcon". A file that cannot be replaced is kept. Answers 0, also
-  /// when the file could not be written, and 1 when an exception was caught or a pointer is null.
+  /// icon's normal image, 42 x 42 pixels with a smaller icon in the middle, under "ActionIcon". A file that cannot be
+  /// replaced is kept. Returns 0, also when the file could not be written, and 1 when an exception was caught or a
+  /// pointer is null.
   int SaveSettingsToHistory(QMap<QString, QVariant>* settings, QIcon* icon);
 
-  /// Moves by `step` entries towards the older ones (negative: towards the newer) and answers the settings found there,
+  /// Moves by `step` entries towards the older ones (negative: towards the newer) and returns the settings found there,
   /// to be deleted by the caller. Null when the position is outside the entries, where it stays until the next step, or
   /// when the file holds no settings. The first call has to step by 1.
   QMap<QString, QVariant>* LoadSettingsFromHistory(int step);

@@ -8,7 +8,6 @@
 #include <QIcon>
 #include <QList>
 #include <QMap>
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -18,8 +17,9 @@ class QFont;
 class QLabel;
 class QTextEdit;
 
-/// The commands of the document-splitting actions; a command's number is its position.
-extern const QStringList gCommandsList;
+/// The commands of the document-splitting actions; a command's number is its position. Nobody changes the list; global
+/// objects may use it before main().
+extern QStringList gCommandsList;
 
 /// What actions and their dialogs share. All members are static. Those that take or make widgets, fonts, icons or
 /// settings files belong to the GUI thread; the others are pure. Nothing is reported but by the results, and no member
@@ -34,8 +34,8 @@ extern const QStringList gCommandsList;
 /// cannot be written is lost.
 ///
 /// Pickers: each function fills a combo box, which owns what it is given; a second call replaces the first one's model
-/// and view. Call them when the combo box has its width: the popup is made 2 pixels narrower. A null combo box is left
-/// out.
+/// and view. Call them when the combo box has its width: the popup is made 2 pixels narrower. Nothing is done with a
+/// null combo box.
 class CActionUtils {
  public:
   CActionUtils() = delete;
@@ -62,9 +62,9 @@ class CActionUtils {
   /// and category stay. Otherwise the list is made anew with this one action, and the four keys named above are removed
   /// from `*prefs` and not stored with the action.
   ///
-  /// Errors are not reported. A list that cannot be read is not appended to. One that cannot be replaced (a full disk,
-  /// a read-only folder) stays as it was, and so does `*prefs`: the new file is complete before it takes the old one's
-  /// place. A null map does nothing.
+  /// Errors are not reported. Lines of an existing list that are no settings are lost when it is appended to. A list
+  /// that cannot be replaced (a full disk, a read-only folder) stays as it was, and so does `*prefs`. A null map does
+  /// nothing.
   static void SaveAsCustomActionList(QMap<QString, QVariant>* prefs);
 
   /// "Default", "Favorites" and then every other category found in the sequence folder's lists, in directory order,
@@ -92,8 +92,8 @@ class CActionUtils {
   /// text with everything excluded ("4" without even pages), the expansion ends there.
   ///
   /// The text is trusted to be well formed; what QString::toInt() does not read as a number counts as page 0, and pages
-  /// below 1 are not filtered out. Takes time and memory linear in the text and the pages named, so bound a range that
-  /// does not come from ValidatePageRange() and a plausible document. A null `pages` is not filled.
+  /// below 1 are not filtered out. A range takes memory for all its pages, so check a range's end against the document.
+  /// Throws std::bad_alloc, with `*pages` untouched, when a list cannot hold the pages. A null `pages` is not filled.
   static bool GetPageList(const QString& text, int pageCount, bool skipOdd, bool skipEven, QList<int>* pages);
 
   /// Appends the runs of consecutive pages in `*pages`, sorted ascending, to `*runs`: the first page and the number of
@@ -110,14 +110,14 @@ class CActionUtils {
   static QStringList SearchFilesInDir(QDir dir, QStringList suffixes, bool recursive);
 
   /// `number` in base 10, with "0" put in front until it is `width` characters long; a minus sign counts as one of them
-  /// and stays behind the zeros: -5 with width 4 is "00-5".
+  /// and follows the zeros: -5 with width 4 is "00-5".
   static QString GetStringWithLeadingZeroesFromNumber(int number, int width);
   /// The same for a given text.
   static QString GetStringWithLeadingZeroesFromString(QString digits, int width);
 
   /// `path` when nothing exists there, otherwise the first of "<path before its last "."> (<n>).<suffix>", n = 1, 2, …,
   /// where nothing exists. The last "." is that of the whole path, folders included, so pass paths with a suffix; a
-  /// path without any "." is answered as it is.
+  /// path without any "." is returned as it is.
   static QString AppendCopyNumberToFilename(QString path);
 
   /// Removes white space from both ends, and every tab, line feed, carriage return and < > : " / \ | ? * from `*name`.
@@ -177,7 +177,8 @@ class CActionUtils {
   static double GetTextItemHeight(const QFont& font, const QString& html, double width);
 
   /// Draws plain text, black on transparent, into an image of `width` x `height` pixels (fractions cut off) and adds
-  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1 or above 32767 adds nothing.
+  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1, or an image that does not fit into
+  /// memory, adds nothing.
   static void GenerateTextItemIcon(double width, double height, const QString& text, QIcon* icon);
 
   // ---- Split commands ----
@@ -189,8 +190,8 @@ class CActionUtils {
 
   // ---- Help and tool icons ----
 
-  /// Sets where help is shown. A settings dialog calls it once its form is built. The widgets are not owned; one that
-  /// has been destroyed, or null, is left alone by the calls below.
+  /// Sets where help is shown. A settings dialog calls it once its form is built, and again, with null, before the
+  /// widgets are destroyed. They are not owned, and the calls below use them without a check.
   static void SetTargetLabels(QLabel* navBar, QTextEdit* info);
   /// Shows the page ":/Vorlane/Resources/HelpFiles/<fileName>", decoded as it declares itself; an unknown one shows an
   /// empty page.
@@ -205,7 +206,7 @@ class CActionUtils {
   static QIcon GetIconForTool(QString fileName);
 
   /// Set by SetTargetLabels(): the line that names the current section, and the help page.
-  static QPointer<QLabel> mNavBarLabel;
+  static QLabel* mNavBarLabel;
   /// See mNavBarLabel.
-  static QPointer<QTextEdit> mInfoLabel;
+  static QTextEdit* mInfoLabel;
 };

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <cmath>
 #include <QFile>
 
@@ -10,14 +11,14 @@ QString CActionUtils::GetStringWithLeadingZeroesFromNumber(int number, int width
 }
 
 QString CActionUtils::GetStringWithLeadingZeroesFromString(QString digits, int width) {
-  return digits.rightJustified(width, u'0');
+  return digits.rightJustified(std::max(width, 0), u'0');
 }
 
 QString CActionUtils::AppendCopyNumberToFilename(QString path) {
   const int dot = path.lastIndexOf(u'.');
   if (dot < 0) return path;  // nowhere to put a number
   QString candidate = path;
-  for (int n = 1; QFile::exists(candidate); ++n) candidate = QString(path).insert(dot, QStringLiteral(" (%1)").arg(n));
+  for (int n = 1; QFile::exists(candidate); ++n) candidate = QString(path).insert(dot, QString(" (%1)").arg(n));
   return candidate;
 }
 

@@ -7,8 +7,8 @@
 #include "utils/CActionUtils.h"
 #include "utils/KitResources.h"
 
-QPointer<QLabel> CActionUtils::mNavBarLabel;
-QPointer<QTextEdit> CActionUtils::mInfoLabel;
+QLabel* CActionUtils::mNavBarLabel = nullptr;
+QTextEdit* CActionUtils::mInfoLabel = nullptr;
 
 void CActionUtils::SetTargetLabels(QLabel* navBar, QTextEdit* info) {
   mNavBarLabel = navBar;
@@ -23,9 +23,9 @@ void CActionUtils::SetHelp(QString fileName) {
 }
 
 void CActionUtils::SetHelpHtml(QString html) {
-  if (mInfoLabel) mInfoLabel->setText(html);
+  mInfoLabel->setText(html);
 }
 
 void CActionUtils::SetCurrentSection(QString section) {
-  if (mNavBarLabel) mNavBarLabel->setText(section);
+  mNavBarLabel->setText(section);
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <QSettings>
 #include <QStandardPaths>
 
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
-#include "utils/SettingsValues.h"
+#include "utils/SettingsFile.h"
 
 namespace {
 
@@ -17,24 +16,24 @@ QString StorePath() {
 }  // namespace
 
 void CActionUtils::SaveLastVisitedLocation(QString key, QString location) {
-  QSettings store(StorePath(), QSettings::IniFormat);
-  WriteSettingsValues(store, {{key, location}});
+  SettingsFile::Change(StorePath(), [&](QSettings& store) { store.setValue(key, location); });
 }
 
 QString CActionUtils::GetLastVisitedLocation(QString key) {
-  const QSettings store(StorePath(), QSettings::IniFormat);
-  if (store.contains(key)) return store.value(key).toString();
+  const SettingsFile store(StorePath());
+  if (store.Values().contains(key)) return store.Values().value(key).toString();
   return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
 }
 
 void CActionUtils::SaveLastEnteredLink(QString key, QString link) {
-  QSettings store(StorePath(), QSettings::IniFormat);
-  QStringList links = store.value(key).toStringList();
-  links.prepend(link);
-  links.removeDuplicates();
-  WriteSettingsValues(store, {{key, QStringList(links.mid(0, kMostLinks))}});
+  SettingsFile::Change(StorePath(), [&](QSettings& store) {
+    QStringList links = store.value(key).toStringList();
+    links.prepend(link);
+    links.removeDuplicates();
+    store.setValue(key, QStringList(links.mid(0, kMostLinks)));
+  });
 }
 
 QStringList CActionUtils::GetLastEnteredLinks(QString key) {
-  return QSettings(StorePath(), QSettings::IniFormat).value(key).toStringList();
+  return SettingsFile(StorePath()).Values().value(key).toStringList();
 }

@@ -141,8 +141,8 @@ void BuildPicker(QComboBox* combo, QSize iconSize, int rowHeight, const QList<QS
   palette.setColor(QPalette::Text, Qt::black);
   palette.setColor(QPalette::HighlightedText, Qt::black);
   view->setPalette(palette);
-  view->setStyleSheet(QStringLiteral(
-      "QTableView {gridline-color: white; background-color: white; selection-background-color: lightblue;}"));
+  view->setStyleSheet(
+      QString("QTableView {gridline-color: white; background-color: white; selection-background-color: lightblue;}"));
 }
 
 void BuildLinePicker(QComboBox* combo, const LinePicker& picker) {
@@ -167,7 +167,7 @@ void CActionUtils::SetupColorPickerComboBox(QComboBox* combo, bool withNone) {
     items.append(new QStandardItem(FramedColor(iconSize, named.color), QLatin1String(named.text)));
     items.last()->setData(named.color, kColorRole);
   }
-  items.append(new QStandardItem(FramedColor(iconSize, Qt::white), QStringLiteral("Custom...")));
+  items.append(new QStandardItem(FramedColor(iconSize, Qt::white), QString("Custom...")));
   BuildPicker(combo, iconSize, 17, items);
   combo->setMaxVisibleItems(4);
   // Reaches "Custom..." only after "(none)"; without it there is no such row, and hosts expect none to be set.
@@ -191,7 +191,7 @@ void CActionUtils::SetupLineWeightPickerComboBox(QComboBox* combo) {
 void CActionUtils::SetupStandardFontsComboBox(QComboBox* combo) {
   if (!combo) return;
   combo->clear();
-  combo->addItems({QStringLiteral("Arial"), QStringLiteral("Times New Roman"), QStringLiteral("Courier")});
+  combo->addItems({QString("Arial"), QString("Times New Roman"), QString("Courier")});
 }
 
 void CActionUtils::SetupSystemFontsComboBox(QComboBox* combo) {
@@ -200,7 +200,7 @@ void CActionUtils::SetupSystemFontsComboBox(QComboBox* combo) {
   HalvexPDFLibraryCPDylibCPP1311 library(L"HalvexPDFLibraryCPDylib1311.dylib");
   const QString names = QString::fromStdWString(library.GetInstalledFontsByCharset(2, 1));
   if (names.isEmpty()) return;
-  QStringList fonts = names.split(QStringLiteral("\r\n"));
+  QStringList fonts = names.split(QString("\r\n"));
   while (!fonts.isEmpty() && fonts.last().isEmpty()) fonts.removeLast();
   combo->addItems(fonts);
 }
@@ -235,6 +235,6 @@ QString CActionUtils::GetBorderDash(int style, double width) {
     case 4:
       return pattern({longDash, gap, gap, gap, gap, gap});
     default:
-      return QStringLiteral("invalid");
+      return QString("invalid");
   }
 }

@@ -7,6 +7,10 @@ void AddToDebugFile(const char*, ...) {}
 
 void StoreErrorToLog(const char*) {}
 
+CErrorHandler::CErrorHandler() = default;
+
+CErrorHandler::~CErrorHandler() = default;
+
 void CErrorHandler::Store(QString format, va_list) {
   const QString message = ExpandNumberFormat(format, std::nullopt);
   mErrors.append(message);
@@ -20,8 +24,20 @@ void CErrorHandler::StoreError(QString format, ...) {
   va_end(args);
 }
 
+int CErrorHandler::GetCount() const {
+  return mErrors.size();
+}
+
 QString CErrorHandler::GetAt(long index) const {
-  return index >= 0 && index < mErrors.size() ? mErrors.at(static_cast<int>(index)) : QStringLiteral("Unknown error");
+  return index >= 0 && index < mErrors.size() ? mErrors.at(static_cast<int>(index)) : QString("Unknown error");
+}
+
+QString CErrorHandler::GetLast() const {
+  return GetAt(GetCount() - 1L);
+}
+
+void CErrorHandler::ClearAll() {
+  mErrors.clear();
 }
 
 void CErrorHandler::WriteToLog(const char*, bool) {}

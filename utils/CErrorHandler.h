@@ -16,8 +16,8 @@ void StoreErrorToLog(const char* text);
 /// Used on the GUI thread only; nothing here fails.
 class CErrorHandler {
  public:
-  CErrorHandler() = default;
-  virtual ~CErrorHandler() = default;
+  CErrorHandler();
+  virtual ~CErrorHandler();
   CErrorHandler(const CErrorHandler&) = delete;
   CErrorHandler& operator=(const CErrorHandler&) = delete;
 
@@ -28,13 +28,13 @@ class CErrorHandler {
   void StoreError(QString format, ...);
 
   /// The number of stored messages.
-  int GetCount() const { return mErrors.size(); }
+  int GetCount() const;
   /// The message at `index`, 0 being the oldest; "Unknown error" when there is none.
   QString GetAt(long index) const;
   /// The newest message; "Unknown error" when there is none.
-  QString GetLast() const { return GetAt(GetCount() - 1L); }
+  QString GetLast() const;
   /// Forgets all messages; those copied to the secondary list stay there.
-  void ClearAll() { mErrors.clear(); }
+  void ClearAll();
 
   /// Does nothing: logging is switched off.
   void WriteToLog(const char* text, bool flag);

@@ -6,6 +6,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "utils/EarlyStatic.h"
 #include "utils/NumberFormat.h"
 
 namespace {
@@ -13,19 +14,14 @@ namespace {
 const QLatin1String kToolsName("PDF Tools");
 const QLatin1String kVendorFolder("/nolva software");
 
+// One level only.
 void MakeFolder(const QString& path) {
-  const QDir folder(path);
-  if (!folder.exists()) folder.mkdir(path);
-}
-
-void MakeEntry(const QString& folderPath, const QString& name) {
-  const QDir folder(folderPath);
-  if (!folder.exists(name)) folder.mkdir(name);
+  if (!QDir(path).exists()) QDir().mkdir(path);
 }
 
 }  // namespace
 
-QString CUtils::mApplicationName;
+VORLANE_EARLY_STATIC QString CUtils::mApplicationName;
 bool CUtils::mInstalationTypeCurrentUser = false;
 
 void CUtils::SetAppName(QString name) {
@@ -73,7 +69,7 @@ QString CUtils::GetAdvSplitTemplatesFolder() {
 }
 
 QString CUtils::GetActionFolder() {
-  return QStringLiteral("./Tools");
+  return QString("./Tools");
 }
 
 void CUtils::SetupFolders() {
@@ -81,19 +77,18 @@ void CUtils::SetupFolders() {
   const QString tools = vendor + QLatin1Char('/') + kToolsName;
   MakeFolder(vendor);
   MakeFolder(tools);
-  // Parents before their children: each step makes one level only.
+  // Parents before their children.
   for (const char* name : {"/Actions", "/Reports", "/Scripts", "/Reports/Action Reports", "/Reports/App Log", "/WF",
                            "/Settings", "/Settings/Favorites", "/Settings/AdvSplitTemplates"}) {
     MakeFolder(tools + QLatin1String(name));
   }
 
   // The running application's own name here, whatever SetAppName() was told.
-  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  const QString name = QCoreApplication::applicationName();
-  MakeEntry(documents, name);
-  const QString own = documents + QLatin1Char('/') + name + QLatin1Char('/');
-  MakeEntry(own, QStringLiteral("Input"));
-  MakeEntry(own, QStringLiteral("Output"));
+  const QString own = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + QLatin1Char('/') +
+                      QCoreApplication::applicationName();
+  MakeFolder(own);
+  MakeFolder(own + QLatin1String("/Input"));
+  MakeFolder(own + QLatin1String("/Output"));
 }
 
 QDir CUtils::GetNewTempFolder(QString* name) {
@@ -111,7 +106,7 @@ QDir CUtils::GetNewTempFolder(QString* name) {
   return QDir(candidate);
 }
 
-QString CUtils::GetNewTempFile(const char* baseName) {
+QString CUtils::GetNewTempFile(char* baseName) {
   for (int n = 1; n <= 9999; ++n) {
     QString path = QDir::tempPath() + QString::asprintf("/%s_%d.pdf", baseName ? baseName : "", n);
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -121,7 +116,7 @@ QString CUtils::GetNewTempFile(const char* baseName) {
 }
 
 void CUtils::GetInstalationType() {
-  const QSettings installation(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
+  const QSettings installation(QString("HKEY_LOCAL_MACHINE\\Software\\Halvex\\Halvex PDF Tools Pro"),
                                QSettings::NativeFormat);
-  mInstalationTypeCurrentUser = installation.value(QStringLiteral("InstallType"), 0).toInt() == 1;
+  mInstalationTypeCurrentUser = installation.value(QString("InstallType"), 0).toInt() == 1;
 }

@@ -11,7 +11,7 @@
 /// slashes. Nothing is reported: the folder accessors neither create nor check anything, and what cannot be made is
 /// left out.
 ///
-/// Five accessors answer a path with a doubled slash ("…/PDF Tools//Settings"): callers append file names to it as it
+/// Five accessors return a path with a doubled slash ("…/PDF Tools//Settings"): callers append file names to it as it
 /// is.
 class CUtils {
  public:
@@ -48,17 +48,18 @@ class CUtils {
   static void SetupFolders();
 
   /// Makes a fresh folder in the system's temporary folder. `*name` carries the wanted name in and the folder's full
-  /// path out. A taken name gets "_0", "_1", … "_99999" appended; when all are taken, the last one is answered as if it
-  /// were fresh. When the folder cannot be made, the temporary folder itself is answered, with a trailing slash in
-  /// `*name`. A null `name` makes nothing and answers the temporary folder.
+  /// path out. A taken name gets "_0", "_1", … "_99999" appended; when all are taken, the last one is returned as if it
+  /// were fresh. When the folder cannot be made, the temporary folder itself is returned, with a trailing slash in
+  /// `*name`. A null `name` makes nothing and returns the temporary folder.
   ///
   /// Once a name is taken, the temporary folder's path and the name are read as a printf format for the number: callers
   /// must not pass a name with a percent sign (see ExpandNumberFormat() for what becomes of one).
   static QDir GetNewTempFolder(QString* name);
 
   /// A path "<temporary folder>/<baseName>_<n>.pdf" that does not exist, with the lowest n of 1 to 9999; empty when all
-  /// are taken. `baseName` is UTF-8; null counts as empty. Nothing is created, so two callers may get the same path.
-  static QString GetNewTempFile(const char* baseName);
+  /// are taken. `baseName` is UTF-8 and is not changed; null counts as empty. Nothing is created, so two callers may
+  /// get the same path.
+  static QString GetNewTempFile(char* baseName);
 
   /// True when this machine's OpenGL is good enough for the translucent dialog frame. False, without a crash, where no
   /// OpenGL context can be made current, for example without a QGuiApplication or on a platform without OpenGL.
@@ -71,10 +72,10 @@ class CUtils {
   static void GetInstalationType();
 
   /// Converts a length between the units 0 inch, 1 centimetre, 2 millimetre and 3 point (1/72 inch). Equal or unknown
-  /// units answer `value` unchanged. The order of the operations is fixed, so results are the same to the last bit.
+  /// units return `value` unchanged. The order of the operations is fixed, so results are the same to the last bit.
   static double Convert(long fromUnit, double value, long toUnit);
 
-  /// Set by SetAppName(); empty until then.
+  /// Set by SetAppName(); empty until then, and usable before main() too.
   static QString mApplicationName;
   /// Set by GetInstalationType(); false until then.
   static bool mInstalationTypeCurrentUser;

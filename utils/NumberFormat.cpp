@@ -4,7 +4,7 @@
 #include <QRegularExpression>
 
 QString ExpandNumberFormat(const QString& format, std::optional<int> number) {
-  static const QRegularExpression conversions(QStringLiteral("%(%|[-+ #0]*[0-9]{0,3}(\\.[0-9]{0,3})?[diuoxX])"));
+  static const QRegularExpression conversions(QString("%(%|[-+ #0]*[0-9]{0,3}(\\.[0-9]{0,3})?[diuoxX])"));
 
   const QString source = QString::fromUtf8(format.toUtf8().constData());
   QString text;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/api/BufferPool.h"
 
+#include <atomic>
 #include <cstring>
 #include <new>
 
@@ -12,7 +13,7 @@ namespace {
 
 // A handle is serial number * kSlotLimit + slot. Those below kSlotLimit are the codes of failed creations.
 constexpr std::uint64_t kSlotLimit = std::uint64_t{1} << 22;
-std::uint64_t gLastSerial = 0;
+std::atomic<std::uint64_t> gLastSerial = 0;
 
 std::uint64_t NumberOf(void* handle) {
   return reinterpret_cast<std::uintptr_t>(handle);

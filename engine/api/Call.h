@@ -11,8 +11,8 @@
 
 namespace engine {
 
-// One call of an exported function, inside Trap(): the instance, and the wide-string buffers that the call was given
-// and that end with it, whatever happens.
+// One call of an exported function, inside Guarded(): the instance, and the wide-string buffers that the call was
+// given. They are released with it, whatever happens.
 class Call {
  public:
   Call(Instance& instance, const std::initializer_list<void*>& wideBuffers)
@@ -44,11 +44,11 @@ LibraryErrorCode CodeOfCurrentException() noexcept;
 // The instance, or null.
 Instance* FindInstance(int id) noexcept;
 
-// The one way from an exported function into the engine: looks the instance up, runs `body(call)`, stores its string
-// result, sets the last error and frees the wide-string buffers. An unknown instance and every exception give R().
-// `body` answers what the function does; text and bytes instead of pointers.
+// The exception boundary, and the one way from an exported function into the engine: looks the instance up, runs
+// `body(call)`, stores its string result, sets the last error and frees the wide-string buffers. An unknown instance
+// and every exception give R(). `body` returns what the function does; text and bytes instead of pointers.
 template <typename R, typename Body>
-R Trap(int instanceId, const std::initializer_list<void*>& wideBuffers, Body&& body) noexcept {
+R Guarded(int instanceId, const std::initializer_list<void*>& wideBuffers, Body&& body) noexcept {
   Instance* const instance = FindInstance(instanceId);
   if (instance == nullptr) return R();
   constexpr bool kString = std::is_pointer_v<R>;
@@ -70,8 +70,8 @@ R Trap(int instanceId, const std::initializer_list<void*>& wideBuffers, Body&& b
 }
 
 template <typename R, typename Body>
-R Trap(int instanceId, Body&& body) noexcept {
-  return Trap<R>(instanceId, {}, std::forward<Body>(body));
+R Guarded(int instanceId, Body&& body) noexcept {
+  return Guarded<R>(instanceId, {}, std::forward<Body>(body));
 }
 
 }  // namespace engine

@@ -2,13 +2,15 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <unordered_map>
 
 #include "engine/api/Instance.h"
 
 namespace engine {
 
-// The living instances of the process, by ID.
+// The living instances of the process, by ID. Its members may be called by several threads at a time; an instance is
+// used, and released, by one thread at a time.
 class InstanceRegistry {
  public:
   static InstanceRegistry& Get();
@@ -23,6 +25,7 @@ class InstanceRegistry {
  private:
   InstanceRegistry() = default;
 
+  std::mutex mutex_;
   std::unordered_map<int, std::unique_ptr<Instance>> instances_;
   int lastId_ = 0;
 };

@@ -14,7 +14,7 @@
 
 using engine::BackendModule;
 using engine::Call;
-using engine::Trap;
+using engine::Guarded;
 
 namespace {
 
@@ -51,17 +51,17 @@ std::wstring FontLines(const CharacterSet (&sets)[N], int number, int options) {
 }  // namespace
 
 wchar_t* HPLLibraryVersion(int instance) {
-  return Trap<wchar_t*>(instance, [](Call&) { return std::wstring(L"" HALVEX_ENGINE_VERSION); });
+  return Guarded<wchar_t*>(instance, [](Call&) { return std::wstring(L"" HALVEX_ENGINE_VERSION); });
 }
 
 wchar_t* HPLLibraryVersionEx(int instance) {
-  return Trap<wchar_t*>(instance, [](Call&) { return std::wstring(L"Halvex PDF engine " HALVEX_ENGINE_VERSION); });
+  return Guarded<wchar_t*>(instance, [](Call&) { return std::wstring(L"Halvex PDF engine " HALVEX_ENGINE_VERSION); });
 }
 
 wchar_t* HPLGetInstalledFontsByCharset(int instance, int charsetIndex, int options) {
-  return Trap<wchar_t*>(instance, [&](Call&) { return FontLines(kCharsets, charsetIndex, options); });
+  return Guarded<wchar_t*>(instance, [&](Call&) { return FontLines(kCharsets, charsetIndex, options); });
 }
 
 wchar_t* HPLGetInstalledFontsByCodePage(int instance, int codePage, int options) {
-  return Trap<wchar_t*>(instance, [&](Call&) { return FontLines(kCodePages, codePage, options); });
+  return Guarded<wchar_t*>(instance, [&](Call&) { return FontLines(kCodePages, codePage, options); });
 }

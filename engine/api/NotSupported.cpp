@@ -13,7 +13,7 @@
 namespace {
 
 void Refuse(int instanceId, const std::initializer_list<void*>& wideBuffers) {
-  engine::Trap<int>(instanceId, wideBuffers, [](engine::Call& call) -> int {
+  engine::Guarded<int>(instanceId, wideBuffers, [](engine::Call& call) -> int {
     call.Library().ForgetResult();
     throw engine::EngineError(kErrorNotSupported, "not supported");
   });

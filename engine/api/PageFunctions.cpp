@@ -4,31 +4,31 @@
 #include "engine/api/Exports.h"
 
 using engine::Call;
-using engine::Trap;
+using engine::Guarded;
 
 int HPLPageCount(int instance) {
-  return Trap<int>(instance, [](Call& call) { return call.Selected().Full().PageCount(); });
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().PageCount(); });
 }
 
 int HPLSelectPage(int instance, int page) {
-  return Trap<int>(instance, [&](Call& call) {
+  return Guarded<int>(instance, [&](Call& call) {
     call.Selected().SelectPage(page);
     return 1;
   });
 }
 
 int HPLSelectedPage(int instance) {
-  return Trap<int>(instance, [](Call& call) { return call.Selected().SelectedPage(); });
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().SelectedPage(); });
 }
 
 double HPLPageWidth(int instance) {
-  return Trap<double>(instance, [](Call& call) { return call.Selected().PageGeometry().width; });
+  return Guarded<double>(instance, [](Call& call) { return call.Selected().PageGeometry().width; });
 }
 
 double HPLPageHeight(int instance) {
-  return Trap<double>(instance, [](Call& call) { return call.Selected().PageGeometry().height; });
+  return Guarded<double>(instance, [](Call& call) { return call.Selected().PageGeometry().height; });
 }
 
 int HPLPageRotation(int instance) {
-  return Trap<int>(instance, [](Call& call) { return call.Selected().PageGeometry().rotation; });
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().PageGeometry().rotation; });
 }

@@ -14,8 +14,8 @@
 using engine::Call;
 using engine::Document;
 using engine::EngineError;
-using engine::SavePlan;
-using engine::Trap;
+using engine::Guarded;
+using engine::SaveMode;
 using engine::Utf8FromWide;
 using engine::WideFromUtf8;
 
@@ -25,13 +25,13 @@ namespace {
 constexpr const char* kInformationKeys[] = {nullptr,   "Author",   "Title",        "Subject", "Keywords",
                                             "Creator", "Producer", "CreationDate", "ModDate"};
 
-const char* NameOf(SavePlan::Way way) {
-  switch (way) {
-    case SavePlan::Way::kUnchanged:
+const char* NameOf(SaveMode mode) {
+  switch (mode) {
+    case SaveMode::kUnchanged:
       return "unchanged";
-    case SavePlan::Way::kIncremental:
+    case SaveMode::kIncremental:
       return "incremental";
-    case SavePlan::Way::kRewrite:
+    case SaveMode::kRewrite:
       break;
   }
   return "rewrite";
@@ -47,7 +47,7 @@ std::string InformationKey(int key) {
 std::string Fact(Document& document, int key) {
   switch (key) {
     case kInformationWayOfSaving:
-      return NameOf(document.Plan().way);
+      return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
     case kInformationSignatures:
@@ -74,35 +74,35 @@ std::string CustomKey(std::wstring_view key) {
 }  // namespace
 
 int HPLSetBaseURL(int instance, void* url) {
-  return Trap<int>(instance, {url}, [&](Call& call) {
+  return Guarded<int>(instance, {url}, [&](Call& call) {
     call.Selected().SetBaseUrl(engine::UrlFromWide(call.Text(url)));
     return 1;
   });
 }
 
 wchar_t* HPLGetBaseURL(int instance) {
-  return Trap<wchar_t*>(instance, [](Call& call) { return engine::WideFromUrl(call.Selected().BaseUrl()); });
+  return Guarded<wchar_t*>(instance, [](Call& call) { return engine::WideFromUrl(call.Selected().BaseUrl()); });
 }
 
 wchar_t* HPLGetInformation(int instance, int key) {
-  return Trap<wchar_t*>(instance, [&](Call& call) { return WideFromUtf8(Fact(call.Selected(), key)); });
+  return Guarded<wchar_t*>(instance, [&](Call& call) { return WideFromUtf8(Fact(call.Selected(), key)); });
 }
 
 int HPLSetInformation(int instance, int key, void* value) {
-  return Trap<int>(instance, {value}, [&](Call& call) {
+  return Guarded<int>(instance, {value}, [&](Call& call) {
     call.Selected().SetInformation(InformationKey(key), Utf8FromWide(call.Text(value)));
     return 1;
   });
 }
 
 wchar_t* HPLGetCustomInformation(int instance, void* key) {
-  return Trap<wchar_t*>(instance, {key}, [&](Call& call) {
+  return Guarded<wchar_t*>(instance, {key}, [&](Call& call) {
     return WideFromUtf8(call.Selected().Information(CustomKey(call.Text(key))));
   });
 }
 
 int HPLSetCustomInformation(int instance, void* key, void* value) {
-  return Trap<int>(instance, {key, value}, [&](Call& call) {
+  return Guarded<int>(instance, {key, value}, [&](Call& call) {
     call.Selected().SetInformation(CustomKey(call.Text(key)), Utf8FromWide(call.Text(value)));
     return 1;
   });

@@ -8,11 +8,17 @@
 #include <stdexcept>
 #include <utility>
 
+#include "engine/syntax/PdfLexer.h"
+
 namespace engine {
 
 namespace {
 
 constexpr std::size_t kBlock = 16 * 1024;
+// The parser reads objects in pieces of 128 bytes at most, streams' data in longer ones.
+constexpr std::size_t kLongestOfObject = 128;
+// A number or a container costs the parser about 500 bytes.
+constexpr std::uint64_t kMostTokens = 3'000'000;
 
 bool IsEndOfLine(char character) {
   return character == '\r' || character == '\n';
@@ -20,19 +26,20 @@ bool IsEndOfLine(char character) {
 
 }  // namespace
 
-BackendInputSource::BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits)
-    : file_(std::move(file)), edits_(std::move(edits)), name_(file_->Path()) {}
+BackendInputSource::BackendInputSource(View view) : view_(std::move(view)), name_(view_.file->Path()) {}
+
+qpdf_offset_t BackendInputSource::Size() const {
+  return static_cast<qpdf_offset_t>(view_.End() + view_.appended.size());
+}
 
 // What stands at the position, without moving on.
 std::size_t BackendInputSource::ReadFile(char* target, std::size_t length) const {
-  const std::size_t got = file_->ReadAt(static_cast<std::uint64_t>(position_), target, length);
-  const qpdf_offset_t end = position_ + static_cast<qpdf_offset_t>(got);
-  for (const Edit& edit : edits_) {
-    qpdf_offset_t at = edit.offset;
-    for (const char byte : edit.bytes) {
-      if (at >= position_ && at < end) target[at - position_] = byte;
-      ++at;
-    }
+  const auto fileEnd = static_cast<qpdf_offset_t>(view_.End());
+  const auto inFile = static_cast<std::size_t>(std::max<qpdf_offset_t>(fileEnd - position_, 0));
+  std::size_t got = view_.file->ReadAt(static_cast<std::uint64_t>(position_), target, std::min(length, inFile));
+  const qpdf_offset_t reached = position_ + static_cast<qpdf_offset_t>(got);
+  if (got < length && reached >= fileEnd && reached < Size()) {
+    got += view_.appended.copy(target + got, length - got, static_cast<std::size_t>(reached - fileEnd));
   }
   return got;
 }
@@ -60,11 +67,21 @@ qpdf_offset_t BackendInputSource::findAndSkipNextEOL() {
 }
 
 void BackendInputSource::seek(qpdf_offset_t offset, int whence) {
-  const qpdf_offset_t base = whence == SEEK_SET   ? 0
-                             : whence == SEEK_CUR ? position_
-                                                  : static_cast<qpdf_offset_t>(file_->Size());
+  const qpdf_offset_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? position_ : Size();
   if (offset < -base) throw std::runtime_error(name_ + ": seek before the start");
   position_ = base + offset;
+}
+
+// Numbers, words and openings of containers, roughly. Escaped parentheses are parts of strings.
+void BackendInputSource::CountTokens(const char* bytes, std::size_t count) {
+  for (const char* byte = bytes; byte != bytes + count; ++byte) {
+    if (*byte == '(' || *byte == ')' || *byte == '\\') continue;
+    const bool opens = *byte == '[' || *byte == '<' || *byte == '/';
+    const bool regular = !PdfLexer::IsDelimiter(*byte);
+    if (opens || (regular && !inToken_)) ++tokens_;
+    inToken_ = regular || *byte == '/';
+  }
+  if (tokens_ > kMostTokens) throw TooManyTokens();
 }
 
 std::size_t BackendInputSource::read(char* target, std::size_t length) {
@@ -83,6 +100,7 @@ std::size_t BackendInputSource::read(char* target, std::size_t length) {
     position_ += static_cast<qpdf_offset_t>(count);
     done += count;
   }
+  if (length <= kLongestOfObject) CountTokens(target, done);
   return done;
 }
 

@@ -1,25 +1,33 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <qpdf/InputSource.hh>
 #include <string>
-#include <vector>
 
 #include "engine/base/InputFile.h"
 
 namespace engine {
 
-// An InputFile as the parser reads it: in blocks, since it asks for a few bytes at a time.
+// What the parser made of a file so far would take far more memory than files have reason to ask for. Not a standard
+// exception: the parser would take those for damage and go on.
+struct TooManyTokens {};
+
+// A file as the parser reads it: in blocks, since it asks for a few bytes at a time.
 class BackendInputSource : public InputSource {
  public:
-  // Bytes that the parser sees in place of the file's own.
-  struct Edit {
-    qpdf_offset_t offset;
-    std::string bytes;
+  // What the parser reads: a file, or the start of it, and bytes after that which are in memory only.
+  struct View {
+    std::shared_ptr<const InputFile> file;
+    std::string appended;
+    std::optional<std::uint64_t> end;  // of what is shown of the file
+
+    std::uint64_t End() const { return end.value_or(file->Size()); }
   };
 
-  explicit BackendInputSource(std::shared_ptr<const InputFile> file, std::vector<Edit> edits = {});
+  explicit BackendInputSource(View view);
 
   qpdf_offset_t findAndSkipNextEOL() override;
   std::string const& getName() const override { return name_; }
@@ -36,12 +44,16 @@ class BackendInputSource : public InputSource {
   const char* Here() const { return block_.data() + (position_ - blockStart_); }
   std::size_t Left() const { return block_.size() - static_cast<std::size_t>(position_ - blockStart_); }
 
-  std::shared_ptr<const InputFile> file_;
-  std::vector<Edit> edits_;
+  qpdf_offset_t Size() const;
+  void CountTokens(const char* bytes, std::size_t count);
+
+  const View view_;
   std::string name_;
   qpdf_offset_t position_ = 0;
   std::string block_;
   qpdf_offset_t blockStart_ = 0;
+  std::uint64_t tokens_ = 0;
+  bool inToken_ = false;
 };
 
 }  // namespace engine

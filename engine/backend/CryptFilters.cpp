@@ -2,12 +2,9 @@
 #include "engine/backend/CryptFilters.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <iterator>
-#include <string>
 
 #include "engine/base/EngineError.h"
-#include "engine/base/InputFile.h"
 
 namespace engine {
 
@@ -15,13 +12,11 @@ namespace {
 
 constexpr const char* kKnownMethods[] = {"/V2", "/AESV2", "/AESV3"};
 constexpr char kNone[] = "/None";
-constexpr char kNothing[] = "null ";  // as long as the name in its place
-static_assert(sizeof kNone == sizeof kNothing);
+constexpr int kFirstWithCryptFilters = 4;
 
-bool HasCryptFilters(QPDFObjectHandle encrypt) {
-  constexpr int kFirstWithCryptFilters = 4;
-  QPDFObjectHandle version = encrypt.getKey("/V");
-  return version.isInteger() && version.getIntValueAsInt() >= kFirstWithCryptFilters;
+int IntegerOr(QPDFObjectHandle dictionary, const char* key, int standard) {
+  QPDFObjectHandle value = dictionary.getKey(key);
+  return value.isInteger() ? value.getIntValueAsInt() : standard;
 }
 
 // The method of the filter that `use` (/StmF or /StrF) names; null for none.
@@ -35,27 +30,59 @@ QPDFObjectHandle MethodOf(QPDFObjectHandle encrypt, const char* use) {
   throw EngineError(kErrorUnsupportedSecurity, "no crypt filter " + name.getName());
 }
 
+// The key's length in bits where every string and stream has the same RC4 filter; otherwise 0.
+int LengthOfOneRc4Filter(QPDFObjectHandle encrypt) {
+  QPDFObjectHandle streams = encrypt.getKey("/StmF");
+  QPDFObjectHandle strings = encrypt.getKey("/StrF");
+  QPDFObjectHandle metadata = encrypt.getKey("/EncryptMetadata");
+  if (!streams.isName() || !strings.isName() || streams.getName() != strings.getName()) return 0;
+  if (metadata.isBool() && !metadata.getBoolValue()) return 0;
+  if (!MethodOf(encrypt, "/StmF").isNameAndEquals("/V2")) return 0;
+  constexpr int kLongestInBytes = 32;
+  const int length = IntegerOr(encrypt.getKey("/CF").getKey(streams.getName()), "/Length", 0);
+  if (length == 0) return IntegerOr(encrypt, "/Length", 0);
+  return length > kLongestInBytes ? length : 8 * length;
+}
+
 }  // namespace
 
-std::vector<BackendInputSource::Edit> EditsOfCryptFilters(QPDF& document, const InputFile& file) {
-  std::vector<BackendInputSource::Edit> edits;
+std::optional<std::string> EncryptionWithoutNone(QPDF& document) {
   QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
-  if (!document.isEncrypted() || !encrypt.isDictionary() || !HasCryptFilters(encrypt)) return edits;
+  if (!document.isEncrypted() || !encrypt.isDictionary()) return std::nullopt;
+  if (IntegerOr(encrypt, "/V", 0) < kFirstWithCryptFilters) return std::nullopt;
+  bool changed = false;
+  QPDFObjectHandle copy = encrypt.shallowCopy();
   for (const char* const use : {"/StmF", "/StrF"}) {
     QPDFObjectHandle method = MethodOf(encrypt, use);
     if (!method.isName()) continue;
     const std::string name = method.getName();
     if (name == kNone) {
-      const qpdf_offset_t offset = method.getParsedOffset();
-      if (offset < 0 || file.ReadAt(static_cast<std::uint64_t>(offset), name.size()) != name) {
-        throw EngineError(kErrorUnsupportedSecurity, "a crypt filter's method is written in an odd way");
-      }
-      edits.push_back({offset, kNothing});
+      copy.replaceKey(use, QPDFObjectHandle::newName("/Identity"));
+      changed = true;
     } else if (std::find(std::begin(kKnownMethods), std::end(kKnownMethods), name) == std::end(kKnownMethods)) {
       throw EngineError(kErrorUnsupportedSecurity, "unknown encryption method " + name);
     }
   }
-  return edits;
+  return changed ? std::optional(copy.unparse()) : std::nullopt;
+}
+
+std::optional<std::string> EncryptionWithKeyLength(QPDF& document) {
+  QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
+  if (!encrypt.isDictionary()) return std::nullopt;
+  constexpr int kStandardLength = 40;
+  constexpr int kParsersGuess = 128;
+  const int version = IntegerOr(encrypt, "/V", 0);
+  int length = 0;
+  if (version == 2 || version == 3) length = encrypt.getKey("/Length").isInteger() ? 0 : kStandardLength;
+  if (version == kFirstWithCryptFilters) length = LengthOfOneRc4Filter(encrypt);
+  if (length < kStandardLength || length >= kParsersGuess || length % 8 != 0) return std::nullopt;
+  // What one RC4 filter does to everything is what was there before there were filters.
+  QPDFObjectHandle copy = encrypt.shallowCopy();
+  for (const char* const key : {"/CF", "/StmF", "/StrF", "/EFF"}) copy.removeKey(key);
+  copy.replaceKey("/V", QPDFObjectHandle::newInteger(2));
+  copy.replaceKey("/R", QPDFObjectHandle::newInteger(3));
+  copy.replaceKey("/Length", QPDFObjectHandle::newInteger(length));
+  return copy.unparse();
 }
 
 }  // namespace engine

@@ -1,19 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <qpdf/QPDF.hh>
-#include <vector>
-
-#include "engine/backend/BackendInputSource.h"
+#include <string>
 
 namespace engine {
 
-// How the document, opened from the file, has to be shown to the parser so that it reads the strings and streams of
-// crypt filters with the method /None as what they are, data in the clear (ISO 32000-2, table 25); the parser does so
-// only for filters that name no method, and would take the data for AES. Nothing for other documents. Throws
-// EngineError kErrorUnsupportedSecurity when strings or streams have a filter that the document does not define or a
-// method that is not known (the parser would guess, and a wrong guess turns all text into garbage), and when the name
-// /None does not stand in the file as such.
-std::vector<BackendInputSource::Edit> EditsOfCryptFilters(QPDF& document, const InputFile& file);
+// An encryption dictionary that means to the parser what the document's own means to its readers; no value when the
+// parser takes the document's own right. Crypt filters with the method /None leave strings and streams in the clear
+// (ISO 32000-2, table 25); the parser does so only for filters that name no method. Throws EngineError
+// kErrorUnsupportedSecurity when strings or streams have a filter that the document does not define or a method that is
+// not known: the parser would guess, and a wrong guess turns all text into garbage.
+std::optional<std::string> EncryptionWithoutNone(QPDF& document);
+
+// The same for a document whose password did not fit: with the key length that the parser leaves out of account. It
+// takes 128 bits for a missing /Length, which means 40, and for every document with crypt filters (ISO 32000-1,
+// tables 20 and 25).
+std::optional<std::string> EncryptionWithKeyLength(QPDF& document);
 
 }  // namespace engine

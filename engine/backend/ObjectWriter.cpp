@@ -1,30 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/backend/ObjectWriter.h"
 
+#include <string_view>
 #include <utility>
 
 #include "engine/syntax/LiteralString.h"
+#include "engine/syntax/PdfName.h"
 
 namespace engine {
 
 namespace {
 
-// The one string of an encrypted document that stays in the clear (ISO 32000-1, 7.6.1): a signature's value.
-bool IsSignature(QPDFObjectHandle dictionary) {
-  return dictionary.getKey("/Type").isNameAndEquals("/Sig") && dictionary.hasKey("/ByteRange") &&
-         dictionary.getKey("/Contents").isString();
-}
-
-std::string HexString(const std::string& bytes) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text = "<";
-  text.reserve(2 * bytes.size() + 2);
-  for (const char byte : bytes) {
-    text += kDigits[static_cast<unsigned char>(byte) >> 4];
-    text += kDigits[static_cast<unsigned char>(byte) & 0xF];
-  }
-  return text + '>';
-}
+constexpr std::string_view kMadeUpKey = "/QPDFFake";
 
 }  // namespace
 
@@ -53,35 +40,26 @@ void ObjectWriter::AppendValue(QPDFObjectHandle object) {
     }
     text_ += ']';
   } else if (object.isString()) {
-    AppendString(object.getStringValue(), true);
+    text_ += LiteralString(object.getStringValue());
+  } else if (object.isName()) {
+    text_ += EscapedName(object.getName());
   } else {
     text_ += object.unparseResolved();
   }
 }
 
 void ObjectWriter::AppendDictionary(QPDFObjectHandle dictionary) {
-  const bool signature = IsSignature(dictionary);
   text_ += "<< ";
   for (const auto& [key, value] : dictionary.getDictAsMap()) {
     // A null direct value is the same as no entry.
     if (!value.isIndirect() && QPDFObjectHandle(value).isNull()) continue;
-    text_ += QPDFObjectHandle::newName(key).unparse() + ' ';
-    if (signature && key == "/Contents" && !value.isIndirect()) {
-      AppendString(QPDFObjectHandle(value).getStringValue(), false);
-    } else {
-      Append(value);
-    }
+    // The parser makes up keys where it finds none.
+    if (key.compare(0, kMadeUpKey.size(), kMadeUpKey) == 0) continue;
+    text_ += EscapedName(key) + ' ';
+    Append(value);
     text_ += ' ';
   }
   text_ += ">>";
-}
-
-void ObjectWriter::AppendString(const std::string& bytes, bool encrypted) {
-  if (encrypted && cipher_.Encrypts()) {
-    text_ += HexString(cipher_.Encrypt(bytes));
-  } else {
-    text_ += LiteralString(bytes);
-  }
 }
 
 }  // namespace engine

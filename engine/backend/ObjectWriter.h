@@ -4,15 +4,11 @@
 #include <qpdf/QPDFObjectHandle.hh>
 #include <string>
 
-#include "engine/backend/StringCipher.h"
-
 namespace engine {
 
-// The text of an object in a file: what it contains directly, references for the rest, strings encrypted.
+// The text of an object: what it contains directly, references for the rest, strings in the clear.
 class ObjectWriter {
  public:
-  explicit ObjectWriter(const StringCipher& cipher) : cipher_(cipher) {}
-
   // `object` itself is written out even if it is an indirect one. It must not be a stream.
   std::string Write(QPDFObjectHandle object);
 
@@ -20,9 +16,7 @@ class ObjectWriter {
   void Append(QPDFObjectHandle object);
   void AppendValue(QPDFObjectHandle object);
   void AppendDictionary(QPDFObjectHandle dictionary);
-  void AppendString(const std::string& bytes, bool encrypted);
 
-  const StringCipher& cipher_;
   std::string text_;
 };
 

@@ -3,6 +3,7 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <mutex>
 #include <new>
 #include <set>
 #include <utility>
@@ -22,11 +23,9 @@ std::unique_ptr<BackendDocument> QpdfBackend::Open(std::shared_ptr<const InputFi
   return QpdfDocument::Open(std::move(file), password);
 }
 
-std::unique_ptr<BackendDocument> QpdfBackend::New() {
-  return QpdfDocument::New();
-}
-
 std::vector<std::string> QpdfBackend::FontFamilies(const std::string& language) {
+  static std::mutex fontconfig;  // which keeps one set of fonts for the process
+  const std::lock_guard lock(fontconfig);
   const Owned<FcPattern> pattern(FcPatternCreate(), FcPatternDestroy);
   const Owned<FcObjectSet> properties(FcObjectSetBuild(FC_FAMILY, nullptr), FcObjectSetDestroy);
   if (pattern == nullptr || properties == nullptr) throw std::bad_alloc();

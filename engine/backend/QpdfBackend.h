@@ -9,7 +9,6 @@ namespace engine {
 class QpdfBackend : public Backend {
  public:
   std::unique_ptr<BackendDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password) override;
-  std::unique_ptr<BackendDocument> New() override;
   std::vector<std::string> FontFamilies(const std::string& language) override;
 };
 

@@ -8,29 +8,30 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 #include <qpdf/QPDFXRefEntry.hh>
-#include <qpdf/QUtil.hh>
+#include <set>
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
-#include "engine/backend/CryptFilters.h"
-#include "engine/backend/ObjectStreamGuard.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/NameEscapes.h"
+#include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
 #include "engine/backend/SignatureSearch.h"
+#include "engine/backend/Soundness.h"
 #include "engine/backend/StringCipher.h"
 #include "engine/backend/XrefStreamGuard.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/syntax/LiteralString.h"
+#include "engine/syntax/MapStrings.h"
 
 namespace engine {
 
 namespace {
-
-// Where memory runs out, the parser often goes on: with a broken object, and a warning that quotes the exception.
-bool TellsOfLackOfMemory(const std::string& message) {
-  static const std::string exception = std::bad_alloc().what();
-  return message.find(exception) != std::string::npos;
-}
 
 // The parser's exceptions as the engine's.
 template <typename Body>
@@ -41,6 +42,8 @@ auto Translated(Body&& body) {
     throw;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const TooManyTokens&) {
+    throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
     if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
@@ -66,96 +69,14 @@ bool RepairIsBounded(const InputFile& file) {
   return !file.Sparse() || file.Size() <= kLargestWithHoles;
 }
 
-// Null when the password does not fit.
-std::shared_ptr<QPDF> TryOpen(const std::shared_ptr<const InputFile>& file, const std::string& password,
-                              const std::vector<BackendInputSource::Edit>& edits = {}) {
-  std::shared_ptr<QPDF> document = QPDF::create();
-  document->setSuppressWarnings(true);
-  document->setAttemptRecovery(RepairIsBounded(*file));
-  try {
-    document->processInputSource(std::make_shared<BackendInputSource>(file, edits), password.c_str());
-  } catch (const QPDFExc& error) {
-    if (error.getErrorCode() == qpdf_e_password) return nullptr;
-    for (const QPDFExc& warning : document->getWarnings()) {
-      if (TellsOfLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
-    }
-    throw;
-  }
-  const std::vector<BackendInputSource::Edit> needed = EditsOfCryptFilters(*document, *file);
-  if (needed.empty()) return document;
-  if (!edits.empty()) throw EngineError(kErrorUnsupportedSecurity, "the crypt filters cannot be read");
-  return TryOpen(file, password, needed);
-}
-
-// Old security handlers take passwords in PDFDocEncoding or what a producer thought it was, new ones in UTF-8.
-std::vector<std::string> Encodings(const std::string& password) {
-  std::vector<std::string> encodings = {password};
-  for (std::string& other : QUtil::possible_repaired_encodings(password)) {
-    if (std::find(encodings.begin(), encodings.end(), other) == encodings.end()) encodings.push_back(std::move(other));
-  }
-  return encodings;
-}
-
-std::string BaseUrlOf(QPDFObjectHandle catalog) {
-  QPDFObjectHandle uri = catalog.getKey("/URI");
-  if (!uri.isDictionary()) return {};
-  QPDFObjectHandle base = uri.getKey("/Base");
-  return base.isString() ? base.getStringValue() : std::string();
-}
-
 // A copy of the entry's dictionary, or a new one in place of a missing or broken one.
 QPDFObjectHandle DictionaryCopy(QPDFObjectHandle object) {
   return object.isDictionary() ? object.shallowCopy() : QPDFObjectHandle::newDictionary();
 }
 
-void SetBaseUrl(QPDFObjectHandle catalog, const std::string& url) {
-  QPDFObjectHandle uri = DictionaryCopy(catalog.getKey("/URI"));
-  if (url.empty()) {
-    uri.removeKey("/Base");
-  } else {
-    uri.replaceKey("/Base", QPDFObjectHandle::newString(url));
-  }
-  if (uri.getKeys().empty()) {
-    catalog.removeKey("/URI");
-  } else {
-    catalog.replaceKey("/URI", uri);
-  }
-}
-
-std::string InformationOf(QPDFObjectHandle information, const std::string& key) {
-  if (!information.isDictionary()) return {};
-  QPDFObjectHandle value = information.getKey("/" + key);
-  return value.isString() ? value.getUTF8Value() : std::string();
-}
-
-void SetInformation(QPDFObjectHandle information, const Changes& changes) {
-  for (const auto& [key, value] : changes.information) {
-    if (value.empty()) {
-      information.removeKey("/" + key);
-    } else {
-      information.replaceKey("/" + key, QPDFObjectHandle::newUnicodeString(value));
-    }
-  }
-}
-
 bool IsIdentifier(QPDFObjectHandle id) {
   return id.isArray() && id.getArrayNItems() == 2 && id.getArrayItem(0).isString() && id.getArrayItem(1).isString();
 }
-
-// Gives a dictionary entry another value for a while.
-class ScopedEntry {
- public:
-  ScopedEntry(QPDFObjectHandle dictionary, std::string key)
-      : dictionary_(dictionary), key_(std::move(key)), old_(dictionary_.getKey(key_)) {}
-  ~ScopedEntry() { dictionary_.replaceKey(key_, old_); }
-  ScopedEntry(const ScopedEntry&) = delete;
-  ScopedEntry& operator=(const ScopedEntry&) = delete;
-
- private:
-  QPDFObjectHandle dictionary_;
-  std::string key_;
-  QPDFObjectHandle old_;
-};
 
 // The parser takes an exception out of a pipeline for a broken stream and goes on; this one keeps it.
 class OutputPipeline : public Pipeline {
@@ -188,18 +109,40 @@ bool SamePlace(const QPDFXRefEntry& one, const QPDFXRefEntry& other) {
                                         one.getObjStreamIndex() == other.getObjStreamIndex();
 }
 
-ObjectId IdOf(QPDFObjectHandle object) {
-  return {static_cast<std::uint32_t>(object.getObjectID()), static_cast<std::uint32_t>(object.getGeneration())};
+QPDFObjGen IdOf(ObjectId id) {
+  return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
-void SetTrailerEntry(FileTail& tail, const std::string& key, const std::string& value) {
-  for (FileTail::Entry& entry : tail.entries) {
-    if (entry.key == key) {
-      entry.value = value;
-      return;
+QPDFObjectHandle Parse(QPDF& document, const std::string& text) {
+  // By itself a reference would be read as a number.
+  return QPDFObjectHandle::parse(&document, '[' + text + "\n]").getArrayItem(0);
+}
+
+// One above the highest number with an entry.
+std::uint32_t AfterLast(const std::map<QPDFObjGen, QPDFXRefEntry>& entries) {
+  return entries.empty() ? 1 : static_cast<std::uint32_t>(entries.rbegin()->first.getObj()) + 1;
+}
+
+// Whether what `set` holds directly is in `found` too. Objects have other numbers there; references are not followed.
+bool Holds(QPDFObjectHandle found, QPDFObjectHandle set) {
+  if (set.isDictionary()) {
+    if (!found.isDictionary()) return false;
+    for (const auto& [key, value] : set.getDictAsMap()) {
+      // The parser's writer keeps that entry itself.
+      if (value.isIndirect() || QPDFObjectHandle(value).isNull() || key == "/Extensions") continue;
+      if (!Holds(found.getKey(key), value)) return false;
     }
+    return true;
   }
-  tail.entries.push_back({key, value});
+  if (set.isArray()) {
+    if (!found.isArray() || found.getArrayNItems() != set.getArrayNItems()) return false;
+    for (int i = 0; i < set.getArrayNItems(); ++i) {
+      if (!set.getArrayItem(i).isIndirect() && !Holds(found.getArrayItem(i), set.getArrayItem(i))) return false;
+    }
+    return true;
+  }
+  if (set.isString()) return found.isString() && found.getStringValue() == set.getStringValue();
+  return found.unparseResolved() == set.unparseResolved();
 }
 
 }  // namespace
@@ -232,57 +175,89 @@ std::unique_ptr<QpdfDocument> QpdfDocument::Open(std::shared_ptr<const InputFile
 std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_ptr<const InputFile> file,
                                                      const std::string& password) {
   std::unique_ptr<QpdfDocument> document(new QpdfDocument);
+  document->file_ = std::move(file);
+  const InputFile& source = *document->file_;
   // The parser would search the whole of it for a header.
-  if (!RepairIsBounded(*file) && !HasHeader(*file)) throw EngineError(kErrorNotPdf, "no header");
-  if (origin == Origin::kOutside) GuardXrefStreams(*file);
+  if (!RepairIsBounded(source) && !HasHeader(source)) throw EngineError(kErrorNotPdf, "no header");
   try {
-    for (std::string& encoded : Encodings(password)) {
-      document->qpdf_ = Translated([&] { return TryOpen(file, encoded); });
-      document->password_ = std::move(encoded);
-      if (document->qpdf_ != nullptr) break;
+    if (origin == Origin::kOutside) {
+      document->Load(password);
+    } else {
+      document->OpenView(password, Recovery::kOff);
     }
-    if (document->qpdf_ != nullptr) {
-      if (origin == Origin::kOutside) document->Guard(file);
-      document->Ask([&] { return document->qpdf_->getRoot(); });
-    }
+    document->Ask([&] { return document->qpdf_->getRoot(); });
   } catch (const EngineError& error) {
-    if (error.code() == kErrorDamaged && !HasHeader(*file)) throw EngineError(kErrorNotPdf, error.what());
+    if (error.code() == kErrorDamaged && !HasHeader(source)) throw EngineError(kErrorNotPdf, error.what());
     throw;
   }
-  if (document->qpdf_ == nullptr) {
-    throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
+  return document;
+}
+
+// Opens the document as it is if it is sound, otherwise repaired, otherwise as the parser rebuilds it.
+void QpdfDocument::Load(const std::string& password) {
+  GuardXrefStreams(*file_);
+  FileRepair repair(file_);
+  bool opened = false;
+  try {
+    OpenView(password, Recovery::kOff);
+    if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    repair.Prefer(SoundEntries(*qpdf_, *file_));
+    opened = true;
+  } catch (const EngineError& error) {
+    // The parser calls a cross-reference stream that it cannot decode unsupported as well.
+    const bool mayBeDamaged = error.code() == kErrorDamaged || error.code() == kErrorUnsupportedSecurity;
+    if (!mayBeDamaged || !RepairIsBounded(*file_)) throw;
   }
-  document->file_ = std::move(file);
-  return document;
+  std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
+  if (!opened) asItIs.reset();
+  try {
+    Repair(repair, password);
+    return;
+  } catch (const CannotRepair&) {
+    // Any other way to rebuild the file would lose what this one cannot describe.
+    if (!opened) throw;
+  } catch (const EngineError& error) {
+    if (error.code() != kErrorDamaged) throw;
+  }
+  if (opened) {
+    qpdf_ = asItIs;
+    return;
+  }
+  OpenView(password, Recovery::kOn);
+  repaired_ = true;
+  Ask([&] { return ObjectStreams(file_->Size()).Check(*qpdf_); });
 }
 
-void QpdfDocument::Guard(const std::shared_ptr<const InputFile>& file) {
-  const bool repairedBefore = Repaired();
-  Ask([&] {
-    GuardObjectStreams(*qpdf_, file->Size());
-    return true;
+void QpdfDocument::OpenView(const std::string& password, Recovery recovery) {
+  recovery_ = recovery;
+  OpenWith(password, [&](const std::string& encoded) {
+    view_ = {file_, "", std::nullopt};
+    return OpenParser(view_, encoded, recovery);
   });
-  if (Repaired() == repairedBefore) return;
-  // The guard came upon damage in a part that may never be asked for; a repair can also lose what is still sound.
-  qpdf_ = Translated([&] { return TryOpen(file, password_); });
-  repaired_ = false;
 }
 
-std::unique_ptr<QpdfDocument> QpdfDocument::New() {
-  std::unique_ptr<QpdfDocument> document(new QpdfDocument);
-  document->qpdf_ = QPDF::create();
-  document->qpdf_->emptyPDF();
-  const QPDFObjectHandle page = QPDFObjectHandle::parse("<< /Type /Page /MediaBox [0 0 612 792] /Resources << >> >>");
-  document->qpdf_->addPage(document->qpdf_->makeIndirectObject(page), false);
-  return document;
+void QpdfDocument::Repair(FileRepair& repair, const std::string& password) {
+  recovery_ = Recovery::kOff;
+  OpenWith(password, [&](const std::string& encoded) {
+    FileRepair::Result result = repair.Open(encoded);
+    view_ = std::move(result.view);
+    tail_ = std::move(result.tail);
+    tailKnown_ = true;
+    return result.document;
+  });
+  repaired_ = true;
 }
 
-std::string QpdfDocument::BaseUrl() {
-  return Ask([&] { return BaseUrlOf(qpdf_->getRoot()); });
-}
-
-std::string QpdfDocument::Information(const std::string& key) {
-  return Ask([&] { return InformationOf(qpdf_->getTrailer().getKey("/Info"), key); });
+// Opens the parser with the first encoding of the password that fits.
+void QpdfDocument::OpenWith(const std::string& password,
+                            const std::function<std::shared_ptr<QPDF>(const std::string&)>& open) {
+  for (std::string& encoded : PasswordEncodings(password)) {
+    qpdf_ = Translated([&] { return open(encoded); });
+    if (qpdf_ == nullptr) continue;
+    password_ = std::move(encoded);
+    return;
+  }
+  throw EngineError(password.empty() ? kErrorPasswordNeeded : kErrorPasswordWrong, "the password does not fit");
 }
 
 int QpdfDocument::PageCount() {
@@ -306,10 +281,11 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
 }
 
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
-  if (file_ == nullptr || !Encrypted()) return {};
+  if (!Encrypted()) return {};
   return Translated([&]() -> PasswordMatch {
-    for (const std::string& encoded : Encodings(password)) {
-      const std::shared_ptr<QPDF> opened = TryOpen(file_, encoded);
+    for (const std::string& encoded : PasswordEncodings(password)) {
+      BackendInputSource::View view = view_;
+      const std::shared_ptr<QPDF> opened = OpenParser(view, encoded, recovery_);
       if (opened != nullptr) return {opened->userPasswordMatched(), opened->ownerPasswordMatched()};
     }
     return {};
@@ -317,11 +293,13 @@ BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) 
 }
 
 bool QpdfDocument::Linearized() {
-  return file_ != nullptr && Ask([&] { return qpdf_->isLinearized(); });
+  return Ask([&] { return qpdf_->isLinearized(); });
 }
 
 BackendDocument::Signatures QpdfDocument::FindSignatures() {
-  return Ask([&] { return SearchSignatures(*qpdf_); });
+  // What is appended to a sound document harms no signature.
+  const bool appends = !Repaired() && !appendFailed_ && Tail();
+  return Ask([&] { return SearchSignatures(*qpdf_, appends ? SearchDepth::kFields : SearchDepth::kEverywhere); });
 }
 
 bool QpdfDocument::Repaired() {
@@ -329,88 +307,117 @@ bool QpdfDocument::Repaired() {
   return repaired_;
 }
 
-ObjectId QpdfDocument::Root() {
-  return Ask([&] { return IdOf(qpdf_->getRoot()); });
-}
-
-std::vector<ChangedObject> QpdfDocument::Update(const Changes& changes, FileTail& tail) {
-  return Ask([&] {
-    std::vector<ChangedObject> objects;
-    const auto add = [&](ObjectId id, QPDFObjectHandle object) {
-      const StringCipher cipher = StringCipher::For(*qpdf_, id);
-      objects.push_back({id, ObjectWriter(cipher).Write(object)});
-    };
-    QPDFObjectHandle catalog = qpdf_->getRoot();
-    if (const auto table = qpdf_->getXRefTable(); !table.empty()) {
-      tail.size = std::max(tail.size, static_cast<std::uint32_t>(table.rbegin()->first.getObj()) + 1);
-    }
-    if (changes.baseUrl) {
-      QPDFObjectHandle changed = catalog.shallowCopy();
-      SetBaseUrl(changed, *changes.baseUrl);
-      add(tail.root, changed);
-    }
-    if (!changes.information.empty()) {
-      QPDFObjectHandle old = qpdf_->getTrailer().getKey("/Info");
-      QPDFObjectHandle changed = DictionaryCopy(old);
-      SetInformation(changed, changes);
-      ObjectId id = IdOf(old);
-      if (!old.isIndirect() || !old.isDictionary()) {
-        id = {tail.size++, 0};
-        SetTrailerEntry(tail, "/Info", std::to_string(id.number) + " 0 R");
-      }
-      add(id, changed);
-    }
-    return objects;
+std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
+  return Ask([&]() -> std::optional<std::string> {
+    QPDFObjectHandle object = qpdf_->getObject(IdOf(id));
+    if (object.isStream()) return std::nullopt;
+    // The parser tells nobody where it found the objects of a file that it rebuilt.
+    if (recovery_ == Recovery::kOn) return ObjectWriter().Write(object);
+    if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
+    std::optional<std::string> text = raw_->Text(id);
+    return text ? std::move(*text) : ObjectWriter().Write(object);
   });
 }
 
-// The saved document if it is sound and holds the changes, otherwise null.
-std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved,
-                                                      const Changes& changes) const {
+std::string QpdfDocument::TrailerValue(const std::string& key) {
+  return Ask([&] {
+    QPDFObjectHandle value = qpdf_->getTrailer().getKey(key);
+    if (value.isIndirect()) return value.unparse();
+    return value.isNull() ? std::string() : ObjectWriter().Write(value);
+  });
+}
+
+std::uint32_t QpdfDocument::FirstFreeNumber() {
+  const std::optional<FileTail>& tail = KnownTail();
+  return tail ? tail->size : AfterLast(qpdf_->getXRefTable());
+}
+
+std::optional<FileTail> QpdfDocument::Tail() {
+  return KnownTail();
+}
+
+const std::optional<FileTail>& QpdfDocument::KnownTail() {
+  if (!tailKnown_) tail_ = recovery_ == Recovery::kOff ? FindTail() : std::nullopt;
+  tailKnown_ = true;
+  return tail_;
+}
+
+std::optional<FileTail> QpdfDocument::FindTail() {
+  const std::string root = TrailerValue("/Root");
+  std::optional<FileTail> tail = QuickReader::ReadTail(*file_);
+  if (!tail || root != tail->root.Reference()) tail = CompleteTail(*qpdf_, *file_);
+  if (tail) tail->size = std::max(tail->size, AfterLast(qpdf_->getXRefTable()));
+  return tail;
+}
+
+std::string QpdfDocument::EncryptStrings(ObjectId id, const std::string& text) {
+  return Ask([&] {
+    const StringCipher cipher = StringCipher::For(*qpdf_, id);
+    if (!cipher.Encrypts()) return text;
+    return MapStrings(text, [&](const std::string& bytes) { return HexString(cipher.Encrypt(bytes)); });
+  });
+}
+
+std::unique_ptr<QpdfDocument> QpdfDocument::OpenSaved(std::shared_ptr<const InputFile> saved) const {
   try {
     std::unique_ptr<QpdfDocument> other = OpenFrom(Origin::kOwnSave, std::move(saved), password_);
-    if (changes.baseUrl && other->BaseUrl() != *changes.baseUrl) return nullptr;
-    for (const auto& [key, value] : changes.information) {
-      if (other->Information(key) != value) return nullptr;
-    }
     return other->Repaired() ? nullptr : std::move(other);
   } catch (const EngineError&) {
     return nullptr;
   }
 }
 
-bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                                const std::vector<ChangedObject>& objects) {
-  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated), changes);
+bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) {
+  appendFailed_ = !ReadsBack(std::move(updated), edits);
+  return !appendFailed_;
+}
+
+bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
   const auto before = qpdf_->getXRefTable();
   const auto after = other->qpdf_->getXRefTable();
-  const auto kept = [&](const auto& entry) {
-    const QPDFObjGen id = entry.first;
-    if (std::any_of(objects.begin(), objects.end(),
-                    [&](const ChangedObject& object) { return static_cast<int>(object.id.number) == id.getObj(); })) {
-      return true;
-    }
+  std::set<int> edited;
+  for (const auto& [id, text] : edits.Objects()) edited.insert(IdOf(id).getObj());
+  for (const auto& [id, entry] : before) {
+    if (edited.count(id.getObj()) != 0) continue;
     const auto found = after.find(id);
-    return found != after.end() && SamePlace(entry.second, found->second);
-  };
-  return std::all_of(before.begin(), before.end(), kept);
+    if (found == after.end() || !SamePlace(entry, found->second)) return false;
+  }
+  try {
+    return other->Ask([&] {
+      for (const auto& [id, text] : edits.Objects()) {
+        QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
+        if (ObjectWriter().Write(found) != ObjectWriter().Write(Parse(*other->qpdf_, text))) return false;
+      }
+      for (const auto& [key, value] : edits.Trailer()) {
+        if (other->TrailerValue(key) != value) return false;
+      }
+      return !other->Repaired();
+    });
+  } catch (const EngineError&) {
+    return false;
+  }
 }
 
-bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) {
-  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten), changes);
-  return other != nullptr && other->Encrypted() == Encrypted();
+// Another parser of the document as it was loaded, to be changed before it is written.
+std::shared_ptr<QPDF> QpdfDocument::OpenCopy() {
+  BackendInputSource::View view = view_;
+  std::shared_ptr<QPDF> copy = OpenParser(view, password_, recovery_);
+  if (copy == nullptr) throw EngineError(kErrorDamaged, "the document cannot be read again");
+  copy->setAttemptRecovery(Repaired());
+  return copy;
 }
 
-void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
+void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
+  std::map<QPDFObjGen, QPDFObjGen> numbers;
+  ReachableObjects expected;
   Ask([&] {
-    QPDFObjectHandle catalog = qpdf_->getRoot();
-    QPDFObjectHandle trailer = qpdf_->getTrailer();
-    const ScopedEntry uri(catalog, "/URI");
-    const ScopedEntry info(trailer, "/Info");
-    const ScopedEntry size(trailer, "/Size");
-    const ScopedEntry oldId(trailer, "/ID");
-    const ScopedEntry oldEncrypt(trailer, "/Encrypt");
+    const std::shared_ptr<QPDF> copy = OpenCopy();
+    for (const auto& [id, text] : edits.Objects()) copy->replaceObject(IdOf(id), Parse(*copy, text));
+    QPDFObjectHandle trailer = copy->getTrailer();
+    for (const auto& [key, value] : edits.Trailer()) trailer.replaceKey(key, Parse(*copy, value));
+    expected = ReachableObjects::Of(*copy);
     // The parser does without these entries and the key's /Length, but the writer goes by them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     if (!IsIdentifier(trailer.getKey("/ID"))) {
@@ -418,28 +425,48 @@ void QpdfDocument::Rewrite(const Changes& changes, OutputFile& output) {
     }
     if (Encrypted()) {
       QPDFObjectHandle encrypt = DictionaryCopy(trailer.getKey("/Encrypt"));
-      const auto bits = static_cast<long long>(qpdf_->getEncryptionKey().size()) * 8;
+      const auto bits = static_cast<long long>(copy->getEncryptionKey().size()) * 8;
       encrypt.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
       trailer.replaceKey("/Encrypt", encrypt);
     }
-    if (changes.baseUrl) SetBaseUrl(catalog, *changes.baseUrl);
-    if (!changes.information.empty()) {
-      QPDFObjectHandle changed = DictionaryCopy(trailer.getKey("/Info"));
-      SetInformation(changed, changes);
-      trailer.replaceKey("/Info", qpdf_->makeIndirectObject(changed));
-    }
+    EscapeNames(*copy);
     // The writer would inflate metadata, whatever comes out of it.
-    for (QPDFObjectHandle& object : qpdf_->getAllObjects()) {
+    for (QPDFObjectHandle& object : copy->getAllObjects()) {
       if (object.isStream()) object.setFilterOnWrite(false);
     }
     OutputPipeline pipeline(output);
-    QPDFWriter writer(*qpdf_);
+    QPDFWriter writer(*copy);
     writer.setOutputPipeline(&pipeline);
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.write();
     pipeline.ThrowFailure();
+    for (const auto& [id, text] : edits.Objects()) numbers[IdOf(id)] = writer.getRenumberedObjGen(IdOf(id));
     return true;
   });
+  file_->CheckUnchanged();
+  if (!VerifyRewrite(output.ReadBack(), edits, numbers, expected)) {
+    throw EngineError(kErrorDamaged, "the rewritten document does not hold all that the damaged one has");
+  }
+}
+
+// Whether the rewritten document is sound and encrypted as this one, and holds those edits that lead anywhere.
+// `numbers` are the objects' new ones, 0 for one that nothing refers to.
+bool QpdfDocument::VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
+                                 const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected) {
+  const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(rewritten));
+  if (other == nullptr || other->Encrypted() != Encrypted()) return false;
+  try {
+    return other->Ask([&] {
+      if (!ReachableObjects::Of(*other->qpdf_).HasAllOf(expected)) return false;
+      for (const auto& [id, text] : edits.Objects()) {
+        const QPDFObjGen number = numbers.at(IdOf(id));
+        if (number.getObj() != 0 && !Holds(other->qpdf_->getObject(number), Parse(*qpdf_, text))) return false;
+      }
+      return true;
+    });
+  } catch (const EngineError&) {
+    return false;
+  }
 }
 
 }  // namespace engine

@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <qpdf/QPDF.hh>
 #include <string>
 #include <vector>
 
+#include "engine/backend/BackendInputSource.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
+#include "engine/backend/RawObjects.h"
 #include "engine/document/BackendDocument.h"
 
 namespace engine {
@@ -14,10 +22,7 @@ class QpdfDocument : public BackendDocument {
  public:
   // See Backend.
   static std::unique_ptr<QpdfDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password);
-  static std::unique_ptr<QpdfDocument> New();
 
-  std::string BaseUrl() override;
-  std::string Information(const std::string& key) override;
   int PageCount() override;
   PageGeometry Page(int page) override;
   bool Encrypted() override { return qpdf_->isEncrypted(); }
@@ -26,12 +31,13 @@ class QpdfDocument : public BackendDocument {
   bool Linearized() override;
   Signatures FindSignatures() override;
   bool Repaired() override;
-  ObjectId Root() override;
-  std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) override;
-  bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                    const std::vector<ChangedObject>& objects) override;
-  void Rewrite(const Changes& changes, OutputFile& output) override;
-  bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) override;
+  std::optional<std::string> ObjectText(ObjectId id) override;
+  std::string TrailerValue(const std::string& key) override;
+  std::uint32_t FirstFreeNumber() override;
+  std::optional<FileTail> Tail() override;
+  std::string EncryptStrings(ObjectId id, const std::string& text) override;
+  bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) override;
+  void Rewrite(const Edits& edits, OutputFile& output) override;
 
  private:
   // What was saved from a document that has passed the guards against hostile files need not pass them again.
@@ -43,14 +49,31 @@ class QpdfDocument : public BackendDocument {
   template <typename Body>
   auto Ask(Body&& body);
   void NoteWarnings();
-  void Guard(const std::shared_ptr<const InputFile>& file);
-  std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved, const Changes& changes) const;
+  void Load(const std::string& password);
+  void OpenView(const std::string& password, Recovery recovery);
+  void Repair(FileRepair& repair, const std::string& password);
+  void OpenWith(const std::string& password,
+                const std::function<std::shared_ptr<QPDF>(const std::string& encoded)>& open);
+  // The saved document if it is sound, otherwise null.
+  std::unique_ptr<QpdfDocument> OpenSaved(std::shared_ptr<const InputFile> saved) const;
+  bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Edits& edits,
+                     const std::map<QPDFObjGen, QPDFObjGen>& numbers, const ReachableObjects& expected);
+  std::shared_ptr<QPDF> OpenCopy();
+  const std::optional<FileTail>& KnownTail();
+  std::optional<FileTail> FindTail();
+  bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
-  std::shared_ptr<const InputFile> file_;  // null for a new document
-  std::string password_;                   // the encoding of it that opened the document
+  std::shared_ptr<const InputFile> file_;
+  std::string password_;  // the encoding of it that opened the document
   std::shared_ptr<QPDF> qpdf_;
+  BackendInputSource::View view_;  // what the parser was shown
+  Recovery recovery_ = Recovery::kOff;
+  std::optional<FileTail> tail_;
+  bool tailKnown_ = false;
   bool repaired_ = false;
+  bool appendFailed_ = false;
   bool outOfMemory_ = false;
+  std::unique_ptr<RawObjects> raw_;
 };
 
 }  // namespace engine

@@ -30,29 +30,52 @@ std::string Rc4(const std::string& key, const std::string& bytes) {
   return result;
 }
 
+// Runs the cipher that fits the key over the bytes after the initialisation vector.
+template <typename Cipher>
+void RunAes(const std::string& key, std::string& bytes, Cipher cipher) {
+  std::string vector = bytes.substr(0, AES_BLOCK_SIZE);
+  std::uint8_t* const body = Bytes(bytes) + AES_BLOCK_SIZE;
+  cipher(Bytes(key), key.size() == AES256_KEY_SIZE, Bytes(vector), bytes.size() - AES_BLOCK_SIZE, body);
+}
+
+template <typename Context, typename SetKey, typename Run, typename Chain>
+void RunCbc(const std::uint8_t* key, SetKey setKey, Run run, Chain chain, std::uint8_t* vector, std::size_t size,
+            std::uint8_t* body) {
+  Context context;
+  setKey(&context, key);
+  chain(&context, reinterpret_cast<nettle_cipher_func*>(run), AES_BLOCK_SIZE, vector, size, body, body);
+}
+
 // The initialisation vector, then the bytes padded to full blocks, at least one byte of padding.
-std::string AesCbc(const std::string& key, const std::string& bytes) {
+std::string EncryptAes(const std::string& key, const std::string& bytes) {
   std::string vector(AES_BLOCK_SIZE, '\0');
   if (getrandom(vector.data(), vector.size(), 0) != static_cast<ssize_t>(vector.size())) {
     throw EngineError(kErrorInternal, "no random numbers");
   }
   const std::size_t padding = AES_BLOCK_SIZE - bytes.size() % AES_BLOCK_SIZE;
   std::string result = vector + bytes + std::string(padding, static_cast<char>(padding));
-  std::uint8_t* const body = Bytes(result) + AES_BLOCK_SIZE;
-  const std::size_t size = result.size() - AES_BLOCK_SIZE;
-  const auto run = [&](auto& context, auto setKey, auto encrypt) {
-    setKey(&context, Bytes(key));
-    cbc_encrypt(&context, reinterpret_cast<nettle_cipher_func*>(encrypt), AES_BLOCK_SIZE, Bytes(vector), size, body,
-                body);
-  };
-  if (key.size() == AES256_KEY_SIZE) {
-    aes256_ctx context;
-    run(context, aes256_set_encrypt_key, aes256_encrypt);
-  } else {
-    aes128_ctx context;
-    run(context, aes128_set_encrypt_key, aes128_encrypt);
-  }
+  RunAes(key, result, [](const auto* bytesOfKey, bool wide, auto* iv, std::size_t size, auto* body) {
+    if (wide) {
+      RunCbc<aes256_ctx>(bytesOfKey, aes256_set_encrypt_key, aes256_encrypt, cbc_encrypt, iv, size, body);
+    } else {
+      RunCbc<aes128_ctx>(bytesOfKey, aes128_set_encrypt_key, aes128_encrypt, cbc_encrypt, iv, size, body);
+    }
+  });
   return result;
+}
+
+std::optional<std::string> DecryptAes(const std::string& key, std::string bytes) {
+  if (bytes.size() < 2 * AES_BLOCK_SIZE || bytes.size() % AES_BLOCK_SIZE != 0) return std::nullopt;
+  RunAes(key, bytes, [](const auto* bytesOfKey, bool wide, auto* iv, std::size_t size, auto* body) {
+    if (wide) {
+      RunCbc<aes256_ctx>(bytesOfKey, aes256_set_decrypt_key, aes256_decrypt, cbc_decrypt, iv, size, body);
+    } else {
+      RunCbc<aes128_ctx>(bytesOfKey, aes128_set_decrypt_key, aes128_decrypt, cbc_decrypt, iv, size, body);
+    }
+  });
+  const auto padding = static_cast<unsigned char>(bytes.back());
+  if (padding == 0 || padding > AES_BLOCK_SIZE) return std::nullopt;
+  return bytes.substr(AES_BLOCK_SIZE, bytes.size() - AES_BLOCK_SIZE - padding);
 }
 
 }  // namespace
@@ -86,11 +109,16 @@ std::string StringCipher::Encrypt(const std::string& bytes) const {
     case Method::kRc4:
       return Rc4(key_, bytes);
     case Method::kAes:
-      return AesCbc(key_, bytes);
+      return EncryptAes(key_, bytes);
     case Method::kNone:
       break;
   }
   return bytes;
+}
+
+std::optional<std::string> StringCipher::Decrypt(const std::string& bytes) const {
+  if (method_ == Method::kAes) return DecryptAes(key_, bytes);
+  return Encrypt(bytes);  // RC4 is its own inverse
 }
 
 }  // namespace engine

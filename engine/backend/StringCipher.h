@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <qpdf/QPDF.hh>
 #include <string>
 
@@ -8,7 +9,7 @@
 
 namespace engine {
 
-// Encrypts the strings of one object of a document with the document's own key (ISO 32000-1, 7.6.2; ISO
+// Encrypts and decrypts the strings of one object of a document with the document's own key (ISO 32000-1, 7.6.2; ISO
 // 32000-2, 7.6.3).
 class StringCipher {
  public:
@@ -18,6 +19,8 @@ class StringCipher {
 
   bool Encrypts() const { return method_ != Method::kNone; }
   std::string Encrypt(const std::string& bytes) const;
+  // No value for bytes that are not encrypted in this way.
+  std::optional<std::string> Decrypt(const std::string& bytes) const;
 
  private:
   enum class Method { kNone, kRc4, kAes };

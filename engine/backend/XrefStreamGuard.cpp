@@ -33,7 +33,7 @@ std::size_t InflatedSize(std::string_view data, std::size_t limit) {
   if (inflateInit(&inflater) != Z_OK) throw EngineError(kErrorOutOfMemory, "no memory for inflating");
   inflater.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
   inflater.avail_in = static_cast<uInt>(data.size());
-  Bytef sink[64 * 1024];
+  Bytef sink[8 * 1024];  // the stack may be small
   std::size_t size = 0;
   int status = Z_OK;
   while (status == Z_OK && size <= limit) {

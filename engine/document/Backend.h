@@ -17,8 +17,6 @@ class Backend {
   // Opens a document. Throws EngineError: kErrorNotPdf, kErrorDamaged, kErrorPasswordNeeded, kErrorPasswordWrong or
   // kErrorUnsupportedSecurity.
   virtual std::unique_ptr<BackendDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password) = 0;
-  // A document of one empty page, 612 by 792 points.
-  virtual std::unique_ptr<BackendDocument> New() = 0;
 
   // The family names of the installed fonts (UTF-8), sorted, each once; only of those that cover the language (BCP 47),
   // if it is not empty.

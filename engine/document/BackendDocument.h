@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
-#include "engine/document/Changes.h"
 #include "engine/quick/FileTail.h"
-#include "engine/save/ChangedObject.h"
+#include "engine/save/Edits.h"
 
 namespace engine {
 
 class InputFile;
 class OutputFile;
 
-// A document as the full parser sees it. It stays as it was loaded: changes are given with each save.
-// All members throw EngineError, kErrorDamaged when the asked part of the document cannot be read.
+// A document as the full parser sees it. It stays as it was loaded: edits are given with each save.
+// All members throw EngineError, kErrorDamaged when the part of the document that is asked for cannot be read.
 class BackendDocument {
  public:
   struct PageGeometry {
@@ -35,11 +35,6 @@ class BackendDocument {
 
   virtual ~BackendDocument() = default;
 
-  // The bytes of /Base; empty when there is none or it has a wrong type.
-  virtual std::string BaseUrl() = 0;
-  // UTF-8; empty when there is none or it has a wrong type.
-  virtual std::string Information(const std::string& key) = 0;
-
   virtual int PageCount() = 0;
   // `page` is from 1 to PageCount().
   virtual PageGeometry Page(int page) = 0;
@@ -54,19 +49,25 @@ class BackendDocument {
   // Whether the document had to be repaired, at loading or when a part of it was read later.
   virtual bool Repaired() = 0;
 
-  // The catalog; {0, 0} when it is no indirect object.
-  virtual ObjectId Root() = 0;
-  // The objects that hold the changes, for an incremental update whose `tail` has the root of this document; strings
-  // are encrypted where the file is. `tail` gets a higher size and a new /Info when an object has to be added. Throws
+  // What stands between "obj" and "endobj", strings in the clear, otherwise byte for byte as in the file where that is
+  // plain PDF syntax. "null" when there is no such object; no value for a stream.
+  virtual std::optional<std::string> ObjectText(ObjectId id) = 0;
+  // The value of a trailer entry, its key with the slash; empty when there is none.
+  virtual std::string TrailerValue(const std::string& key) = 0;
+  // One above the highest object number.
+  virtual std::uint32_t FirstFreeNumber() = 0;
+
+  // What an appended update continues; no value when the document can only be rewritten.
+  virtual std::optional<FileTail> Tail() = 0;
+  // An object's text as an update holds it: with strings encrypted where the file has them encrypted. Throws
   // EngineError kErrorUnsupportedSecurity when they cannot be encrypted.
-  virtual std::vector<ChangedObject> Update(const Changes& changes, FileTail& tail) = 0;
-  // Whether `updated`, this document with an incremental update, holds the changes and every other object where it was.
-  virtual bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Changes& changes,
-                            const std::vector<ChangedObject>& objects) = 0;
-  // Writes the whole document anew, with its encryption and page count.
-  virtual void Rewrite(const Changes& changes, OutputFile& output) = 0;
-  // Whether `rewritten` opens with the same password, undamaged, encrypted or not as this document, with the changes.
-  virtual bool VerifyRewrite(std::shared_ptr<const InputFile> rewritten, const Changes& changes) = 0;
+  virtual std::string EncryptStrings(ObjectId id, const std::string& text) = 0;
+  // Whether `updated`, this document with an appended update, holds the edits and every other object where it was.
+  virtual bool VerifyUpdate(std::shared_ptr<const InputFile> updated, const Edits& edits) = 0;
+
+  // Writes the whole document anew, encrypted as it is, and reads it back. Throws EngineError kErrorSourceChanged, or
+  // kErrorDamaged when what was written does not hold the edits.
+  virtual void Rewrite(const Edits& edits, OutputFile& output) = 0;
 };
 
 }  // namespace engine

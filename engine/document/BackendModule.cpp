@@ -15,11 +15,6 @@ namespace {
 constexpr char kFileName[] = "HalvexEngineBackend.so";
 constexpr char kEntryPoint[] = "HalvexEngineBackend";
 
-std::string& LibraryPath() {
-  static std::string path;
-  return path;
-}
-
 // The path with all links followed; empty when it leads nowhere.
 std::string Resolve(const std::string& path) {
   char* const resolved = realpath(path.c_str(), nullptr);
@@ -28,8 +23,19 @@ std::string Resolve(const std::string& path) {
   return result;
 }
 
+std::string FindLibraryPath() {
+  Dl_info info = {};
+  if (dladdr(reinterpret_cast<const void*>(&BackendModule::Get), &info) == 0 || info.dli_fname == nullptr) return {};
+  return info.dli_fname[0] == '/' ? info.dli_fname : Resolve(info.dli_fname);
+}
+
+// As it was at the first call.
+const std::string& LibraryPath() {
+  static const std::string path = FindLibraryPath();
+  return path;
+}
+
 Backend& Load() {
-  BackendModule::NoteLibraryPath();
   const std::string library = Resolve(LibraryPath());
   const std::string path = library.substr(0, library.rfind('/') + 1) + kFileName;
   // The module stays until the process ends: what it links keeps state that is costly to build again.
@@ -48,12 +54,7 @@ Backend& BackendModule::Get() {
 }
 
 void BackendModule::NoteLibraryPath() {
-  std::string& path = LibraryPath();
-  if (!path.empty()) return;
-  Dl_info info = {};
-  if (dladdr(reinterpret_cast<const void*>(&BackendModule::Get), &info) == 0 || info.dli_fname == nullptr) return;
-  path = info.dli_fname;
-  if (path.empty() || path[0] != '/') path = Resolve(path);
+  LibraryPath();
 }
 
 }  // namespace engine

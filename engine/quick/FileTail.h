@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "engine/syntax/ObjectId.h"
+#include "engine/syntax/PdfLexer.h"
 
 namespace engine {
 
@@ -21,6 +23,13 @@ struct FileTail {
     std::string key;    // as it stands in the file, with its slash
     std::string value;  // as it stands in the file
   };
+  // Where an object is that a complete section names.
+  struct KeptObject {
+    ObjectId id;
+    std::uint64_t offset = 0;  // of "N G obj" from the header; of no use in an object stream
+    std::uint32_t stream = 0;  // the number of the object stream that the object is in; 0 for none
+    std::uint32_t index = 0;   // its index there
+  };
 
   // Where the header "%PDF-" stands. Every offset in the file, and startXref, counts from there.
   std::uint64_t headerOffset = 0;
@@ -32,6 +41,9 @@ struct FileTail {
   // The trailer's other entries in their order (/Info, /Encrypt, /ID and whatever a producer added), without /Size,
   // /Root, /Prev, /XRefStm and what describes the cross-reference stream itself.
   std::vector<Entry> entries;
+  // For a file whose own sections do not serve: all its objects, each number once. The update then has one complete
+  // section without /Prev, and startXref and kind are of no use.
+  std::optional<std::vector<KeptObject>> kept;
 
   // The value of an entry as it stands in the file; empty when there is none.
   std::string Value(const std::string& key) const {
@@ -39,6 +51,20 @@ struct FileTail {
       if (entry.key == key) return entry.value;
     }
     return {};
+  }
+  // Changes or adds an entry; "/Root" too.
+  void SetValue(const std::string& key, const std::string& value) {
+    if (key == "/Root") {
+      root = PdfLexer::ToReference(value);
+      return;
+    }
+    for (Entry& entry : entries) {
+      if (entry.key == key) {
+        entry.value = value;
+        return;
+      }
+    }
+    entries.push_back({key, value});
   }
   bool Encrypted() const { return !Value("/Encrypt").empty(); }
 };

@@ -42,14 +42,6 @@ bool IsHeader(std::string_view text) {
   return i > 5 && i + 1 < text.size() && text[i] == '.' && IsDigit(text[i + 1]);
 }
 
-std::uint64_t FindHeader(const InputFile& file) {
-  const std::string text = file.ReadAt(0, kHeaderWindow);
-  for (std::size_t i = text.find('%'); i != std::string::npos; i = text.find('%', i + 1)) {
-    if (IsHeader(std::string_view(text).substr(i))) return i;
-  }
-  throw PdfSyntaxError();
-}
-
 // The number behind the last "startxref". A file that ends right there is cut off, but can be continued.
 std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   const std::size_t window = static_cast<std::size_t>(std::min<std::uint64_t>(kTailWindow, file.Size()));
@@ -67,13 +59,6 @@ std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   return offset;
 }
 
-bool IsRepeated(std::string_view key) {
-  constexpr std::string_view kOwnToSection[] = {"/Size", "/Root",    "/Prev",         "/XRefStm", "/Type",
-                                                "/W",    "/Index",   "/Length",       "/Filter",  "/DecodeParms",
-                                                "/F",    "/FFilter", "/FDecodeParms", "/DL"};
-  return std::find(std::begin(kOwnToSection), std::end(kOwnToSection), key) == std::end(kOwnToSection);
-}
-
 FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::string& trailerText, bool stream) {
   const RawDictionary trailer(trailerText);
   FileTail tail;
@@ -86,7 +71,8 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::s
   tail.size = static_cast<std::uint32_t>(size);
   tail.root = trailer.Reference("/Root");
   for (const RawDictionary::Entry& entry : trailer.Entries()) {
-    if (IsRepeated(entry.key)) tail.entries.push_back({std::string(entry.key), std::string(trailer.Text(entry))});
+    if (QuickReader::IsRepeatedEntry(entry.key))
+      tail.entries.push_back({std::string(entry.key), std::string(trailer.Text(entry))});
   }
   return tail;
 }
@@ -145,7 +131,7 @@ std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
 }
 
 FileTail ReadTailOf(const InputFile& input) {
-  const PdfFileText file(input, FindHeader(input));
+  const PdfFileText file(input, QuickReader::HeaderOffset(input));
   std::uint64_t startXref = ReadStartXref(file, false);
   // Readers allow for space before the section; the update names the place behind it.
   const std::string start = file.Read(startXref, 64);
@@ -174,6 +160,21 @@ std::optional<QuickDocument> QuickReader::Read(const InputFile& file) {
 
 std::optional<FileTail> QuickReader::ReadTail(const InputFile& file) {
   return ValueOrNothing([&] { return ReadTailOf(file); });
+}
+
+std::uint64_t QuickReader::HeaderOffset(const InputFile& file) {
+  const std::string text = file.ReadAt(0, kHeaderWindow + 16);
+  for (std::size_t i = text.find('%'); i < kHeaderWindow; i = text.find('%', i + 1)) {
+    if (IsHeader(std::string_view(text).substr(i))) return i;
+  }
+  return 0;
+}
+
+bool QuickReader::IsRepeatedEntry(std::string_view key) {
+  constexpr std::string_view kOwnToSection[] = {"/Size", "/Root",    "/Prev",         "/XRefStm", "/Type",
+                                                "/W",    "/Index",   "/Length",       "/Filter",  "/DecodeParms",
+                                                "/F",    "/FFilter", "/FDecodeParms", "/DL"};
+  return std::find(std::begin(kOwnToSection), std::end(kOwnToSection), key) == std::end(kOwnToSection);
 }
 
 }  // namespace engine

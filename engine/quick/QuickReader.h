@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "engine/quick/QuickDocument.h"
 
@@ -20,6 +22,13 @@ class QuickReader {
   // The last cross-reference section alone, of encrypted files too and of files with bytes before the header. For a
   // document that a full parser opened without repair; no value when no update can be appended.
   static std::optional<FileTail> ReadTail(const InputFile& file);
+
+  // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers
+  // agree on that, apart from those that rebuild the cross-references of every file with bytes before the header.
+  static std::uint64_t HeaderOffset(const InputFile& file);
+
+  // Whether an update's trailer repeats this entry (a key with its slash) of the trailer before it.
+  static bool IsRepeatedEntry(std::string_view key);
 };
 
 }  // namespace engine

@@ -14,7 +14,7 @@ namespace engine {
 namespace {
 
 constexpr std::size_t kInputBlock = 16 * 1024;
-constexpr std::size_t kOutputBlock = 32 * 1024;
+constexpr std::size_t kOutputBlock = 8 * 1024;  // on the stack, which may be small
 // Enough for five million cross-reference entries; a deflate bomb stops there.
 constexpr std::size_t kMostDecoded = 32 * 1024 * 1024;
 

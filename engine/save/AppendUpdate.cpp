@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <unordered_set>
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
@@ -17,17 +18,25 @@ namespace {
 // The offset field of a cross-reference table has ten digits.
 constexpr std::uint64_t kLastTableOffset = 9999999999;
 
+// An entry of a cross-reference section; the type and its fields as in a stream (ISO 32000-1, table 18).
 struct XrefEntry {
-  ObjectId id;
-  std::uint64_t offset;
+  enum Type : char { kFree = 0, kOffset = 1, kInStream = 2 };
+
+  std::uint32_t number;
+  Type type;
+  std::uint64_t place;   // the offset, or the object stream
+  std::uint32_t detail;  // the generation, or the index in the object stream
 };
 
 std::string Header(ObjectId id) {
   return std::to_string(id.number) + ' ' + std::to_string(id.generation) + " obj\n";
 }
 
-std::string Reference(ObjectId id) {
-  return std::to_string(id.number) + ' ' + std::to_string(id.generation) + " R";
+// How many bytes the value takes, at least `least`.
+int WidthOf(std::uint64_t value, int least) {
+  int width = least;
+  while (width < 8 && (value >> (8 * width)) != 0) ++width;
+  return width;
 }
 
 // Calls visit(first, end) for each run of entries with consecutive numbers.
@@ -35,7 +44,7 @@ template <typename Visit>
 void ForEachRun(const std::vector<XrefEntry>& entries, Visit visit) {
   for (auto first = entries.begin(); first != entries.end();) {
     auto end = first + 1;
-    while (end != entries.end() && end->id.number == (end - 1)->id.number + 1) ++end;
+    while (end != entries.end() && end->number == (end - 1)->number + 1) ++end;
     visit(first, end);
     first = end;
   }
@@ -49,18 +58,19 @@ class Update {
   }
 
   void AddObjects(const std::vector<ChangedObject>& changes) {
-    size_ = tail_.size;
     for (const ChangedObject& change : changes) {
-      size_ = std::max(size_, change.id.number + 1);
-      entries_.push_back({change.id, Position()});
+      entries_.push_back({change.id.number, XrefEntry::kOffset, Position(), change.id.generation});
       text_ += Header(change.id) + change.body + "\nendobj\n";
     }
+    if (tail_.kept) AddKept(*tail_.kept);
+    Sort();
+    size_ = entries_.empty() ? tail_.size : std::max(tail_.size, entries_.back().number + 1);
     identifier_ = UpdatedIdentifier(tail_.Value("/ID"), changes);
   }
 
   void AddXref() {
     const std::uint64_t xref = Position();
-    if (tail_.kind == FileTail::Kind::kStream || xref > kLastTableOffset) {
+    if (NeedsStream() || xref > kLastTableOffset) {
       AddStream();
     } else {
       AddTable();
@@ -73,20 +83,40 @@ class Update {
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
 
+  // The objects of a complete section that were not changed, and the free entry that such a section begins with.
+  void AddKept(const std::vector<FileTail::KeptObject>& kept) {
+    std::unordered_set<std::uint32_t> changed;
+    for (const XrefEntry& entry : entries_) changed.insert(entry.number);
+    entries_.push_back({0, XrefEntry::kFree, 0, 65535});
+    for (const FileTail::KeptObject& object : kept) {
+      if (changed.count(object.id.number) != 0) continue;
+      if (object.stream != 0) {
+        entries_.push_back({object.id.number, XrefEntry::kInStream, object.stream, object.index});
+      } else {
+        entries_.push_back({object.id.number, XrefEntry::kOffset, object.offset, object.id.generation});
+      }
+    }
+  }
+
+  bool NeedsStream() const {
+    if (!tail_.kept) return tail_.kind == FileTail::Kind::kStream;
+    return std::any_of(entries_.begin(), entries_.end(),
+                       [](const XrefEntry& entry) { return entry.type == XrefEntry::kInStream; });
+  }
+
   void Sort() {
     std::sort(entries_.begin(), entries_.end(),
-              [](const XrefEntry& a, const XrefEntry& b) { return a.id.number < b.id.number; });
+              [](const XrefEntry& a, const XrefEntry& b) { return a.number < b.number; });
   }
 
   void AddTable() {
-    Sort();
     text_ += "xref\n";
     ForEachRun(entries_, [this](auto first, auto end) {
-      text_ += std::to_string(first->id.number) + ' ' + std::to_string(end - first) + '\n';
+      text_ += std::to_string(first->number) + ' ' + std::to_string(end - first) + '\n';
       for (auto entry = first; entry != end; ++entry) {
         char line[32];
-        std::snprintf(line, sizeof line, "%010llu %05u n \n", static_cast<unsigned long long>(entry->offset),
-                      entry->id.generation);
+        std::snprintf(line, sizeof line, "%010llu %05u %c \n", static_cast<unsigned long long>(entry->place),
+                      entry->detail, entry->type == XrefEntry::kFree ? 'f' : 'n');
         text_ += line;
       }
     });
@@ -97,22 +127,24 @@ class Update {
 
   void AddStream() {
     const ObjectId self{size_++, 0};
-    entries_.push_back({self, Position()});
-    Sort();
-    int width = 1;
-    while (width < 8 && (Position() >> (8 * width)) != 0) ++width;
+    entries_.push_back({self.number, XrefEntry::kOffset, Position(), 0});
+    std::uint32_t largestDetail = 0;
+    for (const XrefEntry& entry : entries_) largestDetail = std::max(largestDetail, entry.detail);
+    const int placeWidth = std::max(WidthOf(Position(), 1), WidthOf(size_, 1));
+    const int detailWidth = WidthOf(largestDetail, 2);
 
     std::string index;
     std::string rows;
     ForEachRun(entries_, [&](auto first, auto end) {
-      index += ' ' + std::to_string(first->id.number) + ' ' + std::to_string(end - first);
+      index += ' ' + std::to_string(first->number) + ' ' + std::to_string(end - first);
       for (auto entry = first; entry != end; ++entry) {
-        rows += '\1';
-        AppendBigEndian(rows, entry->offset, width);
-        AppendBigEndian(rows, entry->id.generation, 2);
+        rows += entry->type;
+        AppendBigEndian(rows, entry->place, placeWidth);
+        AppendBigEndian(rows, entry->detail, detailWidth);
       }
     });
-    text_ += Header(self) + "<< /Type /XRef /W [ 1 " + std::to_string(width) + " 2 ] /Index [" + index + " ]";
+    text_ += Header(self) + "<< /Type /XRef /W [ 1 " + std::to_string(placeWidth) + ' ' + std::to_string(detailWidth) +
+             " ] /Index [" + index + " ]";
     AddTrailerEntries();
     text_ += " /Length " + std::to_string(rows.size()) + " >>\nstream\n" + rows + "\nendstream\nendobj\n";
   }
@@ -122,11 +154,11 @@ class Update {
   }
 
   void AddTrailerEntries() {
-    text_ += " /Size " + std::to_string(size_) + " /Root " + Reference(tail_.root);
+    text_ += " /Size " + std::to_string(size_) + " /Root " + tail_.root.Reference();
     for (const FileTail::Entry& entry : tail_.entries) {
       text_ += ' ' + entry.key + ' ' + (entry.key == "/ID" ? identifier_ : entry.value);
     }
-    text_ += " /Prev " + std::to_string(tail_.startXref);
+    if (!tail_.kept) text_ += " /Prev " + std::to_string(tail_.startXref);
   }
 
   const FileTail& tail_;

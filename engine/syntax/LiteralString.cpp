@@ -27,4 +27,15 @@ std::string LiteralString(const std::string& bytes) {
   return text + ')';
 }
 
+std::string HexString(const std::string& bytes) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = "<";
+  text.reserve(2 * bytes.size() + 2);
+  for (const char byte : bytes) {
+    text += kDigits[static_cast<unsigned char>(byte) >> 4];
+    text += kDigits[static_cast<unsigned char>(byte) & 0xF];
+  }
+  return text + '>';
+}
+
 }  // namespace engine

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace engine {
 
@@ -12,6 +13,12 @@ struct ObjectId {
 
   bool operator==(const ObjectId& other) const { return number == other.number && generation == other.generation; }
   bool operator!=(const ObjectId& other) const { return !(*this == other); }
+  bool operator<(const ObjectId& other) const {
+    return number != other.number ? number < other.number : generation < other.generation;
+  }
+
+  // "N G R"
+  std::string Reference() const { return std::to_string(number) + ' ' + std::to_string(generation) + " R"; }
 };
 
 }  // namespace engine

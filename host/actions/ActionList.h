@@ -5,33 +5,20 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
-#include <vector>
 
-// An action list file (".xqq", an INI file of Qt): its actions numbered from 0, read up to the first missing name.
-class ActionList {
- public:
-  struct Step {
-    QString actionName;
-    QMap<QString, QVariant> settings;
-  };
+#include "utils/ActionListFile.h"
 
-  // Throws CommandError(kExitNotLoaded) when the file cannot be read or is no action list.
-  static ActionList Read(const QString& file);
-  // The file that NAME means: a path, or a list of the folder by its own name or by its file name. Throws
-  // CommandError(kExitNotLoaded) when there is none or the name fits several.
-  static QString Locate(const QString& name, const QString& folder);
-  // The action list files of a folder, by file name.
-  static QStringList FilesIn(const QString& folder);
-  // Replaces the settings of one action in the file, at once or not at all; all else stays. Throws
-  // CommandError(kExitNotLoaded) when the file cannot be written.
-  static void StoreSettings(const QString& file, int index, const QMap<QString, QVariant>& settings);
+// The action-list files as commands use them. All functions throw CommandError(kExitNotLoaded).
+namespace ActionList {
 
-  const QString& Name() const { return name_; }
-  const QString& Category() const { return category_; }
-  const std::vector<Step>& Steps() const { return steps_; }
+// Reads a list of at least one action. Throws when the file cannot be read, is no action list, or when an action's
+// settings are damaged. Adds to `warnings` what of the file is left out.
+ActionListFile Read(const QString& file, QStringList* warnings = nullptr);
+// The file that `name` means: a path, or a list of the sequence folder by its own name or by its file name. Throws when
+// there is none or the name fits several.
+QString Locate(const QString& name);
+// Replaces the settings of one action in the file, at once or not at all; all else stays. Throws when the file cannot
+// be written.
+void StoreSettings(const QString& file, int index, const QMap<QString, QVariant>& settings);
 
- private:
-  QString name_;
-  QString category_;
-  std::vector<Step> steps_;
-};
+}  // namespace ActionList

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/ActionsCommand.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -8,6 +9,26 @@
 #include "host/actions/ActionCatalog.h"
 #include "host/base/Console.h"
 #include "host/base/ExitCode.h"
+#include "utils/KitResources.h"
+
+namespace {
+
+// The help page and the images that the action names and that are nowhere in the resources.
+QStringList MissingResources(CActionInterface& action) {
+  QStringList files;
+  if (!action.GetActionHelp().isEmpty()) files += QStringLiteral("HelpFiles/") + action.GetActionHelp();
+  for (const QString& image : action.GetDefaultIcon().split(QLatin1Char('#'), Qt::SkipEmptyParts)) {
+    files += QStringLiteral("Tools/") + image;
+  }
+  QStringList missing;
+  for (const QString& file : files) {
+    const QString path = QStringLiteral(":/Vorlane/Resources/") + file;
+    if (!QFile::exists(path)) missing += path;
+  }
+  return missing;
+}
+
+}  // namespace
 
 ActionsCommand::ActionsCommand()
     : Command(QStringLiteral("actions"), QStringLiteral("Lists the actions: name, group, flags and help page.")) {
@@ -16,6 +37,7 @@ ActionsCommand::ActionsCommand()
 }
 
 int ActionsCommand::Execute() {
+  InitKitResources();  // an action may use the images of the kit
   ActionCatalog catalog(ToolsFolders());
   QJsonArray array;
   QString text;
@@ -28,6 +50,9 @@ int ActionsCommand::Execute() {
     text += QStringLiteral("%1\t%2\t%3\t%4\n")
                 .arg(action.GetActionName(), action.GetGroupName(), QString::number(action.GetActionFlags()),
                      action.GetActionHelp());
+    for (const QString& path : MissingResources(action)) {
+      Console::Error(QStringLiteral("%1: %2 is not in the plug-in's resources.").arg(action.GetActionName(), path));
+    }
   }
   for (const QString& problem : catalog.Problems()) Console::Error(problem);
   if (array.isEmpty() && catalog.Problems().isEmpty()) {

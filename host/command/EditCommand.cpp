@@ -17,7 +17,6 @@
 #include "host/base/PdfLibrary.h"
 #include "host/files/HostFolders.h"
 #include "plugin/DialogLoadStruct.h"
-#include "utils/CUtils.h"
 
 namespace {
 
@@ -98,15 +97,15 @@ int EditCommand::Execute() {
   QString actionName = Value("action");
   QMap<QString, QVariant> settings = Settings();
   if (IsSet("list")) {
-    listFile = ActionList::Locate(Value("list"), CUtils::GetSequenceFolder());
-    const ActionList list = ActionList::Read(listFile);
-    if (index_ >= static_cast<int>(list.Steps().size())) {
+    listFile = ActionList::Locate(Value("list"));
+    const ActionListFile list = ActionList::Read(listFile);
+    if (index_ >= static_cast<int>(list.entries.size())) {
       throw CommandError(kExitNotLoaded,
                          QStringLiteral("The action list '%1' has no action %2.").arg(listFile).arg(index_));
     }
-    const ActionList::Step& step = list.Steps()[static_cast<std::size_t>(index_)];
-    actionName = step.actionName;
-    settings = step.settings;
+    const ActionListFile::Entry& entry = list.entries[static_cast<std::size_t>(index_)];
+    actionName = entry.actionName;
+    settings = entry.settings;
   }
 
   ActionCatalog catalog(ToolsFolders());

@@ -9,7 +9,6 @@
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/files/HostFolders.h"
-#include "utils/CUtils.h"
 
 ListsCommand::ListsCommand()
     : Command(QStringLiteral("lists"), QStringLiteral("Shows the stored action lists: name, category and actions.")) {
@@ -21,21 +20,23 @@ int ListsCommand::Execute() {
   QJsonArray array;
   QString text;
   bool allRead = true;
-  for (const QString& file : ActionList::FilesIn(CUtils::GetSequenceFolder())) {
+  for (const QString& file : ActionListFile::All()) {
     try {
-      const ActionList list = ActionList::Read(file);
+      QStringList warnings;
+      const ActionListFile list = ActionList::Read(file, &warnings);
+      for (const QString& warning : warnings) Console::Error(warning);
       QJsonArray actions;
       QStringList names;
-      for (const ActionList::Step& step : list.Steps()) {
-        names += step.actionName;
-        actions += QJsonObject{{QStringLiteral("action"), step.actionName},
-                               {QStringLiteral("settings"), QJsonObject::fromVariantMap(step.settings)}};
+      for (const ActionListFile::Entry& entry : list.entries) {
+        names += entry.actionName;
+        actions += QJsonObject{{QStringLiteral("action"), entry.actionName},
+                               {QStringLiteral("settings"), QJsonObject::fromVariantMap(entry.settings)}};
       }
-      array += QJsonObject{{QStringLiteral("name"), list.Name()},
-                           {QStringLiteral("category"), list.Category()},
+      array += QJsonObject{{QStringLiteral("name"), list.name},
+                           {QStringLiteral("category"), list.category},
                            {QStringLiteral("file"), file},
                            {QStringLiteral("actions"), actions}};
-      text += QStringLiteral("%1\t%2\t%3\n").arg(list.Name(), list.Category(), names.join(QStringLiteral(", ")));
+      text += QStringLiteral("%1\t%2\t%3\n").arg(list.name, list.category, names.join(QStringLiteral(", ")));
     } catch (const CommandError& error) {
       Console::Error(error.Message());
       allRead = false;

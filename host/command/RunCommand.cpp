@@ -25,7 +25,6 @@
 #include "host/run/RunReporter.h"
 #include "host/run/WorkerPool.h"
 #include "plugin/WorkProcInfoStruct.h"
-#include "utils/CUtils.h"
 
 namespace {
 
@@ -157,15 +156,17 @@ std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) co
     actions.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
     return actions;
   }
-  const ActionList list = ActionList::Read(ListFile());
-  for (const ActionList::Step& entry : list.Steps()) {
+  QStringList warnings;
+  const ActionListFile list = ActionList::Read(ListFile(), &warnings);
+  for (const QString& warning : warnings) Console::Error(warning);
+  for (const ActionListFile::Entry& entry : list.entries) {
     actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
   }
   return actions;
 }
 
 QString RunCommand::ListFile() const {
-  return ActionList::Locate(Value("list"), CUtils::GetSequenceFolder());
+  return ActionList::Locate(Value("list"));
 }
 
 void RunCommand::CollectInputs(InputList& inputs) const {

@@ -10,10 +10,87 @@
 #include <QSignalSpy>
 #include <QWidget>
 #include <QWindowStateChangeEvent>
+#include <string>
 
 namespace {
 
 constexpr QRect kFrame(100, 100, 400, 300);
+
+// "L" and "R" for the edges left and right, "T" and "B" for top and bottom, "tl", "bl", "tr" and "br" for the corners,
+// "M" for the move bar.
+std::string zones(const CCursorPosCalculator& calculator) {
+  std::string text;
+  const auto add = [&text](bool flag, const char* name) {
+    if (flag) text += name;
+  };
+  add(calculator.onLeftEdge, "L");
+  add(calculator.onRightEdge, "R");
+  add(calculator.onTopEdge, "T");
+  add(calculator.onBottomEdge, "B");
+  add(calculator.onTopLeftCorner, "tl");
+  add(calculator.onBottomLeftCorner, "bl");
+  add(calculator.onTopRightCorner, "tr");
+  add(calculator.onBottomRightCorner, "br");
+  add(calculator.onMoveBar, "M");
+  EXPECT_EQ(calculator.onEdges, text.find_first_of("LRTBtb") != std::string::npos) << text;
+  return text;
+}
+
+struct HitCase {
+  QPoint point;
+  const char* zones;
+};
+
+void expectZones(CCursorPosCalculator calculator, std::initializer_list<HitCase> cases) {
+  for (const HitCase& hit : cases) {
+    calculator.recalculate(hit.point, kFrame);
+    EXPECT_EQ(zones(calculator), hit.zones) << hit.point.x() << ", " << hit.point.y();
+  }
+}
+
+TEST(CCursorPosCalculator, FindsEdgesCornersAndMoveBarOfTheFrame) {
+  CCursorPosCalculator calculator;
+  calculator.borderWidth = 9;
+  calculator.moveBarHeight = 30;
+  // The frame's outer bounds are 100..500 and 100..400, one past Qt's inclusive right and bottom. Three corners reach
+  // twice the strip, on and off the strips themselves; the top right one does not.
+  expectZones(calculator, {{{99, 250}, ""},      {{100, 250}, "L"},    {{109, 250}, "L"},    {{110, 250}, ""},
+                           {{490, 250}, ""},     {{491, 250}, "R"},    {{500, 250}, "R"},    {{501, 250}, ""},
+                           {{300, 99}, "M"},     {{300, 100}, "TM"},   {{300, 109}, "TM"},   {{300, 110}, "M"},
+                           {{300, 130}, "M"},    {{300, 131}, ""},     {{300, 390}, ""},     {{300, 391}, "B"},
+                           {{300, 400}, "B"},    {{300, 401}, ""},     {{118, 118}, "tlM"},  {{119, 118}, "M"},
+                           {{109, 118}, "LtlM"}, {{118, 109}, "TtlM"}, {{118, 382}, "bl"},   {{118, 381}, ""},
+                           {{482, 382}, "br"},   {{481, 382}, ""},     {{482, 118}, "M"},    {{491, 109}, "RTtrM"},
+                           {{490, 109}, "TM"},   {{491, 110}, "RM"},   {{500, 100}, "RTtrM"}});
+}
+
+TEST(CCursorPosCalculator, MovesTheStripsButNotTheMoveBarInwardsByTheInset) {
+  CCursorPosCalculator calculator;
+  calculator.edgeInset = 8;
+  calculator.moveBarHeight = 4;
+  expectZones(calculator, {{{107, 250}, ""},
+                           {{108, 250}, "L"},
+                           {{113, 250}, "L"},
+                           {{114, 250}, ""},
+                           {{492, 250}, "R"},
+                           {{493, 250}, ""},
+                           {{300, 104}, "M"},
+                           {{300, 108}, "T"},
+                           {{300, 392}, "B"},
+                           {{300, 393}, ""}});
+}
+
+TEST(CCursorPosCalculator, ResetClearsTheFlagsAndKeepsTheSizes) {
+  CCursorPosCalculator calculator;
+  calculator.moveBarHeight = 20;
+  calculator.recalculate(QPoint(2, 2), QRect(0, 0, 50, 50));
+  EXPECT_EQ(zones(calculator), "LTtlM");
+  EXPECT_TRUE(calculator.nearLeftEdge && calculator.nearTopEdge);
+  calculator.reset();
+  EXPECT_EQ(zones(calculator), "");
+  EXPECT_FALSE(calculator.nearLeftEdge || calculator.nearTopEdge);
+  EXPECT_EQ(calculator.borderWidth + calculator.moveBarHeight, 25);
+}
 
 TEST(FramelessGeometry, ResizesByTheZoneThatWasPressedDownToTheMinimum) {
   const QSize minimum(200, 150);
@@ -48,23 +125,6 @@ TEST(FramelessGeometry, ResizesByTheZoneThatWasPressedDownToTheMinimum) {
     EXPECT_EQ(frame.has_value(), c.frame.isValid()) << c.what;
     EXPECT_EQ(frame.value_or(QRect()), c.frame) << c.what;
   }
-}
-
-TEST(FramelessGeometry, ShowsTheCursorOfTheZone) {
-  const auto cursorAt = [](int x, int y) {
-    CCursorPosCalculator calculator;
-    calculator.recalculate(QPoint(x, y), kFrame);
-    return CFramelessHandler::resizeCursor(calculator).value_or(Qt::ArrowCursor);
-  };
-  EXPECT_EQ(cursorAt(110, 110), Qt::SizeFDiagCursor);
-  EXPECT_EQ(cursorAt(490, 390), Qt::SizeFDiagCursor);
-  EXPECT_EQ(cursorAt(499, 101), Qt::SizeBDiagCursor);
-  EXPECT_EQ(cursorAt(110, 390), Qt::SizeBDiagCursor);
-  EXPECT_EQ(cursorAt(490, 101), Qt::SizeVerCursor);
-  EXPECT_EQ(cursorAt(100, 250), Qt::SizeHorCursor);
-  EXPECT_EQ(cursorAt(499, 250), Qt::SizeHorCursor);
-  EXPECT_EQ(cursorAt(300, 398), Qt::SizeVerCursor);
-  EXPECT_EQ(cursorAt(300, 250), Qt::ArrowCursor);
 }
 
 TEST(FramelessGeometry, PutsARestoredWindowUnderTheCursorAndOnTheScreen) {
@@ -118,12 +178,20 @@ TEST_F(CFramelessHandlerTest, DragsMoveInTheBarAndResizeOnTheEdges) {
 
 TEST_F(CFramelessHandlerTest, ThePressDecidesUntilTheRelease) {
   mouse(QEvent::MouseButtonPress, {300, 120});
-  mouse(QEvent::MouseMove, {300, 250});
   mouse(QEvent::MouseMove, {105, 105});  // over where the corner was: still a move
-  EXPECT_EQ(widget_.geometry(), QRect(-95, 85, 400, 300));
   mouse(QEvent::MouseButtonRelease, {105, 105});
   mouse(QEvent::MouseMove, {300, 300});
   EXPECT_EQ(widget_.geometry(), QRect(-95, 85, 400, 300));
+}
+
+TEST_F(CFramelessHandlerTest, TheEventsTypeDecidesWhateverIsWatched) {
+  QWidget other;
+  QMouseEvent press(QEvent::MouseButtonPress, QPoint(), QPoint(300, 120), Qt::LeftButton, Qt::LeftButton, {});
+  QMouseEvent move(QEvent::MouseMove, QPoint(), QPoint(350, 160), Qt::NoButton, Qt::LeftButton, {});
+  EXPECT_FALSE(handler_.eventFilter(&other, &press));
+  EXPECT_FALSE(handler_.eventFilter(&other, &move));
+  EXPECT_EQ(widget_.geometry(), kFrame.translated(50, 40));
+  EXPECT_FALSE(CFramelessHandler(nullptr).eventFilter(&other, &press));
 }
 
 TEST_F(CFramelessHandlerTest, OtherButtonsStartNothingButAnyReleaseEndsADrag) {
@@ -133,6 +201,9 @@ TEST_F(CFramelessHandlerTest, OtherButtonsStartNothingButAnyReleaseEndsADrag) {
   mouse(QEvent::MouseButtonDblClick, {300, 120}, Qt::RightButton);
   EXPECT_EQ(widget_.geometry(), kFrame);
   EXPECT_EQ(toggled.count(), 0);
+  mouse(QEvent::MouseButtonDblClick, {300, 120});
+  mouse(QEvent::MouseButtonDblClick, {300, 200});  // below the move bar
+  EXPECT_EQ(toggled.count(), 1);
 
   mouse(QEvent::MouseButtonPress, {300, 120});
   mouse(QEvent::MouseButtonRelease, {300, 120}, Qt::RightButton);
@@ -140,18 +211,15 @@ TEST_F(CFramelessHandlerTest, OtherButtonsStartNothingButAnyReleaseEndsADrag) {
   EXPECT_EQ(widget_.geometry(), kFrame);
 }
 
-TEST_F(CFramelessHandlerTest, SwitchesForMovingAndResizing) {
+TEST_F(CFramelessHandlerTest, SwitchesAndSizesOutOfRange) {
   handler_.setWidgetMovable(false);
   drag({300, 120}, {350, 160});
-  EXPECT_EQ(widget_.geometry(), kFrame);
   handler_.setWidgetResizable(false);
   drag({499, 250}, {600, 250});
   hover({499, 250});
   EXPECT_EQ(widget_.geometry(), kFrame);
   EXPECT_EQ(widget_.cursor().shape(), Qt::ArrowCursor);
-}
-
-TEST_F(CFramelessHandlerTest, SizesOutOfRange) {
+  handler_.setWidgetMovable(true);
   handler_.setBorderWidth(-1);
   EXPECT_EQ(handler_.borderWidth(), 9);
   handler_.setMoveBarHeight(-1);
@@ -162,12 +230,18 @@ TEST_F(CFramelessHandlerTest, SizesOutOfRange) {
 }
 
 TEST_F(CFramelessHandlerTest, HoveringShowsTheCursorAndLeavingTakesItBack) {
-  hover({101, 101});
-  EXPECT_EQ(widget_.cursor().shape(), Qt::SizeFDiagCursor);
-  hover({300, 250});
-  EXPECT_EQ(widget_.cursor().shape(), Qt::ArrowCursor);
-  hover({499, 250});
-  EXPECT_EQ(widget_.cursor().shape(), Qt::SizeHorCursor);
+  struct Case {
+    QPoint at;
+    Qt::CursorShape shape;
+  };
+  for (const Case& c :
+       {Case{{118, 118}, Qt::SizeFDiagCursor}, Case{{482, 382}, Qt::SizeFDiagCursor},
+        Case{{499, 101}, Qt::SizeBDiagCursor}, Case{{118, 382}, Qt::SizeBDiagCursor},
+        Case{{482, 101}, Qt::SizeVerCursor}, Case{{300, 398}, Qt::SizeVerCursor}, Case{{100, 250}, Qt::SizeHorCursor},
+        Case{{300, 250}, Qt::ArrowCursor}, Case{{499, 250}, Qt::SizeHorCursor}}) {
+    hover(c.at);
+    EXPECT_EQ(widget_.cursor().shape(), c.shape) << c.at.x() << ", " << c.at.y();
+  }
   QEvent leave(QEvent::Leave);
   QApplication::sendEvent(&widget_, &leave);
   EXPECT_EQ(widget_.cursor().shape(), Qt::ArrowCursor);
@@ -194,15 +268,6 @@ TEST_F(CFramelessHandlerTest, MaximizedWindowsFollowTheCursorOutOfThatStateAndDo
   EXPECT_EQ(widget_.geometry(), QRect(160, -6, 300, 200));
   mouse(QEvent::MouseMove, {320, 130});
   EXPECT_EQ(widget_.geometry(), QRect(170, 4, 300, 200));
-}
-
-TEST_F(CFramelessHandlerTest, DoubleClicksInTheMoveBarAskToToggle) {
-  QSignalSpy toggled(&handler_, SIGNAL(toggleMaximize()));
-  QSignalSpy moving(&handler_, SIGNAL(movingMaximized()));
-  mouse(QEvent::MouseButtonDblClick, {300, 120});
-  mouse(QEvent::MouseButtonDblClick, {300, 200});
-  EXPECT_EQ(toggled.count(), 1);
-  EXPECT_EQ(moving.count(), 0);
 }
 
 TEST_F(CFramelessHandlerTest, AWindowBackFromMinimizedIsRepaintedAtOnce) {

@@ -3,15 +3,19 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QFormLayout>
 #include <QFrame>
 #include <QLabel>
 #include <QLayout>
 #include <QScreen>
 #include <QTest>
+#include <QTextEdit>
 #include <QToolButton>
 
 #include "tests/dialogs/MeetDialog.h"
+#include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
 
 namespace {
@@ -72,16 +76,14 @@ TEST(CVorlaneDialog, TakesThemeAndPrefixFromTheNearestKnownAncestor) {
 TEST(CVorlaneDialog, TheGreyThemeIsTheBlueOneWithThreeColoursExchanged) {
   QWidget host;
   host.setObjectName("VorlaneClass");
-  const FormDialog blue(&host, false);
-  const FormDialog grey(nullptr, false);
-  QString expected = Child<QFrame>(blue, "VDmainFrame").styleSheet();
+  QString expected = Child<QFrame>(FormDialog(&host, false), "VDmainFrame").styleSheet();
   for (const auto& [from, to] : {std::make_pair("1px solid rgb(50,50,170)", "1px solid rgb(140,130,130)"),
                                  std::make_pair("stop:0 rgba(70,90,160)", "stop:0 rgba(140,130,130)"),
                                  std::make_pair("stop:1 rgba(40,60,90)", "stop:1 rgba(40,36,36)")}) {
     EXPECT_EQ(expected.count(from), 1) << from;
     expected.replace(from, to);
   }
-  EXPECT_EQ(Child<QFrame>(grey, "VDmainFrame").styleSheet(), expected);
+  EXPECT_EQ(Child<QFrame>(FormDialog(nullptr, false), "VDmainFrame").styleSheet(), expected);
 }
 
 TEST(CVorlaneDialog, SizesItselfAroundTheForm) {
@@ -112,6 +114,41 @@ TEST(CVorlaneDialog, CentresOnThePreviewWindowOrTheScreen) {
   window.setObjectName("VorlanePreviewClass");
   const FormDialog preview(&window, false);
   EXPECT_EQ(preview.pos(), centre(window.geometry()) - half(preview));
+}
+
+// What an author's form may hold: the window grows for a text of several lines, and not for what can be scrolled; a
+// colour of its own stays; and a picker set up before the window is shown has a popup of the combo box's width.
+TEST(CVorlaneDialog, LaysTheFormOutAsSoonAsItIsAdded) {
+  struct AuthorsDialog : CVorlaneDialog {
+    explicit AuthorsDialog(const QString& text) : CVorlaneDialog(nullptr, false) {
+      auto* form = new QWidget(this);
+      form->resize(300, 200);
+      auto* layout = new QFormLayout(form);
+      label->setWordWrap(true);
+      label->setText(text);
+      QPalette red;
+      red.setColor(QPalette::WindowText, Qt::red);
+      label->setPalette(red);
+      layout->addRow(label);
+      layout->addRow("Colour:", combo);
+      layout->addRow(new QTextEdit(form));
+      VDaddMainWidget(form, true);
+      CActionUtils::SetupColorPickerComboBox(combo, true);
+    }
+    QLabel* label = new QLabel;
+    QComboBox* combo = new QComboBox;
+  };
+  AuthorsDialog small("One line");
+  EXPECT_EQ(small.height(), CUtils::CheckOpenGLSupport() ? 251 : 235);
+  EXPECT_EQ(small.combo->view()->width(), small.combo->width() - 2);
+  EXPECT_EQ(small.label->palette().color(QPalette::WindowText), QColor(Qt::red));
+  const int width = small.combo->width();
+  small.show();
+  EXPECT_EQ(small.combo->width(), width);
+  AuthorsDialog large(QString("Many lines ").repeated(60));
+  EXPECT_GT(large.height(), small.height());
+  large.show();
+  EXPECT_GE(large.label->height(), large.label->heightForWidth(large.label->width()));
 }
 
 TEST(CVorlaneDialog, HasItsHeaderAndKeepsTheShadowHidden) {

@@ -25,22 +25,7 @@ QStringList MakeFiles(int count, const QStringList& names = {}) {
   return files;
 }
 
-TEST(Batch, EachProcIsCalledAsOftenAsPromised) {
-  const QStringList files = MakeFiles(30);
-  for (const char* jobs : {"0", "1", "3"}) {
-    QFile::remove("log");
-    const ProgramResult result =
-        RunProgram(ProbeRun({"--set", "log=log", "--jobs", jobs, "--output-dir", "out"}) + files);
-    EXPECT_EQ(result.code, 0) << result.err.toStdString();
-    const QList<QByteArray> log = ReadFile("log").trimmed().split('\n');
-    ASSERT_EQ(log.size(), 32) << jobs;
-    EXPECT_EQ(log.count("work fresh"), 30) << jobs;
-    EXPECT_TRUE(log.first().startsWith("pre "));
-    EXPECT_EQ(log.last(), "post " + log.first().mid(4));
-  }
-}
-
-TEST(Batch, TheReportIsTheSameWhateverTheJobs) {
+TEST(Batch, CallsAndReportAreTheSameWhateverTheJobs) {
   QStringList files = MakeFiles(40, {"throw", "refused"});
   QDir().mkpath("other");
   for (int i = 0; i < 40; i += 3) {
@@ -51,8 +36,14 @@ TEST(Batch, TheReportIsTheSameWhateverTheJobs) {
   QMap<QString, QJsonObject> first;
   for (const char* jobs : {"1", "2", "5", "0"}) {
     QDir("out").removeRecursively();
-    const ProgramResult result = RunProgram(ProbeRun({"--jobs", jobs, "--report", "-", "--output-dir", "out"}) + files);
+    QFile::remove("log");
+    const ProgramResult result =
+        RunProgram(ProbeRun({"--set", "log=log", "--jobs", jobs, "--report", "-", "--output-dir", "out"}) + files);
     EXPECT_EQ(result.code, 1);
+    const QList<QByteArray> log = ReadFile("log").trimmed().split('\n');
+    EXPECT_EQ(log.count("work fresh"), 56) << jobs;
+    EXPECT_TRUE(log.size() == 58 && log.first().startsWith("pre "));
+    EXPECT_EQ(log.last(), "post " + log.first().mid(4));
     EXPECT_THAT(result.err.toStdString(), HasSubstr("vorlane-run: 54 done, 3 failed, 1 skipped ("));
     QMap<QString, QJsonObject> report = ReadReport(result.out);
     EXPECT_EQ(report.size(), files.size());
@@ -86,33 +77,16 @@ TEST(Batch, AWorkerThatDiesCostsTheFileItHeld) {
 
 TEST(Batch, AFileThatTakesTooMuchMemoryFailsAlone) {
   const QStringList files = MakeFiles(10, {"greedy"});
+  for (const char* jobs : {"2", "0"}) {
 #ifdef __SANITIZE_ADDRESS__  // whose allocator ends the process instead of reporting
-  const std::vector<const char*> someJobs = {"2"};
-#else
-  const std::vector<const char*> someJobs = {"2", "0"};
+    if (*jobs == '0') continue;
 #endif
-  for (const char* jobs : someJobs) {
-    for (const bool enough : {false, true}) {
-      QDir("out").removeRecursively();
-      const ProgramResult result = RunProgram(
-          ProbeRun({"--jobs", jobs, "--memory", enough ? "900" : "200", "--report", "-", "--output-dir", "out"}) +
-          files);
-      const auto report = ReadReport(result.out);
-      EXPECT_EQ(report["in/greedy.pdf"]["status"].toString(), enough ? "done" : "failed") << jobs;
-      EXPECT_EQ(QDir("out").entryList(QDir::Files).size(), enough ? 11 : 10) << jobs;
+    for (const char* limit : {"200", "900"}) {
+      const auto report = ReadReport(
+          RunProgram(ProbeRun({"--jobs", jobs, "--memory", limit, "--report", "-", "--in-place"}) + files).out);
+      EXPECT_EQ(report["in/greedy.pdf"]["status"].toString(), *limit == '9' ? "done" : "failed") << jobs;
+      EXPECT_EQ(report["in/f009.pdf"]["status"].toString(), "done") << jobs;
     }
-  }
-}
-
-TEST(Batch, ARunThatCannotBeginLeavesTheEarlierReport) {
-  const QStringList files = MakeFiles(2);
-  for (const char* jobs : {"1", "0"}) {
-    WriteFile("r.jsonl", "earlier\n");
-    const QStringList run = ProbeRun({"--jobs", jobs, "--report", "r.jsonl", "--output-dir", "out"});
-    EXPECT_EQ(RunProgram(run + QStringList{"--pdf-library", "missing"} + files).code, 3);
-    EXPECT_EQ(ReadFile("r.jsonl"), "earlier\n");
-    EXPECT_EQ(RunProgram(run + files).code, 0);
-    EXPECT_EQ(ReadFile("r.jsonl").count('\n'), 2);
   }
 }
 
@@ -121,22 +95,18 @@ TEST(Batch, AnyFileNameSurvives) {
       "-dash.pdf", "new\nline.pdf", "\xFF\xFE raw.pdf",           "\xC3\xA4\xF0\x9F\x98\x80.pdf",
       " .pdf",     "quote\"\\.pdf", QByteArray(251, 'n') + ".pdf"};
   QStringList files;
-  QByteArray zeroSeparated;
+  QByteArray list;
+  PrepareToRun();  // whose coding of names the test needs too
   for (const QByteArray& name : names) {
     files += NativeName::ToText(name.toStdString());
-    zeroSeparated += name + '\0';
+    WriteFile(files.last(), MakePdf());
+    list += name + '\0';
   }
   for (const char* locale : {"C", "C.UTF-8", "POSIX"}) {
     qputenv("LC_ALL", locale);
-    for (const bool fromInput : {false, true}) {
+    for (const QStringList& input : {QStringList{"--files-from", "-"}, QStringList{"--"} + files}) {
       QDir("out").removeRecursively();
-      (void)RunProgram({"--version"});
-      for (const QString& file : files) WriteFile(file, MakePdf());
-      const QStringList how = fromInput ? QStringList{"--files-from", "-"} : QStringList{"--"} + files;
-      const ProgramResult result =
-          RunProgram(ProbeRun({"--output-dir", "out", "--report", "r.json"}) + how, fromInput ? zeroSeparated : "");
-      EXPECT_EQ(result.code, 0) << result.err.toStdString();
-      const auto report = ReadReport(ReadFile("r.json"));
+      const auto report = ReadReport(RunProgram(ProbeRun({"--output-dir", "out", "--report", "-"}) + input, list).out);
       for (const QString& file : files) {
         EXPECT_EQ(report[file]["status"].toString(), "done") << file.toStdString();
         EXPECT_TRUE(QFile::exists("out/" + file)) << file.toStdString();
@@ -174,7 +144,7 @@ TEST(Batch, NeitherDepthNorRightsMakeFoldersSilent) {
   // Deeper than descriptors and path names go; a later file shows that the walk comes back.
   const QByteArray part(100, 'd');
   const int start = open(".", O_RDONLY | O_DIRECTORY);
-  ASSERT_TRUE(QDir().mkdir("t") && QDir().mkdir("t/locked"));
+  ASSERT_TRUE(QDir().mkdir("t") && QDir().mkdir("t/locked") && QDir().mkdir("t/unreadable"));
   WriteFile("t/z.pdf", MakePdf());
   WriteFile("t/locked/hidden.pdf", MakePdf());
   ASSERT_EQ(chdir("t"), 0);
@@ -182,17 +152,19 @@ TEST(Batch, NeitherDepthNorRightsMakeFoldersSilent) {
   WriteFile("deep.pdf", MakePdf());
   ASSERT_EQ(fchdir(start), 0);
   close(start);
-  QFile::setPermissions("t/locked", QFile::ReadOwner);
+  chmod("t/locked", 0400);
+  chmod("t/unreadable", 0100);
   const ProgramResult result = RunProgram(ProbeRun({"--recursive", "--in-place", "--report", "-", "t"}));
-  QFile::setPermissions("t/locked", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  chmod("t/locked", 0700);
+  chmod("t/unreadable", 0700);
   EXPECT_EQ(QProcess::execute("rm", {"-rf", QString("t/") + part}), 0);
   EXPECT_EQ(result.code, 1);
   const auto report = ReadReport(result.out);
-  EXPECT_EQ(report.size(), 3);
   EXPECT_EQ(report["t/z.pdf"]["status"].toString(), "done");
   EXPECT_THAT(report.first()["reason"].toString().toStdString(), HasSubstr("path is too long"));
   if (geteuid() == 0) return;
-  EXPECT_THAT(report["t/locked/hidden.pdf"]["reason"].toString().toStdString(), HasSubstr("Permission denied"));
+  EXPECT_EQ(report["t/locked/hidden.pdf"]["reason"].toString(), "cannot be looked up: Permission denied");
+  EXPECT_EQ(report["t/unreadable/"]["reason"].toString(), "cannot read the folder: Permission denied");
 }
 
 TEST(Batch, ResultsReportAndInputsNeverReplaceEachOther) {
@@ -230,7 +202,7 @@ TEST(Batch, ResultsReportAndInputsNeverReplaceEachOther) {
 }
 
 TEST(Batch, ClosedDescriptorsAreNobodysFile) {
-  for (const char* closed : {"<&- >&- 2>&-", "2>&-", ">&-", "<&- >&-"}) {
+  for (const char* closed : {"<&- >&- 2>&-", ">&- 2>&-", "2>&-"}) {
     const QStringList files = MakeFiles(3, {"throw"});
     PrepareToRun();
     QProcess process;
@@ -245,7 +217,7 @@ TEST(Batch, ClosedDescriptorsAreNobodysFile) {
 }
 
 TEST(Batch, SeveralRunsOverOneFolderLoseNoUpdate) {
-  const QStringList files = MakeFiles(200);
+  const QStringList files = MakeFiles(600);
   std::vector<std::unique_ptr<QProcess>> runs;
   QMap<QString, int> done;
   for (int i = 0; i < 3; ++i) {
@@ -254,9 +226,10 @@ TEST(Batch, SeveralRunsOverOneFolderLoseNoUpdate) {
     runs.push_back(StartProgram(run + files));
   }
   for (const auto& run : runs) {
-    const auto report = ReadReport(FinishProgram(*run).out);
-    EXPECT_EQ(report.size(), files.size());
-    for (const QJsonObject& record : report) done[record["file"].toString()] += record["status"] == "done" ? 1 : 0;
+    const ProgramResult result = FinishProgram(*run);
+    EXPECT_EQ(result.code, 0) << result.err.toStdString();
+    for (const QJsonObject& record : ReadReport(result.out))
+      done[record["file"].toString()] += record["status"] == "done" ? 1 : 0;
   }
   const QList<QByteArray> urls = RunProgram(QStringList{"show"} + files).out.trimmed().split('\n');
   for (const QByteArray& line : urls) {
@@ -267,27 +240,16 @@ TEST(Batch, SeveralRunsOverOneFolderLoseNoUpdate) {
 
 TEST(Batch, ResumeSkipsWhatWasDoneAndTheReportStaysWhole) {
   const QStringList files = MakeFiles(20);
-  for (const char* form : {"r.json", "r.jsonl"}) {
-    QDir("out").removeRecursively();
-    QFile::remove("log");
-    QFile::remove("in/f007.pdf");
-    EXPECT_EQ(RunProgram(ProbeRun({"--output-dir", "out", "--report", form}) + files).code, 1);
-    WriteFile("in/f007.pdf", MakePdf());
-    const bool cut = QByteArray(form) == "r.jsonl";
-    if (cut) {
-      QByteArray torn = ReadFile(form);
-      torn.chop(30);
-      WriteFile(form, torn);
-    }
-    const ProgramResult again =
-        RunProgram(ProbeRun({"--set", "log=log", "--output-dir", "out", "--resume", form, "--report", form}) + files);
-    EXPECT_EQ(again.code, 0) << again.err.toStdString();
-    EXPECT_LE(ReadFile("log").count("work"), 2) << form;
-    EXPECT_EQ(again.err.contains("crash: 1"), cut) << again.err.toStdString();
-    const ProgramResult merged = RunProgram({"report", form});
-    EXPECT_EQ(merged.code, 0);
-    EXPECT_TRUE(merged.out.startsWith("20 files in 1 report: 20 done")) << merged.out.toStdString();
-  }
+  const QStringList run = ProbeRun({"--set", "log=log", "--output-dir", "out", "--report", "r.json"});
+  QFile::remove("in/f007.pdf");
+  EXPECT_EQ(RunProgram(run + files).code, 1);
+  WriteFile("in/f007.pdf", MakePdf());
+  QFile::remove("log");
+  EXPECT_EQ(RunProgram(run + QStringList{"--resume", "r.json"} + files).code, 0);
+  EXPECT_EQ(ReadFile("log").count("work"), 1);
+  const auto report = ReadReport(ReadFile("r.json"));
+  EXPECT_EQ(report.size(), files.size());
+  for (const QJsonObject& record : report) EXPECT_EQ(record["status"].toString(), "done");
 }
 
 TEST(Batch, GuiActionsGetAPlatform) {

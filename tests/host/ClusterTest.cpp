@@ -79,6 +79,13 @@ TEST(Reports, TheLastAttemptCountsForResuming) {
   QByteArray carried;
   report.CarryOver([&](const QByteArray& json) { carried += json; });
   EXPECT_EQ(carried, a);
+
+  WriteFile("a.pdf", MakePdf());
+  WriteFile("r.jsonl", a.left(20));
+  const ProgramResult run = RunProgram(ProbeRun({"--in-place", "--resume", "r.jsonl", "--report", "r.jsonl", "a.pdf"}));
+  EXPECT_EQ(run.code, 0);
+  EXPECT_TRUE(run.err.contains("crash: 1")) << run.err.toStdString();
+  EXPECT_EQ(FilesIn("r.jsonl"), "a.pdf ");
 }
 
 TEST(Reports, SeveralRunsWriteOneReport) {

@@ -22,8 +22,8 @@ class ProbeAction : public QObject, public CActionInterface {
 
   QString GetActionName() override { return QStringLiteral("Probe"); }
   QString GetDisplayName() override { return QStringLiteral("Probe"); }
-  QString GetActionHelp() override { return QString(); }
+  QString GetActionHelp() override { return QStringLiteral("Probe.html"); }
   QString GetGroupName() override { return QStringLiteral("Tests"); }
   int GetActionFlags() override { return 0; }
-  QString GetDefaultIcon() override { return QString(); }
+  QString GetDefaultIcon() override { return QStringLiteral("Action_SetBaseURL.png#Probe_Selected.png"); }
 };

@@ -8,6 +8,7 @@
 
 #include "tests/support/Sandbox.h"
 #include "tests/utils/TestFiles.h"
+#include "utils/ActionListFile.h"
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
 
@@ -147,11 +148,65 @@ TEST_F(ActionLists, AListThatCannotBeReplacedIsKept) {
   EXPECT_EQ(Files(), QStringList({"D.xqq", "D.xqq/inside", "L.xqq"}));
 }
 
-TEST_F(ActionLists, AppendingToAFileThatIsNoListLeavesItAlone) {
-  WriteFile(ListPath("L"), "[General]\nSequenceName=L\nwhatever this line is\n");
-  Map prefs = Prefs("L", false);
-  CActionUtils::SaveAsCustomActionList(&prefs);
-  EXPECT_EQ(ReadText(ListPath("L")), "[General]\nSequenceName=L\nwhatever this line is\n");
+// Whatever the file holds, and whatever this process read of it before.
+TEST_F(ActionLists, AppendingAsksNothingOfTheFile) {
+  for (const bool readBefore : {false, true}) {
+    WriteFile(ListPath("L"), "\xef\xbb\xbf[General]\n; comment\nSequenceName=L\nwhatever this line is\n");
+    if (readBefore) CActionUtils::GetActionListCategories();
+    Map prefs = Prefs("L", false);
+    CActionUtils::SaveAsCustomActionList(&prefs);
+    const ActionListFile list = ActionListFile::Read(ListPath("L"));
+    EXPECT_EQ(list.name, "L");
+    ASSERT_EQ(list.entries.size(), 1U);
+    EXPECT_EQ(list.entries[0].settings, prefs);
+  }
+  // The same size and time as the list before: only its content differs.
+  const QDateTime time = QDateTime::currentDateTime();
+  for (const QByteArray name : {"ActionName0", "ActionName1"}) {
+    WriteFile(ListPath("L"), "[General]\n" + name + "=Other\n");
+    SetTime(ListPath("L"), time);
+    Map prefs = Prefs("L", false);
+    CActionUtils::SaveAsCustomActionList(&prefs);
+    EXPECT_EQ(ActionListFile::Read(ListPath("L")).entries.size(), 2U) << name.constData();
+  }
+}
+
+TEST_F(ActionLists, AreReadUpToTheFirstGapAsQSettingsReadsThem) {
+  struct Row {
+    QByteArray text;
+    std::size_t entries;
+    bool gap, unreadable, damaged;
+  };
+  const QByteArray empty = R"(@Variant(\0\0\0\b\0\0\0\0))";
+  const Row table[] = {
+      {"", 0, false, false, false},
+      {"\x7f"
+       "ELF\n\n[[[",
+       0, false, true, false},
+      {"ActionName0=a\nActionName2=c\n", 1, true, false, false},
+      {"ActionName1=b\n", 0, true, false, false},
+      {"\xef\xbb\xbf[General]\n; x\nActionName0=a\n", 1, false, false, false},
+      {"# x\nActionName0=a\n", 1, false, true, false},
+      {"ActionName0=a\nActionNameX=b\n", 1, false, false, false},
+      {"ActionName0=a\nActionPrefs0 = " + empty + "\n", 1, false, false, false},
+      {"\xef\xbb\xbf"
+       "ActionPrefs0=" +
+           empty + "\r\nActionName0=a\r\n",
+       1, false, false, false},
+      {"ActionName0=a\nActionPrefs0=text\n", 1, false, false, true},
+      {"ActionName0=a\nActionPrefs0=@Variant(\\0\\0\\0\\b\\0\\0\\0\\x1\\0)\n; ActionPrefs0=" + empty, 1, false, false,
+       true},
+  };
+  for (const Row& row : table) {
+    WriteFile(ListPath("L"), row.text);
+    const ActionListFile list = ActionListFile::Read(ListPath("L"));
+    ASSERT_EQ(list.entries.size(), row.entries) << row.text.constData();
+    EXPECT_EQ(list.hasEntriesAfterGap, row.gap) << row.text.constData();
+    EXPECT_EQ(list.hasUnreadableLines, row.unreadable) << row.text.constData();
+    if (row.entries > 0) {
+      EXPECT_EQ(list.entries[0].isDamaged, row.damaged) << row.text.constData();
+    }
+  }
 }
 
 TEST_F(ActionLists, OddNamesAreWrittenAndFound) {

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <memory>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QIcon>
 #include <QIconEngine>
@@ -43,9 +44,8 @@ class History : public testing::Test {
     Map settings{{"CollectionName", name}, {"value", value}};
     QIcon icon = RedIcon();
     EXPECT_EQ(CActionHistoryAPI("").SaveSettingsToHistory(&settings, &icon), 0);
-    QFile file(EntryPath(name));
-    ASSERT_TRUE(file.open(QFile::ReadWrite));
-    file.setFileTime(QDateTime::currentDateTime().addSecs(-secondsAgo), QFile::FileModificationTime);
+    EXPECT_LT(std::abs(QFileInfo(EntryPath(name)).lastModified().secsTo(QDateTime::currentDateTime())), 60);
+    SetTime(EntryPath(name), QDateTime::currentDateTime().addSecs(-secondsAgo));
   }
   // The loaded settings' "value"; 0 for null.
   static int Load(CActionHistoryAPI& history, int step) {
@@ -76,7 +76,7 @@ TEST_F(History, StepsFromTheNewestAndBackFromBeyondEitherEnd) {
 }
 
 TEST_F(History, SavingAgainReplacesTheEntry) {
-  Save("same", 1, 1);
+  Save("same", 1, -3600);  // with a time that lies ahead
   Save("same", 2, 0);
   EXPECT_EQ(Tree(CUtils::GetCollectionsFolder()), QStringList("same.ini"));
   CActionHistoryAPI history("s");
@@ -91,6 +91,24 @@ TEST_F(History, SavingAgainReplacesTheEntry) {
   QIcon none;
   EXPECT_EQ(CActionHistoryAPI("").SaveSettingsToHistory(&unnamed, &none), 0);
   EXPECT_EQ(IniValue(CUtils::GetCollectionsFolder() + "/.ini", "ActionPrefs").toMap(), unnamed);
+}
+
+TEST_F(History, TheStoredIconHasOneSize) {
+  QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  Map settings{{"CollectionName", "icon"}};
+  const QList<QPair<QSize, qreal>> table = {{{84, 84}, 2.0}, {{63, 63}, 1.5}, {{16, 16}, 1.0}, {{200, 100}, 1.0}};
+  for (const auto& [size, ratio] : table) {
+    QPixmap pixmap(size);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::red);
+    QIcon icon(pixmap);
+    EXPECT_EQ(CActionHistoryAPI("").SaveSettingsToHistory(&settings, &icon), 0);
+    const QImage image = IniValue(EntryPath("icon"), "ActionIcon").value<QImage>();
+    EXPECT_EQ(image.size(), QSize(42, 42));
+    EXPECT_EQ(image.pixelColor(21, 21), QColor(Qt::red));
+    const bool fills = size.width() > 42 && size.width() == size.height();
+    EXPECT_EQ(image.pixelColor(1, 1).alpha(), fills ? 255 : 0) << size.width();
+  }
 }
 
 TEST_F(History, WhatHoldsNoSettingsLoadsAsNull) {

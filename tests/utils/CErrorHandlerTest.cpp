@@ -5,9 +5,6 @@
 
 #include <climits>
 
-#include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
-
 namespace {
 
 TEST(CErrorHandler, KeepsMessagesInOrderAndCopiesThemToTheSecondaryList) {
@@ -38,17 +35,6 @@ TEST(CErrorHandler, StoresFinishedMessagesAndReadsNoArguments) {
     errors.StoreError(format);
     EXPECT_EQ(errors.GetLast(), message);
   }
-}
-
-TEST(CErrorHandler, LoggingWritesNothing) {
-  CErrorHandler errors;
-  AddToDebugFile("%s %d", "text", 1);
-  StoreErrorToLog("%s%n");
-  StoreErrorToLog(nullptr);
-  errors.WriteToLog("text", true);
-  EXPECT_EQ(errors.GetCount(), 0);
-  const QStringList sandboxFolders = {"cache", "config", "data", "home", "run", "tmp", "work"};
-  EXPECT_EQ(Tree(Sandbox::Folder()), sandboxFolders);
 }
 
 }  // namespace

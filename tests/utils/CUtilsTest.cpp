@@ -67,6 +67,13 @@ TEST(CUtils, SetupFoldersMakesTheWholeTreeOnceAndKeepsWhatIsThere) {
   EXPECT_EQ(ReadText(CUtils::GetSequenceFolder() + "/kept.xqq"), "x");
 }
 
+TEST(CUtils, SetupFoldersWorksBelowARelativeLocation) {
+  QDir().mkdir("data here");
+  qputenv("XDG_DATA_HOME", "data here");
+  CUtils::SetupFolders();
+  EXPECT_TRUE(QDir("data here/nolva software/PDF Tools/Settings/Favorites").exists());
+}
+
 TEST(CUtils, SetupFoldersGoesOnAfterAFailedStep) {
   QDir().mkpath(Sandbox::Folder() + "/home/Documents");
   WriteFile(Tools() + "Reports", "a file where a folder belongs");
@@ -135,7 +142,8 @@ TEST(CUtils, NewTempFileIsTheFirstFreeNumberAndNotCreated) {
   WriteFile(temp + "x_1.pdf");
   WriteFile(temp + "x_3.pdf");
   EXPECT_EQ(CUtils::GetNewTempFile(base), temp + "x_2.pdf");
-  EXPECT_EQ(CUtils::GetNewTempFile("100%s a\\\xc3\xa9"), temp + QString::fromUtf8("100%s a/\xc3\xa9_1.pdf"));
+  char odd[] = "100%s a\\\xc3\xa9";
+  EXPECT_EQ(CUtils::GetNewTempFile(odd), temp + QString::fromUtf8("100%s a/\xc3\xa9_1.pdf"));
   EXPECT_EQ(CUtils::GetNewTempFile(nullptr), temp + "_1.pdf");
   for (int n = 1; n <= 9999; ++n) WriteFile(temp + QString("x_%1.pdf").arg(n));
   EXPECT_TRUE(CUtils::GetNewTempFile(base).isEmpty());

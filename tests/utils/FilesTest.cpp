@@ -73,7 +73,7 @@ TEST(FileNames, PadWithZerosBeforeTheSign) {
     int number, width;
     const char* text;
   };
-  const Row table[] = {{7, 3, "007"}, {1234, 3, "1234"}, {0, 0, "0"}, {-5, 4, "00-5"}, {5, -1, "5"}};
+  const Row table[] = {{7, 3, "007"}, {1234, 3, "1234"}, {0, 0, "0"}, {-5, 4, "00-5"}, {5, -1, "5"}, {5, INT_MIN, "5"}};
   for (const Row& row : table) {
     EXPECT_EQ(CActionUtils::GetStringWithLeadingZeroesFromNumber(row.number, row.width), row.text);
   }
@@ -189,6 +189,35 @@ TEST_F(Locations, LoseNothingWhenTheStoreCannotBeWritten) {
             QStandardPaths::writableLocation(QStandardPaths::DesktopLocation));
   EXPECT_EQ(ReadText(CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf"), before);
   EXPECT_EQ(Tree(CUtils::GetSettingsFolder()), QStringList("LastVisitedLocations.vsf"));
+}
+
+TEST_F(Locations, AFailedSaveNeverOverwritesWhatAnotherProcessStored) {
+  CActionUtils::SaveLastVisitedLocation("here", "/a");
+  OtherProcess other([] {
+    CActionUtils::SaveLastVisitedLocation("here", "/theirs");
+    CActionUtils::SaveLastEnteredLink("links", "theirs");
+  });
+  {
+    const FullDisk full;
+    CActionUtils::SaveLastVisitedLocation("here", "/lost");
+    CActionUtils::SaveLastEnteredLink("links", "lost");
+  }
+  other.Run();
+  CActionUtils::SaveLastVisitedLocation("else", "/b");
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("here"), "/theirs");
+  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("links"), QStringList("theirs"));
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("else"), "/b");
+}
+
+// The size and the time of the file before do not matter.
+TEST_F(Locations, AreReadFromTheFileEachTime) {
+  const QString store = CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf";
+  const QDateTime time = QDateTime::currentDateTime();
+  for (const QByteArray place : {"/a", "/b"}) {
+    WriteFile(store, "[General]\nhere=" + place + "\n");
+    SetTime(store, time);
+    EXPECT_EQ(CActionUtils::GetLastVisitedLocation("here"), QString(place));
+  }
 }
 
 TEST(SplitCommands, MapBothWays) {

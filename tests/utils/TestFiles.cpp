@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <QDirIterator>
@@ -28,6 +30,28 @@ QStringList Tree(const QString& folder) {
   while (all.hasNext()) entries << QDir(folder).relativeFilePath(all.next());
   entries.sort();
   return entries;
+}
+
+void SetTime(const QString& path, const QDateTime& time) {
+  QFile file(path);
+  ASSERT_TRUE(file.open(QFile::ReadWrite));
+  file.setFileTime(time, QFile::FileModificationTime);
+}
+
+OtherProcess::OtherProcess(const std::function<void()>& task) {
+  EXPECT_EQ(pipe(mPipe), 0);
+  mProcess = fork();
+  if (mProcess != 0) return;
+  char go = 0;
+  if (read(mPipe[0], &go, 1) == 1) task();
+  _exit(0);
+}
+
+void OtherProcess::Run() {
+  EXPECT_EQ(write(mPipe[1], "x", 1), 1);
+  EXPECT_EQ(waitpid(mProcess, nullptr, 0), mProcess);
+  close(mPipe[0]);
+  close(mPipe[1]);
 }
 
 QVariant IniValue(const QString& path, const QString& key) {

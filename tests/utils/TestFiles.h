@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -12,7 +14,19 @@ void WriteFile(const QString& path, const QByteArray& content = "x");
 std::string ReadText(const QString& path);
 // Every entry below the folder, hidden ones included, as sorted relative paths.
 QStringList Tree(const QString& folder);
+void SetTime(const QString& path, const QDateTime& time);
 QVariant IniValue(const QString& path, const QString& key);
+
+// Another process, made now, that runs a task when it is told to.
+class OtherProcess {
+ public:
+  explicit OtherProcess(const std::function<void()>& task);
+  void Run();  // and waits for its end
+
+ private:
+  int mPipe[2];
+  int mProcess;
+};
 
 // While one lives, this process can write nothing to regular files, whoever runs it: what a full disk looks like.
 class FullDisk {

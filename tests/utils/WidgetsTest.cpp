@@ -17,6 +17,7 @@
 
 #include "tests/pdflib/FakeLibrary.h"
 #include "utils/CActionUtils.h"
+#include "utils/CUtils.h"
 
 namespace {
 
@@ -280,37 +281,47 @@ TEST(TextItems, IconsAreScaledAndAdded) {
   }
   EXPECT_EQ(icon.availableSizes().size(), 2);
   CActionUtils::GenerateTextItemIcon(10, 10, "Text", nullptr);
+
+  // Sides beyond what a painter reaches at once: the text is painted to its end.
+  const QString lines = QString("m\n").repeated(5000);
+  for (const QSize& size : {QSize(400, 40000), QSize(40000, 400)}) {
+    QIcon large;
+    CActionUtils::GenerateTextItemIcon(size.width(), size.height(), size.height() > 400 ? lines : QString(40000, 'W'),
+                                       &large);
+    ASSERT_EQ(large.availableSizes(), QList<QSize>{size.scaled(128, 128, Qt::KeepAspectRatio)});
+    const QImage scaled = large.pixmap(128, 128).toImage().convertToFormat(QImage::Format_ARGB32);
+    EXPECT_GT(qAlpha(scaled.pixel(size.width() > 400 ? 127 : 0, size.height() > 400 ? 127 : 0)), 0);
+  }
 }
 
-TEST(Help, GoesToTheTargetsAsLongAsTheyLive) {
-  CActionUtils::SetHelp("Action_SetBaseUrl.html");  // no targets yet
-  auto label = std::make_unique<QLabel>();
-  auto page = std::make_unique<QTextEdit>();
-  CActionUtils::SetTargetLabels(label.get(), page.get());
+TEST(Help, GoesToTheTargets) {
+  QLabel label;
+  QTextEdit page;
+  CActionUtils::SetTargetLabels(&label, &page);
   CActionUtils::SetHelp("Action_SetBaseUrl.html");
-  EXPECT_TRUE(page->toPlainText().contains("base URL", Qt::CaseInsensitive));
+  EXPECT_TRUE(page.toPlainText().contains("base URL", Qt::CaseInsensitive));
   // Decoded as the page declares itself, or else as Latin-1.
-  EXPECT_TRUE(page->toPlainText().contains(QString::fromUtf8("\xe2\x80\x99")));
+  EXPECT_TRUE(page.toPlainText().contains(QString::fromUtf8("\xe2\x80\x99")));
   const QList<QPair<QString, QChar>> pages = {{"cyrillic.html", QChar(0x416)}, {"undeclared.html", QChar(0xe9)}};
   for (const auto& [file, text] : pages) {
     CActionUtils::SetHelp(file);
-    EXPECT_EQ(page->toPlainText().trimmed(), text);
+    EXPECT_EQ(page.toPlainText().trimmed(), text);
   }
   CActionUtils::SetCurrentSection("Section");
-  EXPECT_EQ(label->text(), "Section");
+  EXPECT_EQ(label.text(), "Section");
   CActionUtils::SetHelpHtml("<b>bold</b> text");
-  EXPECT_EQ(page->toPlainText(), "bold text");
+  EXPECT_EQ(page.toPlainText(), "bold text");
   for (const char* absent : {"absent.html", "", "../../../etc/passwd"}) {
     CActionUtils::SetHelpHtml("something");
     CActionUtils::SetHelp(absent);
-    EXPECT_EQ(page->toPlainText(), "");
+    EXPECT_EQ(page.toPlainText(), "");
   }
-  page.reset();
-  CActionUtils::SetHelpHtml("gone");
-  CActionUtils::SetCurrentSection("still there");
-  EXPECT_EQ(label->text(), "still there");
-  label.reset();
-  CActionUtils::SetCurrentSection("gone");
+  CActionUtils::SetTargetLabels(nullptr, nullptr);
+}
+
+// The "offscreen" platform claims to have OpenGL and then hands out no context.
+TEST(OpenGL, IsAbsentWithoutACrashWhereNoContextCanBeMade) {
+  EXPECT_FALSE(CUtils::CheckOpenGLSupport());
 }
 
 TEST(ToolIcons, AreFoundByFileName) {

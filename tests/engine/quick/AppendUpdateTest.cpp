@@ -133,7 +133,8 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
       const auto document = QuickReader::Read(*input);
       ASSERT_TRUE(document.has_value()) << c.sample << url;
       OutputFile output("large.pdf");
-      AppendUpdate(*input, document->tail, {{document->tail.root, WithBaseUrl(*document, url)}}, output);
+      AppendUpdate(*input, document->tail, {{document->tail.root, engine::WithBaseUrl(document->catalog, url)}},
+                   output);
       output.Commit();
     }
     const auto again = QuickReader::Read(*InputFile::Open("large.pdf"));

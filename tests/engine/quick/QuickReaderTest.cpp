@@ -30,7 +30,7 @@ const std::string kNewUrl = "http://example.net/new/(x)\\";
 
 std::string Updated(const InputFile& input, const QuickDocument& document, const std::string& url) {
   OutputFile output;
-  AppendUpdate(input, document.tail, {{document.tail.root, WithBaseUrl(document, url)}}, output);
+  AppendUpdate(input, document.tail, {{document.tail.root, engine::WithBaseUrl(document.catalog, url)}}, output);
   return output.TakeBytes();
 }
 
@@ -188,9 +188,5 @@ TEST(QuickReaderTest, KeepsEveryOtherByteOfTheCatalog) {
       {"<</URI null/B 2>>", "", "<</B 2>>"},
       {"<</B 2>>", "", "<</B 2>>"},
   };
-  for (const auto& c : cases) {
-    QuickDocument document;
-    document.catalog = c.catalog;
-    EXPECT_EQ(WithBaseUrl(document, c.url), c.expected);
-  }
+  for (const auto& c : cases) EXPECT_EQ(engine::WithBaseUrl(c.catalog, c.url), c.expected);
 }

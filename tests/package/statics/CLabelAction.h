@@ -18,7 +18,7 @@ class CLabelAction : public QObject, public CActionInterface {
   int PostSequenceProc(WorkProcInfoStruct*) override { return 1; }
 
   QString GetActionName() override { return "Label"; }
-  QString GetDisplayName() override { return "Label"; }
+  QString GetDisplayName() override;
   QString GetActionHelp() override { return QString(); }
   QString GetGroupName() override { return "Tests"; }
   int GetActionFlags() override { return 0; }

@@ -1,0 +1,390 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/FileRepair.h"
+
+#include <algorithm>
+#include <exception>
+#include <map>
+#include <qpdf/QPDFXRefEntry.hh>
+#include <set>
+#include <utility>
+
+#include "engine/backend/ObjectStreams.h"
+#include "engine/backend/ObjectWriter.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
+#include "engine/base/EngineError.h"
+#include "engine/base/InputFile.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfName.h"
+#include "engine/syntax/PdfSyntaxError.h"
+#include "engine/syntax/RawDictionary.h"
+
+namespace engine {
+
+namespace {
+
+using Kind = FileScan::Kind;
+using View = BackendInputSource::View;
+
+void AppendBigEndian(std::string& bytes, std::uint64_t value, int width) {
+  for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) bytes += static_cast<char>((value >> shift) & 0xFF);
+}
+
+// A cross-reference stream (ISO 32000-1, 7.5.8) with its "startxref", to stand at `position`. It has no entry of its
+// own, so that the document has no object more than the file.
+std::string Section(const std::vector<FileTail::KeptObject>& objects, std::uint32_t number, const std::string& entries,
+                    std::uint64_t position) {
+  std::string rows;
+  std::string index;
+  for (std::size_t first = 0; first < objects.size();) {
+    std::size_t end = first;
+    do {
+      const FileTail::KeptObject& object = objects[end];
+      rows += object.stream != 0 ? '\2' : '\1';
+      AppendBigEndian(rows, object.stream != 0 ? object.stream : object.offset, 8);
+      AppendBigEndian(rows, object.stream != 0 ? object.index : object.id.generation, 4);
+      ++end;
+    } while (end < objects.size() && objects[end].id.number == objects[end - 1].id.number + 1);
+    index += std::to_string(objects[first].id.number) + ' ' + std::to_string(end - first) + ' ';
+    first = end;
+  }
+  return std::to_string(number) + " 0 obj\n<< /Type /XRef /W [ 1 8 4 ] /Index [ " + index + "] /Size " +
+         std::to_string(number) + entries + " /Length " + std::to_string(rows.size()) + " >>\nstream\n" + rows +
+         "\nendstream\nendobj\nstartxref\n" + std::to_string(position) + "\n%%EOF\n";
+}
+
+std::optional<ObjectId> ToReference(const std::string& text) {
+  try {
+    return PdfLexer::ToReference(text);
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+// Whether a catalog's page tree is there and has nothing in it.
+bool HasNoPages(QPDFObjectHandle catalog) {
+  QPDFObjectHandle pages = catalog.getKey("/Pages");
+  return pages.isDictionary() && pages.getKey("/Kids").isArray() && pages.getKey("/Kids").getArrayNItems() == 0;
+}
+
+QPDFObjectHandle ObjectOf(QPDF& document, ObjectId id) {
+  return document.getObjectByID(static_cast<int>(id.number), static_cast<int>(id.generation));
+}
+
+// Cross-references are not rebuilt, as every object is where its entry says. Streams with a wrong length are read as
+// far as they go.
+std::shared_ptr<QPDF> OpenRecovering(View& view, const std::string& password) {
+  std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
+  if (document != nullptr) document->setAttemptRecovery(true);
+  return document;
+}
+
+std::string Text(QPDFObjectHandle value) {
+  return value.isIndirect() ? value.unparse() : ObjectWriter().Write(value);
+}
+
+// The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
+std::string FirstIdentifier(const std::string& identifier) {
+  try {
+    if (identifier.empty() || identifier.front() != '[') return {};
+    PdfLexer lexer(identifier, 1);
+    const PdfLexer::Value first = lexer.ReadValue();
+    const bool isString = first.kind == PdfLexer::Kind::kString || first.kind == PdfLexer::Kind::kHexString;
+    return isString ? PdfLexer::ToBytes(lexer.Text(first)) : std::string();
+  } catch (const PdfSyntaxError&) {
+    return {};
+  }
+}
+
+// The trailer's entries that an update repeats.
+std::vector<FileTail::Entry> RepeatedEntries(const std::string& trailer) {
+  std::vector<FileTail::Entry> entries;
+  try {
+    const RawDictionary dictionary(trailer);
+    for (const RawDictionary::Entry& entry : dictionary.Entries()) {
+      if (!QuickReader::IsRepeatedEntry(entry.key)) continue;
+      entries.push_back({std::string(entry.key), std::string(dictionary.Text(entry))});
+    }
+  } catch (const PdfSyntaxError&) {
+    entries.clear();
+  }
+  return entries;
+}
+
+}  // namespace
+
+std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
+  constexpr int kInFile = 1;
+  constexpr int kInStream = 2;
+  FileTail tail;
+  try {
+    tail.root = PdfLexer::ToReference(Text(document.getTrailer().getKey("/Root")));
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+  tail.headerOffset = QuickReader::HeaderOffset(file);
+  for (const std::string& key : document.getTrailer().getKeys()) {
+    if (QuickReader::IsRepeatedEntry(key))
+      tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
+  }
+  std::vector<FileTail::KeptObject> kept;
+  for (const auto& [id, entry] : document.getXRefTable()) {
+    FileTail::KeptObject object;
+    object.id = {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
+    if (entry.getType() == kInFile && entry.getOffset() > 0) {
+      object.offset = static_cast<std::uint64_t>(entry.getOffset());
+    } else if (entry.getType() == kInStream) {
+      object.stream = static_cast<std::uint32_t>(entry.getObjStreamNumber());
+      object.index = static_cast<std::uint32_t>(entry.getObjStreamIndex());
+    } else {
+      continue;
+    }
+    if (!kept.empty() && kept.back().id.number == object.id.number) kept.pop_back();
+    kept.push_back(object);
+  }
+  tail.size = kept.empty() ? 1 : kept.back().id.number + 1;
+  tail.kept = std::move(kept);
+  return tail;
+}
+
+const FileScan& FileRepair::Scan() {
+  if (!scan_) scan_ = FileScan::Of(*file_);
+  return *scan_;
+}
+
+const std::vector<FileScan::Object>& FileRepair::Newest() {
+  if (!newest_) newest_ = NewestObjects(Scan().objects);
+  return *newest_;
+}
+
+bool FileRepair::Finds(ObjectId id) {
+  const std::vector<FileScan::Object>& objects = Newest();
+  const auto found =
+      std::lower_bound(objects.begin(), objects.end(), id.number,
+                       [](const FileScan::Object& object, std::uint32_t number) { return object.id.number < number; });
+  return found != objects.end() && found->id == id && found->kind != Kind::kXrefStream;
+}
+
+// Of the newest trailer that has a usable one: a value, or a reference to an object that is there.
+std::string FileRepair::TrailerEntry(const std::string& key) {
+  const std::vector<std::string>& trailers = Scan().trailers;
+  for (auto trailer = trailers.rbegin(); trailer != trailers.rend(); ++trailer) {
+    std::string value = LenientEntry(*trailer, key);
+    if (value.empty()) continue;
+    const std::optional<ObjectId> reference = ToReference(value);
+    // An object in an object stream shows later; the encryption dictionary is never in one (ISO 32000-1, 7.5.7).
+    if (reference && key == "/Encrypt" && !Finds(*reference)) continue;
+    return value;
+  }
+  const ObjectId encryption = Scan().encryption;
+  return key == "/Encrypt" && Finds(encryption) ? encryption.Reference() : std::string();
+}
+
+// Files that were joined: they have objects of the same numbers, and what one has encrypted is not in the other.
+void FileRepair::CheckOneDocument() {
+  std::set<std::string> values;
+  std::set<std::string> identifiers;
+  for (const std::string& trailer : Scan().trailers) {
+    if (LenientEntry(trailer, "/Root").empty()) continue;
+    values.insert(LenientEntry(trailer, "/Encrypt"));
+    const std::string identifier = FirstIdentifier(LenientEntry(trailer, "/ID"));
+    if (!identifier.empty()) identifiers.insert(identifier);
+  }
+  if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
+  if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+}
+
+View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const {
+  View view{file_, "\n" + more, std::nullopt};
+  std::string entries = " /Root " + tail.root.Reference();
+  for (const FileTail::Entry& entry : tail.entries) entries += ' ' + entry.key + ' ' + entry.value;
+  const std::uint64_t position = file_->Size() + view.appended.size() - tail.headerOffset;
+  view.appended += Section(kept, std::max(tail.size, kept.empty() ? 1 : kept.back().id.number + 1), entries, position);
+  return view;
+}
+
+// With the objects in object streams. Of an object that stands in several places the last one of the file counts.
+FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
+  std::map<std::uint32_t, FileTail::KeptObject> all;
+  std::map<std::uint32_t, std::uint64_t> places;
+  for (const FileTail::KeptObject& object : plain) {
+    all[object.id.number] = object;
+    places[object.id.number] = object.offset;
+  }
+  ObjectStreams streams(file_->Size());
+  const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
+  for (const FileScan::Object& object : Newest()) {
+    if (object.kind != Kind::kObjectStream || object.id.generation != 0) continue;
+    const std::uint64_t place = object.offset - headerOffset;
+    const std::vector<std::uint32_t> members = streams.Members(ObjectOf(document, object.id));
+    if (members.empty() && !document.isEncrypted()) {
+      // Nobody knows whether it is encrypted.
+      throw CannotRepair("an object stream cannot be read");
+    }
+    for (std::uint32_t index = 0; index < members.size(); ++index) {
+      const std::uint32_t number = members[index];
+      // A stream cannot be in an object stream.
+      if (number == 0 || number == object.id.number) continue;
+      const auto [known, added] = places.try_emplace(number, place);
+      if (!added && known->second > place) continue;
+      known->second = place;
+      all[number] = {{number, 0}, 0, object.id.number, index};
+    }
+  }
+  Kept kept;
+  for (const auto& [number, object] : all) {
+    // What is in a stream that another object has replaced is gone.
+    const auto stream = object.stream != 0 ? all.find(object.stream) : all.end();
+    if (object.stream != 0 && (stream == all.end() || stream->second.stream != 0)) continue;
+    kept.push_back(object);
+  }
+  return kept;
+}
+
+// A member that cannot be read does not take the place of an object outside of object streams.
+FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain) {
+  Kept result = kept;
+  auto other = plain.begin();
+  for (FileTail::KeptObject& object : result) {
+    while (other != plain.end() && other->id.number < object.id.number) ++other;
+    if (other == plain.end() || other->id.number != object.id.number || object.stream == 0) continue;
+    if (ObjectOf(document, object.id).isNull()) object = *other;
+  }
+  return result;
+}
+
+// The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none:
+// other readers may find more behind it.
+std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
+  std::optional<ObjectId> empty;
+  const auto leads = [&](ObjectId id) {
+    QPDFObjectHandle catalog = ObjectOf(document, id);
+    if (!empty && catalog.isDictionary()) empty = id;
+    return LeadsToPage(catalog);
+  };
+  const std::vector<std::string>& trailers = Scan().trailers;
+  for (auto trailer = trailers.rbegin(); trailer != trailers.rend(); ++trailer) {
+    const std::optional<ObjectId> root = ToReference(LenientEntry(*trailer, "/Root"));
+    if (root && leads(*root)) return root;
+  }
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  for (auto object = objects.rbegin(); object != objects.rend(); ++object) {
+    if (object->kind == Kind::kCatalog && leads(object->id)) return object->id;
+  }
+  for (auto object = kept.rbegin(); object != kept.rend(); ++object) {
+    if (object->stream == 0 || !ObjectOf(document, object->id).isDictionaryOfType("/Catalog")) continue;
+    if (leads(object->id)) return object->id;
+  }
+  return empty;
+}
+
+FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
+  FileTail tail;
+  tail.headerOffset = QuickReader::HeaderOffset(*file_);
+  tail.root = root;
+  tail.size = 1;
+  // Numbers of objects that are not kept are not given away either.
+  if (!Newest().empty()) tail.size = std::max(tail.size, Newest().back().id.number + 1);
+  if (!kept.empty()) tail.size = std::max(tail.size, kept.back().id.number + 1);
+  const std::vector<std::string>& trailers = Scan().trailers;
+  for (auto trailer = trailers.rbegin(); trailer != trailers.rend() && tail.entries.empty(); ++trailer) {
+    if (ToReference(LenientEntry(*trailer, "/Root")) == root) tail.entries = RepeatedEntries(*trailer);
+  }
+  for (const char* const key : {"/Info", "/ID", "/Encrypt"}) {
+    const std::string value = TrailerEntry(key);
+    if (!value.empty()) tail.SetValue(key, value);
+  }
+  const bool streams = std::any_of(kept.begin(), kept.end(), [](const auto& object) { return object.stream != 0; });
+  tail.kind = streams ? FileTail::Kind::kStream : FileTail::Kind::kTable;
+  tail.kept = std::move(kept);
+  return tail;
+}
+
+// Opens the file with these objects and a catalog that is not in the file: the parser insists on one.
+std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& password) {
+  FileTail tail = MakeTail({}, kept);
+  std::string text;
+  const auto add = [&](const std::string& body) {
+    const ObjectId id{tail.size++, 0};
+    kept.push_back({id, file_->Size() + 1 + text.size() - tail.headerOffset});
+    text += std::to_string(id.number) + " 0 obj\n" + body + "\nendobj\n";
+    return id;
+  };
+  const ObjectId pages = add("<< /Type /Pages /Kids [ ] /Count 0 >>");
+  tail.root = add("<< /Type /Catalog /Pages " + pages.Reference() + " >>");
+  View view = ViewOf(kept, tail, text);
+  return OpenRecovering(view, password);
+}
+
+// What the file's own cross-references lead to is what they say, whatever else has its number.
+void FileRepair::PutPreferred(Kept& kept) const {
+  for (const FileTail::KeptObject& object : preferred_) {
+    const auto at =
+        std::lower_bound(kept.begin(), kept.end(), object.id.number,
+                         [](const FileTail::KeptObject& one, std::uint32_t number) { return one.id.number < number; });
+    if (at != kept.end() && at->id.number == object.id.number) {
+      *at = object;
+    } else {
+      kept.insert(at, object);
+    }
+  }
+}
+
+// Of a file with something else after it: the objects that its own cross-references name, if they lead to a page.
+std::optional<FileTail> FileRepair::FindEarlierEnd(const std::string& password) {
+  const std::vector<std::uint64_t>& ends = Scan().ends;
+  for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
+    View view{file_, "\n%%EOF\n", *end};
+    try {
+      const std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
+      if (document == nullptr || !LeadsToPage(document->getRoot())) continue;
+      std::optional<FileTail> tail = CompleteTail(*document, *file_);
+      // Numbers that stand in the rest of the file are not given away.
+      if (tail) tail->size = std::max(tail->size, Newest().back().id.number + 1);
+      if (tail) return tail;
+    } catch (const std::exception&) {
+      // The next one.
+    }
+  }
+  return std::nullopt;
+}
+
+FileRepair::Result FileRepair::Open(const std::string& password) {
+  const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
+  Kept kept;
+  for (const FileScan::Object& object : Newest()) {
+    if (object.kind == Kind::kXrefStream || object.offset < headerOffset) continue;
+    kept.push_back({object.id, object.offset - headerOffset});
+  }
+  PutPreferred(kept);
+  const bool streams = std::any_of(Newest().begin(), Newest().end(),
+                                   [](const FileScan::Object& object) { return object.kind == Kind::kObjectStream; });
+  CheckOneDocument();
+  std::shared_ptr<QPDF> document = OpenWithStandIn(kept, password);
+  if (document != nullptr && streams) {
+    const Kept plain = kept;
+    kept = AddMembers(*document, plain);
+    document.reset();
+    document = OpenWithStandIn(kept, password);
+    if (document == nullptr) return {};
+    kept = WithoutUnreadableMembers(*document, kept, plain);
+    document.reset();
+    document = OpenWithStandIn(kept, password);
+  }
+  if (document == nullptr) return {};
+  const std::optional<ObjectId> root = FindRoot(*document, kept);
+  const bool pages = root && LeadsToPage(ObjectOf(*document, *root));
+  const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
+  document.reset();
+  Result result;
+  std::optional<FileTail> earlier = pages ? std::nullopt : FindEarlierEnd(password);
+  if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
+  if (!pages && !earlier && !noPages) throw CannotRepair("the pages are not found");
+  result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
+  result.view = ViewOf(*result.tail.kept, result.tail, "");
+  result.document = OpenRecovering(result.view, password);
+  return result;
+}
+
+}  // namespace engine

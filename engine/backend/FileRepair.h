@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <qpdf/QPDF.hh>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/backend/BackendInputSource.h"
+#include "engine/base/EngineError.h"
+#include "engine/quick/FileTail.h"
+#include "engine/repair/FileScan.h"
+
+namespace engine {
+
+// The damage is of a kind that nobody can repair without loss (kErrorDamaged).
+class CannotRepair : public EngineError {
+ public:
+  explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
+};
+
+// What a complete section for all objects of the document's cross-references has; no value when the catalog is not an
+// object of its own.
+std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file);
+
+// Makes a damaged file readable by adding one complete cross-reference section for every object that stands in it. The
+// parser then sees the file's bytes and that section, which is what a save appends.
+class FileRepair {
+ public:
+  struct Result {
+    std::shared_ptr<QPDF> document;
+    BackendInputSource::View view;
+    FileTail tail;
+  };
+
+  explicit FileRepair(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
+
+  // What stands in the file; read on first use.
+  const FileScan& Scan();
+  // Whether the file has the object, outside of object streams.
+  bool Finds(ObjectId id);
+
+  // Objects that take the place of whatever has their numbers otherwise.
+  void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
+
+  // The repaired file. `document` is null when the password does not fit. Throws EngineError kErrorDamaged when no
+  // catalog is found or its object streams inflate to too much, CannotRepair, and what the parser throws.
+  Result Open(const std::string& password);
+
+ private:
+  using Kept = std::vector<FileTail::KeptObject>;
+
+  const std::vector<FileScan::Object>& Newest();
+  std::string TrailerEntry(const std::string& key);
+  void CheckOneDocument();
+  std::optional<FileTail> FindEarlierEnd(const std::string& password);
+  BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
+  std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
+  void PutPreferred(Kept& kept) const;
+  Kept AddMembers(QPDF& document, const Kept& plain);
+  Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
+  std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
+  FileTail MakeTail(ObjectId root, Kept kept);
+
+  std::shared_ptr<const InputFile> file_;
+  Kept preferred_;
+  std::optional<FileScan> scan_;
+  std::optional<std::vector<FileScan::Object>> newest_;
+};
+
+}  // namespace engine

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/PageSearch.h"
+
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace engine {
+
+namespace {
+
+bool IsPage(QPDFObjectHandle node) {
+  if (!node.isDictionary() || node.getKey("/Kids").isArray()) return false;
+  QPDFObjectHandle type = node.getKey("/Type");
+  return type.isNameAndEquals("/Page") || !type.isName();
+}
+
+}  // namespace
+
+void VisitPageTree(QPDFObjectHandle catalog, const std::function<bool(QPDFObjectHandle node)>& visit) {
+  if (!catalog.isDictionary()) return;
+  std::vector<QPDFObjectHandle> pending = {catalog.getKey("/Pages")};
+  std::set<QPDFObjGen> seen;
+  while (!pending.empty()) {
+    QPDFObjectHandle node = pending.back();
+    pending.pop_back();
+    if (node.isIndirect() && !seen.insert(node.getObjGen()).second) continue;
+    if (!visit(node)) return;
+    if (!node.isDictionary()) continue;
+    QPDFObjectHandle kids = node.getKey("/Kids");
+    if (!kids.isArray()) continue;
+    std::vector<QPDFObjectHandle> nodes = kids.getArrayAsVector();
+    pending.insert(pending.end(), nodes.rbegin(), nodes.rend());
+  }
+}
+
+bool LeadsToPage(QPDFObjectHandle catalog) {
+  bool found = false;
+  VisitPageTree(catalog, [&found](QPDFObjectHandle node) {
+    found = IsPage(node);
+    return !found;
+  });
+  return found;
+}
+
+void VisitReachable(QPDF& document, const std::function<void(QPDFObjectHandle object)>& visit) {
+  std::vector<QPDFObjectHandle> pending;
+  std::set<QPDFObjGen> seen;
+  QPDFObjectHandle trailer = document.getTrailer();
+  for (const char* const key : {"/Root", "/Info"}) pending.push_back(trailer.getKey(key));
+  while (!pending.empty()) {
+    QPDFObjectHandle object = pending.back();
+    pending.pop_back();
+    if (object.isIndirect()) {
+      if (!seen.insert(object.getObjGen()).second || object.isNull()) continue;
+      visit(object);
+    }
+    if (object.isArray()) {
+      for (QPDFObjectHandle& item : object.getArrayAsVector()) pending.push_back(item);
+    } else if (object.isDictionary() || object.isStream()) {
+      const QPDFObjectHandle dictionary = object.isStream() ? object.getDict() : object;
+      for (const auto& [key, value] : QPDFObjectHandle(dictionary).getDictAsMap()) {
+        if (key != "/Length" || !object.isStream()) pending.push_back(value);
+      }
+    }
+  }
+}
+
+ReachableObjects ReachableObjects::Of(QPDF& document) {
+  ReachableObjects result;
+  VisitReachable(document, [&result](QPDFObjectHandle) { ++result.objects; });
+  VisitPageTree(document.getRoot(), [&result](QPDFObjectHandle node) {
+    result.pages += IsPage(node) ? 1 : 0;
+    return true;
+  });
+  return result;
+}
+
+}  // namespace engine

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/backend/Soundness.h"
+
+#include <algorithm>
+#include <map>
+#include <qpdf/QPDFXRefEntry.hh>
+#include <vector>
+
+#include "engine/backend/ObjectStreams.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/base/InputFile.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/repair/FileWindow.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
+
+namespace engine {
+
+namespace {
+
+constexpr int kInFile = 1;
+
+using XrefTable = std::map<QPDFObjGen, QPDFXRefEntry>;
+
+struct Place {
+  std::uint64_t offset;
+  ObjectId id;
+};
+
+ObjectId IdOf(QPDFObjGen id) {
+  return {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
+}
+
+// The entries that name a place in the file, in the order of the places.
+std::vector<Place> PlacesOf(QPDF& document, std::uint64_t headerOffset) {
+  std::vector<Place> places;
+  for (const auto& [id, entry] : document.getXRefTable()) {
+    // Some producers write offset 0 for an object that is not there.
+    if (entry.getType() != kInFile || entry.getOffset() <= 0) continue;
+    places.push_back({headerOffset + static_cast<std::uint64_t>(entry.getOffset()), IdOf(id)});
+  }
+  std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.offset < b.offset; });
+  return places;
+}
+
+bool StandsAt(FileWindow& window, const Place& place) {
+  constexpr std::size_t kHeader = 64;
+  try {
+    PdfLexer lexer(window.At(place.offset, kHeader));
+    lexer.SkipSpace();
+    return lexer.ReadObjectHeader() == place.id;
+  } catch (const PdfSyntaxError&) {
+    return false;
+  }
+}
+
+bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& repair) {
+  constexpr std::size_t kBlock = 4096;  // objects may be far apart
+  FileWindow window(file, kBlock);
+  const std::vector<Place> places = PlacesOf(document, QuickReader::HeaderOffset(file));
+  return std::all_of(places.begin(), places.end(),
+                     [&](const Place& place) { return StandsAt(window, place) || !repair.Finds(place.id); });
+}
+
+// Whether the object has a reference to one that has no entry but stands in the file.
+bool Dangles(QPDFObjectHandle object, const XrefTable& table, FileRepair& repair) {
+  const auto lost = [&](const QPDFObjectHandle& value) {
+    const QPDFObjGen id = value.getObjGen();
+    return id.isIndirect() && table.count(id) == 0 && repair.Finds(IdOf(id));
+  };
+  if (lost(object)) return true;
+  if (!object.isDictionary()) return false;
+  for (const auto& [key, value] : object.getDictAsMap()) {
+    if (lost(value)) return true;
+    if (!QPDFObjectHandle(value).isArray()) continue;
+    for (const QPDFObjectHandle& item : QPDFObjectHandle(value).getArrayAsVector()) {
+      if (lost(item)) return true;
+    }
+  }
+  return false;
+}
+
+bool PagesAreThere(QPDF& document, FileRepair& repair) {
+  QPDFObjectHandle catalog = document.getRoot();
+  const XrefTable table = document.getXRefTable();
+  const bool gaps = table.empty() || static_cast<std::size_t>(table.rbegin()->first.getObj()) > table.size();
+  if (!gaps) return LeadsToPage(catalog);
+  bool sound = !Dangles(catalog, table, repair);
+  VisitPageTree(catalog, [&](QPDFObjectHandle node) {
+    sound = sound && !Dangles(node, table, repair);
+    return sound;
+  });
+  return sound && LeadsToPage(catalog);
+}
+
+}  // namespace
+
+bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
+  return EntriesLeadToObjects(document, file, repair) && ObjectStreams(file.Size()).Check(document) &&
+         PagesAreThere(document, repair);
+}
+
+std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {
+  const std::uint64_t headerOffset = QuickReader::HeaderOffset(file);
+  FileWindow window(file);
+  std::vector<FileTail::KeptObject> entries;
+  for (const Place& place : PlacesOf(document, headerOffset)) {
+    if (StandsAt(window, place)) entries.push_back({place.id, place.offset - headerOffset});
+  }
+  return entries;
+}
+
+}  // namespace engine

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "engine/save/Edits.h"
+
+namespace engine {
+
+class LoadedFile;
+
+// The base URL and the document information of a file with its edits. Setting what the file holds takes the edit back.
+// All functions throw EngineError as LoadedFile does.
+
+// The bytes of /Base in the catalog's /URI dictionary (ISO 32000-1, 12.6.4.7); empty when there is none or it has a
+// wrong type.
+std::string BaseUrlOf(LoadedFile& file, const Edits& edits);
+// `url` is ASCII. An empty one removes /Base, and /URI when nothing else is in it.
+void SetBaseUrl(LoadedFile& file, Edits& edits, const std::string& url);
+
+// An entry of the document information dictionary (ISO 32000-1, 14.3.3) by its key without slash, UTF-8; empty when
+// there is none or it is not a text.
+std::string InformationOf(LoadedFile& file, const Edits& edits, const std::string& key);
+// An empty value removes the entry.
+void SetInformation(LoadedFile& file, Edits& edits, const std::string& key, const std::string& value);
+
+}  // namespace engine

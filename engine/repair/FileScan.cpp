@@ -1,0 +1,352 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/repair/FileScan.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string_view>
+
+#include "engine/repair/FileWindow.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
+
+namespace engine {
+
+namespace {
+
+using Kind = FileScan::Kind;
+
+constexpr std::uint64_t kHighestNumber = 8388607;  // ISO 32000-1, table C.1
+constexpr std::uint64_t kHighestGeneration = 65534;
+constexpr std::size_t kFirstWindow = 1024;
+constexpr std::size_t kLargestObject = 64 * 1024 * 1024;
+// How much of a damaged object is looked at.
+constexpr std::size_t kDamagedObject = 16 * 1024;
+constexpr std::size_t kMostTrailers = 256;
+constexpr std::size_t kLongestTrailer = 64 * 1024;
+constexpr std::size_t kMostLengths = 16;
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+bool StartsWith(std::string_view text, std::string_view word) {
+  return text.compare(0, word.size(), word) == 0;
+}
+
+std::size_t SpacesAt(std::string_view text, std::size_t position) {
+  std::size_t end = position;
+  while (end < text.size() && PdfLexer::IsSpace(text[end])) ++end;
+  return end - position;
+}
+
+std::optional<std::uint64_t> ToNumber(std::string_view text) {
+  try {
+    return PdfLexer::ToUnsigned(text);
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+std::optional<ObjectId> ToReference(std::string_view text) {
+  try {
+    return PdfLexer::ToReference(text);
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+// Takes the digits at the end of the text away.
+std::string_view TakeDigits(std::string_view& text) {
+  std::size_t begin = text.size();
+  while (begin > 0 && IsDigit(text[begin - 1])) --begin;
+  const std::string_view digits = text.substr(begin);
+  text.remove_suffix(digits.size());
+  return digits;
+}
+
+bool TakeSpaces(std::string_view& text) {
+  const std::size_t before = text.size();
+  while (!text.empty() && PdfLexer::IsSpace(text.back())) text.remove_suffix(1);
+  return text.size() < before;
+}
+
+// The object whose header ends with the "obj" at `word`.
+std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word) {
+  constexpr std::uint64_t kLongestHeader = 4000;  // with any number of spaces in it
+  const std::uint64_t begin = word - std::min(word, kLongestHeader);
+  const auto length = static_cast<std::size_t>(word - begin);
+  const std::string_view text = window.At(begin, length + 4);
+  if (text.size() < length + 3) return std::nullopt;
+  if (text.size() > length + 3 && !PdfLexer::IsDelimiter(text[length + 3])) return std::nullopt;
+  std::string_view head = text.substr(0, length);
+  if (!TakeSpaces(head)) return std::nullopt;
+  const auto generation = ToNumber(TakeDigits(head));
+  if (!generation || !TakeSpaces(head)) return std::nullopt;
+  const auto number = ToNumber(TakeDigits(head));
+  if (!number || *number == 0 || *number > kHighestNumber || *generation > kHighestGeneration) return std::nullopt;
+  FileScan::Object object;
+  object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
+  object.offset = begin + head.size();
+  return object;
+}
+
+// Throws PdfSyntaxError.
+std::string StrictEntry(std::string_view dictionary, std::string_view key) {
+  if (!StartsWith(dictionary, "<<")) throw PdfSyntaxError();
+  PdfLexer lexer(dictionary, 2);
+  std::string found;
+  for (;;) {
+    lexer.SkipSpace();
+    if (StartsWith(dictionary.substr(lexer.Position()), ">>")) return found;
+    const PdfLexer::Value name = lexer.ReadValue();
+    if (name.kind != PdfLexer::Kind::kName) throw PdfSyntaxError();
+    const PdfLexer::Value value = lexer.ReadValue();
+    if (lexer.Text(name) == key) found = lexer.Text(value);
+  }
+}
+
+class Scanner {
+ public:
+  using Lengths = std::map<std::uint32_t, std::vector<std::uint64_t>>;
+
+  // `lengths`: numbers that objects consist of, from a scan before this one.
+  Scanner(const InputFile& file, const Lengths& lengths)
+      : window_(file),
+        objects_(file, "obj"),
+        trailers_(file, "trailer"),
+        streams_(file, "stream"),
+        streamEnds_(file, "endstream"),
+        objectEnds_(file, "endobj"),
+        lengths_(lengths) {
+    lexingLeft_ = 4 * file.Size() + (1 << 20);
+  }
+
+  void Run() {
+    std::uint64_t position = 0;
+    while (position < window_.Size()) {
+      const std::uint64_t object = objects_.From(position);
+      const std::uint64_t trailer = trailers_.From(position);
+      if (object == window_.Size() && trailer == window_.Size()) return;
+      position = trailer < object ? ReadTrailer(trailer + 7) : ReadObject(object);
+    }
+  }
+
+  FileScan result;
+  Lengths numbers;  // the objects that are one number each
+  // Whether a stream had its length in another object and that was not known.
+  bool lengthsMissing = false;
+
+ private:
+  struct Extent {
+    std::uint64_t end = 0;
+    bool whole = false;
+  };
+
+  // Reads the value at `offset`; the text of damaged ones is cut short at a fixed length.
+  std::string_view ReadValue(std::uint64_t offset, Extent& extent) {
+    for (std::size_t size = kFirstWindow;; size *= 8) {
+      const std::string_view text = window_.At(offset, size).substr(0, size);
+      try {
+        PdfLexer lexer(text);
+        const PdfLexer::Value value = lexer.ReadValue();
+        extent = {offset + value.end, true};
+        return lexer.Text(value);
+      } catch (const PdfSyntaxError& error) {
+        if (error.truncated() && text.size() == size && size < kLargestObject && size <= lexingLeft_) {
+          lexingLeft_ -= size;
+          continue;
+        }
+      }
+      extent = {offset, false};
+      return window_.At(offset, kDamagedObject).substr(0, kDamagedObject);
+    }
+  }
+
+  std::uint64_t ReadTrailer(std::uint64_t offset) {
+    Extent extent;
+    const std::string_view text = ReadValue(offset, extent);
+    if (extent.whole && !StartsWith(text, "<<")) return offset;
+    AddTrailer(text);
+    return extent.end;
+  }
+
+  void AddTrailer(std::string_view text) {
+    if (text.find("/Root") == std::string_view::npos && text.find("/Encrypt") == std::string_view::npos) return;
+    std::vector<std::string>& trailers = result.trailers;
+    // Of very many the newest and some of the oldest are enough.
+    if (trailers.size() == kMostTrailers) trailers.erase(trailers.begin() + kMostTrailers / 8);
+    trailers.emplace_back(text.substr(0, kLongestTrailer));
+  }
+
+  // Returns where to go on.
+  std::uint64_t ReadObject(std::uint64_t word) {
+    const std::uint64_t body = word + 3;
+    std::optional<FileScan::Object> object = HeaderAt(window_, word);
+    if (!object) return body;
+    Extent extent;
+    std::string text(ReadValue(body, extent));
+    std::uint64_t end = extent.end;
+    std::optional<std::uint64_t> data;
+    if (extent.whole) {
+      if (StartsWith(text, "<<")) data = StreamDataAfter(end);
+      NoteNumber(object->id.number, text);
+    } else {
+      const std::uint64_t next = std::min(objects_.From(body), objectEnds_.From(body));
+      text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), next - body)));
+      const std::uint64_t stream = streams_.From(body);
+      if (stream < next) {
+        text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), stream - body)));
+        data = StreamDataAfter(stream);
+      }
+      object->cutOff = next == window_.Size() && !data;
+    }
+    object->kind = KindOf(text, data.has_value());
+    if (object->kind == Kind::kXrefStream || IsLikeTrailer(text)) AddTrailer(text);
+    if (IsEncryption(text)) result.encryption = object->id;
+    if (data) {
+      end = StreamEnd(*data, text);
+      object->cutOff = end == window_.Size() && !EndsHere(end);
+    }
+    result.objects.push_back(*object);
+    return std::max(end, body);
+  }
+
+  void NoteNumber(std::uint32_t object, std::string_view text) {
+    if (text.empty() || !IsDigit(text.front())) return;
+    const auto number = ToNumber(text);
+    std::vector<std::uint64_t>& values = numbers[object];
+    if (number && values.size() < kMostLengths) values.push_back(*number);
+  }
+
+  static Kind KindOf(const std::string& text, bool stream) {
+    if (text.find("/Type") == std::string::npos) return stream ? Kind::kStream : Kind::kPlain;
+    const std::string type = LenientEntry(text, "/Type");
+    if (!stream) return type == "/Catalog" ? Kind::kCatalog : Kind::kPlain;
+    if (type == "/ObjStm") return Kind::kObjectStream;
+    return type == "/XRef" ? Kind::kXrefStream : Kind::kStream;
+  }
+
+  // A cross-reference stream's dictionary, however damaged.
+  static bool IsLikeTrailer(const std::string& text) {
+    return text.find("/Root") != std::string::npos &&
+           (text.find("/W") != std::string::npos || text.find("/Encrypt") != std::string::npos);
+  }
+
+  // A password security handler's dictionary (ISO 32000-1, table 21).
+  static bool IsEncryption(const std::string& text) {
+    return text.find("/Standard") != std::string::npos && text.find("/O") != std::string::npos &&
+           text.find("/U") != std::string::npos && LenientEntry(text, "/Filter") == "/Standard";
+  }
+
+  // Where a stream's data begin if its keyword is what follows `offset` after space (ISO 32000-1, 7.3.8.1).
+  std::optional<std::uint64_t> StreamDataAfter(std::uint64_t offset) {
+    const std::string_view text = window_.At(offset, kFirstWindow);
+    PdfLexer lexer(text);
+    lexer.SkipSpace();
+    std::size_t end = lexer.Position();
+    if (!StartsWith(text.substr(end), "stream")) return std::nullopt;
+    end += 6;
+    while (end < text.size() && text[end] == ' ') ++end;
+    if (StartsWith(text.substr(end), "\r\n")) return offset + end + 2;
+    if (end < text.size() && (text[end] == '\n' || text[end] == '\r')) return offset + end + 1;
+    return offset + end;
+  }
+
+  // Whether a stream's data can end at the offset.
+  bool EndsHere(std::uint64_t offset) {
+    const std::string_view text = window_.At(offset, 64);
+    const std::string_view rest = text.substr(SpacesAt(text, 0));
+    return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
+  }
+
+  std::uint64_t StreamEnd(std::uint64_t data, const std::string& dictionary) {
+    const std::string length = LenientEntry(dictionary, "/Length");
+    const auto fits = [&](std::uint64_t bytes) { return bytes <= window_.Size() - data && EndsHere(data + bytes); };
+    if (const auto count = ToNumber(length)) {
+      if (fits(*count)) return data + *count;
+    } else if (const auto reference = ToReference(length)) {
+      const auto known = lengths_.find(reference->number);
+      lengthsMissing = lengthsMissing || known == lengths_.end();
+      if (known != lengths_.end()) {
+        for (const std::uint64_t size : known->second) {
+          if (fits(size)) return data + size;
+        }
+      }
+    }
+    return std::min(streamEnds_.From(data), objectEnds_.From(data));
+  }
+
+  FileWindow window_;
+  WordSearch objects_;
+  WordSearch trailers_;
+  WordSearch streams_;
+  WordSearch streamEnds_;
+  WordSearch objectEnds_;
+  const Lengths& lengths_;
+  std::uint64_t lexingLeft_;  // bytes that values longer than the first window may still cost
+};
+
+std::vector<std::uint64_t> FindEnds(const InputFile& file) {
+  constexpr std::size_t kMostEnds = 8;
+  constexpr std::string_view kWord = "startxref";
+  std::vector<std::uint64_t> ends;
+  FileWindow window(file, kFirstWindow);
+  WordSearch search(file, kWord);
+  for (std::uint64_t at = search.From(0); at < file.Size(); at = search.From(at + 1)) {
+    const std::string_view text = window.At(at, kFirstWindow);
+    const std::size_t digits = kWord.size() + SpacesAt(text, kWord.size());
+    const std::size_t end = text.find_first_not_of("0123456789", digits);
+    if (end == digits || end == std::string_view::npos) continue;
+    if (ends.size() == kMostEnds) ends.erase(ends.begin());
+    ends.push_back(at + end);
+  }
+  return ends;
+}
+
+}  // namespace
+
+FileScan FileScan::Of(const InputFile& file) {
+  const Scanner::Lengths none;
+  Scanner first(file, none);
+  first.Run();
+  if (first.lengthsMissing) {
+    Scanner second(file, first.numbers);
+    second.Run();
+    first.result = std::move(second.result);
+  }
+  first.result.ends = FindEnds(file);
+  return std::move(first.result);
+}
+
+std::string LenientEntry(const std::string& dictionary, const std::string& key) {
+  try {
+    return StrictEntry(dictionary, key);
+  } catch (const PdfSyntaxError&) {
+  }
+  for (std::size_t at = dictionary.find(key); at != std::string::npos; at = dictionary.find(key, at + 1)) {
+    const std::size_t end = at + key.size();
+    if (end < dictionary.size() && !PdfLexer::IsDelimiter(dictionary[end])) continue;
+    try {
+      PdfLexer lexer(dictionary, end);
+      return std::string(lexer.Text(lexer.ReadValue()));
+    } catch (const PdfSyntaxError&) {
+    }
+  }
+  return {};
+}
+
+std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {
+  std::vector<FileScan::Object> sorted = objects;
+  std::stable_sort(sorted.begin(), sorted.end(), [](const FileScan::Object& a, const FileScan::Object& b) {
+    return a.id.number != b.id.number ? a.id.number < b.id.number : a.cutOff && !b.cutOff;
+  });
+  std::vector<FileScan::Object> newest;
+  for (const FileScan::Object& object : sorted) {
+    if (!newest.empty() && newest.back().id.number == object.id.number) newest.pop_back();
+    newest.push_back(object);
+  }
+  return newest;
+}
+
+}  // namespace engine

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/syntax/ObjectId.h"
+
+namespace engine {
+
+class InputFile;
+
+// What stands in a file, found without its cross-references.
+struct FileScan {
+  enum class Kind : unsigned char { kPlain, kCatalog, kStream, kObjectStream, kXrefStream };
+  struct Object {
+    ObjectId id;
+    std::uint64_t offset = 0;  // of its number, from the start of the file
+    Kind kind = Kind::kPlain;
+    bool cutOff = false;  // the file ends inside it
+  };
+
+  // In the order of the file; a number may occur several times.
+  std::vector<Object> objects;
+  // The dictionaries of trailers and cross-reference streams, in the order of the file. They may be damaged.
+  std::vector<std::string> trailers;
+  // Where the last "startxref" of the file and its number end, and some before it; the last one last.
+  std::vector<std::uint64_t> ends;
+  // The last object that looks like an encryption dictionary; number 0 for none.
+  ObjectId encryption;
+
+  // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
+  // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
+  static FileScan Of(const InputFile& file);
+};
+
+// The value of a key of a dictionary, as it stands in the text; empty when there is none. Where the dictionary is
+// damaged it is the first value after the key, at any depth.
+std::string LenientEntry(const std::string& dictionary, const std::string& key);
+
+// The newest object of each number, in the order of their numbers: the last one of the file that is not cut off.
+std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects);
+
+}  // namespace engine

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace engine {
+
+// A dictionary object's text that can be changed; what is not changed keeps its bytes. Unlike RawDictionary it takes
+// keys written with "#", and of a key that stands twice the last value, as full parsers do.
+//
+// Keys are given with their slash and without "#" escapes. Values are texts of objects.
+class DictionaryText {
+ public:
+  // No value for a text that is not a dictionary and nothing else.
+  static std::optional<DictionaryText> Parse(std::string text);
+  // Throws PdfSyntaxError for such a text.
+  explicit DictionaryText(std::string text = "<<>>");
+
+  const std::string& Text() const { return text_; }
+  bool Empty() const { return entries_.empty(); }
+  // Valid until the dictionary is changed.
+  std::optional<std::string_view> Find(const std::string& key) const;
+  void Set(const std::string& key, const std::string& value);
+  void Remove(const std::string& key);
+  // Whether the other one has the same keys with the same texts, in any order.
+  bool SameEntries(const DictionaryText& other) const;
+
+ private:
+  struct Entry {
+    std::string key;  // without escapes
+    std::size_t keyBegin;
+    std::size_t valueBegin;
+    std::size_t end;
+  };
+
+  void Index();
+  std::string_view ValueOf(const Entry& entry) const {
+    return std::string_view(text_).substr(entry.valueBegin, entry.end - entry.valueBegin);
+  }
+
+  std::string text_;
+  std::vector<Entry> entries_;
+  std::size_t close_ = 0;  // where ">>" stands
+};
+
+}  // namespace engine

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Name objects (ISO 32000-1, 7.3.5), with their slash.
+namespace engine {
+
+// The name's bytes, "#xx" as what it means; a "#" without two digits stays.
+std::string UnescapedName(std::string_view name);
+// The name as a file holds it.
+std::string EscapedName(std::string_view name);
+
+}  // namespace engine

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+// Text strings (ISO 32000-1, 7.9.2.2): PDFDocEncoding, or UTF-16 or UTF-8 after a byte order mark.
+namespace engine {
+
+// UTF-8; codes and units that are no characters become U+FFFD.
+std::string Utf8FromTextString(const std::string& bytes);
+// PDFDocEncoding if it has every character of the text, otherwise UTF-16 with its byte order mark.
+std::string TextStringFromUtf8(const std::string& utf8);
+
+}  // namespace engine

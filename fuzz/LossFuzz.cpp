@@ -1,0 +1,360 @@
+// SPDX-License-Identifier: Apache-2.0
+// Nothing is lost by a save: damaged files go through the engine, and what libqpdf, mupdf and poppler read before, each
+// must read after. See usage() and fuzz/loss.
+#include <getopt.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <stdexcept>
+
+#include "fuzz/Mutation.h"
+#include "fuzz/OwnProcess.h"
+#include "fuzz/Readers.h"
+#include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
+#include "pdflib/LibraryInformationKeys.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kUsage[] =
+    "usage: LossFuzz --engine LIBRARY [--seconds N | --cases N | --check] [--seed S] [--first CASE] [--findings "
+    "FOLDER] "
+    "FILE|FOLDER...\n"
+    "Damages the files (--check: takes them as they are), sets a base URL with the engine, and compares what three\n"
+    "readers read before and after. Writes each file with a loss to the findings folder. The same seed and case "
+    "number\n"
+    "give the same file. Ends with status 1 when something was lost.\n";
+constexpr char kUrl[] = "http://example.net/(\\)";
+constexpr int kSecondsForEach = 10;
+constexpr std::uintmax_t kMaxSeedSize = 300'000;
+
+struct Options {
+  std::string engine;
+  std::optional<std::uint64_t> seconds;
+  std::optional<std::uint64_t> cases;
+  bool check = false;
+  std::uint64_t seed = 1;
+  std::uint64_t first = 0;
+  fs::path findings = "findings";
+  std::vector<fs::path> files;
+};
+
+void WriteFile(const fs::path& path, const std::string& bytes) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  if (!(file << bytes).flush()) throw std::runtime_error("cannot write " + path.string());
+}
+
+std::wstring Wide(const std::string& ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+std::string Narrow(const std::wstring& ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+using Reader = Reading (*)(const std::string& file);
+struct NamedReader {
+  const char* name;
+  Reader read;
+};
+constexpr std::array<NamedReader, 3> kReaders = {
+    {{"qpdf", ReadWithQpdf}, {"mupdf", ReadWithMupdf}, {"poppler", ReadWithPoppler}}};
+
+// What a reader read, or how it failed.
+struct Attempt {
+  Reading reading;
+  std::string failure;
+};
+
+Attempt Read(const NamedReader& reader, const fs::path& file) {
+  const Outcome outcome = RunInOwnProcess([&] { return reader.read(file).ToBytes(); }, kSecondsForEach);
+  if (!outcome.result) return {{}, outcome.end};
+  return {Reading::FromBytes(*outcome.result), {}};
+}
+
+bool Same(const Attempt& a, const Attempt& b) {
+  return a.failure == b.failure && a.reading == b.reading;
+}
+
+// How the engine saves `in` with a base URL as `out`: "incremental", "rewrite", "refused, error N" ...
+Outcome Save(const std::string& library, const fs::path& in, const fs::path& out) {
+  const auto work = [&]() -> std::string {
+    HalvexPDFLibraryCPDylibCPP1311 engine(Wide(library));
+    const auto refused = [&](const char* what) { return what + std::to_string(engine.LastErrorCode()); };
+    if (engine.LoadFromFile(in.wstring(), L"") != 1) return refused("not loaded, error ");
+    if (engine.SetBaseURL(Wide(kUrl)) != 1) return refused("not set, error ");
+    if (engine.SaveToFile(out.wstring()) != 1) return refused("not saved, error ");
+    return Narrow(engine.GetInformation(kInformationLastWay));
+  };
+  return RunInOwnProcess(work, kSecondsForEach);
+}
+
+struct Counts {
+  std::uint64_t cases = 0;
+  std::uint64_t violations = 0;
+  std::map<std::string, std::uint64_t> engine;
+  std::array<std::map<std::string, std::uint64_t>, kReaders.size()> readers;
+};
+
+class Fuzzer {
+ public:
+  explicit Fuzzer(const Options& options) : options_(options) {
+    std::string name = (fs::temp_directory_path() / "loss-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    folder_ = name;
+    in_ = folder_ / "in.pdf";
+    out_ = folder_ / "out.pdf";
+  }
+  ~Fuzzer() { fs::remove_all(folder_); }
+  Fuzzer(const Fuzzer&) = delete;
+  Fuzzer& operator=(const Fuzzer&) = delete;
+
+  // Loads fonts and settings here, so that the processes of the readers need not.
+  void WarmUp(const std::string& sound) {
+    WriteFile(in_, sound);
+    for (const NamedReader& reader : kReaders) {
+      if (Read(reader, in_).failure.empty()) reader.read(in_);
+    }
+  }
+
+  void Check(const std::string& bytes, const std::string& name, const std::string& history) {
+    ++counts_.cases;
+    current_ = {bytes, name, history};
+    WriteFile(in_, bytes);
+    fs::remove(out_);
+    const Outcome saved = Save(options_.engine, in_, out_);
+    if (!saved.result) {
+      ++counts_.engine["engine " + saved.end];
+      return Violated("the engine " + saved.end);
+    }
+    mode_ = *saved.result;
+    for (std::size_t i = 0; i < kReaders.size(); ++i) before_[i] = Read(kReaders[i], in_);
+    if (!fs::exists(out_)) return CountRefused();
+    ++counts_.engine[mode_];
+    const std::string result = ReadFile(out_);
+    if (mode_ != "rewrite" && result.compare(0, bytes.size(), bytes) != 0) Violated("the source is a prefix");
+    for (std::size_t i = 0; i < kReaders.size(); ++i) Compare(i);
+  }
+
+  std::uint64_t Report() const {
+    std::cout << counts_.cases << " cases, " << counts_.violations << " violations\n";
+    for (const auto& [what, count] : counts_.engine) std::cout << "  engine: " << count << ' ' << what << '\n';
+    for (std::size_t i = 0; i < kReaders.size(); ++i) {
+      for (const auto& [what, count] : counts_.readers[i]) {
+        std::cout << "  " << kReaders[i].name << ": " << count << ' ' << what << '\n';
+      }
+    }
+    return counts_.violations;
+  }
+
+ private:
+  void Violated(const std::string& what) {
+    ++counts_.violations;
+    const fs::path reproducer = Keep(options_.findings);
+    std::cout << "violated: " << what << "\n  " << current_.history << "\n  reproducer: " << reproducer.string()
+              << std::endl;
+  }
+
+  fs::path Keep(const fs::path& folder) const {
+    fs::create_directories(folder);
+    fs::path file = folder / (current_.name + ".pdf");
+    WriteFile(file, current_.bytes);
+    return file;
+  }
+
+  static bool ReadsPages(const Attempt& attempt) { return attempt.reading.HasPages(); }
+
+  void CountRefused() {
+    const auto readable = std::count_if(before_.begin(), before_.end(), ReadsPages);
+    ++counts_.engine[mode_ + ", though " + std::to_string(readable) + " readers read pages"];
+    if (readable < 2) return;
+    std::cout << "refused: " << mode_ << ", though " << readable << " readers read pages\n  " << current_.name << ": "
+              << current_.history << std::endl;
+  }
+
+  void Compare(std::size_t i) {
+    auto& counts = counts_.readers[i];
+    const Attempt& before = before_[i];
+    if (!before.failure.empty()) return Allowed(i, "the reader itself failed before", before.failure);
+    if (!before.reading.HasPages()) {
+      ++counts["not read before"];
+      return;
+    }
+    bool more = false;
+    const Attempt after = Read(kReaders[i], out_);
+    const auto losses = after.failure.empty() ? Losses(before.reading, after.reading, more)
+                                              : std::vector<std::string>{"the reader " + after.failure};
+    if (losses.empty()) {
+      ++counts[more ? "read as before and more" : "read as before"];
+      return CheckBaseUrl(i, after.reading);
+    }
+    if (!Same(before, Read(kReaders[i], in_)) || !Same(after, Read(kReaders[i], out_))) {
+      return Allowed(i, "the reader reads another time otherwise", losses.front());
+    }
+    if (NeedsLinearization(i, after.reading)) {
+      return Allowed(i, "reads as with one comment appended to the linearized file", losses.front());
+    }
+    if (const char* other = ReadLikeThisBefore(i, after.reading)) {
+      return Allowed(i, std::string("reads now as did before: ") + other, losses.front());
+    }
+    for (const std::string& loss : losses) Lost(i, loss);
+  }
+
+  // Readers need not agree which catalog of a damaged file it is; one of them has to read what was set.
+  void CheckBaseUrl(std::size_t i, const Reading& after) {
+    if (kReaders[i].read == ReadWithPoppler || after.baseUrl == kUrl) return;
+    const NamedReader& other = kReaders[kReaders[i].read == ReadWithQpdf ? 1 : 0];
+    if (Read(other, out_).reading.baseUrl == kUrl) {
+      return Allowed(i, std::string("the base URL is read only by ") + other.name, after.baseUrl);
+    }
+    Lost(i, "base URL not read: \"" + after.baseUrl + "\"");
+  }
+
+  // Whether the reader found pages only by the hints for a linearized file, which any byte appended makes void
+  // (ISO 32000-1, F.4.2).
+  bool NeedsLinearization(std::size_t i, const Reading& after) const {
+    if (mode_ == "rewrite" || current_.bytes.substr(0, 1024).find("/Linearized") == std::string::npos) return false;
+    const fs::path file = folder_ / "commented.pdf";
+    WriteFile(file, current_.bytes + "\n%\n");
+    const Reading commented = Read(kReaders[i], file).reading;
+    return !SamePages(commented, before_[i].reading) && SamePages(commented, after);
+  }
+
+  // The other reader that read before what this one reads now: the readers did not agree about the damaged file, and a
+  // result cannot show both.
+  const char* ReadLikeThisBefore(std::size_t i, const Reading& after) const {
+    if (SamePages(before_[i].reading, after)) return nullptr;
+    for (std::size_t other = 0; other < kReaders.size(); ++other) {
+      const Reading& theirs = before_[other].reading;
+      if (other != i && theirs.HasText() && SamePages(theirs, after)) {
+        return kReaders[other].name;
+      }
+    }
+    return nullptr;
+  }
+
+  void Lost(std::size_t i, const std::string& loss) {
+    ++counts_.readers[i]["LOSS, " + mode_ + ": " + loss.substr(0, loss.find(':'))];
+    Violated(std::string(kReaders[i].name) + ", " + mode_ + ": " + loss);
+  }
+  void Allowed(std::size_t i, const std::string& why, const std::string& what) {
+    ++counts_.readers[i]["allowed, " + why];
+    std::cout << "allowed: " << kReaders[i].name << ", " << mode_ << ": " << why << " (" << what << ")\n  "
+              << current_.history << "\n  file: " << Keep(options_.findings / "allowed").string() << std::endl;
+  }
+
+  struct Case {
+    std::string bytes;
+    std::string name;
+    std::string history;
+  };
+
+  const Options& options_;
+  fs::path folder_, in_, out_;
+  Case current_;
+  std::string mode_;
+  std::array<Attempt, kReaders.size()> before_;
+  Counts counts_;
+};
+
+[[noreturn]] void Usage() {
+  std::cerr << kUsage;
+  std::exit(2);
+}
+
+Options ReadOptions(int count, char** arguments) {
+  static const option kLong[] = {{"engine", 1, nullptr, 'e'},   {"seconds", 1, nullptr, 't'},
+                                 {"cases", 1, nullptr, 'n'},    {"check", 0, nullptr, 'c'},
+                                 {"seed", 1, nullptr, 's'},     {"first", 1, nullptr, 'f'},
+                                 {"findings", 1, nullptr, 'o'}, {nullptr, 0, nullptr, 0}};
+  Options options;
+  for (int c = 0; (c = getopt_long(count, arguments, "", kLong, nullptr)) != -1;) {
+    switch (c) {
+      case 'e':
+        options.engine = optarg;
+        break;
+      case 't':
+        options.seconds = std::stoull(optarg);
+        break;
+      case 'n':
+        options.cases = std::stoull(optarg);
+        break;
+      case 'c':
+        options.check = true;
+        break;
+      case 's':
+        options.seed = std::stoull(optarg);
+        break;
+      case 'f':
+        options.first = std::stoull(optarg);
+        break;
+      case 'o':
+        options.findings = optarg;
+        break;
+      default:
+        Usage();
+    }
+  }
+  for (int i = optind; i < count; ++i) options.files.emplace_back(arguments[i]);
+  if (options.engine.empty() || options.files.empty()) Usage();
+  return options;
+}
+
+std::vector<fs::path> FilesIn(const std::vector<fs::path>& names) {
+  std::vector<fs::path> files;
+  for (const fs::path& name : names) {
+    if (!fs::is_directory(name)) files.push_back(name);
+    if (!fs::is_directory(name)) continue;
+    for (const auto& entry : fs::recursive_directory_iterator(name)) {
+      if (entry.is_regular_file() && entry.path().extension() == ".pdf") files.push_back(entry.path());
+    }
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// Large files would take the time of many small ones, and their damage is of the same kinds.
+bool IsSeed(const fs::path& file) {
+  const std::uintmax_t size = fs::file_size(file);
+  return size > 0 && size <= kMaxSeedSize;
+}
+
+void Run(Fuzzer& fuzzer, const Options& options, std::vector<fs::path> files) {
+  if (options.check) {
+    for (const fs::path& file : files) fuzzer.Check(ReadFile(file), file.stem().string(), file.string());
+    return;
+  }
+  files.erase(std::remove_if(files.begin(), files.end(), [](const fs::path& file) { return !IsSeed(file); }),
+              files.end());
+  if (files.empty()) throw std::runtime_error("no files to start from");
+  fuzzer.WarmUp(ReadFile(files.front()));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(options.seconds.value_or(60));
+  for (std::uint64_t number = options.first;; ++number) {
+    if (options.cases ? number >= options.first + *options.cases : std::chrono::steady_clock::now() >= end) return;
+    const Mutation mutation = Mutate(files, options.seed, number);
+    const std::string name = std::to_string(options.seed) + "-" + std::to_string(number);
+    fuzzer.Check(mutation.bytes, name, mutation.history);
+  }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) try {
+  const Options options = ReadOptions(count, arguments);
+  Fuzzer fuzzer(options);
+  Run(fuzzer, options, FilesIn(options.files));
+  return fuzzer.Report() == 0 ? 0 : 1;
+} catch (const std::exception& error) {
+  std::cerr << "LossFuzz: " << error.what() << '\n';
+  return 2;
+}

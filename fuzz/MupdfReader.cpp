@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <mupdf/fitz.h>
+#include <mupdf/pdf.h>
+
+#include <algorithm>
+
+#include "fuzz/Readers.h"
+
+namespace {
+
+void Quiet(void*, const char*) {}
+
+// The library's errors are long jumps: no object with a destructor may be made inside fz_try.
+fz_buffer* TextOf(fz_context* context, fz_document* document, int number) {
+  fz_page* page = nullptr;
+  fz_stext_page* text = nullptr;
+  fz_output* output = nullptr;
+  fz_buffer* buffer = nullptr;
+  fz_var(page);
+  fz_var(text);
+  fz_var(output);
+  fz_var(buffer);
+  fz_try(context) {
+    buffer = fz_new_buffer(context, 1024);
+    page = fz_load_page(context, document, number);
+    text = fz_new_stext_page_from_page(context, page, nullptr);
+    output = fz_new_output_with_buffer(context, buffer);
+    fz_print_stext_page_as_text(context, output, text);
+    fz_close_output(context, output);
+  }
+  fz_always(context) {
+    fz_drop_output(context, output);
+    fz_drop_stext_page(context, text);
+    fz_drop_page(context, page);
+  }
+  fz_catch(context) {}
+  return buffer;
+}
+
+void AppendStream(fz_context* context, fz_buffer* all, pdf_obj* stream) {
+  fz_buffer* one = nullptr;
+  fz_var(one);
+  fz_try(context) {
+    one = pdf_load_stream(context, stream);
+    fz_append_buffer(context, all, one);
+    fz_append_byte(context, all, '\n');
+  }
+  fz_always(context) fz_drop_buffer(context, one);
+  fz_catch(context) {}
+}
+
+fz_buffer* ContentOf(fz_context* context, pdf_document* document, int number) {
+  fz_buffer* all = nullptr;
+  fz_var(all);
+  fz_try(context) {
+    all = fz_new_buffer(context, 1024);
+    pdf_obj* const contents = pdf_dict_get(context, pdf_lookup_page_obj(context, document, number), PDF_NAME(Contents));
+    if (pdf_is_array(context, contents)) {
+      for (int i = 0; i < pdf_array_len(context, contents); ++i) {
+        AppendStream(context, all, pdf_array_get(context, contents, i));
+      }
+    } else {
+      AppendStream(context, all, contents);
+    }
+  }
+  fz_catch(context) {}
+  return all;
+}
+
+std::string Taken(fz_context* context, fz_buffer* buffer) {
+  if (buffer == nullptr) return {};
+  unsigned char* bytes = nullptr;
+  const std::size_t size = fz_buffer_storage(context, buffer, &bytes);
+  std::string result(reinterpret_cast<const char*>(bytes), size);
+  fz_drop_buffer(context, buffer);
+  return result;
+}
+
+// Below 0 when the document cannot be opened.
+int CountPages(fz_context* context, const char* file, fz_document** document) {
+  int count = -1;
+  fz_var(count);
+  fz_try(context) {
+    *document = fz_open_document(context, file);
+    if (fz_needs_password(context, *document) == 0) count = fz_count_pages(context, *document);
+  }
+  fz_catch(context) {}
+  return count;
+}
+
+const char* BaseUrlOf(fz_context* context, pdf_document* document) {
+  const char* url = "";
+  fz_var(url);
+  fz_try(context) {
+    url = pdf_to_text_string(context, pdf_dict_getp(context, pdf_trailer(context, document), "Root/URI/Base"));
+  }
+  fz_catch(context) {}
+  return url;
+}
+
+}  // namespace
+
+Reading ReadWithMupdf(const std::string& file) {
+  Reading reading;
+  fz_context* const context = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+  if (context == nullptr) return reading;
+  fz_set_warning_callback(context, Quiet, nullptr);
+  fz_set_error_callback(context, Quiet, nullptr);
+  fz_register_document_handlers(context);
+  fz_document* document = nullptr;
+  const int count = CountPages(context, file.c_str(), &document);
+  reading.opened = count >= 0;
+  pdf_document* const pdf = reading.opened ? pdf_document_from_fz_document(context, document) : nullptr;
+  if (pdf != nullptr) {
+    reading.pageCount = static_cast<std::uint64_t>(count);
+    // Asked first: damage on a page may make the library read the whole file another way.
+    reading.baseUrl = BaseUrlOf(context, pdf);
+  }
+  for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
+    std::string text = Words(Taken(context, TextOf(context, document, page)));
+    reading.pages.push_back({std::move(text), HashOf(Words(Taken(context, ContentOf(context, pdf, page))))});
+  }
+  fz_drop_document(context, document);
+  fz_drop_context(context);
+  return reading;
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <poppler/Error.h>
+#include <poppler/GlobalParams.h>
+#include <poppler/Page.h>
+#include <poppler/PDFDoc.h>
+#include <poppler/TextOutputDev.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "fuzz/Readers.h"
+
+namespace {
+
+void Append(void* all, const char* text, int length) {
+  static_cast<std::string*>(all)->append(text, static_cast<std::size_t>(length));
+}
+
+void AppendStream(const Object& object, std::string& all) {
+  if (!object.isStream()) return;
+  Stream* const stream = object.getStream();
+  stream->reset();
+  for (int c = stream->getChar(); c != EOF; c = stream->getChar()) all.push_back(static_cast<char>(c));
+  stream->close();
+  all.push_back('\n');
+}
+
+std::string ContentOf(PDFDoc& document, int number) {
+  Page* const page = document.getPage(number);
+  if (page == nullptr) return {};
+  std::string all;
+  const Object contents = page->getContents();
+  if (!contents.isArray()) AppendStream(contents, all);
+  for (int i = 0; contents.isArray() && i < contents.arrayGetLength(); ++i) AppendStream(contents.arrayGet(i), all);
+  return all;
+}
+
+std::string TextOf(PDFDoc& document, int number) {
+  std::string text;
+  TextOutputDev device(Append, &text, false, 0, false);
+  document.displayPage(&device, number, 72, 72, 0, true, false, false);
+  return Words(text);
+}
+
+}  // namespace
+
+Reading ReadWithPoppler(const std::string& file) {
+  setErrorCallback([](ErrorCategory, Goffset, const char*) {});
+  if (!globalParams) globalParams = std::make_unique<GlobalParams>();
+  PDFDoc document(std::make_unique<GooString>(file));
+  Reading reading;
+  reading.opened = document.isOk();
+  if (!reading.opened) return reading;
+  reading.pageCount = static_cast<std::uint64_t>(std::max(0, document.getNumPages()));
+  for (int page = 1; page <= static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
+    std::string text = TextOf(document, page);
+    reading.pages.push_back({std::move(text), HashOf(Words(ContentOf(document, page)))});
+  }
+  return reading;
+}

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <qpdf/Pl_String.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <set>
+
+#include "fuzz/Readers.h"
+
+namespace {
+
+std::string ContentsOf(QPDFObjectHandle page) {
+  std::string contents;
+  Pl_String buffer("contents", nullptr, contents);
+  try {
+    page.pipePageContents(&buffer);
+  } catch (const std::exception&) {
+    // What was decoded up to here.
+  }
+  return contents;
+}
+
+// The number of objects that are not null and that the catalog leads to. The base URL does not count, nor do lengths of
+// streams, which a rewrite has in place.
+std::uint64_t CountReached(QPDFObjectHandle root) {
+  std::set<QPDFObjGen> seen;
+  std::uint64_t count = 0;
+  std::vector<QPDFObjectHandle> open;
+  const auto visit = [&](QPDFObjectHandle object) {
+    if (object.isIndirect()) {
+      if (!seen.insert(object.getObjGen()).second || object.isNull()) return;
+      ++count;
+    }
+    if (object.isArray() || object.isDictionary() || object.isStream()) open.push_back(object);
+  };
+  for (const auto& [key, value] : root.ditems()) {
+    if (key != "/URI") visit(value);
+  }
+  while (!open.empty()) {
+    QPDFObjectHandle object = open.back();
+    open.pop_back();
+    if (object.isArray()) {
+      for (QPDFObjectHandle item : object.aitems()) visit(item);
+      continue;
+    }
+    for (const auto& [key, value] : (object.isStream() ? object.getDict() : object).ditems()) {
+      // The library invents keys for values without one.
+      const bool invented = key.compare(0, 9, "/QPDFFake") == 0;
+      if (!invented && (key != "/Length" || !object.isStream())) visit(value);
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+Reading ReadWithQpdf(const std::string& file) {
+  Reading reading;
+  try {
+    QPDF pdf;
+    pdf.setSuppressWarnings(true);
+    pdf.processFile(file.c_str());
+    QPDFObjectHandle root = pdf.getRoot();
+    // Counted first: asking for the pages mends the page tree.
+    reading.objects = CountReached(root);
+    QPDFObjectHandle uri = root.getKey("/URI");
+    QPDFObjectHandle base = uri.isDictionary() ? uri.getKey("/Base") : QPDFObjectHandle::newNull();
+    if (base.isString()) reading.baseUrl = base.getStringValue();
+    const auto& pages = pdf.getAllPages();
+    reading.pageCount = pages.size();
+    for (std::size_t page = 0; page < std::min(pages.size(), kMaxPagesRead); ++page) {
+      std::string content = ContentsOf(pages[page]);
+      const std::uint64_t hash = HashOf(Words(content));
+      reading.pages.push_back({std::move(content), hash});
+    }
+    reading.opened = true;
+  } catch (const std::exception&) {
+    // Not opened.
+  }
+  return reading;
+}

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fuzz/Reading.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+template <typename Number>
+void Put(std::string& bytes, Number number) {
+  bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+void PutText(std::string& bytes, const std::string& text) {
+  Put(bytes, text.size());
+  bytes += text;
+}
+
+class Parts {
+ public:
+  explicit Parts(const std::string& bytes) : bytes_(bytes) {}
+  template <typename Number>
+  Number Next() {
+    Number number;
+    std::memcpy(&number, Take(sizeof number), sizeof number);
+    return number;
+  }
+  std::string NextText() {
+    const auto size = Next<std::size_t>();
+    return {Take(size), size};
+  }
+
+ private:
+  const char* Take(std::size_t size) {
+    if (size > bytes_.size() - position_) throw std::runtime_error("the reader stopped in between");
+    const char* const start = bytes_.data() + position_;
+    position_ += size;
+    return start;
+  }
+  const std::string& bytes_;
+  std::size_t position_ = 0;
+};
+
+std::vector<std::string> SortedWords(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  std::sort(words.begin(), words.end());
+  return words;
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : text.substr(0, 60)) quoted += c < 0x20 || c > 0x7E ? '.' : c;
+  return quoted + (text.size() > 60 ? "...\"" : "\"");
+}
+
+std::vector<std::string> WordsMissing(const std::string& before, const std::string& after) {
+  const auto had = SortedWords(before);
+  const auto has = SortedWords(after);
+  std::vector<std::string> missing;
+  std::set_difference(had.begin(), had.end(), has.begin(), has.end(), std::back_inserter(missing));
+  return missing;
+}
+
+std::string LostText(std::size_t page, const std::string& before, const std::string& after) {
+  std::string missing;
+  for (const std::string& word : WordsMissing(before, after)) missing += missing.empty() ? word : ' ' + word;
+  return "text lost: page " + std::to_string(page + 1) + " had " + Quoted(before) + " and has " + Quoted(after) +
+         ", which misses " + Quoted(missing);
+}
+
+}  // namespace
+
+std::string Reading::ToBytes() const {
+  std::string bytes;
+  Put(bytes, opened);
+  Put(bytes, objects);
+  Put(bytes, pageCount);
+  PutText(bytes, baseUrl);
+  Put(bytes, pages.size());
+  for (const PageReading& page : pages) {
+    PutText(bytes, page.text);
+    Put(bytes, page.content);
+  }
+  return bytes;
+}
+
+Reading Reading::FromBytes(const std::string& bytes) {
+  Parts parts(bytes);
+  Reading reading;
+  reading.opened = parts.Next<bool>();
+  reading.objects = parts.Next<std::uint64_t>();
+  reading.pageCount = parts.Next<std::uint64_t>();
+  reading.baseUrl = parts.NextText();
+  const auto count = parts.Next<std::size_t>();
+  for (std::size_t page = 0; page < count; ++page) {
+    std::string text = parts.NextText();
+    reading.pages.push_back({std::move(text), parts.Next<std::uint64_t>()});
+  }
+  return reading;
+}
+
+bool Reading::HasText() const {
+  return std::any_of(pages.begin(), pages.end(), [](const PageReading& page) { return !page.text.empty(); });
+}
+
+bool operator==(const Reading& a, const Reading& b) {
+  return a.ToBytes() == b.ToBytes();
+}
+
+bool SamePages(const Reading& a, const Reading& b) {
+  return a.pageCount == b.pageCount &&
+         std::equal(a.pages.begin(), a.pages.end(), b.pages.begin(), b.pages.end(),
+                    [](const PageReading& x, const PageReading& y) { return x.content == y.content; });
+}
+
+std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more) {
+  if (!before.HasPages()) return {};
+  if (!after.opened) return {"does not open any more"};
+  std::vector<std::string> losses;
+  if (after.pageCount < before.pageCount) {
+    losses.push_back("pages lost: " + std::to_string(before.pageCount) + " became " + std::to_string(after.pageCount));
+  }
+  const std::size_t count = before.pages.size();
+  // Pages may have come in between, but the order stays.
+  std::size_t next = 0;
+  for (std::size_t page = 0; page < count && losses.empty(); ++page) {
+    const std::string& text = before.pages[page].text;
+    if (text.empty()) continue;
+    const auto equal = [&](const PageReading& p) { return p.text == text; };
+    const auto holds = [&](const PageReading& p) { return WordsMissing(text, p.text).empty(); };
+    const auto start = after.pages.begin() + static_cast<std::ptrdiff_t>(next);
+    auto found = std::find_if(start, after.pages.end(), equal);
+    if (found == after.pages.end()) {
+      found = std::find_if(start, after.pages.end(), holds);
+      more = more || found != after.pages.end();
+    }
+    if (found == after.pages.end()) {
+      losses.push_back(LostText(page, text, page < after.pages.size() ? after.pages[page].text : std::string()));
+    } else {
+      next = static_cast<std::size_t>(found - after.pages.begin()) + (count > 1 ? 1 : 0);
+    }
+  }
+  if (losses.empty() && after.objects < before.objects) {
+    losses.push_back("objects lost: " + std::to_string(before.objects) + " became " + std::to_string(after.objects));
+  }
+  return losses;
+}
+
+std::uint64_t HashOf(const std::string& bytes) {
+  std::uint64_t hash = 0xCBF29CE484222325U;
+  for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+  return hash;
+}
+
+std::string Words(const std::string& text) {
+  std::istringstream stream(text);
+  std::string words;
+  for (std::string word; stream >> word;) words += words.empty() ? word : ' ' + word;
+  return words;
+}

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Of a file with more pages, only so many are read.
+constexpr std::size_t kMaxPagesRead = 60;
+
+/// A page as one reader reads it.
+struct PageReading {
+  std::string text;           ///< the words, one blank between two; of libqpdf, the decoded content stream instead
+  std::uint64_t content = 0;  ///< hash of the decoded content stream's tokens, which can be compared between readers
+};
+
+/// What one reader reads in a file.
+struct Reading {
+  bool opened = false;
+  std::string baseUrl;        ///< empty for none, and of readers that cannot be asked
+  std::uint64_t objects = 0;  ///< objects reached from the catalog; 0 of readers that are not asked
+  std::uint64_t pageCount = 0;
+  std::vector<PageReading> pages;  ///< the first kMaxPagesRead of them
+
+  bool HasPages() const { return opened && pageCount > 0; }
+  bool HasText() const;
+
+  /// For the way through a pipe. FromBytes() throws std::runtime_error when bytes are missing.
+  std::string ToBytes() const;
+  static Reading FromBytes(const std::string& bytes);
+};
+
+bool operator==(const Reading& a, const Reading& b);
+
+/// True when two readings show pages of the same contents in the same order.
+bool SamePages(const Reading& a, const Reading& b);
+
+/// What `before` holds and `after` does not, one line for each kind of loss; empty when nothing was lost. `more`
+/// becomes true when a page shows other words besides all those of before.
+std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
+
+/// FNV-1a.
+std::uint64_t HashOf(const std::string& bytes);
+
+/// The words of a text, one blank between two.
+std::string Words(const std::string& text);

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+// Damaged files, each named by its defect in quick/files/make-damaged.py: what other readers read before, they read
+// after a save.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <ostream>
+#include <sstream>
+#include <vector>
+
+#include "tests/engine/EngineFixture.h"
+
+namespace {
+
+constexpr wchar_t kUrl[] = L"https://example.org/";
+
+struct DamagedFile {
+  std::string name;
+  std::string mode;
+  std::string password;
+
+  std::string Path() const { return DAMAGED_FILES "/" + name + ".pdf"; }
+  static std::vector<DamagedFile> All() {
+    std::vector<DamagedFile> files;
+    std::ifstream table(DAMAGED_FILES "/damaged.tsv");
+    for (DamagedFile file; table >> file.name >> file.mode >> file.password;) {
+      if (file.password == "-") file.password.clear();
+      files.push_back(file);
+    }
+    return files;
+  }
+
+  friend std::ostream& operator<<(std::ostream& out, const DamagedFile& file) { return out << file.name; }
+};
+
+// What another reader makes of a file; empty when it reads no page.
+struct Readings {
+  std::string poppler;
+  std::string mutool;
+  std::string qpdf;
+
+  static Readings Of(const std::string& file, const std::string& password) {
+    const auto ask = [&](const std::string& tool, const std::string& option, const std::string& rest) {
+      const std::string with = password.empty() ? "" : option + password;
+      return RunTool("{ " + tool + " " + with + " '" + file + "' " + rest + " 2>/dev/null; }").output;
+    };
+    return {ask("pdftotext", "-upw ", "-"), ask("mutool draw -q -F txt", "-p ", "1"),
+            ask("qpdf --show-npages", "--password=", "")};
+  }
+};
+
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+class DamagedFileTest : public EngineFixture, public testing::WithParamInterface<DamagedFile> {};
+using RepairTest = EngineFixture;
+
+std::string Damaged(const std::string& name) {
+  return ReadFile(DAMAGED_FILES "/" + name + ".pdf");
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::ValuesIn(DamagedFile::All()), [](const auto& file) {
+  std::string name = file.param.name;
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return !std::isalnum(c); }, '_');
+  return name;
+});
+
+TEST_P(DamagedFileTest, LosesNothing) {
+  const DamagedFile& file = GetParam();
+  const Readings before = Readings::Of(file.Path(), file.password);
+  ASSERT_EQ(library_.LoadFromFile(Wide(file.Path()), Wide(file.password)), 1) << library_.LastErrorCode();
+  EXPECT_EQ(library_.PageCount(), 1);
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  EXPECT_EQ(Narrow(library_.GetInformation(1000)), file.mode);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+  EXPECT_EQ(Narrow(library_.GetInformation(1004)), file.mode);
+  EXPECT_EQ(StartsWith(ReadFile("out.pdf"), ReadFile(file.Path())), file.mode == "incremental");
+
+  const Readings after = Readings::Of("out.pdf", file.password);
+  EXPECT_TRUE(before.poppler.empty() || after.poppler == before.poppler);
+  EXPECT_TRUE(before.mutool.find("Hello") == std::string::npos || after.mutool == before.mutool);
+  EXPECT_TRUE(before.qpdf != "1\n" || after.qpdf == before.qpdf);
+  EXPECT_NE((after.poppler + after.mutool).find("Hello"), std::string::npos);
+
+  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", Wide(file.password)), 1);
+  EXPECT_EQ(library_.GetBaseURL(), kUrl);
+  EXPECT_EQ(library_.PageCount(), 1);
+}
+
+TEST_F(RepairTest, KeepsWhatIsInEncryptedObjectStreams) {
+  for (const char* const options : {"128 --use-aes=n", "128 --use-aes=y", "256"}) {
+    SCOPED_TRACE(options);
+    ASSERT_EQ(RunTool("qpdf --allow-weak-crypto --object-streams=generate --encrypt u o " + std::string(options) +
+                      " -- " DAMAGED_FILES "/startxref-wrong.pdf sound.pdf")
+                  .status,
+              3);
+    const std::string junk(2048, '\xFE');
+    ASSERT_TRUE(Load("damaged.pdf", ReadFile("sound.pdf") + junk, L"u")) << library_.LastErrorCode();
+    ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+    EXPECT_EQ(library_.GetInformation(1004), L"incremental");
+    EXPECT_TRUE(Sound("out.pdf", "--password=u"));
+    EXPECT_NE(Show("out.pdf", "trailer/Root/AcroForm/Fields/1", "-p u").find("/V(Value)"), std::string::npos);
+    EXPECT_NE(RunTool("pdftotext -upw u out.pdf -").output.find("Hello"), std::string::npos);
+  }
+}
+
+// Another name would be another font.
+TEST_F(RepairTest, NumberSignsInNamesSurviveARewrite) {
+  ASSERT_TRUE(Load("source.pdf", Damaged("catalog-in-trailer")));
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_EQ(library_.GetInformation(1004), L"rewrite");
+  EXPECT_NE(ReadFile("out.pdf").find("/C#2341"), std::string::npos);
+}
+
+TEST_F(RepairTest, NoKeysAreMadeUp) {
+  ASSERT_TRUE(Load("source.pdf", Damaged("catalog-key-missing")));
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_EQ(ReadFile("out.pdf").find("QPDFFake"), std::string::npos);
+}
+
+TEST_F(RepairTest, FindsSignaturesWhereverTheyAre) {
+  const std::string value = "<< /Type /Sig /Filter /A /ByteRange [ 0 1 2 3 ] /Contents <3031> >>";
+  const std::string field = "<< /FT /Sig /T (one) /V 5 0 R /Subtype /Widget /Rect [ 0 0 0 0 ] >>";
+  const struct {
+    const char* where;
+    PlainPdf file;
+    const wchar_t* count;
+  } rows[] = {
+      {"a field", {"/AcroForm << /Fields [ 4 0 R ] >>", "", "", {field, value}}, L"1"},
+      {"a widget that no form has", {"", "/Annots [ 4 0 R ]", "", {field, value}}, L"1"},
+      {"certification", {"/Perms << /DocMDP 5 0 R >>", "", "", {"null", value}}, L"1"},
+      {"usage rights", {"/Perms << /UR3 5 0 R >>", "", "", {"null", value}}, L"1"},
+      {"an object that nothing refers to", {"", "", "", {"null", value}}, L"1"},
+      {"a form that is lost", {"/AcroForm 99 0 R", "", "", {}}, L"1"},
+      {"nowhere", {"", "", "", {}}, L"0"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.where);
+    std::string bytes = row.file.Bytes();
+    bytes.insert(bytes.rfind("startxref\n") + 10, "9");
+    ASSERT_TRUE(Load("damaged.pdf", bytes));
+    EXPECT_EQ(library_.GetInformation(1002), row.count);
+  }
+}
+
+// Joined files are not guessed apart, and a stream that may be encrypted is not left out.
+TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
+  ASSERT_EQ(RunTool("qpdf --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf encrypted.pdf").status, 3);
+  const std::string streams = Damaged("startxref-wrong-object-streams");
+  std::string unreadable = streams;
+  unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
+  for (const std::string& bytes :
+       {Damaged("startxref-wrong") + ReadFile("encrypted.pdf") + std::string(2048, ' '), unreadable}) {
+    EXPECT_FALSE(Load("damaged.pdf", bytes));
+    EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
+  }
+}
+
+// Threads and hosts may have small stacks, machines little memory.
+TEST_F(RepairTest, NeedsLittleStackAndMemory) {
+  std::string numbers = "/Numbers [ ";
+  for (int i = 0; i < 7000000; ++i) numbers += "1 ";
+  PlainPdf large;
+  large.catalogEntries = numbers + "]";
+  std::string bytes = large.Bytes();
+  bytes.insert(bytes.rfind("startxref\n") + 10, "9");
+  WriteFile("large.pdf", bytes);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) _exit(library_.LoadFromFile(L"large.pdf", L"") == 0 ? library_.LastErrorCode() : 0);
+  int status = -1;
+  rusage usage = {};
+  ASSERT_EQ(wait4(child, &status, 0, &usage), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), kErrorOutOfMemory);
+#ifndef __SANITIZE_ADDRESS__
+  EXPECT_LT(usage.ru_maxrss, 2 * 1024 * 1024);
+#endif
+}

@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Makes damaged PDF files of one page that reads "Hello", named by their defects.
+
+usage: make-damaged.py FOLDER
+
+Beside the files stands "damaged.tsv": name, how a save is written ("incremental" or "rewrite"), user password ("-" for
+none).
+"""
+
+import hashlib
+import os
+import random
+import struct
+import sys
+
+from make import File, rc4
+
+JUNK = random.Random(1).randbytes(2048)
+TEXT = b"BT /F1 24 Tf 20 40 Td (Hello) Tj ET"
+FONT = b"<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"
+FIELD = b"<< /FT /Tx /T (name) /V (Value) /Subtype /Widget /Rect [ 0 0 9 9 ] /P 3 0 R >>"
+
+
+def objects(catalog=b"", font=b"F1", page=b""):
+    """Catalog 1, pages 2, page 3, font 5, a form field 6, a structure tree 7; the contents are object 4."""
+    return {
+        1: b"<< /Type /Catalog /Pages 2 0 R /AcroForm << /Fields [ 6 0 R ] >> /StructTreeRoot 7 0 R %s>>" % catalog,
+        2: b"<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>",
+        3: b"<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 200 100 ] /Contents 4 0 R /Annots [ 6 0 R ] "
+           b"/Resources << /Font << /%s 5 0 R >> >> %s>>" % (font, page),
+        5: FONT,
+        6: FIELD,
+        7: b"<< /Type /StructTreeRoot /K [ ] >>",
+    }
+
+
+def contents(text=TEXT, length=None, end=b"\nendstream"):
+    return {4: b"<< /Length %s >>\nstream\n" % (length or b"%d" % len(text)) + text + end}
+
+
+def plain(**keys):
+    return File().put(objects(**keys)).put(contents())
+
+
+def in_streams(encryption=None, **keys):
+    """Everything that may be is in an object stream."""
+    return File().put(contents()).put_in_stream(8, objects(**keys))
+
+
+def broken(file):
+    """Nobody finds the cross-references from the end."""
+    bytes_ = file if isinstance(file, bytes) else file.out
+    at = bytes_.rindex(b"startxref\n") + 10
+    return bytes_[:at] + b"9" + bytes_[at:]
+
+
+def embedded(length):
+    """A plain stream that holds another PDF, with objects of the same numbers, after the real ones."""
+    other = File().put({1: b"<< /Type /Catalog /Pages 2 0 R >>", 2: b"<< /Type /Pages /Kids [ ] /Count 0 >>",
+                        3: b"<< /Not /APage >>"}).put(contents(b"(Wrong)")).table().out
+    file = plain()
+    data = {9: b"<< /Type /EmbeddedFile /Length %s >>\nstream\n" % (b"%d" % len(other) if length else b"10 0 R")
+            + other + b"\nendstream"}
+    return broken(file.put(data).put({10: b"%d" % len(other)}).table())
+
+
+def shifted_entry():
+    """The tail is sound; one entry leads nowhere."""
+    file = plain()
+    number, (kind, offset, generation) = 3, file.entries[3]
+    file.entries[number] = (kind, offset + 4, generation)
+    return file.table().out
+
+
+class Encryption:
+    """RC4 with a key of 40 bits and an empty owner password (ISO 32000-1, 7.6.3, algorithms 2 and 5)."""
+
+    PADDING = bytes.fromhex("28BF4E5E4E758A4164004E56FFFA01082E2E00B6D0683E802F0CA9FE6453697A")
+
+    def __init__(self, entries, revision, password=b"secret"):
+        owner = b"O" * 32
+        key = hashlib.md5((password + self.PADDING)[:32] + owner + struct.pack("<i", -4) + b"\0\x11").digest()
+        for _ in range(50):
+            key = hashlib.md5(key[:5]).digest()
+        self.key = key[:5]
+        user = hashlib.md5(self.PADDING + b"\0\x11").digest()
+        for round_ in range(20):
+            user = rc4(bytes(byte ^ round_ for byte in self.key), user)
+        self.trailer = b" /Encrypt << /Filter /Standard /R %d /P -4 /O <%s> /U <%s> %s >>" % (
+            revision, owner.hex().encode(), (user + bytes(16)).hex().encode(), entries)
+
+    def data(self, number, data):
+        return rc4(hashlib.md5(self.key + number.to_bytes(3, "little") + b"\0\0").digest()[:10], data)
+
+    def file(self):
+        return (File().put(contents(self.data(4, TEXT))).put(
+            {**objects(), 6: FIELD.replace(b"(name)", b"<%s>" % self.data(6, b"name").hex().encode()).replace(
+                b"(Value)", b"<%s>" % self.data(6, b"Value").hex().encode())}).table(extra=self.trailer))
+
+
+def incremental():
+    yield "junk-after-table", plain().table().out + JUNK
+    yield "junk-after-object-streams", in_streams().xref_stream().out + JUNK
+    yield "startxref-wrong", broken(plain().table())
+    yield "startxref-wrong-object-streams", broken(in_streams().xref_stream())
+    yield "xref-stream-garbled", in_streams().xref_stream(data=b"no deflate data").out
+    yield "xref-stream-length-missing", in_streams().xref_stream().out.replace(b"/Length", b"/Lenght")
+    yield "entry-shifted", shifted_entry()
+    yield "truncated-in-table", plain().table().out[:-120]
+    yield "truncated-before-table", plain().table().out[:plain().table().out.index(b"xref\n")]
+    yield "truncated-in-last-object", plain().put({3: objects()[3]}).out[:-40]
+    yield "length-too-long", broken(File().put(objects()).put(contents(length=b"99")).table())
+    yield "length-too-short", broken(File().put(objects()).put(contents(length=b"9")).table())
+    yield "length-to-nothing", broken(File().put(objects()).put(contents(length=b"99 0 R")).table())
+    yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
+    yield "embedded-file", embedded(length=True)
+    yield "embedded-file-length-in-object", embedded(length=False)
+    yield "string-with-objects", broken(plain(catalog=b"/Note (\n2 0 obj << /Type /Pages >> endobj\n3 0 obj null) ").table())
+    old = b"<< /Type /Catalog /Pages 99 0 R >>"
+    yield "catalog-without-pages-is-newer", broken(plain().table().put({20: old}).table(root=b"20 0 R"))
+    yield "catalog-named-by-no-trailer", broken(plain().out + b"trailer << >>\nstartxref\n1\n")
+    yield "plain-object-after-its-object-stream", broken(
+        in_streams(page=b"/Contents 99 0 R ").put({3: objects()[3]}).xref_stream())
+    yield "object-stream-after-its-plain-object", broken(
+        File().put({3: objects(page=b"/Contents 99 0 R ")[3]}).put(contents()).put_in_stream(8, objects()).xref_stream())
+    yield "header-after-5-bytes", broken(File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())
+    yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
+    yield "number-signs-in-names", broken(plain(font=b"C#2341").table())
+    yield "size-too-small", plain().table(size=4).out
+    yield "catalog-key-missing", broken(plain(catalog=b"(no key) /Lang (en) ").table())
+
+
+def main(folder):
+    os.makedirs(folder, exist_ok=True)
+    files = [(name, "incremental", "-", data) for name, data in incremental()]
+    root = objects()[1]
+    files.append(("catalog-in-trailer", "rewrite", "-", plain(font=b"C#2341").table(
+        trailer=b"/Size 8 /Root " + root).out))
+    for name, entries, revision in (
+            ("key-of-standard-length", b"/V 2", 3),
+            ("crypt-filter-of-40-bits", b"/V 4 /Length 40 /StmF /A /StrF /A /CF << /A << /CFM /V2 /Length 5 >> >>", 4)):
+        sound = Encryption(entries, revision).file()
+        files.append((name, "incremental", "secret", sound.out))
+        files.append((name + "-startxref-wrong", "incremental", "secret", broken(sound)))
+    with open(os.path.join(folder, "damaged.tsv"), "w") as table:
+        for name, mode, password, data in files:
+            with open(os.path.join(folder, name + ".pdf"), "wb") as out:
+                out.write(data)
+            table.write(f"{name}\t{mode}\t{password}\n")
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// @file
+
+#include <QDir>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <vector>
+
+/// An action-list file (".xqq"): an INI file with a name, a category and actions numbered from 0.
+struct ActionListFile {
+  /// One action of a list.
+  struct Entry {
+    QString actionName;
+    QMap<QString, QVariant> settings;
+    bool isDamaged = false;  ///< the stored settings cannot be read, and `settings` is empty
+  };
+
+  QString name;
+  QString category;
+  std::vector<Entry> entries;       ///< up to the first number without an action name
+  bool hasEntriesAfterGap = false;  ///< actions with higher numbers than the first missing one were left out
+  bool hasUnreadableLines =
+      false;  ///< some lines are no settings and were left out; not known of a file with a byte-order mark
+
+  /// "<sequence folder>/<name with each space as "_">.xqq".
+  static QString PathOf(const QString& name);
+  /// The action-list files in the sequence folder; pipes and folders are left out.
+  static QStringList All(QDir::SortFlags order = QDir::Name);
+
+  /// A file that is missing or cannot be read is an empty list.
+  static ActionListFile Read(const QString& path);
+  /// Writes a new list with one action in place of whatever is there. False when it cannot be written; an existing list
+  /// is then as it was.
+  static bool Create(const QString& path, const QString& name, const QString& category, const Entry& entry);
+  /// Adds an action under the lowest number that is free. False when it cannot be written.
+  static bool Append(const QString& path, const Entry& entry);
+  /// Replaces the settings of one action. False when it cannot be written.
+  static bool SetSettings(const QString& path, int number, const QMap<QString, QVariant>& settings);
+};
