@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <ctime>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -192,7 +193,13 @@ TEST(Leftovers, OldOnesThatNobodyHoldsAreRemoved) {
   const QString names[] = {"in/.vorlane-0123456789abcdef.tmp", "in/below/.vorlane-0123456789abcdef.tmp",
                            "in/.vorlane-1111111111111111.tmp", "in/.vorlane-111111111111111.tmp",
                            "in/.vorlane-111111111111111X.tmp", "in/vorlane-1111111111111111.tmp"};
-  for (const QString& name : names) WriteFile(name, "x");
+  for (const QString& name : names) {
+    WriteFile(name, "x");
+    // An old document whose save is under way would look like this.
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                file.setFileTime(QDateTime::fromSecsSinceEpoch(1000), QFileDevice::FileModificationTime));
+  }
   ASSERT_EQ(symlink("../a.pdf", "in/.vorlane-2222222222222222.tmp"), 0);
   WriteFile("a.pdf", MakePdf());
   QFile held("in/.vorlane-1111111111111111.tmp");
@@ -203,7 +210,7 @@ TEST(Leftovers, OldOnesThatNobodyHoldsAreRemoved) {
     removed += (path + problem + '\n').c_str();
   };
   LeftoverFiles::Remove("in", true, std::time(nullptr) - 1000, each);
-  EXPECT_EQ(removed, "") << "they are young";
+  EXPECT_EQ(removed, "") << "their names are new";
   LeftoverFiles::Remove("in", false, std::time(nullptr) + 1000, each);
   EXPECT_EQ(removed, "in/.vorlane-0123456789abcdef.tmp\n");
   EXPECT_EQ(RunProgram({"clean", "--recursive", "in"}).out, "");
