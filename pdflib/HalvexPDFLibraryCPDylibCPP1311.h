@@ -20,7 +20,7 @@
 /// library is not called. Results are copies that belong to the caller.
 /// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
 /// the call.
-/// Threads: one wrapper, and the instance behind it, is used by one thread at a time. Threads with a wrapper each may work
+/// Threads: one wrapper, and its instance, is used by one thread at a time. Threads with a wrapper each may work
 /// side by side with the free engine; whether they may with another library is that library's to say.
 ///
 /// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
@@ -138,7 +138,7 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// @{
 
   /// Calls the library function of this name with "HPL" before it. What it does, and its arguments' meaning, units and
-  /// ranges, are told by the closed library's documentation. The free engine answers the default of the result's type
+  /// ranges, are in the closed library's documentation. The free engine returns the default of the result's type
   /// (0, 0.0, an empty string) and sets the last error to kErrorNotSupported.
   int AddArcToPath(double a1, double a2, double a3);
   int AddBoxToPath(double a1, double a2, double a3, double a4);

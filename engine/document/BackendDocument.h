@@ -49,7 +49,7 @@ class BackendDocument {
   // Whether the document had to be repaired, at loading or when a part of it was read later.
   virtual bool Repaired() = 0;
 
-  // What stands between "obj" and "endobj", strings in the clear, otherwise byte for byte as in the file where that is
+  // The text between "obj" and "endobj", strings in the clear, otherwise byte for byte as in the file where that is
   // plain PDF syntax. "null" when there is no such object; no value for a stream.
   virtual std::optional<std::string> ObjectText(ObjectId id) = 0;
   // The value of a trailer entry, its key with the slash; empty when there is none.
@@ -57,7 +57,7 @@ class BackendDocument {
   // One above the highest object number.
   virtual std::uint32_t FirstFreeNumber() = 0;
 
-  // What an appended update continues; no value when the document can only be rewritten.
+  // What an appended update continues. No value when the document can only be rewritten.
   virtual std::optional<FileTail> Tail() = 0;
   // An object's text as an update holds it: with strings encrypted where the file has them encrypted. Throws
   // EngineError kErrorUnsupportedSecurity when they cannot be encrypted.

@@ -57,7 +57,7 @@ class Document {
 
  private:
   Document() = default;
-  // The loaded file; after a save onto it, what stands there now.
+  // The loaded file; after a save onto it, the new one.
   LoadedFile& File();
 
   std::string fileName_;

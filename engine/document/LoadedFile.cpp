@@ -100,7 +100,7 @@ bool LoadedFile::WriteAs(SaveMode mode, const Edits& edits, OutputFile& output) 
       if (Append(edits, output)) break;
       appendFailed_ = true;
       signatures_.reset();  // to be looked for everywhere
-      // The answer to how the save would be written no longer holds; with signatures at stake, let the caller ask anew.
+      // The plan that the caller was given no longer holds. With signatures at stake, the caller must ask again.
       if (Signatures().count > 0) throw EngineError(kErrorCannotAppend, "the signed document can only be rewritten");
       return false;
     case SaveMode::kRewrite:
@@ -110,7 +110,7 @@ bool LoadedFile::WriteAs(SaveMode mode, const Edits& edits, OutputFile& output) 
   return true;
 }
 
-// A repair may have found another catalog than the quick reader, whose catalog is the one that callers were shown.
+// A repair may have found another catalog than the quick reader. Callers were shown the quick reader's.
 Edits LoadedFile::ForFull(const Edits& edits) {
   Edits all = edits;
   if (!quick_ || isNew_ || !Full().Repaired()) return all;

@@ -15,7 +15,7 @@ namespace engine {
 class InputFile;
 class OutputFile;
 
-// A file as it was loaded: what the quick reader knows of it and, once that does not suffice, the full parser. It never
+// A file as it was loaded: the quick reader's view and, once that does not suffice, the full parser's. It never
 // changes; the edits of its document are given with each save. All members throw EngineError.
 class LoadedFile {
  public:
@@ -46,8 +46,8 @@ class LoadedFile {
 
   // How the file would be saved with these edits.
   SavePlan PlanFor(const Edits& edits);
-  // Writes the file with these edits in the way of PlanFor() and returns how it was written. An appended update that
-  // does not read back is taken back: the file is rewritten into another output from `make`, or, with signatures at
+  // Writes the file with these edits in the mode of PlanFor() and returns how it was written. An appended update that
+  // does not read back is dropped: the file is rewritten into another output from `make`, or, with signatures at
   // stake, refused (kErrorCannotAppend), and rewritten from then on.
   template <typename MakeOutput>
   SaveMode Write(const Edits& edits, std::unique_ptr<OutputFile>& output, MakeOutput make) {

@@ -42,8 +42,8 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     while (begin < text.size() && PdfLexer::IsSpace(text[begin])) ++begin;
     PdfLexer lexer(text, begin);
     if (lexer.Accept("trailer")) {
-      offset += lexer.Position();
-      break;
+      trailer_ = file.ReadTrailer(offset + begin);
+      return;
     }
     const std::uint64_t first = lexer.ReadUnsigned();
     lexer.SkipSpace();
@@ -52,19 +52,13 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     offset += lexer.Position();
     AddSubsection(first, count, offset);
     if (count > 0) {
-      // What is no table of entries in the one standard length shows at one of its ends.
+      // A table whose entries do not have the standard length shows at one of its ends.
       ReadTableEntry(offset);
       offset += (count - 1) * kTableEntrySize;
       ReadTableEntry(offset);
       offset += kTableEntrySize;
     }
   }
-  trailer_ = file.ParseAt(offset, [](std::string_view text) {
-    PdfLexer lexer(text);
-    lexer.SkipSpace();
-    const RawDictionary dictionary(text.substr(lexer.Position()));
-    return std::string(text.substr(lexer.Position(), dictionary.End()));
-  });
 }
 
 void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
