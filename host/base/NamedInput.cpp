@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -51,4 +52,14 @@ std::string NamedInput::ReadAll(const std::string& name, const char* what) {
 std::string NamedInput::ReadLine(const std::string& name, const char* what) {
   const std::string content = Read(name, what, true);
   return content.substr(0, content.find('\n'));
+}
+
+void NamedInput::ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each) {
+  const std::string content = ReadAll(name, what);
+  const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
+  for (std::size_t begin = 0; begin < content.size();) {
+    const std::size_t end = std::min(content.find(separator, begin), content.size());
+    if (end > begin) each(content.substr(begin, end - begin));
+    begin = end + 1;
+  }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <string>
 
 // Reading small inputs that the user names: a file, a pipe, or "-" for the standard input. A stop signal ends the wait
@@ -12,5 +13,8 @@ namespace NamedInput {
 std::string ReadAll(const std::string& name, const char* what);
 // The same, up to the first line break and without it.
 std::string ReadLine(const std::string& name, const char* what);
+
+// Calls `each` for the names of a list: separated by NUL if one occurs, else by newlines; empty names are left out.
+void ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each);
 
 }  // namespace NamedInput

@@ -6,16 +6,22 @@
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/command/ActionsCommand.h"
+#include "host/command/CleanCommand.h"
 #include "host/command/EditCommand.h"
 #include "host/command/ListsCommand.h"
+#include "host/command/ReportCommand.h"
 #include "host/command/RunCommand.h"
 #include "host/command/ShowCommand.h"
+#include "host/command/SplitCommand.h"
 #include "utils/CUtils.h"
 
 Program::Program() {
   commands_.push_back(std::make_unique<ActionsCommand>());
   commands_.push_back(std::make_unique<ShowCommand>());
   commands_.push_back(std::make_unique<RunCommand>());
+  commands_.push_back(std::make_unique<ReportCommand>());
+  commands_.push_back(std::make_unique<SplitCommand>());
+  commands_.push_back(std::make_unique<CleanCommand>());
   commands_.push_back(std::make_unique<ListsCommand>());
   commands_.push_back(std::make_unique<EditCommand>());
   parser_.setApplicationDescription(QStringLiteral("Runs action plug-ins over PDF files."));

@@ -108,6 +108,8 @@ RunCommand::RunCommand()
   AddOption(QStringLiteral("allow-breaking-signatures"),
             QStringLiteral("Also saves signed documents that can only be rewritten."));
   AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
+  AddOption(QStringLiteral("exit-zero"),
+            QStringLiteral("Ends with 0 also when documents failed; the report names them."));
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));
   AddToolsOption();
   AddLibraryOption();
@@ -129,6 +131,7 @@ void RunCommand::Check() {
     }
   }
   if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
   Settings();
   jobs_ = Number("jobs", Cores(), 0, kMostJobs);
   timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
@@ -214,20 +217,25 @@ int RunCommand::Execute() {
 
 int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
-  // Read before the new report may take the earlier one's place, and once more to carry its records over.
   const std::string reportName = BytesOf("report").toStdString();
-  std::string earlier = BytesOf("resume").toStdString();
+  const std::string earlier = BytesOf("resume").toStdString();
+  const std::optional<FileIdentity> written = IdentityOf(reportName);
+  const bool sameFile = earlier == reportName || (written && written == IdentityOf(earlier));
+  const bool append = !earlier.empty() && sameFile && ReportFile::IsLines(reportName);
   // A job that resumes its own report has none yet in its first run.
-  if (earlier == reportName && !IdentityOf(reportName)) earlier.clear();
-  const ResumedReport resumed = earlier.empty() ? ResumedReport() : ResumedReport(earlier, [](const QByteArray&) {});
-  const bool append =
-      !earlier.empty() && ReportFile::IsLines(reportName) && IdentityOf(reportName) == IdentityOf(earlier);
+  const ResumedReport resumed = earlier.empty() || (sameFile && !written) ? ResumedReport() : ResumedReport(earlier);
+  if (resumed.TornLines() > 0 && !IsSet("quiet")) {
+    Console::Error(
+        QStringLiteral("Lines of the report '%1' that were cut off by a crash: %2. Their files are processed again.")
+            .arg(Value("resume"))
+            .arg(resumed.TornLines()));
+  }
   if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
   const RunPlan plan(inputs, outputFolder, resumed, protectedFiles);
-  if (!earlier.empty() && !append) {
-    ResumedReport(earlier, [&](const QByteArray& json) {
+  if (!append) {
+    resumed.CarryOver([&](const QByteArray& json) {
       report.Add({json.constData(), static_cast<std::size_t>(json.size())});
     });
   }
@@ -244,7 +252,12 @@ int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
+  if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
+    Console::Error(QStringLiteral("Temporary files (.vorlane-*.tmp) of killed or running runs in the folders: %1. "
+                                  "'vorlane-run clean' removes those that are older than a day.")
+                       .arg(inputs.Leftovers()));
+  }
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;
-  return reported && reporter.Failed() == 0 ? kExitDone : kExitSomeFailed;
+  return reported && (reporter.Failed() == 0 || IsSet("exit-zero")) ? kExitDone : kExitSomeFailed;
 }

@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -25,11 +26,15 @@ struct std::hash<FileIdentity> {
 // What the system says of a name.
 struct FileStatus {
   explicit FileStatus(const struct stat& status)
-      : identity{status.st_dev, status.st_ino}, mode(status.st_mode), links(status.st_nlink) {}
+      : identity{status.st_dev, status.st_ino},
+        mode(status.st_mode),
+        links(status.st_nlink),
+        size(static_cast<std::uint64_t>(status.st_size)) {}
 
   FileIdentity identity;
   mode_t mode;
   nlink_t links;
+  std::uint64_t size;
 };
 
 // stat() for many names. Neighbours mostly lie in one folder, whose own path is looked up once.

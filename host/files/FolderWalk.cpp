@@ -19,10 +19,6 @@ namespace {
 // them.
 constexpr std::size_t kMostOpen = 64;
 
-bool EndsInPdf(std::string_view name) {
-  return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0;
-}
-
 struct Name {
   std::string text;
   unsigned char type;  // as readdir() has it: often known, without the right to look it up
@@ -59,8 +55,7 @@ int ReadNames(int folder, std::vector<Name>& names) {
 
 class Walk {
  public:
-  Walk(const FileIdentity* leaveOut, const std::function<void(const FolderEntry&)>& each)
-      : leaveOut_(leaveOut), each_(each) {}
+  Walk(const WalkRules& rules, const std::function<void(const FolderEntry&)>& each) : rules_(rules), each_(each) {}
 
   void Run(const std::string& folder) {
     path_ = folder;
@@ -111,23 +106,27 @@ class Walk {
     level.folder.Close();
   }
 
+  bool MayEnter(const struct stat& status) const {
+    const bool leftOut = rules_.leaveOut != nullptr && *rules_.leaveOut == FileIdentity{status.st_dev, status.st_ino};
+    return rules_.recursive && !leftOut;
+  }
+
   void Visit(int folder, const Name& name) {
     path_ += name.text;
     struct stat status = {};
     if (fstatat(folder, name.text.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-      const bool mayHoldPdfs = name.type == DT_DIR || name.type == DT_UNKNOWN || EndsInPdf(name.text);
-      if (errno != ENOENT && mayHoldPdfs) Fail(errno);
+      const bool isFolder = name.type == DT_DIR || name.type == DT_UNKNOWN;
+      if (errno != ENOENT && ((rules_.recursive && isFolder) || rules_.wanted(name.text))) Fail(errno);
     } else if (S_ISDIR(status.st_mode)) {
-      const bool leftOut = leaveOut_ != nullptr && *leaveOut_ == FileIdentity{status.st_dev, status.st_ino};
-      if (!leftOut) Enter(folder, name.text.c_str(), O_NOFOLLOW);
-    } else if (EndsInPdf(name.text)) {
+      if (MayEnter(status)) Enter(folder, name.text.c_str(), O_NOFOLLOW);
+    } else if (rules_.wanted(name.text)) {
       const bool leads = !S_ISLNK(status.st_mode) || fstatat(folder, name.text.c_str(), &status, 0) == 0;
       if (!leads) return each_({path_, std::nullopt, 0});
       if (S_ISREG(status.st_mode)) each_({path_, FileStatus(status), 0});
     }
   }
 
-  const FileIdentity* leaveOut_;
+  const WalkRules& rules_;
   const std::function<void(const FolderEntry&)>& each_;
   std::string path_;
   std::vector<Level> levels_;
@@ -135,7 +134,11 @@ class Walk {
 
 }  // namespace
 
-void WalkFolder(const std::string& folder, const FileIdentity* leaveOut,
+bool IsPdfName(std::string_view name) {
+  return name.size() > 4 && strncasecmp(name.end() - 4, ".pdf", 4) == 0;
+}
+
+void WalkFolder(const std::string& folder, const WalkRules& rules,
                 const std::function<void(const FolderEntry&)>& each) {
-  Walk(leaveOut, each).Run(folder);
+  Walk(rules, each).Run(folder);
 }

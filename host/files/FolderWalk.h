@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/files/FileLookup.h"
 
@@ -14,9 +15,17 @@ struct FolderEntry {
   int error;                         // why the name, or what the folder holds, cannot be looked up; 0 for a file
 };
 
-// Calls `each` for the files "*.pdf" below a folder, the suffix in any case, folder by folder in the byte order of
-// their names, and for everything that cannot be looked up. Links to folders are not followed; `leaveOut`, if not null,
-// is a folder that is not entered. The walk goes by descriptors, so that neither its depth nor the length of a path
-// matters. A stop signal ends it as Interruption::Check does.
-void WalkFolder(const std::string& folder, const FileIdentity* leaveOut,
-                const std::function<void(const FolderEntry&)>& each);
+// What a walk goes over and reports.
+struct WalkRules {
+  bool (*wanted)(std::string_view name);   // which files are reported
+  const FileIdentity* leaveOut = nullptr;  // a folder that is not entered, if not null
+  bool recursive = true;                   // enters the folders below
+};
+
+// Whether the name ends in ".pdf", in any case.
+bool IsPdfName(std::string_view name);
+
+// Calls `each` for the wanted files below a folder, folder by folder in the byte order of their names, and for
+// everything that cannot be looked up. Links to folders are not followed. The walk goes by descriptors, so that neither
+// its depth nor the length of a path matters. A stop signal ends it as Interruption::Check does.
+void WalkFolder(const std::string& folder, const WalkRules& rules, const std::function<void(const FolderEntry&)>& each);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/files/InputList.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <system_error>
@@ -9,6 +8,7 @@
 #include "host/base/Interruption.h"
 #include "host/base/NamedInput.h"
 #include "host/files/FolderWalk.h"
+#include "host/files/LeftoverFiles.h"
 
 namespace {
 
@@ -51,18 +51,17 @@ void InputList::Add(const std::string& name) {
 }
 
 void InputList::AddFrom(const std::string& listFile) {
-  const std::string content = NamedInput::ReadAll(listFile, "list of files");
-  const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
-  for (std::size_t begin = 0; begin < content.size();) {
-    const std::size_t end = std::min(content.find(separator, begin), content.size());
-    if (end > begin) Add(content.substr(begin, end - begin));
-    begin = end + 1;
-  }
+  NamedInput::ReadNames(listFile, "list of files", [&](const std::string& name) { Add(name); });
 }
 
 // `folder` ends in a slash.
 void InputList::AddFolder(const std::string& folder) {
-  WalkFolder(folder, leaveOut_, [&](const FolderEntry& entry) {
+  const auto wanted = [](std::string_view name) { return IsPdfName(name) || LeftoverFiles::IsName(name); };
+  WalkFolder(folder, {wanted, leaveOut_}, [&](const FolderEntry& entry) {
+    if (LeftoverFiles::IsName(std::string_view(entry.path).substr(entry.path.rfind('/') + 1))) {
+      ++leftovers_;
+      return;
+    }
     const char* const what = entry.path.back() == '/' ? "cannot read the folder: " : "cannot be looked up: ";
     AddFile(entry.path, folder.size(), entry.status, entry.error != 0 ? what + ErrorText(entry.error) : "");
   });

@@ -33,6 +33,8 @@ class InputList {
   std::string Problem(std::size_t index) const;
   // The earlier entry that names the very same file, or -1. Hard links with different names are different files.
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
+  // How many files of LeftoverFiles the walked folders hold.
+  std::size_t Leftovers() const { return leftovers_; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }
 
  private:
@@ -50,6 +52,7 @@ class InputList {
 
   bool recursive_;
   const FileIdentity* leaveOut_;
+  std::size_t leftovers_ = 0;
   FileLookup lookup_;
   std::string names_;
   std::vector<Entry> entries_;

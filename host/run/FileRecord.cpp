@@ -4,48 +4,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "host/base/NativeName.h"
+#include "host/base/JsonText.h"
 #include "host/run/RecordFraming.h"
 
 namespace {
-
-void AppendUnit(std::string& json, char32_t unit) {
-  if (unit == '"' || unit == '\\') {
-    json += '\\';
-    json += static_cast<char>(unit);
-  } else if (unit < 0x20 || unit == 0x7F || (unit >= 0xD800 && unit < 0xE000)) {
-    char escape[8];
-    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
-    json += escape;
-  } else if (unit < 0x7F) {
-    json += static_cast<char>(unit);
-  } else {
-    const char32_t valid = unit > 0x10FFFF ? 0xFFFD : unit;
-    json += QString::fromUcs4(&valid, 1).toUtf8().toStdString();
-  }
-}
-
-void AppendText(std::string& json, const std::wstring& text) {
-  json += '"';
-  for (const wchar_t unit : text) AppendUnit(json, static_cast<char32_t>(unit));
-  json += '"';
-}
-
-bool IsPlain(std::string_view bytes) {
-  for (const char c : bytes) {
-    const auto code = static_cast<unsigned char>(c);
-    if (code < 0x20 || code >= 0x7F || c == '"' || c == '\\') return false;
-  }
-  return true;
-}
-
-// Most names are plain ASCII and need no decoding.
-void AppendBytes(std::string& json, std::string_view bytes) {
-  if (!IsPlain(bytes)) return AppendText(json, NativeName::ToWide(bytes));
-  json += '"';
-  json += bytes;
-  json += '"';
-}
 
 const char* Name(FileRecord::Status status) {
   switch (status) {
@@ -101,27 +63,27 @@ std::string FileRecord::ToJson() const {
   std::string json;
   json.reserve(file.size() + output.size() + baseUrlBefore.size() + baseUrlAfter.size() + 200);
   json += "{\"file\":";
-  AppendBytes(json, file);
+  JsonText::AppendBytes(json, file);
   json += ",\"output\":";
-  AppendBytes(json, output);
+  JsonText::AppendBytes(json, output);
   json += ",\"status\":\"";
   json += Name(status);
   json += "\",\"reason\":";
-  AppendBytes(json, reason);
+  JsonText::AppendBytes(json, reason);
   json += ",\"baseUrlBefore\":";
-  AppendText(json, baseUrlBefore);
+  JsonText::Append(json, baseUrlBefore);
   json += ",\"baseUrlAfter\":";
-  AppendText(json, baseUrlAfter);
+  JsonText::Append(json, baseUrlAfter);
   char milliseconds[32];
   std::snprintf(milliseconds, sizeof milliseconds, "%lld.%03lld", microseconds / 1000, microseconds % 1000);
   json += ",\"milliseconds\":";
   json += milliseconds;
   json += ",\"way\":";
-  AppendBytes(json, saveMode);
+  JsonText::AppendBytes(json, saveMode);
   json += ",\"warnings\":[";
   for (std::size_t i = 0; i < warnings.size(); ++i) {
     if (i > 0) json += ',';
-    AppendBytes(json, warnings[i]);
+    JsonText::AppendBytes(json, warnings[i]);
   }
   json += "]}";
   return json;

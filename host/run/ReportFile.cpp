@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,14 +33,16 @@ std::optional<mode_t> ModeOf(const std::string& name) {
   return status.st_mode;
 }
 
-// Drops what follows the last line break.
-bool TrimTornLine(int descriptor) {
-  off_t end = lseek(descriptor, 0, SEEK_END);
-  for (char last = 0; end > 0; --end) {
-    if (pread(descriptor, &last, 1, end - 1) != 1) return false;
-    if (last == '\n') break;
-  }
-  return end >= 0 && ftruncate(descriptor, end) == 0;
+// A crash may have cut off the last line. It stays, since another run may be appending to the file just now.
+bool EndsInTornLine(int descriptor) {
+  const off_t end = lseek(descriptor, 0, SEEK_END);
+  char last = '\n';
+  return end > 0 && pread(descriptor, &last, 1, end - 1) == 1 && last != '\n';
+}
+
+// False when another run holds the lock. File systems without locks grant all of them.
+bool Lock(int descriptor, int kind) {
+  return flock(descriptor, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
 // A named pipe is opened without blocking: that fails until it has a reader, and a stop signal ends the wait.
@@ -85,17 +88,19 @@ void ReportFile::OpenLines(bool append) {
   } else if (S_ISFIFO(mode)) {
     lines_ = Descriptor(OpenPipe(name_));
   } else {
-    lines_ = Descriptor(open(name_.c_str(), (append ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+    lines_ =
+        Descriptor(open(name_.c_str(), (S_ISREG(mode) ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   }
   struct stat status = {};
   if (!lines_ || fstat(lines_.Get(), &status) != 0) return Fail();
   regular_ = S_ISREG(status.st_mode);
   if (!regular_ || name_ == "-") return;
-  if (append) {
-    if (!TrimTornLine(lines_.Get())) Fail();
-  } else {
-    // A run that cannot even begin leaves the earlier run's report.
-    stale_ = status.st_size > 0;
+  // A run that cannot even begin leaves the earlier run's report.
+  stale_ = !append && status.st_size > 0;
+  if (!Lock(lines_.Get(), stale_ ? LOCK_EX : LOCK_SH)) {
+    error_ = QStringLiteral("another run is writing it");
+  } else if (append && EndsInTornLine(lines_.Get())) {
+    pending_ = "\n";
   }
 }
 
@@ -121,22 +126,30 @@ void ReportFile::Fail() {
   if (error_.isNull()) error_ = QString::fromLocal8Bit(std::strerror(errno));
 }
 
-void ReportFile::Write() {
-  if (stale_ && ftruncate(lines_.Get(), 0) != 0) Fail();
+void ReportFile::Empty() {
+  if (ftruncate(lines_.Get(), 0) != 0) Fail();
+  // From now on other runs may append.
+  Lock(lines_.Get(), LOCK_SH);
   stale_ = false;
+}
+
+void ReportFile::Write() {
+  if (stale_) Empty();
   const auto size = static_cast<qint64>(pending_.size());
   if (error_.isNull() && form_ == Form::kLines && !WriteLines(pending_)) Fail();
   if (error_.isNull() && array_ && array_->write(pending_.data(), size) != size) error_ = array_->errorString();
   pending_.clear();
 }
 
+// Each line by one write(), so that runs that append to one file do not tear each other's lines.
 bool ReportFile::WriteLines(std::string_view text) {
   while (!text.empty()) {
     if (!regular_ && !Interruption::WaitFor(lines_.Get(), POLLOUT, kGrace)) {
       errno = ETIMEDOUT;
       return false;
     }
-    const ssize_t count = write(lines_.Get(), text.data(), regular_ ? text.size() : std::min(text.size(), kPipeBlock));
+    const std::size_t line = text.find('\n') + 1;
+    const ssize_t count = write(lines_.Get(), text.data(), regular_ ? line : std::min(line, kPipeBlock));
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     if (count < 0) return false;
     text.remove_prefix(static_cast<std::size_t>(count));

@@ -16,9 +16,10 @@
 class ReportFile {
  public:
   // "-" means lines on the standard output. A name that ends in ".jsonl", or that is not a regular file, means lines;
-  // any other name means an array, and an empty one no report. `append` goes on with a report of lines, without its
-  // last line if that was cut off. Throws CommandError(kExitUsage) when the report cannot be written, and as
-  // Interruption::Check does, also while a named pipe has no reader.
+  // any other name means an array, and an empty one no report. `append` goes on with a report of lines, and several
+  // runs may do so at once: each line is appended whole, as far as the file system can (NFS cannot). Throws
+  // CommandError(kExitUsage) when the report cannot be written, or is to be replaced while another run writes it, and
+  // as Interruption::Check does, also while a named pipe has no reader.
   ReportFile(const std::string& name, bool append);
 
   // Whether a report of that name consists of lines.
@@ -37,6 +38,7 @@ class ReportFile {
   enum class Form { kNone, kLines, kArray };
 
   void OpenLines(bool append);
+  void Empty();
   void Write();
   bool WriteLines(std::string_view text);
   void Fail();

@@ -3,28 +3,19 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/files/OutputNames.h"
 #include "host/run/FileRecord.h"
 #include "host/run/JobBoard.h"
 #include "host/run/RecordFraming.h"
-#include "host/run/ResumedReport.h"
 #include "host/run/RunningTime.h"
 
 namespace {
-
-void WriteFile(const QString& name, const QByteArray& content) {
-  QFile file(name);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(content);
-}
 
 TEST(NativeName, AnyBytesComeBack) {
   std::string all;
@@ -58,33 +49,6 @@ TEST(OutputNames, CopyNumbersDependOnTheOrderOnly) {
       {".pdf", "out/.pdf"},           {".pdf", "out/.pdf (1)"},   {"A.pdf", "out/A.pdf"},
       {"x (1).pdf", "out/x (1).pdf"}, {"x.pdf", "out/x.pdf"},     {"x.pdf", "out/x (2).pdf"}};
   for (const auto& [relative, output] : rows) EXPECT_EQ(names.Name(relative, names.Take(relative)), output);
-}
-
-TEST(ResumedReport, ReadsBothFormsAndPassesOverATornLine) {
-  const QByteArray done = R"({"file":"a","output":"o/a","status":"done"})";
-  const QByteArray failed = R"({"file":"b","output":"o/b","status":"failed"})";
-  const struct {
-    const char* name;
-    QByteArray content;
-    std::size_t count;
-  } rows[] = {{"lines", done + '\n' + failed + '\n', 1},
-              {"array", "[\n" + done + ",\n" + failed + "\n]\n", 1},
-              {"laid out anew", QJsonDocument::fromJson('[' + done + ',' + failed + ']').toJson(), 1},
-              {"torn", done + '\n' + failed.left(12), 1},
-              {"empty", "", 0},
-              {"failed, then done", failed + '\n' + done + '\n' + done + '\n', 1}};
-  for (const auto& row : rows) {
-    WriteFile("report", row.content);
-    std::size_t carried = 0;
-    const ResumedReport report("report", [&](const QByteArray&) { ++carried; });
-    EXPECT_EQ(report.Count(), row.count) << row.name;
-    EXPECT_EQ(carried, row.count) << row.name;
-    EXPECT_EQ(report.Done("a", "o/a"), row.count == 1) << row.name;
-    EXPECT_FALSE(report.Done("a", "elsewhere/a") || report.Done("b", "o/b")) << row.name;
-  }
-  WriteFile("report", "%PDF-1.4\n");
-  EXPECT_THROW(ResumedReport("report", [](const QByteArray&) {}), CommandError);
-  EXPECT_THROW(ResumedReport("missing", [](const QByteArray&) {}), CommandError);
 }
 
 TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {

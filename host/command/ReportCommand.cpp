@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/command/ReportCommand.h"
+
+#include "host/base/CommandError.h"
+#include "host/base/Console.h"
+#include "host/base/Interruption.h"
+#include "host/base/NativeName.h"
+#include "host/run/ReportSummary.h"
+
+ReportCommand::ReportCommand()
+    : Command(QStringLiteral("report"), QStringLiteral("Merges reports: counts, failed files, warnings.")) {
+  AddOption(QStringLiteral("files-from"),
+            QStringLiteral("Also names the files of this list, or '-', that no report has: one a line, or "
+                           "NUL-separated."),
+            QStringLiteral("FILE"));
+  AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON object, with all names."));
+  AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each file."));
+  parser_.addPositionalArgument(QStringLiteral("REPORT"), QStringLiteral("Reports of both forms, or '-'."),
+                                QStringLiteral("REPORT..."));
+}
+
+void ReportCommand::Check() {
+  Exclude("json", "csv");
+  if (parser_.positionalArguments().isEmpty()) throw CommandError(kExitUsage, QStringLiteral("No report is given."));
+}
+
+int ReportCommand::Execute() {
+  Interruption::Install();
+  ReportSummary summary;
+  for (const QString& report : parser_.positionalArguments()) {
+    summary.AddReport(NativeName::ToBytes(report).toStdString());
+  }
+  if (IsSet("files-from")) summary.Expect(BytesOf("files-from").toStdString());
+  summary.Finish();
+  const std::string text = IsSet("json") ? summary.ToJson() : IsSet("csv") ? summary.ToCsv() : summary.ToText();
+  const bool printed = Console::Print(QByteArray::fromStdString(text));
+  return printed && summary.IsAllDone() ? kExitDone : kExitSomeFailed;
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
+
+// The hidden temporary files that a killed save may leave: ".vorlane-<16 hexadecimal digits>.tmp".
+namespace LeftoverFiles {
+
+bool IsName(std::string_view name);
+
+// Removes those in a folder, or below it, that were last changed before `before` and that no process has locked, as a
+// running save does. A file whose content is old and whose name is new counts as new. Calls `each` with every path
+// that was removed, or with the reason when it or a folder could not be. Links are not followed. Throws as
+// Interruption::Check does.
+void Remove(const std::string& folder, bool recursive, std::time_t before,
+            const std::function<void(const std::string& path, const std::string& problem)>& each);
+
+}  // namespace LeftoverFiles
