@@ -15,6 +15,8 @@
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
+#include "engine/repair/FileWindow.h"
+#include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfName.h"
 #include "engine/syntax/PdfSyntaxError.h"
@@ -26,6 +28,9 @@ namespace {
 
 using Kind = FileScan::Kind;
 using View = BackendInputSource::View;
+
+// Streams with wrong lengths are copied in memory.
+constexpr std::uint64_t kLargestRepairedStreams = 128 * 1024 * 1024;
 
 void AppendBigEndian(std::string& bytes, std::uint64_t value, int width) {
   for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) bytes += static_cast<char>((value >> shift) & 0xFF);
@@ -185,18 +190,35 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
 void FileRepair::CheckOneDocument() {
   std::set<std::string> values;
   std::set<std::string> identifiers;
+  bool sameIdentifier = true;
   for (const std::string& trailer : Scan().trailers) {
     if (LenientEntry(trailer, "/Root").empty()) continue;
     values.insert(LenientEntry(trailer, "/Encrypt"));
     const std::string identifier = FirstIdentifier(LenientEntry(trailer, "/ID"));
     if (!identifier.empty()) identifiers.insert(identifier);
+    sameIdentifier = sameIdentifier && !identifier.empty();
   }
   if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
   if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+  if (!sameIdentifier && HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
+}
+
+// Whether objects after another header have numbers that objects before it have too.
+bool FileRepair::HoldsTwoDocuments() {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  for (const std::uint64_t header : Scan().headers) {
+    const auto second =
+        std::find_if(objects.begin(), objects.end(), [&](const auto& object) { return object.offset > header; });
+    std::set<std::uint32_t> numbers;
+    std::for_each(objects.begin(), second, [&](const auto& object) { numbers.insert(object.id.number); });
+    const auto known = [&](const FileScan::Object& object) { return numbers.count(object.id.number) != 0; };
+    if (std::any_of(second, objects.end(), known)) return true;
+  }
+  return false;
 }
 
 View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const {
-  View view{file_, "\n" + more, std::nullopt};
+  View view{file_, (tail.repaired.empty() ? "\n" : tail.repaired) + more, std::nullopt};
   std::string entries = " /Root " + tail.root.Reference();
   for (const FileTail::Entry& entry : tail.entries) entries += ' ' + entry.key + ' ' + entry.value;
   const std::uint64_t position = file_->Size() + view.appended.size() - tail.headerOffset;
@@ -301,6 +323,55 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   return tail;
 }
 
+// The stream as it has to stand in the file, when its /Length does not lead to its end: readers believe it once the
+// cross-references are sound. Its data stay as they are, encrypted or not. No value when nothing has to change.
+std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
+                                                  FileWindow& window) const {
+  const std::string head =
+      file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
+  try {
+    PdfLexer lexer(head);
+    lexer.ReadObjectHeader();
+    std::optional<DictionaryText> dictionary = DictionaryText::Parse(std::string(lexer.Text(lexer.ReadValue())));
+    if (!dictionary) return std::nullopt;
+    QPDFObjectHandle parsed = ObjectOf(document, stream.id);
+    QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
+    if (length.isInteger() && length.getIntValue() >= 0) {
+      const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
+      if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
+    }
+    const std::uint64_t size = stream.dataEnd - stream.data;
+    if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
+    dictionary->Set("/Length", std::to_string(size));
+    return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
+           dictionary->Text() + "\nstream\n" +
+           file_->ReadAt(stream.data, static_cast<std::size_t>(size)) + "\nendstream\nendobj\n";
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+// Puts the streams with a wrong /Length after the file with the right one.
+void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  FileWindow window(*file_);
+  for (FileTail::KeptObject& kept : *tail.kept) {
+    if (kept.stream != 0) continue;
+    const auto found =
+        std::lower_bound(objects.begin(), objects.end(), kept.offset + tail.headerOffset,
+                         [](const FileScan::Object& object, std::uint64_t offset) { return object.offset < offset; });
+    if (found == objects.end() || found->offset != kept.offset + tail.headerOffset || found->data == 0) continue;
+    const std::optional<std::string> stream = WithLength(document, *found, window);
+    if (!stream) continue;
+    if (tail.repaired.empty()) tail.repaired = "\n";
+    kept.offset = file_->Size() + tail.repaired.size() - tail.headerOffset;
+    tail.repaired += *stream;
+    if (tail.repaired.size() > kLargestRepairedStreams) {
+      throw CannotRepair("the streams with wrong lengths are too large to be copied");
+    }
+  }
+}
+
 // Opens the file with these objects and a catalog that is not in the file: the parser insists on one.
 std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& password) {
   FileTail tail = MakeTail({}, kept);
@@ -382,6 +453,11 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
   if (!pages && !earlier && !noPages) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
+  result.view = ViewOf(*result.tail.kept, result.tail, "");
+  result.document = OpenRecovering(result.view, password);
+  if (result.document == nullptr) return result;
+  RepairStreams(*result.document, result.tail);
+  if (result.tail.repaired.empty()) return result;
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   return result;

@@ -44,6 +44,8 @@ struct FileTail {
   // For a file whose own sections do not serve: all its objects, each number once. The update then has one complete
   // section without /Prev, and startXref and kind are of no use.
   std::optional<std::vector<KeptObject>> kept;
+  // Written after the file, before everything else: objects that are in `kept` with their places there.
+  std::string repaired;
 
   // The value of an entry as it stands in the file; empty when there is none.
   std::string Value(const std::string& key) const {

@@ -115,6 +115,7 @@ class Scanner {
       : window_(file),
         objects_(file, "obj"),
         trailers_(file, "trailer"),
+        headers_(file, "%PDF-"),
         streams_(file, "stream"),
         streamEnds_(file, "endstream"),
         objectEnds_(file, "endobj"),
@@ -127,7 +128,9 @@ class Scanner {
     while (position < window_.Size()) {
       const std::uint64_t object = objects_.From(position);
       const std::uint64_t trailer = trailers_.From(position);
-      if (object == window_.Size() && trailer == window_.Size()) return;
+      const std::uint64_t next = std::min(object, trailer);
+      NoteHeader(position, next);
+      if (next == window_.Size()) return;
       position = trailer < object ? ReadTrailer(trailer + 7) : ReadObject(object);
     }
   }
@@ -161,6 +164,12 @@ class Scanner {
       extent = {offset, false};
       return window_.At(offset, kDamagedObject).substr(0, kDamagedObject);
     }
+  }
+
+  // The first header between two objects.
+  void NoteHeader(std::uint64_t begin, std::uint64_t end) {
+    const std::uint64_t header = headers_.From(begin);
+    if (header < end && result.headers.size() < kMostTrailers) result.headers.push_back(header);
   }
 
   std::uint64_t ReadTrailer(std::uint64_t offset) {
@@ -206,7 +215,9 @@ class Scanner {
     if (IsEncryption(text)) result.encryption = object->id;
     if (data) {
       end = StreamEnd(*data, text);
-      object->cutOff = end == window_.Size() && !EndsHere(end);
+      object->cutOff = end == window_.Size();
+      object->data = *data;
+      object->dataEnd = end;
     }
     result.objects.push_back(*object);
     return std::max(end, body);
@@ -253,16 +264,9 @@ class Scanner {
     return offset + end;
   }
 
-  // Whether a stream's data can end at the offset.
-  bool EndsHere(std::uint64_t offset) {
-    const std::string_view text = window_.At(offset, 64);
-    const std::string_view rest = text.substr(SpacesAt(text, 0));
-    return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
-  }
-
   std::uint64_t StreamEnd(std::uint64_t data, const std::string& dictionary) {
     const std::string length = LenientEntry(dictionary, "/Length");
-    const auto fits = [&](std::uint64_t bytes) { return bytes <= window_.Size() - data && EndsHere(data + bytes); };
+    const auto fits = [&](std::uint64_t bytes) { return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes); };
     if (const auto count = ToNumber(length)) {
       if (fits(*count)) return data + *count;
     } else if (const auto reference = ToReference(length)) {
@@ -274,12 +278,22 @@ class Scanner {
         }
       }
     }
-    return std::min(streamEnds_.From(data), objectEnds_.From(data));
+    return DataEnd(data, std::min(streamEnds_.From(data), objectEnds_.From(data)));
+  }
+
+  // Without the end of line before the keyword.
+  std::uint64_t DataEnd(std::uint64_t data, std::uint64_t keyword) {
+    if (keyword == window_.Size()) return keyword;
+    const std::uint64_t begin = keyword - std::min<std::uint64_t>(keyword - data, 2);
+    const std::string_view last = window_.At(begin, 2).substr(0, static_cast<std::size_t>(keyword - begin));
+    if (last == "\r\n") return keyword - 2;
+    return !last.empty() && (last.back() == '\n' || last.back() == '\r') ? keyword - 1 : keyword;
   }
 
   FileWindow window_;
   WordSearch objects_;
   WordSearch trailers_;
+  WordSearch headers_;
   WordSearch streams_;
   WordSearch streamEnds_;
   WordSearch objectEnds_;
@@ -334,6 +348,12 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key) 
     }
   }
   return {};
+}
+
+bool StreamCanEndAt(FileWindow& window, std::uint64_t offset) {
+  const std::string_view text = window.At(offset, 64);
+  const std::string_view rest = text.substr(SpacesAt(text, 0));
+  return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
 }
 
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {

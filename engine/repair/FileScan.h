@@ -9,6 +9,7 @@
 
 namespace engine {
 
+class FileWindow;
 class InputFile;
 
 // What stands in a file, found without its cross-references.
@@ -19,6 +20,9 @@ struct FileScan {
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
     bool cutOff = false;  // the file ends inside it
+    // Of streams: where the data begin, and where they end by what stands there.
+    std::uint64_t data = 0;
+    std::uint64_t dataEnd = 0;
   };
 
   // In the order of the file; a number may occur several times.
@@ -29,6 +33,8 @@ struct FileScan {
   std::vector<std::uint64_t> ends;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
+  // Where headers "%PDF-" stand outside of objects, in the order of the file.
+  std::vector<std::uint64_t> headers;
 
   // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
   // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
@@ -38,6 +44,9 @@ struct FileScan {
 // The value of a key of a dictionary, as it stands in the text; empty when there is none. Where the dictionary is
 // damaged it is the first value after the key, at any depth.
 std::string LenientEntry(const std::string& dictionary, const std::string& key);
+
+// Whether a stream's data can end at the offset: "endstream" follows, or at least "endobj".
+bool StreamCanEndAt(FileWindow& window, std::uint64_t offset);
 
 // The newest object of each number, in the order of their numbers: the last one of the file that is not cut off.
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects);

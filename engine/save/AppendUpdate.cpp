@@ -54,7 +54,11 @@ class Update {
  public:
   Update(const InputFile& source, const FileTail& tail) : tail_(tail), base_(source.Size() - tail.headerOffset) {
     const std::string last = source.Size() > 0 ? source.ReadAt(source.Size() - 1, 1) : std::string();
-    if (last != "\n" && last != "\r") text_ += '\n';
+    if (!tail.repaired.empty()) {
+      text_ = tail.repaired;
+    } else if (last != "\n" && last != "\r") {
+      text_ = '\n';
+    }
   }
 
   void AddObjects(const std::vector<ChangedObject>& changes) {
