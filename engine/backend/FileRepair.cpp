@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <map>
 #include <qpdf/QPDFXRefEntry.hh>
 #include <set>
@@ -12,6 +13,7 @@
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
+#include "engine/backend/RawObjects.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
@@ -276,6 +278,22 @@ FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept
   return result;
 }
 
+// Readers differ about what is left of a damaged object stream, and about a damaged object in it.
+void FileRepair::CheckMembers(QPDF& document, const Kept& kept) const {
+  Kept members;
+  std::copy_if(kept.begin(), kept.end(), std::back_inserter(members),
+               [](const FileTail::KeptObject& object) { return object.stream != 0; });
+  std::stable_sort(members.begin(), members.end(), [](const auto& a, const auto& b) { return a.stream < b.stream; });
+  RawObjects objects(document, *file_, QuickReader::HeaderOffset(*file_));
+  ObjectStreams streams(file_->Size());
+  std::uint32_t stream = 0;
+  for (const FileTail::KeptObject& member : members) {
+    if (member.stream != stream) streams.Members(ObjectOf(document, {member.stream, 0}));
+    stream = member.stream;
+    if (!streams.Decoded() || !objects.Text(member.id)) throw CannotRepair("an object stream is damaged");
+  }
+}
+
 // The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none:
 // other readers may find more behind it.
 std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
@@ -351,17 +369,43 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
   }
 }
 
+// The object whose number stands at the offset; null when the scan found none there.
+const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const auto found =
+      std::lower_bound(objects.begin(), objects.end(), offset,
+                       [](const FileScan::Object& object, std::uint64_t place) { return object.offset < place; });
+  return found != objects.end() && found->offset == offset ? &*found : nullptr;
+}
+
+// What readers make of such damage changes when the cross-references become sound.
+void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
+  const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
+  if (encrypted && !document.isEncrypted()) throw CannotRepair("the encryption dictionary is damaged");
+  for (const FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object != nullptr && object->damaged) {
+      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
+    }
+  }
+  for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
+    // The parser's key for a value that has none.
+    if (key.compare(0, 9, "/QPDFFake") == 0 && value.isIndirect()) throw CannotRepair("the catalog is damaged");
+  }
+  QPDFObjectHandle pages = document.getRoot().getKey("/Pages");
+  QPDFObjectHandle count = pages.isDictionary() ? pages.getKey("/Count") : pages;
+  if (count.isInteger() && count.getIntValue() > static_cast<long long>(tail.kept->size())) {
+    throw CannotRepair("the page tree counts more pages than there are objects");
+  }
+}
+
 // Puts the streams with a wrong /Length after the file with the right one.
 void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
-  const std::vector<FileScan::Object>& objects = Scan().objects;
   FileWindow window(*file_);
   for (FileTail::KeptObject& kept : *tail.kept) {
-    if (kept.stream != 0) continue;
-    const auto found =
-        std::lower_bound(objects.begin(), objects.end(), kept.offset + tail.headerOffset,
-                         [](const FileScan::Object& object, std::uint64_t offset) { return object.offset < offset; });
-    if (found == objects.end() || found->offset != kept.offset + tail.headerOffset || found->data == 0) continue;
-    const std::optional<std::string> stream = WithLength(document, *found, window);
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object == nullptr || object->data == 0) continue;
+    const std::optional<std::string> stream = WithLength(document, *object, window);
     if (!stream) continue;
     if (tail.repaired.empty()) tail.repaired = "\n";
     kept.offset = file_->Size() + tail.repaired.size() - tail.headerOffset;
@@ -442,6 +486,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
     kept = WithoutUnreadableMembers(*document, kept, plain);
     document.reset();
     document = OpenWithStandIn(kept, password);
+    if (document != nullptr) CheckMembers(*document, kept);
   }
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
@@ -456,6 +501,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;
+  CheckObjects(*result.document, result.tail);
   RepairStreams(*result.document, result.tail);
   if (result.tail.repaired.empty()) return result;
   result.view = ViewOf(*result.tail.kept, result.tail, "");

@@ -65,8 +65,11 @@ class FileRepair {
   void PutPreferred(Kept& kept) const;
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
+  void CheckMembers(QPDF& document, const Kept& kept) const;
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
   FileTail MakeTail(ObjectId root, Kept kept);
+  const FileScan::Object* ScannedAt(std::uint64_t offset);
+  void CheckObjects(QPDF& document, const FileTail& tail);
   void RepairStreams(QPDF& document, FileTail& tail);
   std::optional<std::string> WithLength(QPDF& document, const FileScan::Object& stream, FileWindow& window) const;
 

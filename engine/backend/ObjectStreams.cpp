@@ -141,7 +141,7 @@ std::vector<std::uint32_t> ObjectStreams::Members(QPDFObjectHandle stream) {
   const std::uint64_t first = std::min(UnsignedEntry(dictionary, "/First"), kLongestDirectory);
   CostPipeline cost(cost_, limit_, static_cast<std::size_t>(first));
   try {
-    stream.pipeStreamData(&cost, 0, qpdf_dl_specialized, true);
+    decoded_ = stream.pipeStreamData(&cost, nullptr, 0, qpdf_dl_specialized, true) && decoded_;
   } catch (const LimitReached&) {
     Refuse();
   }

@@ -196,6 +196,7 @@ class Scanner {
     Extent extent;
     std::string text(ReadValue(body, extent));
     std::uint64_t end = extent.end;
+    object->damaged = !extent.whole;
     std::optional<std::uint64_t> data;
     if (extent.whole) {
       if (StartsWith(text, "<<")) data = StreamDataAfter(end);

@@ -19,7 +19,8 @@ struct FileScan {
     ObjectId id;
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
-    bool cutOff = false;  // the file ends inside it
+    bool cutOff = false;   // the file ends inside it
+    bool damaged = false;  // its text, or its stream's dictionary, is no PDF syntax
     // Of streams: where the data begin, and where they end by what stands there.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
