@@ -91,6 +91,11 @@ std::string Text(QPDFObjectHandle value) {
   return value.isIndirect() ? value.unparse() : ObjectWriter().Write(value);
 }
 
+void RemoveEndOfLine(std::string& text) {
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+}
+
 // The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
 std::string FirstIdentifier(const std::string& identifier) {
   try {
@@ -192,17 +197,15 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
 void FileRepair::CheckOneDocument() {
   std::set<std::string> values;
   std::set<std::string> identifiers;
-  bool sameIdentifier = true;
   for (const std::string& trailer : Scan().trailers) {
     if (LenientEntry(trailer, "/Root").empty()) continue;
     values.insert(LenientEntry(trailer, "/Encrypt"));
     const std::string identifier = FirstIdentifier(LenientEntry(trailer, "/ID"));
     if (!identifier.empty()) identifiers.insert(identifier);
-    sameIdentifier = sameIdentifier && !identifier.empty();
   }
   if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
   if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
-  if (!sameIdentifier && HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
+  if (HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
 }
 
 // Whether objects after another header have numbers that objects before it have too.
@@ -360,10 +363,12 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     }
     const std::uint64_t size = stream.dataEnd - stream.data;
     if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
-    dictionary->Set("/Length", std::to_string(size));
+    std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
+    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
+    if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
+    dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
-           dictionary->Text() + "\nstream\n" +
-           file_->ReadAt(stream.data, static_cast<std::size_t>(size)) + "\nendstream\nendobj\n";
+           dictionary->Text() + "\nstream\n" + data + "\nendstream\nendobj\n";
   } catch (const PdfSyntaxError&) {
     return std::nullopt;
   }

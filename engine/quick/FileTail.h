@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -67,6 +68,11 @@ struct FileTail {
       }
     }
     entries.push_back({key, value});
+  }
+  // Whether no object can be in an object stream.
+  bool OnlyTables() const {
+    if (!kept) return kind == Kind::kTable;
+    return std::none_of(kept->begin(), kept->end(), [](const KeptObject& object) { return object.stream != 0; });
   }
   bool Encrypted() const { return !Value("/Encrypt").empty(); }
 };

@@ -279,16 +279,7 @@ class Scanner {
         }
       }
     }
-    return DataEnd(data, std::min(streamEnds_.From(data), objectEnds_.From(data)));
-  }
-
-  // Without the end of line before the keyword.
-  std::uint64_t DataEnd(std::uint64_t data, std::uint64_t keyword) {
-    if (keyword == window_.Size()) return keyword;
-    const std::uint64_t begin = keyword - std::min<std::uint64_t>(keyword - data, 2);
-    const std::string_view last = window_.At(begin, 2).substr(0, static_cast<std::size_t>(keyword - begin));
-    if (last == "\r\n") return keyword - 2;
-    return !last.empty() && (last.back() == '\n' || last.back() == '\r') ? keyword - 1 : keyword;
+    return std::min(streamEnds_.From(data), objectEnds_.From(data));
   }
 
   FileWindow window_;
