@@ -5,6 +5,7 @@
 #include <exception>
 #include <iterator>
 #include <map>
+#include <new>
 #include <qpdf/QPDFXRefEntry.hh>
 #include <set>
 #include <utility>
@@ -396,6 +397,13 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
     // The parser's key for a value that has none.
     if (key.compare(0, 9, "/QPDFFake") == 0 && value.isIndirect()) throw CannotRepair("the catalog is damaged");
+  }
+  for (const QPDFExc& warning : document.getWarnings()) {
+    const std::string text = warning.getObject() + warning.getMessageDetail();
+    if (TellsOfLackOfMemory(text)) throw std::bad_alloc();
+    if (text.find("encryption") != std::string::npos || text.find("/ID in trailer") != std::string::npos) {
+      throw CannotRepair("the encryption dictionary is damaged");
+    }
   }
   QPDFObjectHandle pages = document.getRoot().getKey("/Pages");
   QPDFObjectHandle count = pages.isDictionary() ? pages.getKey("/Count") : pages;

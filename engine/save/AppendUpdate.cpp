@@ -74,6 +74,7 @@ class Update {
     if (!members.empty()) AddObjectStream(members);
     if (tail_.kept) AddKept(*tail_.kept);
     Sort();
+    if (tail_.kept) AddFree();
     size_ = entries_.empty() ? tail_.size : std::max(tail_.size, entries_.back().number + 1);
     identifier_ = UpdatedIdentifier(tail_.Value("/ID"), changes);
   }
@@ -128,6 +129,19 @@ class Update {
         entries_.push_back({object.id.number, XrefEntry::kOffset, object.offset, object.id.generation});
       }
     }
+  }
+
+  // Entries for the numbers that no object has: without one, some readers take a reference to it for damage and rebuild
+  // the section. Not where numbers are far apart.
+  void AddFree() {
+    const std::size_t known = entries_.size();
+    if (entries_.back().number > 16 * known + 1024) return;
+    for (std::size_t i = 1; i < known; ++i) {
+      for (std::uint32_t number = entries_[i - 1].number + 1; number < entries_[i].number; ++number) {
+        entries_.push_back({number, XrefEntry::kFree, 0, 65535});
+      }
+    }
+    Sort();
   }
 
   bool NeedsStream() const {
