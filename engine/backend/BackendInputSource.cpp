@@ -20,7 +20,7 @@ constexpr std::size_t kLongestOfObject = 128;
 // A number or a container costs the parser about 200 bytes. Every file may have so many, and more by its size: of
 // ordinary objects' text a token takes seven bytes or more.
 constexpr std::uint64_t kFreeTokens = 3'000'000;
-constexpr std::uint64_t kBytesForToken = 10;
+constexpr std::uint64_t kBytesForToken = 8;
 
 bool IsEndOfLine(char character) {
   return character == '\r' || character == '\n';

@@ -209,18 +209,13 @@ void FileRepair::CheckOneDocument() {
   if (HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
 }
 
-// Whether objects after another header have numbers that objects before it have too.
+// Whether a header stands between objects.
 bool FileRepair::HoldsTwoDocuments() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
-  for (const std::uint64_t header : Scan().headers) {
-    const auto second =
-        std::find_if(objects.begin(), objects.end(), [&](const auto& object) { return object.offset > header; });
-    std::set<std::uint32_t> numbers;
-    std::for_each(objects.begin(), second, [&](const auto& object) { numbers.insert(object.id.number); });
-    const auto known = [&](const FileScan::Object& object) { return numbers.count(object.id.number) != 0; };
-    if (std::any_of(second, objects.end(), known)) return true;
-  }
-  return false;
+  const std::vector<std::uint64_t>& headers = Scan().headers;
+  return std::any_of(headers.begin(), headers.end(), [&](std::uint64_t header) {
+    return !objects.empty() && objects.front().offset < header && objects.back().offset > header;
+  });
 }
 
 View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const {
@@ -412,6 +407,32 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   }
 }
 
+// What the parser reaches with cross-references that it rebuilds itself has to be there.
+void FileRepair::CompareWithParser(View view, const std::string& password) const {
+  bool all = true;
+  try {
+    std::set<QPDFObjGen> reached;
+    VisitReachable(*OpenRecovering(view, password),
+                   [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
+    view = {file_, "", std::nullopt};
+    const std::shared_ptr<QPDF> rebuilt = OpenParser(view, password, Recovery::kOn);
+    if (rebuilt == nullptr || !LeadsToPage(rebuilt->getRoot())) return;
+    ObjectStreams(file_->Size()).Check(*rebuilt);
+    const QPDFObjGen root = rebuilt->getRoot().getObjGen();
+    VisitReachable(*rebuilt, [&](QPDFObjectHandle object) {
+      const QPDFObjGen id = object.getObjGen();
+      all = all && (id == root || reached.count(id) != 0);
+    });
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const TooManyTokens&) {
+    return;  // what cannot be read at all cannot be compared
+  } catch (const std::exception&) {
+    return;
+  }
+  if (!all) throw CannotRepair("another way to repair the file finds other objects");
+}
+
 // Puts the streams with a wrong /Length after the file with the right one.
 void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
   FileWindow window(*file_);
@@ -515,6 +536,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;
   CheckObjects(*result.document, result.tail);
+  CompareWithParser(result.view, password);
   RepairStreams(*result.document, result.tail);
   if (result.tail.repaired.empty()) return result;
   result.view = ViewOf(*result.tail.kept, result.tail, "");

@@ -70,6 +70,7 @@ class FileRepair {
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
   void CheckObjects(QPDF& document, const FileTail& tail);
+  void CompareWithParser(BackendInputSource::View view, const std::string& password) const;
   void RepairStreams(QPDF& document, FileTail& tail);
   std::optional<std::string> WithLength(QPDF& document, const FileScan::Object& stream, FileWindow& window) const;
 

@@ -351,7 +351,8 @@ bool StreamCanEndAt(FileWindow& window, std::uint64_t offset) {
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {
   std::vector<FileScan::Object> sorted = objects;
   std::stable_sort(sorted.begin(), sorted.end(), [](const FileScan::Object& a, const FileScan::Object& b) {
-    return a.id.number != b.id.number ? a.id.number < b.id.number : a.cutOff && !b.cutOff;
+    if (a.id.number != b.id.number) return a.id.number < b.id.number;
+    return a.cutOff != b.cutOff ? a.cutOff : a.id.generation < b.id.generation;
   });
   std::vector<FileScan::Object> newest;
   for (const FileScan::Object& object : sorted) {

@@ -49,7 +49,8 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key);
 // Whether a stream's data can end at the offset: "endstream" follows, or at least "endobj".
 bool StreamCanEndAt(FileWindow& window, std::uint64_t offset);
 
-// The newest object of each number, in the order of their numbers: the last one of the file that is not cut off.
+// The newest object of each number, in the order of their numbers: of those that are not cut off the one of the
+// highest generation that is last in the file.
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects);
 
 }  // namespace engine
