@@ -396,7 +396,8 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   for (const QPDFExc& warning : document.getWarnings()) {
     const std::string text = warning.getObject() + warning.getMessageDetail();
     if (TellsOfLackOfMemory(text)) throw std::bad_alloc();
-    if (text.find("encryption") != std::string::npos || text.find("/ID in trailer") != std::string::npos) {
+    const bool identifier = text.find("/ID in trailer") != std::string::npos && !TrailerEntry("/ID").empty();
+    if (identifier || text.find("encryption") != std::string::npos) {
       throw CannotRepair("the encryption dictionary is damaged");
     }
   }
