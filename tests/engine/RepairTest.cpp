@@ -89,7 +89,9 @@ TEST_P(DamagedFileTest, LosesNothing) {
   EXPECT_TRUE(before.mutool.find("Hello") == std::string::npos || after.mutool == before.mutool);
   EXPECT_TRUE(before.qpdf != "1\n" || after.qpdf == before.qpdf);
   EXPECT_NE((after.poppler + after.mutool).find("Hello"), std::string::npos);
-  if (StartsWith(file.name, "length-")) EXPECT_TRUE(Sound("out.pdf"));
+  if (StartsWith(file.name, "length-")) {
+    EXPECT_TRUE(Sound("out.pdf"));
+  }
   if (StartsWith(file.name, "header-")) {
     EXPECT_NE(RunTool("mutool show out.pdf trailer/Root/URI/Base 2>&1").output.find("example.org"), std::string::npos);
   }
