@@ -344,8 +344,7 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
 // cross-references are sound. Its data stay as they are, encrypted or not. No value when nothing has to change.
 std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
                                                   FileWindow& window) const {
-  const std::string head =
-      file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
+  const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
   try {
     PdfLexer lexer(head);
     lexer.ReadObjectHeader();

@@ -267,7 +267,9 @@ class Scanner {
 
   std::uint64_t StreamEnd(std::uint64_t data, const std::string& dictionary) {
     const std::string length = LenientEntry(dictionary, "/Length");
-    const auto fits = [&](std::uint64_t bytes) { return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes); };
+    const auto fits = [&](std::uint64_t bytes) {
+      return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes);
+    };
     if (const auto count = ToNumber(length)) {
       if (fits(*count)) return data + *count;
     } else if (const auto reference = ToReference(length)) {
