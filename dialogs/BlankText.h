@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// Whether a name that the user typed holds nothing but white space.
+/// Whether a name that the user typed has only white space.
 inline bool isBlank(const QString& text) {
   return text.simplified().remove(QLatin1Char(' ')).isEmpty();
 }

@@ -4,10 +4,10 @@
 #include <QPoint>
 #include <QRect>
 
-/// Where a point lies on the frame of a frameless window. Positions and sizes are in screen pixels.
+/// Finds the parts of a frameless window's frame that a point is on. Positions and sizes are in screen pixels.
 ///
 /// A strip along an edge is borderWidth + 1 pixels wide, both ends included, and one pixel wider than the frame at the
-/// right and bottom. Corners reach twice as far along both of their edges, but for the top right one, where the close
+/// right and bottom. Corners reach twice as far along both of their edges, except the top right one, where the close
 /// button needs the room.
 class CCursorPosCalculator {
  public:
@@ -32,6 +32,6 @@ class CCursorPosCalculator {
   bool onBottomRightCorner = false;  ///< on one of the edges and near the other
   bool onMoveBar = false;            ///< at or above the bottom of the move bar
   int borderWidth = 5;               ///< width of a resize strip
-  int edgeInset = 0;                 ///< how far the strips lie inside the frame's outer edge
+  int edgeInset = 0;                 ///< how far the strips are inside the frame's outer edge
   int moveBarHeight = 0;             ///< height of the move bar, from the frame's top
 };

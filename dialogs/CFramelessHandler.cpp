@@ -11,7 +11,7 @@
 
 namespace {
 
-// A restored window's own shadow margin, which may lie off-screen.
+// The shadow margin of a restored window; it may be off-screen.
 constexpr int kShadowMargin = 6;
 
 }  // namespace

@@ -48,7 +48,7 @@ class CFramelessHandler : public QObject {
   void setMoveBarHeight(int height);
   /// In pixels; 0 unless set.
   int moveBarHeight() const;
-  /// How many pixels the resize strips lie inside the window's outer edge.
+  /// How many pixels the resize strips are inside the window's outer edge.
   void setEdgeInset(int inset);
   /// In pixels; 0 unless set.
   int edgeInset() const { return pressCursorPos.edgeInset; }
@@ -56,11 +56,11 @@ class CFramelessHandler : public QObject {
   /// it along.
   void setWindowState(int state) { windowState = state; }
 
-  /// Acts on the event by its type alone, as on one of the window's; `watched` is not looked at. Always false, so that
+  /// Handles the event as one of the window, by its type alone; `watched` is not used. Always false, so that
   /// every event goes on to the watched object. Does nothing before activateOn().
   bool eventFilter(QObject* watched, QEvent* event) override;
 
-  /// The decisions, free of any window.
+  /// The decisions, without a window.
   /// The frame after the zone in `pressed` was dragged to `globalPos`; the axis that would fall below the minimum
   /// keeps its extent. Empty when the drag turns the frame inside out.
   static std::optional<QRect> resizedFrame(const CCursorPosCalculator& pressed, const QRect& frame,

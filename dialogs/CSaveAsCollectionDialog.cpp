@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "dialogs/CSaveAsCollectionDialog.h"
 
-#include <memory>
 #include <QDir>
 #include <QFileDialog>
 #include <QPixmap>
-#include <QSettings>
 
 #include "dialogs/BlankText.h"
 #include "utils/CActionHistoryAPI.h"
+#include "utils/SettingsFile.h"
 
 namespace {
 
@@ -62,7 +61,8 @@ void CSaveAsCollectionDialog::on_SaveToFile() {
   const QString file = QFileDialog::getSaveFileName(this, tr("Save Tool settings to file"), QDir::homePath(),
                                                     tr("Tool Settings Files (*.tsf)"));
   if (!settings) return;
-  const auto tool = std::make_unique<QSettings>(file, QSettings::IniFormat, this);
-  tool->setValue(QString("ToolSettings"), *settings);
+  const QMap<QString, QVariant> values = *settings;  // the dialog may end with reject()
   reject();
+  if (file.isEmpty()) return;
+  SettingsFile::Change(file, [&values](QSettings& tool) { tool.setValue(QString("ToolSettings"), values); });
 }

@@ -4,12 +4,12 @@
 #include <QLabel>
 #include <QPixmap>
 #include <QPointer>
-#include <QSettings>
 
 #include "dialogs/CSaveAsActionlistDialog.h"
 #include "dialogs/CSaveAsCollectionDialog.h"
 #include "utils/CUtils.h"
 #include "utils/KitResources.h"
+#include "utils/SettingsFile.h"
 
 namespace {
 
@@ -42,14 +42,15 @@ void CSettingsDialogUtils::Complete(CVorlaneDialog* dialog, QWidget* form) {
   dialog->VDaddTopButtons();
   dialog->VDaddCloseButton();
   if (!dialog->VDisInPreview()) return;
-  const QSettings remembered(geometryFile(), QSettings::IniFormat);
-  dialog->restoreGeometry(remembered.value(geometryKey(*dialog)).toByteArray());
+  const SettingsFile remembered(geometryFile());
+  dialog->restoreGeometry(remembered.Values().value(geometryKey(*dialog)).toByteArray());
 }
 
 void CSettingsDialogUtils::RememberGeometry(const CVorlaneDialog* dialog) {
   if (!dialog->VDisInPreview()) return;
-  QSettings remembered(geometryFile(), QSettings::IniFormat);
-  remembered.setValue(geometryKey(*dialog), dialog->saveGeometry());
+  SettingsFile::Change(geometryFile(), [dialog](QSettings& remembered) {
+    remembered.setValue(geometryKey(*dialog), dialog->saveGeometry());
+  });
 }
 
 void CSettingsDialogUtils::RunActionListDialog(CVorlaneDialog* dialog, QMap<QString, QVariant>* settings) {

@@ -8,7 +8,7 @@
 
 class CVorlaneDialog;
 
-/// What the settings dialogs of all actions do alike. All members are static and for the GUI thread.
+/// What all settings dialogs have in common. All members are static and for the GUI thread.
 ///
 /// A settings dialog derives from CVorlaneDialog and has a form with a "main_widget", the members
 ///
@@ -24,7 +24,7 @@ class CSettingsDialogUtils {
 
   /// After the form's setupUi: puts the window's title into the header and the form into the content area, at its own
   /// fixed size, adds the toolbar's and the close button, and, under a preview window, restores the remembered
-  /// geometry. Afterwards every widget of the form has its size; set up there what depends on it, as pickers do.
+  /// geometry. Afterwards every widget of the form has its size; set up pickers and whatever else needs it there.
   static void Complete(CVorlaneDialog* dialog, QWidget* form);
   /// Under a preview window, stores the dialog's geometry under its object name. A file that cannot be written is not
   /// reported.

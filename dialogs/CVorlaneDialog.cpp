@@ -28,7 +28,7 @@ constexpr int kShadowThickness = 8;
 constexpr int kHeaderHeight = 30;
 constexpr int kHeaderTextHeight = 25;  // what the header's margins leave
 constexpr int kResizeBorder = 9;
-constexpr int kButtonPadding = 6;  // the least that looks well beside a button's text
+constexpr int kButtonPadding = 6;  // the least that looks well around a button's text
 
 const QLatin1String kPreviewName("VorlanePreviewClass");
 const QLatin1String kMainWindowName("VorlaneClass");
@@ -305,7 +305,7 @@ void CVorlaneDialog::buildMainFrame() {
   VDtitleLabel = new HeaderLabel(VDheaderWidget, false);
   VDtitleLabel->setObjectName(QString("VDtitleLabel"));
   VDtitleLabel->setStyleSheet(QString("color: white;"));
-  // The title takes the free room, so that it follows the prefix and the buttons stand at the right.
+  // The title takes the free room, so that it follows the prefix and the buttons are at the right.
   VDHeaderHorizontalLayout->addWidget(VDtitleLabel, 1);
   VDMainVerticalLayout->addWidget(VDheaderWidget);
 

@@ -16,7 +16,7 @@ class QVBoxLayout;
 /// user moves the dialog, and a content area for the subclass's form.
 ///
 /// A subclass's constructor runs the shell's constructor, makes its form, sets VDtitleLabel's text, calls
-/// VDaddMainWidget and then VDaddTopButtons and VDaddCloseButton, as it needs them; buttons stand in the order of the
+/// VDaddMainWidget and then VDaddTopButtons and VDaddCloseButton, as it needs them; buttons appear in the order of the
 /// calls. The forms name their content "main_widget" and a button strip "button_widget" to be drawn in the theme. The
 /// settings dialog of an action leaves most of it to CSettingsDialogUtils.
 ///

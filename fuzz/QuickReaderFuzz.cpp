@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whatever the quick reader answers, libqpdf must answer too, for files in which libqpdf finds nothing to warn of.
+// What the quick reader reads, libqpdf must read too, for files in which libqpdf finds nothing to warn of.
 #include <cstdio>
 #include <cstdlib>
 

@@ -5,9 +5,10 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
-#include "engine/quick/BaseUrl.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/save/AppendUpdate.h"
+#include "engine/syntax/DictionaryText.h"
+#include "engine/syntax/LiteralString.h"
 #include "tests/engine/quick/FullParser.h"
 
 using engine::AppendUpdate;
@@ -27,8 +28,10 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   const auto input = InputFile::FromBytes(bytes);
   const auto document = QuickReader::Read(*input);
   if (!document) return;
+  engine::DictionaryText catalog(document->catalog);
+  catalog.Set("/URI", "<< /Base " + engine::LiteralString(url) + " >>");
   OutputFile output;
-  AppendUpdate(*input, document->tail, {{document->tail.root, engine::WithBaseUrl(document->catalog, url)}}, output);
+  AppendUpdate(*input, document->tail, {{document->tail.root, catalog.Text()}}, output);
   const std::string after = output.TakeBytes();
   Require(after.compare(0, bytes.size(), bytes) == 0, "the source is a prefix");
 

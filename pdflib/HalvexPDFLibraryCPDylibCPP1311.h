@@ -20,7 +20,7 @@
 /// library is not called. Results are copies that belong to the caller.
 /// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
 /// the call.
-/// Threads: one wrapper, and the instance behind it, is used by one thread at a time. Threads with a wrapper each may work
+/// Threads: one wrapper, and its instance, is used by one thread at a time. Threads with a wrapper each may work
 /// side by side with the free engine; whether they may with another library is that library's to say.
 ///
 /// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
@@ -54,12 +54,34 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// @name Library functions that the free engine implements
   /// @{
 
+  /// The number of annotations of the selected page.
+  int AnnotationCount();
   /// What a password opens: 1 as user, 2 as owner, 3 as both, 0 neither, or the document is not encrypted.
   int CheckPassword(const std::wstring& password);
   /// The number of open documents.
   int DocumentCount();
+  /// The number of files in the document's name tree of embedded files.
+  int EmbeddedFileCount();
+  /// 0 for a document that is not encrypted, 1 for RC4, 2 for AES.
+  int EncryptionAlgorithm();
   /// 0 for a document that is not encrypted, 1 when it was opened with the user password, 2 with the owner password.
   int EncryptionStatus();
+  /// The length of the encryption key in bits; 0 for a document that is not encrypted.
+  int EncryptionStrength();
+  /// The number of form fields, without those that only group others.
+  int FormFieldCount();
+  /// The type of an action without slash (ISO 32000-2, 12.6.2): URI, GoTo, Launch and so on. Empty for an ID that is
+  /// not an action.
+  std::wstring GetActionType(int actionID);
+  /// The URI of a URI action; empty for any other action.
+  std::wstring GetActionURL(int actionID);
+  /// The ID of the first action of an annotation of the selected page, counted from 1; 0 for none. Those that follow it
+  /// (Next entries, then additional actions) have the next IDs, up to the first ID that is not an action.
+  int GetAnnotActionID(int index);
+  /// A property of an annotation of the selected page, counted from 1; LibraryAnnotationTags.h has the tags.
+  double GetAnnotDblProperty(int index, int tag);
+  /// A property of an annotation of the selected page, counted from 1; LibraryAnnotationTags.h has the tags.
+  std::wstring GetAnnotStrProperty(int index, int tag);
   /// The base URL as it stands in the document; empty for none.
   std::wstring GetBaseURL();
   /// An entry of the document information dictionary by its name; empty when there is none.
@@ -70,8 +92,14 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetDocumentFileSize();
   /// The ID of the open document at a position from 1 on, 0 when there is none.
   int GetDocumentID(int index);
+  /// An identifier of the document in hexadecimal digits. Part 1 stays when a document is changed, part 2 does not;
+  /// format is 0. Empty for none.
+  std::wstring GetDocumentIdentifier(int part, int format);
   /// 1 when the file was damaged and its cross-reference was rebuilt on loading, else 0.
   int GetDocumentRepaired();
+  /// The ID of the first action of a form field, counted from 1, as GetAnnotActionID; trigger is A or a key of its
+  /// additional actions (ISO 32000-2, 12.6.3).
+  int GetFormFieldActionID(int index, const std::wstring& trigger);
   /// An entry of the document information dictionary (ISO 32000-2, 14.3.3), or a fact about the document, by its
   /// LibraryInformationKey; empty when there is none.
   std::wstring GetInformation(int key);
@@ -82,8 +110,22 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::wstring GetInstalledFontsByCharset(int charsetIndex, int options);
   /// The same by code page: 0 or 65001 for every font, 874, 932, 936, 949, 950 or 1250 to 1258.
   std::wstring GetInstalledFontsByCodePage(int codePage, int options);
+  /// The ID of the first action of an outline item, as GetAnnotActionID; 0 for none.
+  int GetOutlineActionID(int outlineID);
+  /// The ID of the outline item at a place in document order, from 1.
+  int GetOutlineID(int index);
+  /// The URI of an outline item with a URI action; empty for any other.
+  std::wstring GetOutlineWebLink(int outlineID);
+  /// 0 single page, 1 one column, 2 two columns (odd pages left), 3 two columns (odd pages right), 4 two pages (odd
+  /// left), 5 two pages (odd right).
+  int GetPageLayout();
+  /// What is shown when the document is opened: 0 the page alone, 1 outlines, 2 thumbnails, 3 full screen, 4 optional
+  /// content, 5 attachments.
+  int GetPageMode();
   /// 1 when the file starts with a linearization dictionary (ISO 32000-1, annex F), else 0.
   int IsLinearized();
+  /// 1 for a document that says it is tagged.
+  int IsTaggedPDF();
   /// Why the latest call of this instance failed, 0 when it did not; of the free engine a LibraryErrorCode.
   int LastErrorCode();
   /// The version of the library.
@@ -98,6 +140,10 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int LoadFromString(const std::string& source, const std::wstring& password);
   /// Makes and selects a document of one empty page, 612 by 792 points; 1, or 0 when it failed.
   int NewDocument();
+  /// The number of outline items at all levels.
+  int OutlineCount();
+  /// The title of an outline item.
+  std::wstring OutlineTitle(int outlineID);
   /// The number of pages of the selected document.
   int PageCount();
   /// The height of the selected page's media box in points (1/72 inch), before rotation; 792 for a broken box.
@@ -122,6 +168,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SelectedDocument();
   /// The number of the selected page; 1 at first.
   int SelectedPage();
+  /// Gives a URI action another URI; 1 for success.
+  int SetActionURL(int actionID, const std::wstring& url);
   /// Sets the base URL of the document's links, the catalog's /Base of /URI (ISO 32000-1, 12.6.4.7); 1, or 0 when it
   /// failed. An empty one removes the entry. Characters outside ASCII are written as percent-encoded UTF-8 (RFC 3986,
   /// 2.1), everything else as given.
@@ -132,13 +180,15 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// Sets an entry of the document information dictionary by its LibraryInformationKey, an empty value removes it; 1,
   /// or 0 when it failed. The XMP metadata is not changed with it.
   int SetInformation(int key, const std::wstring& value);
+  /// Gives an outline item a URI action in place of its action and destination; 1 for success.
+  int SetOutlineWebLink(int outlineID, const std::wstring& url);
   /// @}
 
   /// @name Library functions of the closed library alone
   /// @{
 
   /// Calls the library function of this name with "HPL" before it. What it does, and its arguments' meaning, units and
-  /// ranges, are told by the closed library's documentation. The free engine answers the default of the result's type
+  /// ranges, are in the closed library's documentation. The free engine returns the default of the result's type
   /// (0, 0.0, an empty string) and sets the last error to kErrorNotSupported.
   int AddArcToPath(double a1, double a2, double a3);
   int AddBoxToPath(double a1, double a2, double a3, double a4);
@@ -194,7 +244,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int AddType1Font(const std::wstring& a1);
   int AddU3DAnnotationFromFile(double a1, double a2, double a3, double a4, const std::wstring& a5, int a6);
   int AnalyseFile(const std::wstring& a1, const std::wstring& a2);
-  int AnnotationCount();
   int AppendSpace(double a1);
   int AppendTableColumns(int a1, int a2);
   int AppendTableRows(int a1, int a2);
@@ -351,14 +400,11 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int DrawWrappedText(double a1, double a2, double a3, const std::wstring& a4);
   int EditableContentStream();
   int EmbedFile(const std::wstring& a1, const std::wstring& a2, const std::wstring& a3);
-  int EmbeddedFileCount();
   int EncapsulateContentStream();
   int EncodePermissions(int a1, int a2, int a3, int a4, int a5, int a6, int a7, int a8);
   int Encrypt(const std::wstring& a1, const std::wstring& a2, int a3, int a4);
   int EncryptFile(const std::wstring& a1, const std::wstring& a2, const std::wstring& a3, const std::wstring& a4, int a5, int a6);
   int EncryptWithFingerprint(const std::wstring& a1);
-  int EncryptionAlgorithm();
-  int EncryptionStrength();
   int EndPageUpdate();
   int EndSignProcessToFile(int a1, const std::wstring& a2);
   std::string EndSignProcessToString(int a1);
@@ -387,16 +433,11 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::wstring FontReference();
   int FontSize();
   int FontType();
-  int FormFieldCount();
   int FormFieldHasParent(int a1);
   int FormFieldJavaScriptAction(int a1, const std::wstring& a2, const std::wstring& a3);
   int FormFieldWebLinkAction(int a1, const std::wstring& a2, const std::wstring& a3);
   int GetActionDest(int a1);
-  std::wstring GetActionType(int a1);
-  std::wstring GetActionURL(int a1);
   std::wstring GetAnalysisInfo(int a1, int a2);
-  int GetAnnotActionID(int a1);
-  double GetAnnotDblProperty(int a1, int a2);
   int GetAnnotDest(int a1);
   std::wstring GetAnnotEmbeddedFileName(int a1, int a2);
   int GetAnnotEmbeddedFileToFile(int a1, int a2, const std::wstring& a3);
@@ -406,7 +447,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   double GetAnnotQuadPoints(int a1, int a2, int a3);
   int GetAnnotSoundToFile(int a1, int a2, const std::wstring& a3);
   std::string GetAnnotSoundToString(int a1, int a2);
-  std::wstring GetAnnotStrProperty(int a1, int a2);
   double GetBarcodeWidth(double a1, const std::wstring& a2, int a3);
   int GetCSDictEPSG(int a1);
   int GetCSDictType(int a1);
@@ -419,7 +459,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetDestType(int a1);
   double GetDestValue(int a1, int a2);
   std::wstring GetDocJavaScript(const std::wstring& a1);
-  std::wstring GetDocumentIdentifier(int a1, int a2);
   std::wstring GetDocumentMetadata();
   std::wstring GetDocumentResourceList();
   int GetEmbeddedFileContentToFile(int a1, const std::wstring& a2);
@@ -438,7 +477,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetFontIsSubsetted();
   int GetFontMetrics(int a1);
   int GetFontObjectNumber();
-  int GetFormFieldActionID(int a1, const std::wstring& a2);
   int GetFormFieldAlignment(int a1);
   int GetFormFieldAnnotFlags(int a1);
   double GetFormFieldBackgroundColor(int a1, int a2);
@@ -532,16 +570,13 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int GetOptionalContentGroupPrintable(int a1);
   int GetOptionalContentGroupVisible(int a1);
   int GetOrigin();
-  int GetOutlineActionID(int a1);
   double GetOutlineColor(int a1, int a2);
   int GetOutlineDest(int a1);
-  int GetOutlineID(int a1);
   std::wstring GetOutlineJavaScript(int a1);
   int GetOutlineObjectNumber(int a1);
   std::wstring GetOutlineOpenFile(int a1);
   int GetOutlinePage(int a1);
   int GetOutlineStyle(int a1);
-  std::wstring GetOutlineWebLink(int a1);
   double GetPageBox(int a1, int a2);
   std::wstring GetPageColorSpaces(int a1);
   std::string GetPageContentToString();
@@ -550,9 +585,7 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::wstring GetPageLGIDictContent(int a1);
   int GetPageLGIDictCount();
   std::wstring GetPageLabel(int a1);
-  int GetPageLayout();
   std::string GetPageMetricsToString(int a1, int a2, int a3);
-  int GetPageMode();
   std::wstring GetPageText(int a1);
   double GetPageUserUnit();
   int GetPageViewPortCount();
@@ -621,7 +654,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int InsertTableColumns(int a1, int a2, int a3);
   int InsertTableRows(int a1, int a2, int a3);
   int IsAnnotFormField(int a1);
-  int IsTaggedPDF();
   std::wstring LastRenderError();
   int LinearizeFile(const std::wstring& a1, const std::wstring& a2, const std::wstring& a3, int a4);
   int LoadState();
@@ -661,8 +693,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int NormalizePage(int a1);
   int OpenOutline(int a1);
   int OptionalContentGroupCount();
-  int OutlineCount();
-  std::wstring OutlineTitle(int a1);
   int PageHasFontResources(int a1);
   int PageJavaScriptAction(const std::wstring& a1, const std::wstring& a2);
   int ReleaseImage(int a1);
@@ -707,7 +737,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SelectImage(int a1);
   int SelectedFont();
   int SelectedImage();
-  int SetActionURL(int a1, const std::wstring& a2);
   int SetAnnotBorderColor(int a1, double a2, double a3, double a4);
   int SetAnnotBorderStyle(int a1, double a2, int a3, double a4, double a5);
   int SetAnnotContents(int a1, const std::wstring& a2);
@@ -853,7 +882,6 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   int SetOutlineRemoteDestination(int a1, const std::wstring& a2, int a3, int a4, int a5, double a6, double a7, double a8, double a9, int a10);
   int SetOutlineStyle(int a1, int a2, int a3);
   int SetOutlineTitle(int a1, const std::wstring& a2);
-  int SetOutlineWebLink(int a1, const std::wstring& a2);
   int SetOverprint(int a1, int a2, int a3);
   int SetPDFAMode(int a1);
   int SetPNGTransparencyColor(int a1, int a2, int a3);

@@ -262,11 +262,11 @@ inline int HalvexPDFLibraryCPDylibCPP1311::FormFieldHasParent(int a1) { return F
 inline int HalvexPDFLibraryCPDylibCPP1311::FormFieldJavaScriptAction(int a1, const std::wstring& a2, const std::wstring& a3) { return Forward<int>(LibraryFunctionSlot::FormFieldJavaScriptAction, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::FormFieldWebLinkAction(int a1, const std::wstring& a2, const std::wstring& a3) { return Forward<int>(LibraryFunctionSlot::FormFieldWebLinkAction, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetActionDest(int a1) { return Forward<int>(LibraryFunctionSlot::GetActionDest, a1); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetActionType(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetActionType, a1); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetActionURL(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetActionURL, a1); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetActionType(int actionID) { return Forward<std::wstring>(LibraryFunctionSlot::GetActionType, actionID); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetActionURL(int actionID) { return Forward<std::wstring>(LibraryFunctionSlot::GetActionURL, actionID); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetAnalysisInfo(int a1, int a2) { return Forward<std::wstring>(LibraryFunctionSlot::GetAnalysisInfo, a1, a2); }
-inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotActionID(int a1) { return Forward<int>(LibraryFunctionSlot::GetAnnotActionID, a1); }
-inline double HalvexPDFLibraryCPDylibCPP1311::GetAnnotDblProperty(int a1, int a2) { return Forward<double>(LibraryFunctionSlot::GetAnnotDblProperty, a1, a2); }
+inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotActionID(int index) { return Forward<int>(LibraryFunctionSlot::GetAnnotActionID, index); }
+inline double HalvexPDFLibraryCPDylibCPP1311::GetAnnotDblProperty(int index, int tag) { return Forward<double>(LibraryFunctionSlot::GetAnnotDblProperty, index, tag); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotDest(int a1) { return Forward<int>(LibraryFunctionSlot::GetAnnotDest, a1); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetAnnotEmbeddedFileName(int a1, int a2) { return Forward<std::wstring>(LibraryFunctionSlot::GetAnnotEmbeddedFileName, a1, a2); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotEmbeddedFileToFile(int a1, int a2, const std::wstring& a3) { return Forward<int>(LibraryFunctionSlot::GetAnnotEmbeddedFileToFile, a1, a2, a3); }
@@ -276,7 +276,7 @@ inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotQuadCount(int a1) { return Fo
 inline double HalvexPDFLibraryCPDylibCPP1311::GetAnnotQuadPoints(int a1, int a2, int a3) { return Forward<double>(LibraryFunctionSlot::GetAnnotQuadPoints, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetAnnotSoundToFile(int a1, int a2, const std::wstring& a3) { return Forward<int>(LibraryFunctionSlot::GetAnnotSoundToFile, a1, a2, a3); }
 inline std::string HalvexPDFLibraryCPDylibCPP1311::GetAnnotSoundToString(int a1, int a2) { return Forward<std::string>(LibraryFunctionSlot::GetAnnotSoundToString, a1, a2); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetAnnotStrProperty(int a1, int a2) { return Forward<std::wstring>(LibraryFunctionSlot::GetAnnotStrProperty, a1, a2); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetAnnotStrProperty(int index, int tag) { return Forward<std::wstring>(LibraryFunctionSlot::GetAnnotStrProperty, index, tag); }
 inline double HalvexPDFLibraryCPDylibCPP1311::GetBarcodeWidth(double a1, const std::wstring& a2, int a3) { return Forward<double>(LibraryFunctionSlot::GetBarcodeWidth, a1, a2, a3); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetBaseURL() { return Forward<std::wstring>(LibraryFunctionSlot::GetBaseURL); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetCSDictEPSG(int a1) { return Forward<int>(LibraryFunctionSlot::GetCSDictEPSG, a1); }
@@ -294,7 +294,7 @@ inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocJavaScript(const std::
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocumentFileName() { return Forward<std::wstring>(LibraryFunctionSlot::GetDocumentFileName); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetDocumentFileSize() { return Forward<int>(LibraryFunctionSlot::GetDocumentFileSize); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetDocumentID(int index) { return Forward<int>(LibraryFunctionSlot::GetDocumentID, index); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocumentIdentifier(int a1, int a2) { return Forward<std::wstring>(LibraryFunctionSlot::GetDocumentIdentifier, a1, a2); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocumentIdentifier(int part, int format) { return Forward<std::wstring>(LibraryFunctionSlot::GetDocumentIdentifier, part, format); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocumentMetadata() { return Forward<std::wstring>(LibraryFunctionSlot::GetDocumentMetadata); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetDocumentRepaired() { return Forward<int>(LibraryFunctionSlot::GetDocumentRepaired); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetDocumentResourceList() { return Forward<std::wstring>(LibraryFunctionSlot::GetDocumentResourceList); }
@@ -314,7 +314,7 @@ inline int HalvexPDFLibraryCPDylibCPP1311::GetFontIsEmbedded() { return Forward<
 inline int HalvexPDFLibraryCPDylibCPP1311::GetFontIsSubsetted() { return Forward<int>(LibraryFunctionSlot::GetFontIsSubsetted); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetFontMetrics(int a1) { return Forward<int>(LibraryFunctionSlot::GetFontMetrics, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetFontObjectNumber() { return Forward<int>(LibraryFunctionSlot::GetFontObjectNumber); }
-inline int HalvexPDFLibraryCPDylibCPP1311::GetFormFieldActionID(int a1, const std::wstring& a2) { return Forward<int>(LibraryFunctionSlot::GetFormFieldActionID, a1, a2); }
+inline int HalvexPDFLibraryCPDylibCPP1311::GetFormFieldActionID(int index, const std::wstring& trigger) { return Forward<int>(LibraryFunctionSlot::GetFormFieldActionID, index, trigger); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetFormFieldAlignment(int a1) { return Forward<int>(LibraryFunctionSlot::GetFormFieldAlignment, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetFormFieldAnnotFlags(int a1) { return Forward<int>(LibraryFunctionSlot::GetFormFieldAnnotFlags, a1); }
 inline double HalvexPDFLibraryCPDylibCPP1311::GetFormFieldBackgroundColor(int a1, int a2) { return Forward<double>(LibraryFunctionSlot::GetFormFieldBackgroundColor, a1, a2); }
@@ -411,16 +411,16 @@ inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetOptionalContentGroupName(
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOptionalContentGroupPrintable(int a1) { return Forward<int>(LibraryFunctionSlot::GetOptionalContentGroupPrintable, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOptionalContentGroupVisible(int a1) { return Forward<int>(LibraryFunctionSlot::GetOptionalContentGroupVisible, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOrigin() { return Forward<int>(LibraryFunctionSlot::GetOrigin); }
-inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineActionID(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlineActionID, a1); }
+inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineActionID(int outlineID) { return Forward<int>(LibraryFunctionSlot::GetOutlineActionID, outlineID); }
 inline double HalvexPDFLibraryCPDylibCPP1311::GetOutlineColor(int a1, int a2) { return Forward<double>(LibraryFunctionSlot::GetOutlineColor, a1, a2); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineDest(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlineDest, a1); }
-inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineID(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlineID, a1); }
+inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineID(int index) { return Forward<int>(LibraryFunctionSlot::GetOutlineID, index); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetOutlineJavaScript(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetOutlineJavaScript, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineObjectNumber(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlineObjectNumber, a1); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetOutlineOpenFile(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetOutlineOpenFile, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlinePage(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlinePage, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::GetOutlineStyle(int a1) { return Forward<int>(LibraryFunctionSlot::GetOutlineStyle, a1); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetOutlineWebLink(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetOutlineWebLink, a1); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetOutlineWebLink(int outlineID) { return Forward<std::wstring>(LibraryFunctionSlot::GetOutlineWebLink, outlineID); }
 inline double HalvexPDFLibraryCPDylibCPP1311::GetPageBox(int a1, int a2) { return Forward<double>(LibraryFunctionSlot::GetPageBox, a1, a2); }
 inline std::wstring HalvexPDFLibraryCPDylibCPP1311::GetPageColorSpaces(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::GetPageColorSpaces, a1); }
 inline std::string HalvexPDFLibraryCPDylibCPP1311::GetPageContentToString() { return Forward<std::string>(LibraryFunctionSlot::GetPageContentToString); }
@@ -548,7 +548,7 @@ inline int HalvexPDFLibraryCPDylibCPP1311::NormalizePage(int a1) { return Forwar
 inline int HalvexPDFLibraryCPDylibCPP1311::OpenOutline(int a1) { return Forward<int>(LibraryFunctionSlot::OpenOutline, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::OptionalContentGroupCount() { return Forward<int>(LibraryFunctionSlot::OptionalContentGroupCount); }
 inline int HalvexPDFLibraryCPDylibCPP1311::OutlineCount() { return Forward<int>(LibraryFunctionSlot::OutlineCount); }
-inline std::wstring HalvexPDFLibraryCPDylibCPP1311::OutlineTitle(int a1) { return Forward<std::wstring>(LibraryFunctionSlot::OutlineTitle, a1); }
+inline std::wstring HalvexPDFLibraryCPDylibCPP1311::OutlineTitle(int outlineID) { return Forward<std::wstring>(LibraryFunctionSlot::OutlineTitle, outlineID); }
 inline int HalvexPDFLibraryCPDylibCPP1311::PageCount() { return Forward<int>(LibraryFunctionSlot::PageCount); }
 inline int HalvexPDFLibraryCPDylibCPP1311::PageHasFontResources(int a1) { return Forward<int>(LibraryFunctionSlot::PageHasFontResources, a1); }
 inline double HalvexPDFLibraryCPDylibCPP1311::PageHeight() { return Forward<double>(LibraryFunctionSlot::PageHeight); }
@@ -604,7 +604,7 @@ inline int HalvexPDFLibraryCPDylibCPP1311::SelectedDocument() { return Forward<i
 inline int HalvexPDFLibraryCPDylibCPP1311::SelectedFont() { return Forward<int>(LibraryFunctionSlot::SelectedFont); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SelectedImage() { return Forward<int>(LibraryFunctionSlot::SelectedImage); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SelectedPage() { return Forward<int>(LibraryFunctionSlot::SelectedPage); }
-inline int HalvexPDFLibraryCPDylibCPP1311::SetActionURL(int a1, const std::wstring& a2) { return Forward<int>(LibraryFunctionSlot::SetActionURL, a1, a2); }
+inline int HalvexPDFLibraryCPDylibCPP1311::SetActionURL(int actionID, const std::wstring& url) { return Forward<int>(LibraryFunctionSlot::SetActionURL, actionID, url); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetAnnotBorderColor(int a1, double a2, double a3, double a4) { return Forward<int>(LibraryFunctionSlot::SetAnnotBorderColor, a1, a2, a3, a4); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetAnnotBorderStyle(int a1, double a2, int a3, double a4, double a5) { return Forward<int>(LibraryFunctionSlot::SetAnnotBorderStyle, a1, a2, a3, a4, a5); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetAnnotContents(int a1, const std::wstring& a2) { return Forward<int>(LibraryFunctionSlot::SetAnnotContents, a1, a2); }
@@ -753,7 +753,7 @@ inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineOpenFile(int a1, const std:
 inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineRemoteDestination(int a1, const std::wstring& a2, int a3, int a4, int a5, double a6, double a7, double a8, double a9, int a10) { return Forward<int>(LibraryFunctionSlot::SetOutlineRemoteDestination, a1, a2, a3, a4, a5, a6, a7, a8, a9, a10); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineStyle(int a1, int a2, int a3) { return Forward<int>(LibraryFunctionSlot::SetOutlineStyle, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineTitle(int a1, const std::wstring& a2) { return Forward<int>(LibraryFunctionSlot::SetOutlineTitle, a1, a2); }
-inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineWebLink(int a1, const std::wstring& a2) { return Forward<int>(LibraryFunctionSlot::SetOutlineWebLink, a1, a2); }
+inline int HalvexPDFLibraryCPDylibCPP1311::SetOutlineWebLink(int outlineID, const std::wstring& url) { return Forward<int>(LibraryFunctionSlot::SetOutlineWebLink, outlineID, url); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetOverprint(int a1, int a2, int a3) { return Forward<int>(LibraryFunctionSlot::SetOverprint, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetPDFAMode(int a1) { return Forward<int>(LibraryFunctionSlot::SetPDFAMode, a1); }
 inline int HalvexPDFLibraryCPDylibCPP1311::SetPNGTransparencyColor(int a1, int a2, int a3) { return Forward<int>(LibraryFunctionSlot::SetPNGTransparencyColor, a1, a2, a3); }

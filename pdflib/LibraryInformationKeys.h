@@ -16,7 +16,7 @@ enum LibraryInformationKey : int {
   kInformationKeywords = 4,          ///< /Keywords
   kInformationCreator = 5,           ///< /Creator
   kInformationProducer = 6,          ///< /Producer
-  kInformationCreationDate = 7,      ///< /CreationDate, as it stands in the file: "D:20260102030405Z"
+  kInformationCreationDate = 7,      ///< /CreationDate, as it is in the file: "D:20260102030405Z"
   kInformationModDate = 8,           ///< /ModDate, likewise
   kInformationWayOfSaving = 1000,    ///< how a save would be written now: "unchanged", "incremental" or "rewrite"
   kInformationWhyRewrite = 1001,     ///< why it would be a rewrite; else empty

@@ -10,7 +10,7 @@ struct DialogLoadStruct;
 
 /// What the host asks of every action. The order of the virtual functions is part of the contract with the host.
 /// Every call arrives on the host's GUI thread. A host may unload the plug-in and keep its texts and maps, so every
-/// text that an action returns or stores has memory of its own: QString("text"), not QString("text").
+/// text that an action returns or stores has memory of its own: QString("text"), not a QStringLiteral.
 class CActionInterface {
  public:
   virtual ~CActionInterface() = default;

@@ -24,7 +24,7 @@ struct ActionListFile {
   std::vector<Entry> entries;       ///< up to the first number without an action name
   bool hasEntriesAfterGap = false;  ///< actions with higher numbers than the first missing one were left out
   bool hasUnreadableLines =
-      false;  ///< some lines are no settings and were left out; not known of a file with a byte-order mark
+      false;  ///< some lines are not settings and were left out; always false for a file with a byte-order mark
 
   /// "<sequence folder>/<name with each space as "_">.xqq".
   static QString PathOf(const QString& name);

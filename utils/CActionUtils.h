@@ -62,7 +62,7 @@ class CActionUtils {
   /// and category stay. Otherwise the list is made anew with this one action, and the four keys named above are removed
   /// from `*prefs` and not stored with the action.
   ///
-  /// Errors are not reported. Lines of an existing list that are no settings are lost when it is appended to. A list
+  /// Errors are not reported. Lines of an existing list that are not settings are lost when it is appended to. A list
   /// that cannot be replaced (a full disk, a read-only folder) stays as it was, and so does `*prefs`. A null map does
   /// nothing.
   static void SaveAsCustomActionList(QMap<QString, QVariant>* prefs);
@@ -104,7 +104,7 @@ class CActionUtils {
 
   /// The absolute paths of the files in `dir` whose suffix, the text after the last ".", is one of `suffixes` ("pdf",
   /// not ".pdf"; case does not matter). Names are taken in case-sensitive order, and with `recursive` a folder's files
-  /// come where the folder stands in that order. Symbolic links are neither listed nor followed, hidden entries are
+  /// come at the place of the folder in that order. Symbolic links are neither listed nor followed, hidden entries are
   /// left out, and so is what cannot be read. A name filter of `dir` holds for its own entries only. Backslashes become
   /// slashes.
   static QStringList SearchFilesInDir(QDir dir, QStringList suffixes, bool recursive);
@@ -125,7 +125,7 @@ class CActionUtils {
   static void FixStringForFilename(QString* name);
 
   /// `path` with every "%ALLUSERSPROFILE%" replaced by "<folder of the users' homes>/All Users/", or by
-  /// ".../All Users/Application Data/" where the homes lie in "Documents and Settings".
+  /// ".../All Users/Application Data/" where the homes are in "Documents and Settings".
   static QString ReplaceEnvironmentPaths(QString path);
 
   /// The nearest integer; exact halves go down (2.5 gives 2, -2.5 gives -3). The nearest int for a value beyond its
@@ -183,7 +183,7 @@ class CActionUtils {
 
   // ---- Split commands ----
 
-  /// The number of a command of gCommandsList, whatever its case; -1 for an unknown one.
+  /// The number of a command of gCommandsList, in upper or lower case; -1 for an unknown one.
   static int SplitComGetCommandIndex(QString command);
   /// The command of that number, "INVALID_INDEX" when there is none.
   static QString SplitComGetCommandString(int number);

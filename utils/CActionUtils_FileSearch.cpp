@@ -11,7 +11,7 @@ struct Level {
   explicit Level(QDir folder) : path(folder.absolutePath()) {
     folder.setSorting(QDir::Name);
     folder.setFilter(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
-    // The listing knows the entries' kinds, so that none of them has to be looked at again.
+    // The listing has the entries' types, so that no entry is examined again.
     entries = folder.entryInfoList();
   }
 

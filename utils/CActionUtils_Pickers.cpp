@@ -22,7 +22,7 @@ struct NamedColor {
   QColor color;
 };
 
-// The colours in picker order; the first stands at position 1, after "(none)".
+// The colours in picker order; the first has position 1, after "(none)".
 const std::vector<NamedColor>& Colors() {
   static const std::vector<NamedColor> colors = {
       {"Black", Qt::black},   {"White", Qt::white}, {"Gray", Qt::gray}, {"Red", Qt::red},   {"Orange", {255, 127, 0}},
@@ -136,7 +136,7 @@ void BuildPicker(QComboBox* combo, QSize iconSize, int rowHeight, const QList<QS
   view->verticalHeader()->setMinimumSectionSize(rowHeight);  // styles ask for more than these rows want
   for (int row = 0; row < items.size(); ++row) view->setRowHeight(row, rowHeight);
   view->setFixedHeight(rowHeight * items.size());
-  // Black on the style sheet's fixed colours, whatever the desktop's own theme: many select in white.
+  // Black on the style sheet's fixed colours, in every desktop theme: many select in white.
   QPalette palette = view->palette();
   palette.setColor(QPalette::Text, Qt::black);
   palette.setColor(QPalette::HighlightedText, Qt::black);

@@ -83,7 +83,7 @@ void CUtils::SetupFolders() {
     MakeFolder(tools + QLatin1String(name));
   }
 
-  // The running application's own name here, whatever SetAppName() was told.
+  // The running application's own name, not the one of SetAppName().
   const QString own = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + QLatin1Char('/') +
                       QCoreApplication::applicationName();
   MakeFolder(own);

@@ -4,5 +4,5 @@
 /// @file
 
 /// Makes the images and pages under ":/Vorlane/Resources/" available. They are linked in from a static library, so
-/// nothing registers them by itself. Safe to repeat; called by whatever is about to use one of them.
+/// nothing registers them by itself. Safe to repeat; called before each use of them.
 void InitKitResources();

@@ -11,8 +11,8 @@
 
 namespace engine {
 
-// The string arguments of one instance on their way in. A handle is no address but a number that is never given out
-// twice, in any instance, so that one used after its release, or one of another instance, is told from a living buffer.
+// The string arguments of one instance. A handle is not an address but a number that is never used twice, in any
+// instance, so that one used after its release, or one of another instance, is not taken for a living buffer.
 class BufferPool {
  public:
   // A buffer for `size` bytes. Never null, which would mean an empty text: when the buffer cannot be made, the handle

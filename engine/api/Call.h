@@ -28,7 +28,7 @@ class Call {
   Document& Selected() { return instance_.Selected(); }
 
   // The text in a wide-string buffer, empty for null. Throws EngineError as BufferPool::Bytes, and kErrorBadBuffer for
-  // a size that is no number of units.
+  // a size that is not a multiple of a unit.
   std::wstring_view Text(void* buffer) const;
   // The same for a byte-string buffer; null is an unknown buffer.
   std::string_view Bytes(void* buffer) const { return instance_.Buffers().Bytes(buffer); }
@@ -44,7 +44,7 @@ LibraryErrorCode CodeOfCurrentException() noexcept;
 // The instance, or null.
 Instance* FindInstance(int id) noexcept;
 
-// The exception boundary, and the one way from an exported function into the engine: looks the instance up, runs
+// The exception boundary, through which every exported function enters the engine: looks the instance up, runs
 // `body(call)`, stores its string result, sets the last error and frees the wide-string buffers. An unknown instance
 // and every exception give R(). `body` returns what the function does; text and bytes instead of pointers.
 template <typename R, typename Body>

@@ -34,7 +34,7 @@ class Instance {
   void SetLastError(LibraryErrorCode code) { lastError_ = code; }
 
   // Keep a string result until the next one of either kind; the pointer is good until then. Throws EngineError
-  // kErrorFileTooLarge for a result whose length is no int.
+  // kErrorFileTooLarge for a result whose length does not fit an int.
   wchar_t* Keep(std::wstring text);
   char* Keep(std::string bytes);
   void ForgetResult();

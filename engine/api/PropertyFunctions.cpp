@@ -2,6 +2,8 @@
 
 // Document properties: base URL, document information, facts about the document.
 
+#include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string>
 
@@ -9,6 +11,8 @@
 #include "engine/api/Exports.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/Text.h"
+#include "engine/syntax/LiteralString.h"
+#include "engine/syntax/TextString.h"
 #include "pdflib/LibraryInformationKeys.h"
 
 using engine::Call;
@@ -63,6 +67,18 @@ std::string Fact(Document& document, int key) {
   }
 }
 
+// The values of /PageMode and /PageLayout (ISO 32000-1, table 28); the index is what is returned.
+constexpr const char* kPageModes[] = {"UseNone", "UseOutlines", "UseThumbs", "FullScreen", "UseOC", "UseAttachments"};
+constexpr const char* kPageLayouts[] = {"SinglePage",     "OneColumn",   "TwoColumnLeft",
+                                        "TwoColumnRight", "TwoPageLeft", "TwoPageRight"};
+
+// 0, the standard value, for a name that is not in the table.
+template <std::size_t N>
+int IndexOf(const char* const (&names)[N], const std::string& name) {
+  const auto* const found = std::find(std::begin(names), std::end(names), name);
+  return found != std::end(names) ? static_cast<int>(found - std::begin(names)) : 0;
+}
+
 std::string CustomKey(std::wstring_view key) {
   std::string name = Utf8FromWide(key);
   if (name.empty() || name.find('\0') != std::string::npos) {
@@ -81,7 +97,7 @@ int HPLSetBaseURL(int instance, void* url) {
 }
 
 wchar_t* HPLGetBaseURL(int instance) {
-  return Guarded<wchar_t*>(instance, [](Call& call) { return engine::WideFromUrl(call.Selected().BaseUrl()); });
+  return Guarded<wchar_t*>(instance, [](Call& call) { return engine::WideFromUrlString(call.Selected().BaseUrl()); });
 }
 
 wchar_t* HPLGetInformation(int instance, int key) {
@@ -106,4 +122,38 @@ int HPLSetCustomInformation(int instance, void* key, void* value) {
     call.Selected().SetInformation(CustomKey(call.Text(key)), Utf8FromWide(call.Text(value)));
     return 1;
   });
+}
+
+int HPLEncryptionAlgorithm(int instance) {
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().Encryption().algorithm; });
+}
+
+int HPLEncryptionStrength(int instance) {
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().Encryption().bits; });
+}
+
+int HPLIsTaggedPDF(int instance) {
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().Links().Tagged() ? 1 : 0; });
+}
+
+wchar_t* HPLGetDocumentIdentifier(int instance, int part, int format) {
+  return Guarded<wchar_t*>(instance, [&](Call& call) {
+    if (format != 0) throw EngineError(kErrorBadArgument, "unknown format of an identifier");
+    const std::string digits = engine::HexString(call.Selected().Identifier(part));
+    return WideFromUtf8(digits.substr(1, digits.size() - 2));
+  });
+}
+
+int HPLEmbeddedFileCount(int instance) {
+  return Guarded<int>(instance, [](Call& call) { return call.Selected().Links().EmbeddedFileCount(); });
+}
+
+int HPLGetPageMode(int instance) {
+  return Guarded<int>(instance,
+                      [](Call& call) { return IndexOf(kPageModes, call.Selected().Links().CatalogName("/PageMode")); });
+}
+
+int HPLGetPageLayout(int instance) {
+  return Guarded<int>(
+      instance, [](Call& call) { return IndexOf(kPageLayouts, call.Selected().Links().CatalogName("/PageLayout")); });
 }

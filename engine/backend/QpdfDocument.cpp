@@ -28,6 +28,7 @@
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/MapStrings.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -263,6 +264,17 @@ int QpdfDocument::PageCount() {
   return Ask([&] { return static_cast<int>(qpdf_->getAllPages().size()); });
 }
 
+std::vector<ObjectId> QpdfDocument::Pages() {
+  return Ask([&] {
+    std::vector<ObjectId> pages;
+    for (const QPDFObjectHandle& page : qpdf_->getAllPages()) {
+      const QPDFObjGen id = page.getObjGen();
+      pages.push_back({static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())});
+    }
+    return pages;
+  });
+}
+
 BackendDocument::PageGeometry QpdfDocument::Page(int page) {
   return Ask([&] {
     QPDFPageObjectHelper helper(qpdf_->getAllPages().at(static_cast<std::size_t>(page) - 1));
@@ -277,6 +289,19 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
     if (rotate.isInteger()) geometry.rotation = static_cast<int>((rotate.getIntValue() % 360 + 360) % 360) / 90 * 90;
     return geometry;
   });
+}
+
+BackendDocument::Encryption QpdfDocument::EncryptionMethod() {
+  int revision = 0;
+  int permissions = 0;
+  int version = 0;
+  QPDF::encryption_method_e streams = QPDF::e_none;
+  QPDF::encryption_method_e strings = QPDF::e_none;
+  QPDF::encryption_method_e files = QPDF::e_none;
+  if (!qpdf_->isEncrypted(revision, permissions, version, streams, strings, files)) return {};
+  const QPDF::encryption_method_e method = streams != QPDF::e_none ? streams : strings;
+  const bool aes = method == QPDF::e_aes || method == QPDF::e_aesv3;
+  return {aes ? 2 : 1, static_cast<int>(qpdf_->getEncryptionKey().size()) * 8};
 }
 
 BackendDocument::PasswordMatch QpdfDocument::Check(const std::string& password) {
@@ -308,13 +333,15 @@ bool QpdfDocument::Repaired() {
 
 std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
   return Ask([&]() -> std::optional<std::string> {
+    // The parser keeps every object that it was asked for. And it tells nobody where it found those of a file that it
+    // rebuilt.
+    if (recovery_ != Recovery::kOn) {
+      if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
+      if (std::optional<std::string> text = raw_->Text(id)) return text;
+    }
     QPDFObjectHandle object = qpdf_->getObject(IdOf(id));
     if (object.isStream()) return std::nullopt;
-    // The parser tells nobody where it found the objects of a file that it rebuilt.
-    if (recovery_ == Recovery::kOn) return ObjectWriter().Write(object);
-    if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
-    std::optional<std::string> text = raw_->Text(id);
-    return text ? std::move(*text) : ObjectWriter().Write(object);
+    return ObjectWriter().Write(object);
   });
 }
 
@@ -374,6 +401,17 @@ bool QpdfDocument::VerifyUpdate(std::shared_ptr<const InputFile> updated, const 
   return !appendFailed_;
 }
 
+// Whether the object has this text; its strings may be written in other ways.
+bool QpdfDocument::Has(ObjectId id, const std::string& text) {
+  const std::optional<std::string> found = ObjectText(id);
+  try {
+    if (found && MapStrings(*found, LiteralString) == MapStrings(text, LiteralString)) return true;
+  } catch (const PdfSyntaxError&) {
+    // Left to the parser.
+  }
+  return ObjectWriter().Write(qpdf_->getObject(IdOf(id))) == ObjectWriter().Write(Parse(*qpdf_, text));
+}
+
 bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits) {
   const std::unique_ptr<QpdfDocument> other = OpenSaved(std::move(updated));
   if (other == nullptr) return false;
@@ -389,8 +427,7 @@ bool QpdfDocument::ReadsBack(std::shared_ptr<const InputFile> updated, const Edi
   try {
     return other->Ask([&] {
       for (const auto& [id, text] : edits.Objects()) {
-        QPDFObjectHandle found = other->qpdf_->getObject(IdOf(id));
-        if (ObjectWriter().Write(found) != ObjectWriter().Write(Parse(*other->qpdf_, text))) return false;
+        if (!other->Has(id, text)) return false;
       }
       for (const auto& [key, value] : edits.Trailer()) {
         if (other->TrailerValue(key) != value) return false;

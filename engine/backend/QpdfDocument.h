@@ -24,8 +24,10 @@ class QpdfDocument : public BackendDocument {
   static std::unique_ptr<QpdfDocument> Open(std::shared_ptr<const InputFile> file, const std::string& password);
 
   int PageCount() override;
+  std::vector<ObjectId> Pages() override;
   PageGeometry Page(int page) override;
   bool Encrypted() override { return qpdf_->isEncrypted(); }
+  Encryption EncryptionMethod() override;
   PasswordMatch OpenedWith() override { return {qpdf_->userPasswordMatched(), qpdf_->ownerPasswordMatched()}; }
   PasswordMatch Check(const std::string& password) override;
   bool Linearized() override;
@@ -61,6 +63,7 @@ class QpdfDocument : public BackendDocument {
   std::shared_ptr<QPDF> OpenCopy();
   const std::optional<FileTail>& KnownTail();
   std::optional<FileTail> FindTail();
+  bool Has(ObjectId id, const std::string& text);
   bool ReadsBack(std::shared_ptr<const InputFile> updated, const Edits& edits);
 
   std::shared_ptr<const InputFile> file_;

@@ -327,7 +327,7 @@ void OutputFile::Commit(const InputFile* loaded) {
   if (InMemory()) return;
   Flush();
   if (source_ != nullptr) CheckBeginsWith(*source_);
-  if (loaded != nullptr && loaded_ == nullptr) NoteLoaded(*loaded);
+  if (loaded != nullptr && loaded != source_.get()) NoteLoaded(*loaded);
   const bool unnamed = temporary_.empty();
   if (unnamed && loaded_ == nullptr) {
     if (Name(descriptor_, target_)) return Close();

@@ -25,5 +25,5 @@ class Backend {
 
 }  // namespace engine
 
-// The module's only export; its answer lives as long as the process.
+// The module's only export. What it returns lives as long as the process.
 extern "C" engine::Backend* HalvexEngineBackend();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "engine/quick/FileTail.h"
 #include "engine/save/Edits.h"
@@ -27,6 +28,10 @@ class BackendDocument {
     int count = 0;
     int certificationLevel = 0;  // /P of DocMDP (ISO 32000-1, 12.8.2.2): 1 to 3; 0 for a document without
   };
+  struct Encryption {
+    int algorithm = 0;  // 0: none, 1: RC4, 2: AES
+    int bits = 0;       // of the key
+  };
   // Which rights a password gives.
   struct PasswordMatch {
     bool user = false;
@@ -36,10 +41,13 @@ class BackendDocument {
   virtual ~BackendDocument() = default;
 
   virtual int PageCount() = 0;
+  // The pages in their order. One that the file does not have as an object gets a number above all of the file's.
+  virtual std::vector<ObjectId> Pages() = 0;
   // `page` is from 1 to PageCount().
   virtual PageGeometry Page(int page) = 0;
 
   virtual bool Encrypted() = 0;
+  virtual Encryption EncryptionMethod() = 0;
   // What the password that opened the document matched.
   virtual PasswordMatch OpenedWith() = 0;
   virtual PasswordMatch Check(const std::string& password) = 0;
@@ -49,7 +57,7 @@ class BackendDocument {
   // Whether the document had to be repaired, at loading or when a part of it was read later.
   virtual bool Repaired() = 0;
 
-  // What stands between "obj" and "endobj", strings in the clear, otherwise byte for byte as in the file where that is
+  // The text between "obj" and "endobj", strings in the clear, otherwise byte for byte as in the file where that is
   // plain PDF syntax. "null" when there is no such object; no value for a stream.
   virtual std::optional<std::string> ObjectText(ObjectId id) = 0;
   // The value of a trailer entry, its key with the slash; empty when there is none.
@@ -57,7 +65,7 @@ class BackendDocument {
   // One above the highest object number.
   virtual std::uint32_t FirstFreeNumber() = 0;
 
-  // What an appended update continues; no value when the document can only be rewritten.
+  // What an appended update continues. No value when the document can only be rewritten.
   virtual std::optional<FileTail> Tail() = 0;
   // An object's text as an update holds it: with strings encrypted where the file has them encrypted. Throws
   // EngineError kErrorUnsupportedSecurity when they cannot be encrypted.

@@ -42,7 +42,7 @@ Backend& Load() {
   void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (module == nullptr) throw EngineError(kErrorBackendMissing, dlerror());
   const auto entry = reinterpret_cast<decltype(&HalvexEngineBackend)>(dlsym(module, kEntryPoint));
-  if (entry == nullptr) throw EngineError(kErrorBackendMissing, path + " is no backend of this library");
+  if (entry == nullptr) throw EngineError(kErrorBackendMissing, path + " is not the backend of this library");
   return *entry();
 }
 

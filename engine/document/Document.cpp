@@ -37,19 +37,34 @@ LoadedFile& Document::File() {
 }
 
 std::string Document::BaseUrl() {
-  return BaseUrlOf(File(), edits_);
+  return BaseUrlOf(File(), AllEdits());
 }
 
 void Document::SetBaseUrl(const std::string& url) {
-  engine::SetBaseUrl(File(), edits_, url);
+  engine::SetBaseUrl(File(), AllEdits(), url);
 }
 
 std::string Document::Information(const std::string& key) {
-  return InformationOf(File(), edits_, key);
+  return InformationOf(File(), AllEdits(), key);
 }
 
 void Document::SetInformation(const std::string& key, const std::string& value) {
-  engine::SetInformation(File(), edits_, key, value);
+  engine::SetInformation(File(), AllEdits(), key, value);
+}
+
+DocumentLinks& Document::Links() {
+  if (links_ == nullptr) links_ = std::make_unique<DocumentLinks>(File(), edits_);
+  return *links_;
+}
+
+Edits& Document::AllEdits() {
+  if (links_ != nullptr) links_->StoreChanges();
+  return edits_;
+}
+
+std::string Document::Identifier(int part) {
+  if (part < 1 || part > 2) throw EngineError(kErrorBadArgument, "an identifier has two parts");
+  return Links().IdentifierPart(File().TrailerValue("/ID"), part);
 }
 
 void Document::SelectPage(int page) {
@@ -68,19 +83,20 @@ void Document::SaveToFile(const std::string& path) {
     return;
   }
   std::unique_ptr<OutputFile> output;
-  const SaveMode mode = File().Write(edits_, output, [&] { return std::make_unique<OutputFile>(path); });
+  const SaveMode mode = File().Write(AllEdits(), output, [&] { return std::make_unique<OutputFile>(path); });
   const InputFile::Identity source = file_->Source().GetIdentity();
   output->Commit(&file_->Source());
   lastSaved_ = mode;
   // Replaced under another of its names, the loaded file is still there.
   if (!output->Replaced(source.device, source.inode) || file_->IsAt(absolutePath_)) return;
+  links_.reset();
   file_.reset();
   edits_ = Edits();
 }
 
 std::string Document::SaveToBytes() {
   std::unique_ptr<OutputFile> output;
-  const SaveMode mode = File().Write(edits_, output, [] { return std::make_unique<OutputFile>(); });
+  const SaveMode mode = File().Write(AllEdits(), output, [] { return std::make_unique<OutputFile>(); });
   std::string bytes = output->TakeBytes();
   lastSaved_ = mode;
   return bytes;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/document/DocumentLinks.h"
 #include "engine/document/LoadedFile.h"
 #include "engine/save/Edits.h"
 
@@ -32,21 +33,26 @@ class Document {
   std::string Information(const std::string& key);
   void SetInformation(const std::string& key, const std::string& value);
 
-  int PageCount() { return File().Full().PageCount(); }
+  int PageCount() { return static_cast<int>(File().Pages().size()); }
   int SelectedPage() const { return selectedPage_; }
   // Throws EngineError kErrorBadArgument for a page that is not there.
   void SelectPage(int page);
   BackendDocument::PageGeometry PageGeometry();
+  // The links of the document with its edits; valid until the next save.
+  DocumentLinks& Links();
+  // Part 1 stays when a document is changed, part 2 does not (ISO 32000-1, 14.4); the bytes, empty for none.
+  std::string Identifier(int part);
 
   // See LoadedFile and BackendDocument.
   bool Repaired() { return File().Repaired(); }
   BackendDocument::Signatures Signatures() { return File().Signatures(); }
   bool Linearized() { return File().Full().Linearized(); }
+  BackendDocument::Encryption Encryption() { return File().Encryption(); }
   int EncryptionStatus() { return File().EncryptionStatus(); }
   BackendDocument::PasswordMatch CheckPassword(const std::string& password) { return File().Full().Check(password); }
 
   // How a save would be written now.
-  SavePlan Plan() { return File().PlanFor(edits_); }
+  SavePlan Plan() { return File().PlanFor(AllEdits()); }
   // How the latest successful save was written; no value before the first. Differs from the plan when an appended
   // update did not read back.
   std::optional<SaveMode> LastSaved() const { return lastSaved_; }
@@ -57,14 +63,17 @@ class Document {
 
  private:
   Document() = default;
-  // The loaded file; after a save onto it, what stands there now.
+  // The loaded file; after a save onto it, the new one.
   LoadedFile& File();
+  // The edits with those that were made through Links().
+  Edits& AllEdits();
 
   std::string fileName_;
   std::string absolutePath_;
   std::string password_;
   std::optional<LoadedFile> file_;
   Edits edits_;
+  std::unique_ptr<DocumentLinks> links_;
   std::optional<SaveMode> lastSaved_;
   int selectedPage_ = 1;
 };

@@ -6,7 +6,6 @@
 
 #include "engine/base/EngineError.h"
 #include "engine/document/LoadedFile.h"
-#include "engine/quick/BaseUrl.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
 #include "engine/syntax/PdfLexer.h"
@@ -23,6 +22,8 @@ constexpr char kUri[] = "/URI";
 constexpr char kBase[] = "/Base";
 
 std::optional<ObjectId> ReferenceIn(std::string_view value) {
+  // Most values are none, and an exception costs time.
+  if (value.empty() || value.back() != 'R') return std::nullopt;
   try {
     return PdfLexer::ToReference(value);
   } catch (const PdfSyntaxError&) {
@@ -46,9 +47,13 @@ class EditedFile {
     const std::string* const edited = edits_.Find(*id);
     return edited != nullptr ? *edited : file_.ObjectText(*id).value_or("");
   }
+  // The dictionary that a value is or refers to.
+  std::optional<DictionaryText> Dictionary(std::string_view value) const {
+    return DictionaryText::Parse(Resolve(value));
+  }
   // A dictionary that the trailer names; an empty one when there is none.
-  DictionaryText Dictionary(const std::string& trailerKey) const {
-    return DictionaryText::Parse(Resolve(TrailerValue(trailerKey))).value_or(DictionaryText());
+  DictionaryText Named(const std::string& trailerKey) const {
+    return Dictionary(TrailerValue(trailerKey)).value_or(DictionaryText());
   }
   // The bytes of a string entry; empty for anything else.
   std::string String(const DictionaryText& dictionary, const std::string& key) const {
@@ -60,8 +65,11 @@ class EditedFile {
   }
   // The base URL's dictionary in a catalog; an empty one when there is none.
   DictionaryText Uri(const DictionaryText& catalog) const {
-    const std::optional<std::string_view> uri = catalog.Find(kUri);
-    return uri ? DictionaryText::Parse(Resolve(*uri)).value_or(DictionaryText()) : DictionaryText();
+    return Dictionary(catalog.Find(kUri).value_or("")).value_or(DictionaryText());
+  }
+  std::string BaseUrl(const DictionaryText& catalog) const { return String(Uri(catalog), kBase); }
+  std::string Information(const DictionaryText& information, const std::string& entry) const {
+    return Utf8FromTextString(String(information, entry));
   }
 
  private:
@@ -69,26 +77,42 @@ class EditedFile {
   const Edits& edits_;
 };
 
-// Gives the entry of `dictionary` the value that it has in `stored`.
-void Restore(DictionaryText& dictionary, const std::string& key, const DictionaryText& stored) {
-  if (const std::optional<std::string_view> value = stored.Find(key)) {
-    dictionary.Set(key, std::string(*value));
+void SetOrRemove(DictionaryText& dictionary, const std::string& key, const std::optional<std::string>& value) {
+  if (value) {
+    dictionary.Set(key, *value);
   } else {
     dictionary.Remove(key);
   }
 }
 
-// Edits the dictionary that the trailer names; one that is not an object of its own becomes one.
-void SetDictionary(LoadedFile& file, Edits& edits, const std::string& trailerKey, const DictionaryText& dictionary) {
+// Gives `entry` of the dictionary that the trailer names a new value. isAsStored(original, stored) returns whether the
+// value is the one that the file, `original`, has in that dictionary, `stored`; otherwise newValue(edited, dictionary)
+// returns its text, or nothing to remove the entry. A dictionary that is not an object of its own becomes one.
+template <typename IsAsStored, typename NewValue>
+void EditEntry(LoadedFile& file, Edits& edits, const std::string& trailerKey, const std::string& entry,
+               IsAsStored isAsStored, NewValue newValue) {
+  const Edits none;
+  const EditedFile original(file, none);
   const EditedFile edited(file, edits);
+  const std::optional<DictionaryText> found = original.Dictionary(original.TrailerValue(trailerKey));
+  const DictionaryText stored = found.value_or(DictionaryText());
+
   const std::string value = edited.TrailerValue(trailerKey);
   std::optional<ObjectId> id = ReferenceIn(value);
-  if (id && !DictionaryText::Parse(edited.Resolve(value))) id.reset();
-  const Edits none;
-  if (dictionary.SameEntries(EditedFile(file, none).Dictionary(trailerKey))) {
-    if (id) edits.Reset(*id);
-    edits.ResetTrailer(trailerKey);
-    return;
+  const bool isEdited = edits.FindTrailer(trailerKey) != nullptr || (id && edits.Find(*id) != nullptr);
+  const std::optional<DictionaryText> current = isEdited ? edited.Dictionary(value) : found;
+  if (!current) id.reset();
+  DictionaryText dictionary = current.value_or(DictionaryText());
+
+  if (isAsStored(original, stored)) {
+    SetOrRemove(dictionary, entry, std::optional<std::string>(stored.Find(entry)));
+    if (dictionary.SameEntries(stored)) {
+      if (id) edits.Reset(*id);
+      edits.ResetTrailer(trailerKey);
+      return;
+    }
+  } else {
+    SetOrRemove(dictionary, entry, newValue(edited, dictionary));
   }
   // A catalog that cannot be read is not replaced by one without pages.
   if (!id && trailerKey == kRoot && dictionary.Find("/Pages") == std::nullopt) {
@@ -105,39 +129,38 @@ void SetDictionary(LoadedFile& file, Edits& edits, const std::string& trailerKey
 
 std::string BaseUrlOf(LoadedFile& file, const Edits& edits) {
   const EditedFile edited(file, edits);
-  return edited.String(edited.Uri(edited.Dictionary(kRoot)), kBase);
+  return edited.BaseUrl(edited.Named(kRoot));
 }
 
 void SetBaseUrl(LoadedFile& file, Edits& edits, const std::string& url) {
-  const EditedFile edited(file, edits);
-  const Edits none;
-  DictionaryText catalog = edited.Dictionary(kRoot);
-  if (url == BaseUrlOf(file, none)) {
-    Restore(catalog, kUri, EditedFile(file, none).Dictionary(kRoot));
-  } else {
-    // An object that /URI refers to may serve others as well: the catalog gets a copy.
-    if (const auto uri = catalog.Find(kUri); uri && ReferenceIn(*uri)) catalog.Set(kUri, edited.Uri(catalog).Text());
-    catalog = DictionaryText(WithBaseUrl(catalog.Text(), url));
-  }
-  SetDictionary(file, edits, kRoot, catalog);
+  EditEntry(
+      file, edits, kRoot, kUri,
+      [&](const EditedFile& original, const DictionaryText& stored) { return url == original.BaseUrl(stored); },
+      [&](const EditedFile& edited, const DictionaryText& catalog) -> std::optional<std::string> {
+        // An object that /URI refers to may serve others as well: the catalog gets a copy.
+        DictionaryText uri = edited.Uri(catalog);
+        SetOrRemove(uri, kBase, url.empty() ? std::nullopt : std::optional(LiteralString(url)));
+        if (uri.Empty()) return std::nullopt;
+        return uri.Text();
+      });
 }
 
 std::string InformationOf(LoadedFile& file, const Edits& edits, const std::string& key) {
   const EditedFile edited(file, edits);
-  return Utf8FromTextString(edited.String(edited.Dictionary(kInfo), '/' + key));
+  return edited.Information(edited.Named(kInfo), '/' + key);
 }
 
 void SetInformation(LoadedFile& file, Edits& edits, const std::string& key, const std::string& value) {
-  const Edits none;
-  DictionaryText information = EditedFile(file, edits).Dictionary(kInfo);
-  if (value == InformationOf(file, none, key)) {
-    Restore(information, '/' + key, EditedFile(file, none).Dictionary(kInfo));
-  } else if (value.empty()) {
-    information.Remove('/' + key);
-  } else {
-    information.Set('/' + key, LiteralString(TextStringFromUtf8(value)));
-  }
-  SetDictionary(file, edits, kInfo, information);
+  const std::string entry = '/' + key;
+  EditEntry(
+      file, edits, kInfo, entry,
+      [&](const EditedFile& original, const DictionaryText& stored) {
+        return value == original.Information(stored, entry);
+      },
+      [&](const EditedFile&, const DictionaryText&) -> std::optional<std::string> {
+        if (value.empty()) return std::nullopt;
+        return LiteralString(TextStringFromUtf8(value));
+      });
 }
 
 }  // namespace engine

@@ -3,6 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -10,8 +12,11 @@
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
 #include "engine/document/BackendModule.h"
+#include "engine/links/ObjectTexts.h"
+#include "engine/links/PageTree.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/save/AppendUpdate.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -25,6 +30,16 @@ constexpr char kNewDocument[] =
     "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 612 792 ] /Resources << >> >>\nendobj\n"
     "xref\n0 4\n0000000000 65535 f \n0000000009 00000 n \n0000000058 00000 n \n0000000117 00000 n \n"
     "trailer\n<< /Size 4 /Root 1 0 R >>\nstartxref\n207\n%%EOF\n";
+
+class QuickTexts final : public ObjectTexts {
+ public:
+  explicit QuickTexts(QuickObjects& objects) : objects_(objects) {}
+
+  std::string Text(ObjectId id) override { return objects_.Text(id).value_or("null"); }
+
+ private:
+  QuickObjects& objects_;
+};
 
 }  // namespace
 
@@ -70,16 +85,62 @@ BackendDocument& LoadedFile::Full() {
   return *full_;
 }
 
+// The quick reader's objects; null where the file is left to the full parser.
+QuickObjects* LoadedFile::Objects() {
+  if (!quick_ || objectsLeftToParser_) return nullptr;
+  try {
+    if (objects_ == nullptr) objects_ = std::make_unique<QuickObjects>(*source_, quick_->tail.startXref);
+  } catch (const PdfSyntaxError&) {
+    LeaveObjectsToParser();
+  }
+  return objects_.get();
+}
+
+void LoadedFile::LeaveObjectsToParser() {
+  objects_.reset();
+  objectsLeftToParser_ = true;
+}
+
 std::optional<std::string> LoadedFile::ObjectText(ObjectId id) {
-  return quick_ && id == quick_->tail.root ? quick_->catalog : Full().ObjectText(id);
+  if (quick_ && id == quick_->tail.root) return quick_->catalog;
+  if (QuickObjects* const objects = Objects()) {
+    try {
+      return objects->Text(id);
+    } catch (const PdfSyntaxError&) {
+      LeaveObjectsToParser();
+    }
+  }
+  return Full().ObjectText(id);
 }
 
 std::string LoadedFile::TrailerValue(const std::string& key) {
-  return quick_ && key == "/Root" ? quick_->tail.root.Reference() : Full().TrailerValue(key);
+  if (!quick_) return Full().TrailerValue(key);
+  return key == "/Root" ? quick_->tail.root.Reference() : quick_->tail.Value(key);
 }
 
-bool LoadedFile::QuickSuffices(const Edits& edits) const {
-  return quick_ && edits.Trailer().empty() && edits.Objects().size() == 1 && edits.Find(quick_->tail.root) != nullptr;
+const std::vector<ObjectId>& LoadedFile::Pages() {
+  if (pages_) return *pages_;
+  if (QuickObjects* const objects = Objects()) {
+    QuickTexts texts(*objects);
+    pages_ = ReadPageTree(texts, quick_->tail.root);
+  }
+  if (!pages_) pages_ = Full().Pages();
+  return *pages_;
+}
+
+bool LoadedFile::IsInFile(ObjectId id) {
+  const QuickObjects* const objects = Objects();
+  return objects != nullptr ? objects->Exists(id) : id.number < FirstFreeNumber();
+}
+
+// Whether a save with these edits does without the full parser.
+bool LoadedFile::QuickSuffices(const Edits& edits) {
+  if (!quick_ || !edits.Trailer().empty()) return false;
+  const std::map<ObjectId, std::string>& edited = edits.Objects();
+  if (edited.size() == 1 && edited.begin()->first == quick_->tail.root) return true;
+  const QuickObjects* const objects = Objects();
+  return objects != nullptr &&
+         std::all_of(edited.begin(), edited.end(), [&](const auto& object) { return objects->Exists(object.first); });
 }
 
 SavePlan LoadedFile::PlanFor(const Edits& edits) {
@@ -100,7 +161,7 @@ bool LoadedFile::WriteAs(SaveMode mode, const Edits& edits, OutputFile& output) 
       if (Append(edits, output)) break;
       appendFailed_ = true;
       signatures_.reset();  // to be looked for everywhere
-      // The answer to how the save would be written no longer holds; with signatures at stake, let the caller ask anew.
+      // The plan that the caller was given no longer holds. With signatures at stake, the caller must ask again.
       if (Signatures().count > 0) throw EngineError(kErrorCannotAppend, "the signed document can only be rewritten");
       return false;
     case SaveMode::kRewrite:
@@ -110,7 +171,7 @@ bool LoadedFile::WriteAs(SaveMode mode, const Edits& edits, OutputFile& output) 
   return true;
 }
 
-// A repair may have found another catalog than the quick reader, whose catalog is the one that callers were shown.
+// A repair may have found another catalog than the quick reader. Callers were shown the quick reader's.
 Edits LoadedFile::ForFull(const Edits& edits) {
   Edits all = edits;
   if (!quick_ || isNew_ || !Full().Repaired()) return all;
@@ -122,8 +183,10 @@ Edits LoadedFile::ForFull(const Edits& edits) {
 
 bool LoadedFile::Append(const Edits& edits, OutputFile& output) {
   if (QuickSuffices(edits)) {
-    const ObjectId root = quick_->tail.root;
-    AppendUpdate(*source_, quick_->tail, {{root, *edits.Find(root)}}, output);
+    std::vector<ChangedObject> objects;
+    objects.reserve(edits.Objects().size());
+    for (const auto& [id, text] : edits.Objects()) objects.push_back({id, text});
+    AppendUpdate(*source_, quick_->tail, objects, output);
     return true;
   }
   const Edits all = ForFull(edits);

@@ -5,9 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "engine/document/BackendDocument.h"
 #include "engine/document/SaveMode.h"
+#include "engine/links/QuickObjects.h"
 #include "engine/quick/QuickDocument.h"
 
 namespace engine {
@@ -15,7 +17,7 @@ namespace engine {
 class InputFile;
 class OutputFile;
 
-// A file as it was loaded: what the quick reader knows of it and, once that does not suffice, the full parser. It never
+// A file as it was loaded: the quick reader's view and, once that does not suffice, the full parser's. It never
 // changes; the edits of its document are given with each save. All members throw EngineError.
 class LoadedFile {
  public:
@@ -36,18 +38,25 @@ class LoadedFile {
   BackendDocument::Signatures Signatures();
   // 0: not encrypted; 1: encrypted, opened as user; 2: opened as owner.
   int EncryptionStatus();
+  BackendDocument::Encryption Encryption() {
+    return quick_ ? BackendDocument::Encryption() : Full().EncryptionMethod();
+  }
+  // The pages in their order.
+  const std::vector<ObjectId>& Pages();
   // The full parser's view, opened on first use.
   BackendDocument& Full();
 
   // See BackendDocument.
   std::optional<std::string> ObjectText(ObjectId id);
   std::string TrailerValue(const std::string& key);
+  // Whether a save can change the object.
+  bool IsInFile(ObjectId id);
   std::uint32_t FirstFreeNumber() { return Full().FirstFreeNumber(); }
 
   // How the file would be saved with these edits.
   SavePlan PlanFor(const Edits& edits);
-  // Writes the file with these edits in the way of PlanFor() and returns how it was written. An appended update that
-  // does not read back is taken back: the file is rewritten into another output from `make`, or, with signatures at
+  // Writes the file with these edits in the mode of PlanFor() and returns how it was written. An appended update that
+  // does not read back is dropped: the file is rewritten into another output from `make`, or, with signatures at
   // stake, refused (kErrorCannotAppend), and rewritten from then on.
   template <typename MakeOutput>
   SaveMode Write(const Edits& edits, std::unique_ptr<OutputFile>& output, MakeOutput make) {
@@ -61,7 +70,9 @@ class LoadedFile {
 
  private:
   LoadedFile() = default;
-  bool QuickSuffices(const Edits& edits) const;
+  QuickObjects* Objects();
+  void LeaveObjectsToParser();
+  bool QuickSuffices(const Edits& edits);
   Edits ForFull(const Edits& edits);
   // False when an appended update does not read back and the file may be rewritten instead.
   bool WriteAs(SaveMode mode, const Edits& edits, OutputFile& output);
@@ -70,6 +81,9 @@ class LoadedFile {
   std::shared_ptr<const InputFile> source_;
   std::string password_;
   std::optional<QuickDocument> quick_;
+  std::unique_ptr<QuickObjects> objects_;
+  bool objectsLeftToParser_ = false;
+  std::optional<std::vector<ObjectId>> pages_;
   std::unique_ptr<BackendDocument> full_;
   std::optional<BackendDocument::Signatures> signatures_;
   bool isNew_ = false;

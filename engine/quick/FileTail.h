@@ -21,8 +21,8 @@ struct FileTail {
     kHybrid,  // a table whose trailer has /XRefStm
   };
   struct Entry {
-    std::string key;    // as it stands in the file, with its slash
-    std::string value;  // as it stands in the file
+    std::string key;    // as in the file, with its slash
+    std::string value;  // as in the file
   };
   // Where an object is that a complete section names.
   struct KeptObject {
@@ -32,11 +32,11 @@ struct FileTail {
     std::uint32_t index = 0;   // its index there
   };
 
-  // Where the header "%PDF-" stands. Every offset in the file, and startXref, counts from there.
+  // The position of the header "%PDF-". Every offset in the file, and startXref, counts from there.
   std::uint64_t headerOffset = 0;
   std::uint64_t startXref = 0;
   Kind kind = Kind::kTable;
-  // The value of /Size; may be raised (never lowered) by who knows of objects beyond it.
+  // The value of /Size. Callers that know of objects beyond it may raise it, never lower it.
   std::uint32_t size = 0;
   ObjectId root;
   // The trailer's other entries in their order (/Info, /Encrypt, /ID and whatever a producer added), without /Size,
@@ -48,7 +48,7 @@ struct FileTail {
   // Written after the file, before everything else: objects that are in `kept` with their places there.
   std::string repaired;
 
-  // The value of an entry as it stands in the file; empty when there is none.
+  // The value of an entry as in the file; empty when there is none.
   std::string Value(const std::string& key) const {
     for (const Entry& entry : entries) {
       if (entry.key == key) return entry.value;

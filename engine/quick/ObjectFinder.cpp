@@ -51,8 +51,7 @@ std::string DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
     try {
       PdfLexer lexer(text);
       lexer.SkipSpace();
-      const RawDictionary dictionary(text.substr(lexer.Position()));
-      return std::string(text.substr(lexer.Position(), dictionary.End()));
+      return std::string(RawDictionary(text.substr(lexer.Position())).Text());
     } catch (const PdfSyntaxError& error) {
       if (!error.truncated() || text.size() < window) throw PdfSyntaxError();
     }

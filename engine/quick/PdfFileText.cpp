@@ -28,9 +28,8 @@ PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
     Object object;
     object.id = lexer.ReadObjectHeader();
     lexer.SkipSpace();
-    const RawDictionary dictionary(text.substr(lexer.Position()));
-    object.dictionary = text.substr(lexer.Position(), dictionary.End());
-    lexer = PdfLexer(text, lexer.Position() + dictionary.End());
+    object.dictionary = RawDictionary(text.substr(lexer.Position())).Text();
+    lexer = PdfLexer(text, lexer.Position() + object.dictionary.size());
     lexer.SkipSpace();
     if (lexer.Accept("endobj")) return object;
     lexer.Expect("stream");
@@ -44,6 +43,15 @@ PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
       throw PdfSyntaxError();
     }
     return object;
+  });
+}
+
+std::string PdfFileText::ReadTrailer(std::uint64_t offset) const {
+  return ParseAt(offset, [](std::string_view text) {
+    PdfLexer lexer(text);
+    lexer.Expect("trailer");
+    lexer.SkipSpace();
+    return std::string(RawDictionary(text.substr(lexer.Position())).Text());
   });
 }
 

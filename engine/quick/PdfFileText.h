@@ -18,10 +18,10 @@ class PdfFileText {
   struct Object {
     ObjectId id;
     std::string dictionary;
-    std::uint64_t dataOffset = 0;  // 0 when it is no stream
+    std::uint64_t dataOffset = 0;  // 0 when it is not a stream
   };
 
-  // Throws PdfSyntaxError when the header lies behind the end.
+  // Throws PdfSyntaxError when the header is beyond the end.
   explicit PdfFileText(const InputFile& file, std::uint64_t headerOffset = 0);
 
   // Bytes from the header on.
@@ -47,6 +47,8 @@ class PdfFileText {
 
   // The object that starts at the offset exactly.
   Object ReadObject(std::uint64_t offset) const;
+  // The dictionary after the word "trailer", which starts at the offset.
+  std::string ReadTrailer(std::uint64_t offset) const;
   // Throws unless that object starts at the offset and is a dictionary or stream.
   void CheckObject(std::uint64_t offset, ObjectId id) const;
   // Throws unless "endstream" follows the stream's data.

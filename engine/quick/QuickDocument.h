@@ -10,7 +10,7 @@ namespace engine {
 // What is known of a document without reading its objects.
 struct QuickDocument {
   FileTail tail;
-  // The document catalog, object tail.root, as its dictionary stands in the file ("<<" to ">>").
+  // The document catalog, object tail.root, as its dictionary is in the file ("<<" to ">>").
   std::string catalog;
   // The bytes of /Base in the catalog's /URI dictionary; empty when there is none.
   std::string baseUrl;

@@ -42,7 +42,7 @@ bool IsHeader(std::string_view text) {
   return i > 5 && i + 1 < text.size() && text[i] == '.' && IsDigit(text[i + 1]);
 }
 
-// The number behind the last "startxref". A file that ends right there is cut off, but can be continued.
+// The number after the last "startxref". A file that ends right there is cut off, but can be continued.
 std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   const std::size_t window = static_cast<std::size_t>(std::min<std::uint64_t>(kTailWindow, file.Size()));
   const std::string text = file.Read(file.Size() - window, window) + '\n';
@@ -117,8 +117,8 @@ QuickDocument ReadDocument(const InputFile& input) {
   return document;
 }
 
-// The offset of the trailer of the table whose entries begin at `offset`; looks at what stands between only as far as
-// to see that nothing but entries can.
+// The offset of the trailer of the table whose entries begin at `offset`; checks only that what is between could be
+// entries.
 std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
   constexpr std::size_t kBlock = 64 * 1024;
   for (;;) {
@@ -133,7 +133,7 @@ std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
 FileTail ReadTailOf(const InputFile& input) {
   const PdfFileText file(input, QuickReader::HeaderOffset(input));
   std::uint64_t startXref = ReadStartXref(file, false);
-  // Readers allow for space before the section; the update names the place behind it.
+  // Readers allow for space before the section; the update names the position after it.
   const std::string start = file.Read(startXref, 64);
   const std::size_t begin = std::min(start.find_first_not_of(std::string_view("\0\t\n\f\r ", 6)), start.size());
   startXref += begin;
@@ -142,14 +142,7 @@ FileTail ReadTailOf(const InputFile& input) {
     if (RawDictionary(object.dictionary).Text("/Type") != "/XRef") throw PdfSyntaxError();
     return MakeTail(file, startXref, object.dictionary, true);
   }
-  const std::string trailer = file.ParseAt(FindTrailer(file, startXref + 4), [](std::string_view text) {
-    PdfLexer lexer(text);
-    lexer.Expect("trailer");
-    lexer.SkipSpace();
-    const RawDictionary dictionary(text.substr(lexer.Position()));
-    return std::string(text.substr(lexer.Position(), dictionary.End()));
-  });
-  return MakeTail(file, startXref, trailer, false);
+  return MakeTail(file, startXref, file.ReadTrailer(FindTrailer(file, startXref + 4)), false);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace engine {
 class InputFile;
 
 // Reads a document's catalog from the end of the file, at a cost that does not grow with the number of objects. It
-// answers for plain intact files only: anything unusual or suspicious is left to a full parser (no value).
+// reads plain intact files only: anything unusual or suspicious is left to a full parser (no value).
 //
 // All members throw EngineError kErrorFileUnreadable when the file cannot be read.
 class QuickReader {

@@ -27,7 +27,7 @@ int Paeth(int left, int up, int upLeft) {
   return byUp <= byUpLeft ? up : upLeft;
 }
 
-// The one element of an array, or what is no array itself; empty for an empty array.
+// The one element of an array, or a value that is not an array; empty for an empty array.
 std::string_view OnlyElement(std::string_view text) {
   if (text.front() != '[') return text;
   PdfLexer lexer(text, 1);

@@ -27,14 +27,14 @@ XrefChain::XrefChain(const PdfFileText& file, std::uint64_t startXref) {
     if (links_.empty()) size = trailer.Unsigned("/Size");
     // An object beyond /Size does not exist for some readers, and its number would be given away a second time.
     if (trailer.Unsigned("/Size") > size || section.EndNumber() > size) throw PdfSyntaxError();
-    const bool hybrid = !section.IsStream() && trailer.Has("/XRefStm");
-    if (hybrid) {
-      const XrefSection beside = visit(trailer.Unsigned("/XRefStm"));
-      if (!beside.IsStream() || beside.EndNumber() > size) throw PdfSyntaxError();
+    std::optional<XrefSection> beside;
+    if (!section.IsStream() && trailer.Has("/XRefStm")) {
+      beside.emplace(visit(trailer.Unsigned("/XRefStm")));
+      if (!beside->IsStream() || beside->EndNumber() > size) throw PdfSyntaxError();
     }
     const bool more = trailer.Has("/Prev");
     if (more) offset = trailer.Unsigned("/Prev");
-    links_.push_back({std::move(section), hybrid});
+    links_.push_back({std::move(section), std::move(beside)});
     if (!more) return;
   }
 }
@@ -49,7 +49,7 @@ XrefSection::Entry XrefChain::Find(std::uint32_t number) const {
       if (entry->type == XrefSection::Entry::Type::kFree) break;
       return *entry;
     }
-    if (link.hybrid) break;
+    if (link.beside) break;
   }
   throw PdfSyntaxError();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "engine/quick/PdfFileText.h"
@@ -16,18 +17,20 @@ class XrefChain {
   // `file` must outlive this object.
   XrefChain(const PdfFileText& file, std::uint64_t startXref);
 
+  struct Link {
+    XrefSection section;
+    std::optional<XrefSection> beside;  // the stream of a hybrid file's section, with more of its objects
+  };
+
+  // The sections, the last one first.
+  const std::vector<Link>& Links() const { return links_; }
   // The section that startxref names.
   const XrefSection& Last() const { return links_.front().section; }
-  bool IsHybrid() const { return links_.front().hybrid; }
+  bool IsHybrid() const { return links_.front().beside.has_value(); }
   // The entry in force for an object in use.
   XrefSection::Entry Find(std::uint32_t number) const;
 
  private:
-  struct Link {
-    XrefSection section;
-    bool hybrid;  // some of its objects are in a stream beside the table
-  };
-
   std::vector<Link> links_;
 };
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/RawDictionary.h"
@@ -11,7 +12,6 @@ namespace engine {
 
 namespace {
 
-constexpr std::uint64_t kTableEntrySize = 20;
 constexpr std::size_t kWidestField = 8;
 constexpr std::size_t kMostSubsections = 1 << 16;
 constexpr std::uint64_t kMostObjects = std::numeric_limits<std::int32_t>::max();
@@ -42,8 +42,8 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     while (begin < text.size() && PdfLexer::IsSpace(text[begin])) ++begin;
     PdfLexer lexer(text, begin);
     if (lexer.Accept("trailer")) {
-      offset += lexer.Position();
-      break;
+      trailer_ = file.ReadTrailer(offset + begin);
+      return;
     }
     const std::uint64_t first = lexer.ReadUnsigned();
     lexer.SkipSpace();
@@ -52,19 +52,13 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     offset += lexer.Position();
     AddSubsection(first, count, offset);
     if (count > 0) {
-      // What is no table of entries in the one standard length shows at one of its ends.
+      // A table whose entries do not have the standard length shows at one of its ends.
       ReadTableEntry(offset);
       offset += (count - 1) * kTableEntrySize;
       ReadTableEntry(offset);
       offset += kTableEntrySize;
     }
   }
-  trailer_ = file.ParseAt(offset, [](std::string_view text) {
-    PdfLexer lexer(text);
-    lexer.SkipSpace();
-    const RawDictionary dictionary(text.substr(lexer.Position()));
-    return std::string(text.substr(lexer.Position(), dictionary.End()));
-  });
 }
 
 void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
@@ -122,11 +116,30 @@ std::optional<XrefSection::Entry> XrefSection::Find(std::uint32_t number) const 
   return IsStream() ? ReadStreamEntry(*position) : ReadTableEntry(*position);
 }
 
-// "nnnnnnnnnn ggggg n" and an end of line of two bytes.
+void XrefSection::CheckOverlaps() const {
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
+  ranges.reserve(subsections_.size());
+  for (const Subsection& subsection : subsections_) ranges.emplace_back(subsection.first, subsection.count);
+  std::sort(ranges.begin(), ranges.end());
+  for (std::size_t i = 1; i < ranges.size(); ++i) {
+    if (ranges[i].first - ranges[i - 1].first < ranges[i - 1].second) throw PdfSyntaxError();
+  }
+}
+
 XrefSection::Entry XrefSection::ReadTableEntry(std::uint64_t offset) const {
-  const std::string text = file_.Read(offset, kTableEntrySize);
-  if (text.size() != kTableEntrySize) throw PdfSyntaxError();
-  const std::string_view view(text);
+  return ParseTableEntry(file_.Read(offset, kTableEntrySize));
+}
+
+// A block of a subsection's entries from the first one on.
+std::string XrefSection::ReadTableEntries(const Subsection& subsection, std::uint64_t first) const {
+  const std::uint64_t count = std::min<std::uint64_t>(kEntriesInBlock, subsection.count - first);
+  return file_.Read(subsection.position + first * kTableEntrySize, static_cast<std::size_t>(count) * kTableEntrySize);
+}
+
+// "nnnnnnnnnn ggggg n" and an end of line of two bytes, at the start of the text.
+XrefSection::Entry XrefSection::ParseTableEntry(std::string_view text) {
+  if (text.size() < kTableEntrySize) throw PdfSyntaxError();
+  const std::string_view view = text.substr(0, kTableEntrySize);
   const std::string_view end = view.substr(18);
   const bool used = text[17] == 'n';
   if (text[10] != ' ' || text[16] != ' ' || (!used && text[17] != 'f') ||

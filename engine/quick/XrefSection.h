@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/quick/PdfFileText.h"
@@ -37,8 +38,29 @@ class XrefSection {
   std::size_t SubsectionCount() const { return subsections_.size(); }
   // No value when this section does not have an entry for the object.
   std::optional<Entry> Find(std::uint32_t number) const;
+  // Calls visit(number, entry) for every entry. Throws as well when two entries are for one object.
+  template <typename Visit>
+  void ForEach(Visit visit) const {
+    CheckOverlaps();
+    for (const Subsection& subsection : subsections_) {
+      std::string block;
+      for (std::uint64_t i = 0; i < subsection.count; ++i) {
+        const auto number = static_cast<std::uint32_t>(subsection.first + i);
+        if (IsStream()) {
+          visit(number, ReadStreamEntry(subsection.position + i));
+          continue;
+        }
+        const std::uint64_t inBlock = i % kEntriesInBlock;
+        if (inBlock == 0) block = ReadTableEntries(subsection, i);
+        visit(number, ParseTableEntry(std::string_view(block).substr(inBlock * kTableEntrySize)));
+      }
+    }
+  }
 
  private:
+  static constexpr std::size_t kTableEntrySize = 20;
+  static constexpr std::size_t kEntriesInBlock = 2000;
+
   struct Subsection {
     std::uint64_t first;
     std::uint64_t count;
@@ -50,7 +72,10 @@ class XrefSection {
   void ReadWidths(std::string_view text);
   void ReadIndex(std::string_view text);
   void AddSubsection(std::uint64_t first, std::uint64_t count, std::uint64_t position);
+  void CheckOverlaps() const;
   Entry ReadTableEntry(std::uint64_t offset) const;
+  std::string ReadTableEntries(const Subsection& subsection, std::uint64_t first) const;
+  static Entry ParseTableEntry(std::string_view text);
   Entry ReadStreamEntry(std::uint64_t row) const;
 
   const PdfFileText& file_;

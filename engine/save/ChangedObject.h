@@ -10,7 +10,7 @@ namespace engine {
 // An object of an incremental update.
 struct ChangedObject {
   ObjectId id;
-  // What stands between "obj" and "endobj", already encrypted where the file is.
+  // The text between "obj" and "endobj", already encrypted if the file is.
   std::string body;
 };
 

@@ -11,7 +11,7 @@ namespace engine {
 
 namespace {
 
-// FNV-1a with a last round of mixing. It tells versions of a file apart and protects nothing.
+// FNV-1a with a last round of mixing. It makes versions of a file differ; it is not a protection.
 class Digest {
  public:
   explicit Digest(std::uint64_t seed) : state_(0xcbf29ce484222325u ^ seed) {}

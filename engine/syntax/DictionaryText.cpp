@@ -11,6 +11,7 @@
 namespace engine {
 
 std::optional<DictionaryText> DictionaryText::Parse(std::string text) {
+  if (text.compare(0, 2, "<<") != 0) return std::nullopt;
   try {
     return DictionaryText(std::move(text));
   } catch (const PdfSyntaxError&) {
@@ -19,23 +20,31 @@ std::optional<DictionaryText> DictionaryText::Parse(std::string text) {
 }
 
 DictionaryText::DictionaryText(std::string text) : text_(std::move(text)) {
-  Index();
+  PdfLexer lexer(text_);
+  lexer.ReadEntries([&](const PdfLexer::Value& key, const PdfLexer::Value& value) {
+    entries_.push_back({UnescapedName(lexer.Text(key)), key.begin, value.begin, value.end});
+  });
+  if (lexer.Position() != text_.size()) throw PdfSyntaxError();
+  close_ = text_.size() - 2;
 }
 
-void DictionaryText::Index() {
-  entries_.clear();
-  if (text_.compare(0, 2, "<<") != 0) throw PdfSyntaxError();
-  PdfLexer lexer(text_, 2);
-  for (;;) {
-    lexer.SkipSpace();
-    if (text_.compare(lexer.Position(), 2, ">>") == 0) break;
-    const PdfLexer::Value key = lexer.ReadValue();
-    if (key.kind != PdfLexer::Kind::kName) throw PdfSyntaxError();
-    const PdfLexer::Value value = lexer.ReadValue();
-    entries_.push_back({UnescapedName(lexer.Text(key)), key.begin, value.begin, value.end});
+void DictionaryText::Replace(std::size_t begin, std::size_t end, const std::string& text) {
+  text_.replace(begin, end - begin, text);
+  const auto move = [&](std::size_t& position) {
+    if (position >= end) position += begin + text.size() - end;
+  };
+  for (Entry& entry : entries_) {
+    move(entry.keyBegin);
+    move(entry.valueBegin);
+    move(entry.end);
   }
-  close_ = lexer.Position();
-  if (close_ + 2 != text_.size()) throw PdfSyntaxError();
+  move(close_);
+}
+
+void DictionaryText::Erase(std::size_t index) {
+  const Entry entry = entries_[index];
+  entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(index));
+  Replace(entry.keyBegin, entry.end, "");
 }
 
 std::optional<std::string_view> DictionaryText::Find(const std::string& key) const {
@@ -51,24 +60,26 @@ void DictionaryText::Set(const std::string& key, const std::string& value) {
     const Entry& entry = entries_[i];
     if (entry.key != key) continue;
     if (found) {
-      text_.erase(entry.keyBegin, entry.end - entry.keyBegin);
-    } else {
-      // "/Key/Name" has no space that could part the key from a number.
-      const bool apart = PdfLexer::IsSpace(text_[entry.valueBegin - 1]) || PdfLexer::IsDelimiter(value.front());
-      text_.replace(entry.valueBegin, entry.end - entry.valueBegin, apart ? value : ' ' + value);
+      Erase(i);
+      continue;
     }
     found = true;
+    // "/Key/Name" has no space that could part the key from a number.
+    const bool apart = PdfLexer::IsSpace(text_[entry.valueBegin - 1]) || PdfLexer::IsDelimiter(value.front());
+    if (!apart) Replace(entry.valueBegin, entry.valueBegin, " ");
+    Replace(entry.valueBegin, entry.end, value);
   }
-  if (!found) text_.insert(close_, EscapedName(key) + ' ' + value);
-  Index();
+  if (found) return;
+  const std::string name = EscapedName(key) + ' ';
+  text_.insert(close_, name + value);
+  const std::size_t begin = std::exchange(close_, close_ + name.size() + value.size());
+  entries_.push_back({key, begin, begin + name.size(), close_});
 }
 
 void DictionaryText::Remove(const std::string& key) {
   for (std::size_t i = entries_.size(); i-- > 0;) {
-    const Entry& entry = entries_[i];
-    if (entry.key == key) text_.erase(entry.keyBegin, entry.end - entry.keyBegin);
+    if (entries_[i].key == key) Erase(i);
   }
-  Index();
 }
 
 bool DictionaryText::SameEntries(const DictionaryText& other) const {

@@ -9,7 +9,7 @@
 namespace engine {
 
 // A dictionary object's text that can be changed; what is not changed keeps its bytes. Unlike RawDictionary it takes
-// keys written with "#", and of a key that stands twice the last value, as full parsers do.
+// keys written with "#", and of a key that occurs twice the last value, as full parsers do.
 //
 // Keys are given with their slash and without "#" escapes. Values are texts of objects.
 class DictionaryText {
@@ -36,14 +36,16 @@ class DictionaryText {
     std::size_t end;
   };
 
-  void Index();
+  // Replaces a part of the text and moves the entries after it.
+  void Replace(std::size_t begin, std::size_t end, const std::string& text);
+  void Erase(std::size_t index);
   std::string_view ValueOf(const Entry& entry) const {
     return std::string_view(text_).substr(entry.valueBegin, entry.end - entry.valueBegin);
   }
 
   std::string text_;
   std::vector<Entry> entries_;
-  std::size_t close_ = 0;  // where ">>" stands
+  std::size_t close_ = 0;  // the position of ">>"
 };
 
 }  // namespace engine

@@ -3,8 +3,6 @@
 
 #include <limits>
 
-#include "engine/syntax/PdfSyntaxError.h"
-
 namespace engine {
 
 namespace {
@@ -56,7 +54,7 @@ std::string HexStringBytes(std::string_view text) {
   return bytes;
 }
 
-// ISO 32000-1, table 3; `i` stands behind the backslash and is moved behind the escape.
+// ISO 32000-1, table 3; `i` is the position after the backslash and is moved after the escape.
 void AppendEscape(std::string_view text, std::size_t& i, std::string& bytes) {
   const char c = text[i++];
   switch (c) {
@@ -163,6 +161,14 @@ bool PdfLexer::Accept(std::string_view word) {
   if (text_.size() - position_ <= word.size()) throw PdfSyntaxError(true);
   if (text_.compare(position_, word.size(), word) != 0 || !IsDelimiter(text_[position_ + word.size()])) return false;
   position_ += word.size();
+  return true;
+}
+
+// "<<" or ">>".
+bool PdfLexer::AcceptBrackets(std::string_view brackets) {
+  if (text_.size() - position_ < brackets.size()) throw PdfSyntaxError(true);
+  if (text_.compare(position_, brackets.size(), brackets) != 0) return false;
+  position_ += brackets.size();
   return true;
 }
 
@@ -281,7 +287,7 @@ void PdfLexer::SkipContainer() {
   } while (!closers.empty());
 }
 
-// Behind an unsigned integer: whether it begins a reference; moves behind that if so.
+// After an unsigned integer: whether it begins a reference; moves after that if so.
 bool PdfLexer::AcceptReferenceTail() {
   const std::size_t begin = position_;
   SkipSpace();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/syntax/ObjectId.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -41,11 +42,21 @@ class PdfLexer {
 
   // White space and comments.
   void SkipSpace();
-  // Whether the text goes on with `word` and ends it there; moves behind it if so.
+  // Whether `word` is next, followed by a delimiter; moves after it if so.
   bool Accept(std::string_view word);
   void Expect(std::string_view word);
   // The next object, whole.
   Value ReadValue();
+  // A dictionary: calls visit(key, value) for each entry.
+  template <typename Visit>
+  void ReadEntries(Visit visit) {
+    if (!AcceptBrackets("<<")) throw PdfSyntaxError();
+    for (SkipSpace(); !AcceptBrackets(">>"); SkipSpace()) {
+      const Value key = ReadValue();
+      if (key.kind != Kind::kName) throw PdfSyntaxError();
+      visit(key, ReadValue());
+    }
+  }
   // A number without sign.
   std::uint64_t ReadUnsigned();
   // "N G obj".
@@ -64,6 +75,7 @@ class PdfLexer {
 
  private:
   char Peek() const;
+  bool AcceptBrackets(std::string_view brackets);
   bool AtEnd() const { return position_ >= text_.size(); }
   Value ReadSimple();
   void SkipLiteralString();

@@ -7,28 +7,21 @@ namespace engine {
 
 namespace {
 
-// Far more than catalogs and trailers have; keeps the search for a key that stands twice cheap.
+// Far more than catalogs and trailers have; keeps the search for a key that occurs twice cheap.
 constexpr std::size_t kMostEntries = 1000;
 
 }  // namespace
 
-RawDictionary::RawDictionary(std::string_view text) : text_(text) {
-  if (text.size() < 2) throw PdfSyntaxError(true);
-  if (text.compare(0, 2, "<<") != 0) throw PdfSyntaxError();
-  PdfLexer lexer(text, 2);
-  for (;;) {
-    lexer.SkipSpace();
-    if (text.size() - lexer.Position() < 2) throw PdfSyntaxError(true);
-    if (text.compare(lexer.Position(), 2, ">>") == 0) break;
-    const PdfLexer::Value key = lexer.ReadValue();
+RawDictionary::RawDictionary(std::string_view text) {
+  PdfLexer lexer(text);
+  lexer.ReadEntries([&](const PdfLexer::Value& key, const PdfLexer::Value& value) {
     const std::string_view name = lexer.Text(key);
-    if (key.kind != PdfLexer::Kind::kName || name.find('#') != std::string_view::npos || Find(name) != nullptr ||
-        entries_.size() >= kMostEntries) {
+    if (name.find('#') != std::string_view::npos || Has(name) || entries_.size() >= kMostEntries) {
       throw PdfSyntaxError();
     }
-    entries_.push_back({name, key.begin, lexer.ReadValue()});
-  }
-  end_ = lexer.Position() + 2;
+    entries_.push_back({name, value});
+  });
+  text_ = text.substr(0, lexer.Position());
 }
 
 const RawDictionary::Entry* RawDictionary::Find(std::string_view key) const {

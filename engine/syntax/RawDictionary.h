@@ -9,21 +9,20 @@
 
 namespace engine {
 
-// The entries of a dictionary object and where they stand in its text, which must outlive this object.
+// The entries of a dictionary object as they are in its text, which must outlive this object.
 class RawDictionary {
  public:
   struct Entry {
     std::string_view key;  // with its slash
-    std::size_t keyBegin = 0;
     PdfLexer::Value value;
   };
 
-  // `text` starts with "<<"; what follows the dictionary is left alone. Throws PdfSyntaxError, for a key that stands
-  // twice or is written with "#" as well: readers differ there.
+  // `text` starts with "<<"; what follows the dictionary is left alone. Throws PdfSyntaxError, also for a
+  // key that occurs twice or is written with "#": readers differ there.
   explicit RawDictionary(std::string_view text);
 
-  // Behind ">>".
-  std::size_t End() const { return end_; }
+  // "<<" to ">>".
+  std::string_view Text() const { return text_; }
   const std::vector<Entry>& Entries() const { return entries_; }
   const Entry* Find(std::string_view key) const;
   bool Has(std::string_view key) const { return Find(key) != nullptr; }
@@ -38,7 +37,6 @@ class RawDictionary {
  private:
   std::string_view text_;
   std::vector<Entry> entries_;
-  std::size_t end_ = 0;
 };
 
 }  // namespace engine

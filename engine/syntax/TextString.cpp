@@ -75,20 +75,31 @@ std::string Utf16FromWide(const std::wstring& text) {
   return bytes;
 }
 
-}  // namespace
-
-std::string Utf8FromTextString(const std::string& bytes) {
-  if (HasByteOrderMark(bytes)) {
-    std::string marked = bytes;
-    if (bytes[0] == '\xFF') {
-      for (std::size_t i = 0; i + 1 < marked.size(); i += 2) std::swap(marked[i], marked[i + 1]);
-    }
-    return Utf8FromWide(WideFromUrl(marked));
+// Text after a byte order mark.
+std::wstring WideFromMarked(std::string bytes) {
+  if (bytes[0] == '\xFF') {
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) std::swap(bytes[i], bytes[i + 1]);
   }
+  return WideFromUrl(bytes);
+}
+
+std::wstring WideFromPdfDocEncoding(const std::string& bytes) {
   std::wstring text;
   text.reserve(bytes.size());
   for (const char byte : bytes) text += static_cast<wchar_t>(CharacterOf(static_cast<unsigned char>(byte)));
-  return Utf8FromWide(text);
+  return text;
+}
+
+}  // namespace
+
+std::string Utf8FromTextString(const std::string& bytes) {
+  return Utf8FromWide(HasByteOrderMark(bytes) ? WideFromMarked(bytes) : WideFromPdfDocEncoding(bytes));
+}
+
+std::wstring WideFromUrlString(const std::string& bytes) {
+  if (HasByteOrderMark(bytes)) return WideFromMarked(bytes);
+  std::wstring text = WideFromUtf8(bytes);
+  return Utf8FromWide(text) == bytes ? text : WideFromPdfDocEncoding(bytes);
 }
 
 std::string TextStringFromUtf8(const std::string& utf8) {

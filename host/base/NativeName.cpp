@@ -4,45 +4,18 @@
 #include <algorithm>
 #include <QTextCodec>
 
+#include "pdflib/Utf8.h"
+
 namespace {
 
 constexpr char32_t kEscape = 0xDC00;
 
-bool IsContinuation(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
-// Length of the well-formed UTF-8 sequence at the start of `bytes` and its code point; length 0 when there is none.
-int DecodeOne(std::string_view bytes, char32_t& codePoint) {
-  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned char lead = at(0);
-  if (lead < 0x80) {
-    codePoint = lead;
-    return 1;
-  }
-  const int length = lead >= 0xC2 && lead < 0xE0   ? 2
-                     : lead >= 0xE0 && lead < 0xF0 ? 3
-                     : lead >= 0xF0 && lead < 0xF5 ? 4
-                                                   : 0;
-  if (length == 0 || bytes.size() < static_cast<std::size_t>(length)) return 0;
-  codePoint = lead & (0x7Fu >> length);
-  for (int i = 1; i < length; ++i) {
-    if (!IsContinuation(at(static_cast<std::size_t>(i)))) return 0;
-    codePoint = (codePoint << 6) | (at(static_cast<std::size_t>(i)) & 0x3Fu);
-  }
-  const bool overlong = (length == 3 && codePoint < 0x800) || (length == 4 && codePoint < 0x10000);
-  const bool surrogate = codePoint >= 0xD800 && codePoint < 0xE000;
-  return overlong || surrogate || codePoint > 0x10FFFF ? 0 : length;
-}
-
 template <typename Sink>
 void Decode(std::string_view bytes, Sink sink) {
   while (!bytes.empty()) {
-    char32_t codePoint = 0;
-    const int length = DecodeOne(bytes, codePoint);
-    if (length == 0) codePoint = kEscape + static_cast<unsigned char>(bytes[0]);
-    sink(codePoint);
-    bytes.remove_prefix(length == 0 ? 1 : static_cast<std::size_t>(length));
+    const Utf8::Decoded next = Utf8::Decode(bytes);
+    sink(next.length > 0 ? next.character : kEscape + static_cast<unsigned char>(bytes[0]));
+    bytes.remove_prefix(std::max<std::size_t>(next.length, 1));
   }
 }
 

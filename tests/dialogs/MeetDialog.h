@@ -18,7 +18,7 @@ T& Child(const QWidget& parent, const char* objectName) {
   return *child;
 }
 
-// While one lives, every translated text stands in brackets.
+// While one lives, every translated text is in brackets.
 class PseudoLocale : public QTranslator {
  public:
   PseudoLocale() { QCoreApplication::installTranslator(this); }
@@ -29,6 +29,5 @@ class PseudoLocale : public QTranslator {
   }
 };
 
-// The texts that a person or a screen reader meets in the widget and its children and that did not pass through the
-// pseudo-locale.
+// The texts of the widget and its children, those for screen readers too, that the pseudo-locale did not translate.
 QStringList UntranslatedTexts(const QWidget& root);

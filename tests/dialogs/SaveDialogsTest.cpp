@@ -18,6 +18,7 @@
 #include "dialogs/CSaveAsCollectionDialog.h"
 #include "tests/dialogs/MeetDialog.h"
 #include "tests/support/Sandbox.h"
+#include "tests/utils/TestFiles.h"
 #include "utils/CUtils.h"
 
 namespace {
@@ -56,6 +57,22 @@ class SaveDialogs : public testing::Test {
     dialog.LoadPrefsData(&settings_);
     MeetDialog("saveAsCollectionDialog", meet);
     return dialog.exec();
+  }
+
+  // Runs "Add To Favorites" and saves the settings to a file.
+  void saveToFile(const QString& file) {
+    EXPECT_EQ(runFavorites([&file](QDialog& dialog) {
+                MeetDialog("QFileDialog", [&file](QDialog& files) {
+                  EXPECT_EQ(files.windowTitle(), "Save Tool settings to file");
+                  EXPECT_EQ(static_cast<QFileDialog&>(files).directory(), QDir::home());
+                  EXPECT_EQ(static_cast<QFileDialog&>(files).nameFilters(), QStringList("Tool Settings Files (*.tsf)"));
+                  Child<QLineEdit>(files, "fileNameEdit").setText(file);
+                  static_cast<QFileDialog&>(files).setOption(QFileDialog::DontConfirmOverwrite);
+                  files.accept();
+                });
+                Child<QPushButton>(dialog, "saveSettingsToFileButton").click();
+              }),
+              QDialog::Rejected);
   }
 
   Map settings_;
@@ -167,24 +184,18 @@ TEST_F(SaveDialogs, NamesAFavorite) {
 
 TEST_F(SaveDialogs, WritesAToolSettingsFileOfTheKnownFormat) {
   const QString file = QDir::homePath() + "/settings.tsf";
-  EXPECT_EQ(runFavorites([&file](QDialog& dialog) {
-              MeetDialog("QFileDialog", [&file](QDialog& files) {
-                EXPECT_EQ(files.windowTitle(), "Save Tool settings to file");
-                EXPECT_EQ(static_cast<QFileDialog&>(files).directory(), QDir::home());
-                EXPECT_EQ(static_cast<QFileDialog&>(files).nameFilters(), QStringList("Tool Settings Files (*.tsf)"));
-                Child<QLineEdit>(files, "fileNameEdit").setText(file);
-                files.accept();
-              });
-              Child<QPushButton>(dialog, "saveSettingsToFileButton").click();
-            }),
-            QDialog::Rejected);
+  saveToFile(file);
   EXPECT_EQ(settings_, kSettings);
-  const QSettings stored(file, QSettings::IniFormat);
-  EXPECT_EQ(stored.value("ToolSettings").toMap(), kSettings);
-  QFile written(file);
-  QFile golden(DIALOGS_TEST_DATA "/set-base-url.tsf");
-  ASSERT_TRUE(written.open(QFile::ReadOnly) && golden.open(QFile::ReadOnly));
-  EXPECT_EQ(written.readAll(), golden.readAll());
+  EXPECT_EQ(IniValue(file, "ToolSettings").toMap(), kSettings);
+  const std::string written = ReadText(file);
+  EXPECT_EQ(written, ReadText(DIALOGS_TEST_DATA "/set-base-url.tsf"));
+
+  // What could not be written is not written later, with something else, either.
+  settings_["baseUrlString"] = "lost";
+  FailToSave(file, [&] { saveToFile(file); });
+  EXPECT_EQ(IniValue(file, "ToolSettings").toMap(), kSettings);
+  QSettings(file, QSettings::IniFormat).sync();
+  EXPECT_EQ(ReadText(file), written);
 }
 
 TEST_F(SaveDialogs, ACancelledFileDialogClosesWithoutAFile) {

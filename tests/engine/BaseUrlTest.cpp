@@ -16,7 +16,7 @@ struct Place {
 };
 class BaseUrlPlaceTest : public EngineFixture, public testing::WithParamInterface<Place> {
  protected:
-  // The loaded document's file; "(x)" and the like stand for themselves in the entries.
+  // Writes and loads a file with these catalog entries and further objects.
   void Prepare(const std::string& catalogEntries, const std::vector<std::string>& more = {}) {
     WriteFile("plain.pdf", PlainPdf{catalogEntries, "", "", more}.Bytes());
     ASSERT_EQ(RunTool(std::string(GetParam().encrypted ? "qpdf --encrypt '' o 256 -- plain.pdf" : "cp plain.pdf") +

@@ -9,30 +9,21 @@
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
 #include "engine/document/Backend.h"
-#include "engine/quick/QuickReader.h"
 #include "engine/save/AppendUpdate.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/MapStrings.h"
 #include "engine/syntax/TextString.h"
 #include "tests/engine/PlainPdf.h"
-#include "tests/engine/quick/FullParser.h"
 #include "tests/engine/quick/Tools.h"
 
 using engine::AppendUpdate;
 using engine::ChangedObject;
 using engine::DictionaryText;
 using engine::Edits;
-using engine::FileTail;
 using engine::InputFile;
 using engine::OutputFile;
 
 namespace {
-
-std::string Updated(const std::string& source, const FileTail& tail, const std::vector<ChangedObject>& changes) {
-  OutputFile output;
-  AppendUpdate(*InputFile::FromBytes(source), tail, changes, output);
-  return output.TakeBytes();
-}
 
 engine::Backend& LoadedBackend() {
   void* const module = dlopen(HALVEXENGINEBACKEND_FILE, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
@@ -71,58 +62,9 @@ double SecondsToEdit(int count) {
 }  // namespace
 
 TEST(EditsTest, TimeGrowsWithTheNumberOfObjectsOnly) {
-  const double few = SecondsToEdit(25'000);
-  const double many = SecondsToEdit(100'000);
+  const double few = SecondsToEdit(5'000);
+  const double many = SecondsToEdit(20'000);
   EXPECT_LT(many, 8 * few);  // 4 is linear, 16 is quadratic
-}
-
-// A file whose cross-reference nobody can read: everything is where the complete section says.
-TEST(EditsTest, CompleteSectionsStandAlone) {
-  for (const bool inStream : {false, true}) {
-    SCOPED_TRACE(inStream ? "stream" : "table");
-    const std::string pages = "<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>";
-    const std::string page = "<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 200 300 ] >>";
-    std::string source = "%PDF-1.5\n";
-    FileTail tail;
-    tail.root = {1, 0};
-    tail.entries = {{"/Info", "9 0 R"}, {"/ID", "[<00><00>]"}};
-    tail.kept.emplace();
-    const auto add = [&](std::uint32_t number, const std::string& body) {
-      tail.kept->push_back({{number, 0}, source.size(), 0, 0});
-      source += std::to_string(number) + " 0 obj\n" + body + "\nendobj\n";
-    };
-    add(1, "<< /Type /Catalog /Pages 2 0 R /Lang (old) >>");
-    add(9, "<< /Title (kept) >>");
-    if (inStream) {
-      const std::string head = "2 0 3 " + std::to_string(pages.size() + 1) + ' ';
-      const std::string data = head + pages + ' ' + page;
-      add(5, "<< /Type /ObjStm /N 2 /First " + std::to_string(head.size()) + " /Length " + std::to_string(data.size()) +
-                 " >>\nstream\n" + data + "\nendstream");
-      tail.kept->push_back({{2, 0}, 0, 5, 0});
-      tail.kept->push_back({{3, 0}, 0, 5, 1});
-    } else {
-      add(2, pages);
-      add(3, page);
-    }
-    source += "startxref\n5\n%%EOF\n";
-
-    const std::string updated =
-        Updated(source, tail, {{{1, 0}, "<< /Type /Catalog /Pages 2 0 R /Lang (new) >>"}, {{12, 0}, "(added)"}});
-    EXPECT_EQ(updated.substr(0, source.size()), source);
-    EXPECT_EQ(updated.find("/Prev"), std::string::npos);
-    EXPECT_EQ(updated.find("\nxref\n") == std::string::npos, inStream);
-    WriteFile("out.pdf", updated);
-    const ToolResult check = RunTool("qpdf --check out.pdf");
-    EXPECT_EQ(check.status, 0) << check.output;
-    EXPECT_EQ(RunTool("mutool show -g out.pdf trailer/Root/Lang 12").output, "(new)\n12 0 obj (added)\n");
-    const std::string information = RunTool("pdfinfo out.pdf").output;
-    EXPECT_NE(information.find("Title:           kept"), std::string::npos) << information;
-    EXPECT_NE(information.find("200 x 300 pts"), std::string::npos) << information;
-    EXPECT_EQ(information.find("rror"), std::string::npos) << information;
-    const auto quick = engine::QuickReader::Read(*InputFile::FromBytes(updated));
-    ASSERT_TRUE(quick);
-    EXPECT_EQ(quick->tail.size, inStream ? 14u : 13u);
-  }
 }
 
 TEST(EditsTest, DictionariesKeepWhatIsNotChanged) {
@@ -137,6 +79,7 @@ TEST(EditsTest, DictionariesKeepWhatIsNotChanged) {
       {"<</A 1>>", "/B #", "2", "<</A 1/B#20#23 2>>"},
       {"<</A 1/B 2 % >>\n/A 3>>", "/A", "4", "<</B 2 % >>\n/A 4>>"},
       {"<</A[1<</B 2>>]/B(>>)>>", "/B", nullptr, "<</A[1<</B 2>>]>>"},
+      {"<</B 1/A 2/B 3>>", "/B", nullptr, "<</A 2>>"},
   };
   for (const auto& each : cases) {
     DictionaryText dictionary(each.before);
@@ -145,6 +88,12 @@ TEST(EditsTest, DictionariesKeepWhatIsNotChanged) {
     } else {
       dictionary.Remove(each.key);
     }
+    EXPECT_EQ(dictionary.Text(), each.after);
+    // The entries are where a reader of the new text finds them.
+    dictionary.Set("/New", "1");
+    dictionary.Set("/New", "(22)");
+    EXPECT_TRUE(dictionary.SameEntries(DictionaryText(dictionary.Text())));
+    dictionary.Remove("/New");
     EXPECT_EQ(dictionary.Text(), each.after);
   }
   for (const char* const text : {"", "null", "<<", "<</A>>", "<<1 2>>", "<</A 1>> 2"}) {

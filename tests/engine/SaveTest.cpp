@@ -59,6 +59,10 @@ class SaveFormTest : public EngineFixture, public testing::WithParamInterface<Fo
   std::string MutoolPassword() const {
     return GetParam().password[0] != 0 ? "-p " + Narrow(GetParam().password) : std::string();
   }
+  std::string PopplerPassword() const {
+    if (GetParam().password[0] == 0) return {};
+    return (GetParam().password[0] == L'o' ? "-opw " : "-upw ") + Narrow(GetParam().password);
+  }
 };
 
 }  // namespace
@@ -79,77 +83,47 @@ INSTANTIATE_TEST_SUITE_P(
         Form{"Aes256Streams", "--linearize --object-streams=generate --encrypt u o 256 --", L"o"}),
     [](const auto& form) { return form.param.name; });
 
-TEST_P(SaveFormTest, AppendsTheUrlAndKeepsEverythingElse) {
+TEST_P(SaveFormTest, AppendsWhatWasSetAndKeepsEverythingElse) {
+  EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
+  EXPECT_EQ(library_.GetCustomInformation(L"Own"), L"mine");
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SetInformation(1, L"\x20AC \x1F600"), 1);
+  ASSERT_EQ(library_.SetCustomInformation(L"Own", L""), 1);
   EXPECT_EQ(library_.GetInformation(1000), L"incremental");
   EXPECT_EQ(library_.GetInformation(1001), L"");
   EXPECT_EQ(library_.GetInformation(1002), L"1");
   EXPECT_EQ(library_.GetInformation(1003), L"1");
   ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
 
-  const std::string source = ReadFile("source.pdf");
-  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), source));
+  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), ReadFile("source.pdf")));
   EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
   const std::string catalog = Show("out.pdf", "trailer/Root", MutoolPassword());
   EXPECT_NE(catalog.find(kUrlInFile), std::string::npos) << catalog;
   EXPECT_NE(catalog.find("(nested)"), std::string::npos) << catalog;
   EXPECT_EQ(Show("out.pdf", "trailer/Encrypt", MutoolPassword()),
             Show("source.pdf", "trailer/Encrypt", MutoolPassword()));
-  // Each password still opens it, and to the other parser the decrypted catalogs differ by the URL only.
+  const std::string shown = RunTool("pdfinfo " + PopplerPassword() + " out.pdf").output;
+  EXPECT_NE(shown.find("Author:          \xE2\x82\xAC \xF0\x9F\x98\x80"), std::string::npos) << shown;
+  // To another parser the decrypted files differ by what was set only.
   const std::string decrypt = "qpdf --decrypt --qdf --static-id --no-original-object-ids " + QpdfPassword();
   ASSERT_EQ(RunTool(decrypt + " source.pdf before.pdf && " + decrypt + " out.pdf after.pdf").status, 0);
   ASSERT_EQ(library_.LoadFromFile(L"after.pdf", L""), 1);
   EXPECT_EQ(library_.GetBaseURL(), kUrl);
+  EXPECT_EQ(library_.GetInformation(1), L"\x20AC \x1F600");
   EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
-  EXPECT_EQ(Show("after.pdf", "trailer/Root/Lang"), Show("before.pdf", "trailer/Root/Lang"));
-  EXPECT_EQ(Show("after.pdf", "trailer/Root/AcroForm/Fields/0/V"),
-            Show("before.pdf", "trailer/Root/AcroForm/Fields/0/V"));
-
-  // A second update on top, and the way back in place.
-  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", GetParam().password), 1);
-  EXPECT_EQ(library_.GetBaseURL(), kUrl);
-  ASSERT_EQ(library_.SetBaseURL(L""), 1);
-  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
-  ASSERT_EQ(library_.SetBaseURL(L"third"), 1);
-  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), source));
-  EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
-  EXPECT_NE(Show("out.pdf", "trailer/Root/URI", MutoolPassword()).find("(third)"), std::string::npos);
-}
-
-TEST_P(SaveFormTest, InformationIsAppended) {
-  EXPECT_EQ(library_.GetInformation(2), L"Plain (title)");
-  EXPECT_EQ(library_.GetCustomInformation(L"Own"), L"mine");
-  ASSERT_EQ(library_.SetInformation(2, L"\x20AC \x1F600"), 1);
-  ASSERT_EQ(library_.SetInformation(1, L"Somebody"), 1);
-  ASSERT_EQ(library_.SetCustomInformation(L"Own", L""), 1);
-  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"incremental");
-  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_TRUE(StartsWith(ReadFile("out.pdf"), ReadFile("source.pdf")));
-  EXPECT_TRUE(Sound("out.pdf", QpdfPassword()));
-
-  const std::string tool =
-      "pdfinfo " + std::string(GetParam().password[0] != 0
-                                   ? (GetParam().password[0] == L'o' ? "-opw " : "-upw ") + Narrow(GetParam().password)
-                                   : "");
-  const std::string shown = RunTool(tool + " out.pdf").output;
-  EXPECT_NE(shown.find("\xE2\x82\xAC \xF0\x9F\x98\x80"), std::string::npos) << shown;
-  EXPECT_NE(shown.find("Author:          Somebody"), std::string::npos) << shown;
-  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", GetParam().password), 1);
-  EXPECT_EQ(library_.GetInformation(2), L"\x20AC \x1F600");
   EXPECT_EQ(library_.GetCustomInformation(L"Own"), L"");
-  EXPECT_EQ(library_.GetBaseURL(), kUrl);
+  for (const char* const kept : {"trailer/Root/Lang", "trailer/Root/AcroForm/Fields/0/V"}) {
+    EXPECT_EQ(Show("after.pdf", kept), Show("before.pdf", kept));
+  }
 }
 
 TEST_F(SaveTest, InformationIsAddedWhereThereWasNone) {
   ASSERT_TRUE(Load("plain.pdf", PlainPdf().Bytes()));
   EXPECT_EQ(library_.GetInformation(2), L"");
-  ASSERT_EQ(library_.SetInformation(2, L"new"), 1);
   EXPECT_EQ(library_.SetInformation(9, L"x"), 0);
   EXPECT_EQ(library_.LastErrorCode(), kErrorBadArgument);
   EXPECT_EQ(library_.SetCustomInformation(L"", L"x"), 0);
+  ASSERT_EQ(library_.SetInformation(2, L"new"), 1);
   ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
   EXPECT_TRUE(Sound("out.pdf"));
   EXPECT_NE(RunTool("pdfinfo out.pdf").output.find("Title:           new"), std::string::npos);
@@ -272,24 +246,6 @@ TEST_F(SaveTest, DamagedEncryptedFilesStayEncryptedAndReadable) {
   }
 }
 
-TEST_F(SaveTest, DamagedFilesAreRepaired) {
-  std::string bytes = Rich().Bytes();
-  const std::string start = "startxref\n";
-  bytes.insert(bytes.rfind(start) + start.size(), "9");
-  ASSERT_TRUE(Load("damaged.pdf", bytes));
-  EXPECT_EQ(library_.GetDocumentRepaired(), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
-  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"incremental");
-  EXPECT_EQ(library_.GetInformation(1002), L"1");
-  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_TRUE(Sound("out.pdf"));
-  EXPECT_NE(Show("out.pdf", "trailer/Root/URI").find(kUrlInFile), std::string::npos);
-  // The document itself is as it was loaded.
-  ASSERT_EQ(library_.SetBaseURL(L""), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
-}
-
 // The quick reader does not see the damage and reads the catalog that the cross-reference names; the repair takes the
 // last one of the file.
 TEST_F(SaveTest, ARepairThatFindsAnotherCatalogDoesNotChangeTheUrl) {
@@ -312,25 +268,6 @@ TEST_F(SaveTest, ARepairThatFindsAnotherCatalogDoesNotChangeTheUrl) {
   }
 }
 
-TEST_F(SaveTest, NewAndInMemoryDocuments) {
-  ASSERT_EQ(library_.NewDocument(), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"rewrite");
-  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
-  ASSERT_EQ(library_.SetInformation(2, L"title"), 1);
-  const std::string fresh = library_.SaveToString();
-  WriteFile("fresh.pdf", fresh);
-  EXPECT_TRUE(Sound("fresh.pdf"));
-  EXPECT_NE(Show("fresh.pdf", "trailer/Root/URI").find(kUrlInFile), std::string::npos);
-
-  ASSERT_EQ(library_.LoadFromString(fresh, L""), 1);
-  EXPECT_EQ(library_.GetInformation(2), L"title");
-  EXPECT_EQ(library_.SaveToString(), fresh);
-  ASSERT_EQ(library_.SetBaseURL(L"x"), 1);
-  const std::string updated = library_.SaveToString();
-  EXPECT_TRUE(StartsWith(updated, fresh));
-  EXPECT_EQ(library_.GetDocumentFileName(), L"");
-}
-
 TEST_F(SaveTest, FileNamesOfAnyBytes) {
   ASSERT_TRUE(Load("plain.pdf", PlainPdf().Bytes()));
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
@@ -339,6 +276,7 @@ TEST_F(SaveTest, FileNamesOfAnyBytes) {
   EXPECT_EQ(access("\xE2\x82\xAC \xFF\x80.pdf", F_OK), 0);
   ASSERT_EQ(library_.LoadFromFile(name, L""), 1);
   EXPECT_EQ(library_.GetDocumentFileName(), name);
+  unlink("\xE2\x82\xAC \xFF\x80.pdf");  // the sandbox cannot remove such a name
 }
 
 // Every layout and defect that files are made for: what the full parser can open is saved, and sound if it was.

@@ -23,6 +23,7 @@ struct Model {
   Values inFile;
   Values now;
   std::wstring lastSaved;
+  bool damaged = false;
 
   std::wstring Mode() const {
     if (path.empty()) return L"rewrite";
@@ -30,7 +31,7 @@ struct Model {
   }
 };
 
-// Random calls on four documents of one instance, compared with the models.
+// Random calls on five documents of one instance, compared with the models.
 class SequenceTest : public EngineFixture, public testing::WithParamInterface<unsigned> {
  protected:
   void SetUp() override {
@@ -40,13 +41,16 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
     WriteFile("plain.pdf", plain.Bytes());
     ASSERT_EQ(RunTool("qpdf --object-streams=generate plain.pdf streams.pdf").status, 0);
     ASSERT_EQ(RunTool("qpdf --encrypt u o 256 -- plain.pdf encrypted.pdf").status, 0);
-    for (const wchar_t* const path : {L"plain.pdf", L"streams.pdf", L"encrypted.pdf"}) {
-      models_.push_back({0, path, path[0] == L'e' ? L"u" : L"", values, values, L""});
+    std::string damaged = plain.Bytes();
+    damaged.insert(damaged.rfind("startxref\n") + 10, "9");
+    WriteFile("damaged.pdf", damaged);
+    for (const wchar_t* const path : {L"plain.pdf", L"streams.pdf", L"encrypted.pdf", L"damaged.pdf"}) {
+      models_.push_back({0, path, path[0] == L'e' ? L"u" : L"", values, values, L"", path[0] == L'd'});
       Load();
       ++current_;
     }
     ASSERT_EQ(library_.NewDocument(), 1);
-    models_.push_back({library_.SelectedDocument(), L"", L"", {}, {}, L""});
+    models_.push_back({library_.SelectedDocument(), L"", L"", {}, {}, L"", false});
   }
 
   Model& Current() { return models_[current_]; }
@@ -105,7 +109,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
       default:
         EXPECT_EQ(library_.PageCount(), 1);
         EXPECT_EQ(library_.EncryptionStatus(), model.password.empty() ? 0 : 1);
-        EXPECT_EQ(library_.GetDocumentRepaired(), 0);
+        EXPECT_EQ(library_.GetDocumentRepaired(), model.damaged ? 1 : 0);
         EXPECT_EQ(library_.GetInformation(1002), L"0");
     }
   }
@@ -118,6 +122,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
     ASSERT_EQ(other.LoadFromString(bytes, model.password), 1);
     const Values saved{other.GetBaseURL(), other.GetInformation(2), other.GetCustomInformation(L"Own")};
     EXPECT_TRUE(saved == model.now);
+    EXPECT_EQ(other.SaveToString(), bytes);
   }
 
   void SaveInPlace() {
@@ -127,6 +132,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
     const std::string after = ReadFile(Narrow(model.path));
     EXPECT_EQ(after.substr(0, before.size()), before);
     ExpectSaved(after);
+    model.damaged = model.damaged && model.now == model.inFile;
     model.inFile = model.now;
   }
 
@@ -170,6 +176,6 @@ TEST_P(SequenceTest, DocumentsAreAsAModelSays) {
     SCOPED_TRACE("step " + std::to_string(step) + ", document " + std::to_string(current_));
     Step();
   }
-  for (const char* const path : {"plain.pdf", "streams.pdf"}) EXPECT_TRUE(Sound(path));
+  for (const char* const path : {"plain.pdf", "streams.pdf", "damaged.pdf"}) EXPECT_TRUE(Sound(path));
   EXPECT_TRUE(Sound("encrypted.pdf", "--password=u"));
 }

@@ -16,7 +16,7 @@ R CallWithZeros(void* symbol, int instance, R (*)(int, P...)) {
   return reinterpret_cast<R (*)(int, P...)>(symbol)(instance, P()...);
 }
 
-// The default of the result's type, but for the function that tells the reason.
+// The default of the result's type, but for the function that returns the error.
 template <typename R>
 R AnswerForUnknownInstance([[maybe_unused]] const std::string& name) {
   if constexpr (std::is_same_v<R, int>) {

@@ -7,14 +7,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPluginLoader>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QToolButton>
 
 #include "plugin/CActionInterface.h"
 #include "plugin/DialogLoadStruct.h"
 #include "tests/dialogs/MeetDialog.h"
 #include "tests/support/Sandbox.h"
+#include "utils/ActionListFile.h"
 #include "utils/CUtils.h"
 
 namespace {
@@ -104,34 +103,14 @@ void makeList(Action& baseUrl, Action& title) {
   EXPECT_EQ(title.Show({}, [&](QDialog& d) { add(d, "titleEdit", kTitle, "addToActionListRadioButton"); }), 0);
 }
 
-QString output(const QString& program, const QStringList& arguments) {
-  QProcess process;
-  process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-  process.start(program, arguments);
-  EXPECT_TRUE(process.waitForFinished(60000)) << program.toStdString();
-  EXPECT_EQ(process.exitCode(), 0) << program.toStdString();
-  return QString::fromUtf8(process.readAllStandardOutput());
-}
-
-// What programs that are not of this project read in the file.
-void expectBoth(const QString& file) {
-  SCOPED_TRACE(file.toStdString());
-  EXPECT_TRUE(output("pdfinfo", {file})
-                  .contains(QRegularExpression("^Title: +" + kTitle + "$", QRegularExpression::MultilineOption)));
-  EXPECT_EQ(output("mutool", {"show", file, "trailer/Root/URI/Base"}).trimmed(), "(" + kUrl + ")");
-  output("qpdf", {"--check", file});
-}
-
-TEST_F(TwoActions, RunFromOneListOverRealFiles) {
+TEST_F(TwoActions, AddToOneList) {
   makeList(baseUrl_, title_);
-  QStringList samples;
-  for (const char* name : {"groff", "cairo", "ghostscript", "tex-xref-stream", "linearized",
-                           "encrypted-no-user-password", "signed", "damaged-xref"}) {
-    samples << QStringLiteral(SAMPLES "/") + name + ".pdf";
-  }
-  output(argument(1) + "/bin/vorlane-run",
-         QStringList{"run", "--quiet", "--jobs", "0", "--list", "Both", "--output-dir", "out"} + samples);
-  for (const QString& sample : samples) expectBoth("out/" + QFileInfo(sample).fileName());
+  const ActionListFile list = ActionListFile::Read(ActionListFile::PathOf("Both"));
+  ASSERT_EQ(list.entries.size(), 2U);
+  EXPECT_EQ(list.entries[0].actionName, "Set Base URL");
+  EXPECT_EQ(list.entries[0].settings.value("baseUrlString"), kUrl);
+  EXPECT_EQ(list.entries[1].actionName, "Set Document Title");
+  EXPECT_EQ(list.entries[1].settings.value("titleString"), kTitle);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A PDF library that records every call; made from the function table, so it knows every function there is.
+// A PDF library that records every call; made from the function table, so it has every function.
 #include "tests/pdflib/FakeLibrary.h"
 
 #include <type_traits>

@@ -16,7 +16,7 @@ struct FakeCall {
   std::vector<std::variant<int, double, void*>> arguments;
 };
 
-// What the recording library saw and what it shall answer. Reached through its export "FakeLibraryRecorder".
+// What the recording library saw and what it is to return. Reached through its export "FakeLibraryRecorder".
 struct FakeRecorder {
   std::vector<FakeCall> calls;
   int instanceId = 7;
@@ -24,7 +24,7 @@ struct FakeRecorder {
   double doubleResult = -2.5;
   std::wstring wideResult;
   std::string byteResult;
-  int reportedLength = -1;  // answered in place of the results' own length unless -1
+  int reportedLength = -1;  // returned in place of the results' own length unless -1
 };
 
 extern "C" FakeRecorder* FakeLibraryRecorder();

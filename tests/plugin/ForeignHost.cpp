@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A host that knows the actions by its own declarations only: it loads the plug-in, opens the settings dialog and the
-// two save dialogs, types a base URL, presses OK, unloads the plug-in and then reads its map.
+// A host that uses the actions through its own declarations only: it loads the plug-in, opens the settings dialog and
+// the two save dialogs, types a base URL, presses OK, unloads the plug-in and then reads its map.
 #include <memory>
 #include <QApplication>
 #include <QComboBox>
@@ -19,11 +19,12 @@
 #include <QToolButton>
 #include <QVariant>
 
-// The host's own words for the contract. Only the names of the interface and its records are shared with the plug-in.
+// The host's own declarations of the contract. Only the names of the interface and its records are shared with the
+// plug-in.
 struct WorkProcInfoStruct {
   void* fields[4];
   QMap<QString, QVariant>* settings;
-  void* more[4];  // fields that the action knows nothing of
+  void* more[4];  // fields that the action does not use
 };
 
 struct DialogLoadStruct {
@@ -84,7 +85,7 @@ QStringList describe(CActionInterface& action) {
   return {action.name(), action.displayName(), action.help(), action.group(), action.icon()};
 }
 
-// Edits the map, first by way of both save dialogs; `texts` gets what the action says of itself.
+// Edits the map, first by way of both save dialogs; `texts` gets the action's description of itself.
 int edit(QPluginLoader& loader, Map& settings, QStringList& texts) {
   QObject* root = loader.instance();
   if (!root) return fail(loader.errorString());

@@ -18,6 +18,7 @@
 #include "tests/dialogs/MeetDialog.h"
 #include "tests/pdflib/FakeLibrary.h"
 #include "tests/support/Sandbox.h"
+#include "tests/utils/TestFiles.h"
 #include "utils/CUtils.h"
 
 namespace {
@@ -173,6 +174,15 @@ TEST_F(ShowDialog, RemembersItsPlaceUnderAPreviewWindowOnly) {
   EXPECT_EQ(QSettings(file, QSettings::IniFormat).value(key).type(), QVariant::ByteArray);
   showAt("VorlanePreviewClass", true);
   showAt("VorlaneClass", false);
+  // What could not be written is lost for this process, too.
+  window_.setObjectName("VorlanePreviewClass");
+  FailToSave(file, [&] {
+    show([](QDialog& dialog) {
+      dialog.move(1, 2);
+      dialog.reject();
+    });
+  });
+  showAt("VorlanePreviewClass", true);
 }
 
 // Each toolbar button opens its dialog with what is entered, and closes the settings as rejected, however that one

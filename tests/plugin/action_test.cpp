@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 
 #include <cstring>
-#include <QJsonObject>
 #include <QPluginLoader>
 #include <QPointer>
 
@@ -60,25 +59,6 @@ class RecordedDocument {
 };
 
 }  // namespace
-
-TEST_F(Action, DescribesItself) {
-  const QJsonObject metadata = loader_.metaData();
-  EXPECT_EQ(metadata.value("IID").toString(), "org.halvex.vorlane.setbaseurl");
-  EXPECT_EQ(metadata.value("className").toString(), "CSetBaseURL");
-  EXPECT_TRUE(metadata.value("MetaData").toObject().isEmpty());
-  EXPECT_EQ(action_->GetActionName(), "Set Base URL");
-  EXPECT_EQ(action_->GetDisplayName(), "Set Base URL");
-  EXPECT_EQ(action_->GetGroupName(), "Document Properties");
-  EXPECT_EQ(action_->GetActionHelp(), "Action_SetBaseUrl.html");
-  EXPECT_EQ(action_->GetActionFlags(), 15);
-  EXPECT_EQ(action_->GetDefaultIcon(),
-            "Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png");
-  WorkProcInfoStruct info = {};
-  for (WorkProcInfoStruct* const given : {&info, static_cast<WorkProcInfoStruct*>(nullptr)}) {
-    EXPECT_EQ(action_->PreSequenceProc(given), 1);
-    EXPECT_EQ(action_->PostSequenceProc(given), 1);
-  }
-}
 
 TEST_F(Action, CastsByNameAndKeepsOneInstance) {
   QObject* const root = loader_.instance();

@@ -76,7 +76,7 @@ TEST_F(History, StepsFromTheNewestAndBackFromBeyondEitherEnd) {
 }
 
 TEST_F(History, SavingAgainReplacesTheEntry) {
-  Save("same", 1, -3600);  // with a time that lies ahead
+  Save("same", 1, -3600);  // with a time in the future
   Save("same", 2, 0);
   EXPECT_EQ(Tree(CUtils::GetCollectionsFolder()), QStringList("same.ini"));
   CActionHistoryAPI history("s");

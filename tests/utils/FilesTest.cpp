@@ -170,42 +170,34 @@ TEST_F(Locations, LinksAreNewestFirstOnceEachAndFiveAtMost) {
   }
 }
 
-TEST_F(Locations, LoseNothingWhenTheStoreCannotBeWritten) {
-  CActionUtils::SaveLastEnteredLink("key", "kept");
+// Neither this process, nor another one, nor a later save ever sees what could not be written.
+TEST_F(Locations, AFailedSaveIsLostForEverybody) {
+  const QString store = CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf";
+  CActionUtils::SaveLastEnteredLink("links", "kept");
   CActionUtils::SaveLastVisitedLocation("old", "/kept");
   CActionUtils::SaveLastVisitedLocation("new/below", "/kept too");
-  const std::string before = ReadText(CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf");
-  {
-    const FullDisk full;
-    CActionUtils::SaveLastEnteredLink("key", "lost");
+  OtherProcess other([] {
+    CActionUtils::SaveLastVisitedLocation("old", "/theirs");
+    CActionUtils::SaveLastEnteredLink("links", "theirs");
+  });
+  const std::string before = ReadText(store);
+  FailToSave(store, [] {
+    CActionUtils::SaveLastEnteredLink("links", "lost");
     CActionUtils::SaveLastVisitedLocation("old", "/lost");
     CActionUtils::SaveLastVisitedLocation("new", "/lost");
-  }
-  // Lost for readers of this process too, and for whatever is written next.
-  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("key"), QStringList("kept"));
+  });
+  EXPECT_EQ(ReadText(store), before);
+  EXPECT_EQ(Tree(CUtils::GetSettingsFolder()), QStringList("LastVisitedLocations.vsf"));
+  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("links"), QStringList("kept"));
   EXPECT_EQ(CActionUtils::GetLastVisitedLocation("old"), "/kept");
   EXPECT_EQ(CActionUtils::GetLastVisitedLocation("new/below"), "/kept too");
   EXPECT_EQ(CActionUtils::GetLastVisitedLocation("new"),
             QStandardPaths::writableLocation(QStandardPaths::DesktopLocation));
-  EXPECT_EQ(ReadText(CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf"), before);
-  EXPECT_EQ(Tree(CUtils::GetSettingsFolder()), QStringList("LastVisitedLocations.vsf"));
-}
 
-TEST_F(Locations, AFailedSaveNeverOverwritesWhatAnotherProcessStored) {
-  CActionUtils::SaveLastVisitedLocation("here", "/a");
-  OtherProcess other([] {
-    CActionUtils::SaveLastVisitedLocation("here", "/theirs");
-    CActionUtils::SaveLastEnteredLink("links", "theirs");
-  });
-  {
-    const FullDisk full;
-    CActionUtils::SaveLastVisitedLocation("here", "/lost");
-    CActionUtils::SaveLastEnteredLink("links", "lost");
-  }
   other.Run();
   CActionUtils::SaveLastVisitedLocation("else", "/b");
-  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("here"), "/theirs");
-  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("links"), QStringList("theirs"));
+  EXPECT_EQ(CActionUtils::GetLastVisitedLocation("old"), "/theirs");
+  EXPECT_EQ(CActionUtils::GetLastEnteredLinks("links"), QStringList({"theirs", "kept"}));
   EXPECT_EQ(CActionUtils::GetLastVisitedLocation("else"), "/b");
 }
 

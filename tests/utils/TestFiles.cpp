@@ -2,7 +2,9 @@
 #include "tests/utils/TestFiles.h"
 
 #include <gtest/gtest.h>
+#include <linux/capability.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,17 +60,52 @@ QVariant IniValue(const QString& path, const QString& key) {
   return QSettings(path, QSettings::IniFormat).value(key);
 }
 
-FullDisk::FullDisk() {
-  std::signal(SIGXFSZ, SIG_IGN);
+namespace {
+
+void LimitFileSize(bool toNothing) {
   rlimit limit{};
   getrlimit(RLIMIT_FSIZE, &limit);
-  limit.rlim_cur = 0;
+  limit.rlim_cur = toNothing ? 0 : limit.rlim_max;
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
+// Whether root may write what the file's permissions forbid; nobody else may in any case.
+void LetRootOverride(bool may) {
+  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+  __user_cap_data_struct data[2]{};
+  syscall(SYS_capget, &header, data);
+  constexpr __u32 kOverride = 1U << CAP_DAC_OVERRIDE;
+  data[0].effective = may ? data[0].effective | (data[0].permitted & kOverride) : data[0].effective & ~kOverride;
+  syscall(SYS_capset, &header, data);
+}
+
+}  // namespace
+
+FullDisk::FullDisk() {
+  std::signal(SIGXFSZ, SIG_IGN);
+  LimitFileSize(true);
+}
+
 FullDisk::~FullDisk() {
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  limit.rlim_cur = limit.rlim_max;
-  setrlimit(RLIMIT_FSIZE, &limit);
+  LimitFileSize(false);
+}
+
+ReadOnlyFile::ReadOnlyFile(const QString& path) : mPath(path) {
+  EXPECT_TRUE(QFile::setPermissions(path, QFile::ReadOwner));
+  LetRootOverride(false);
+  EXPECT_FALSE(QFile(path).open(QFile::ReadWrite));
+}
+
+ReadOnlyFile::~ReadOnlyFile() {
+  LetRootOverride(true);
+  QFile::setPermissions(mPath, QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void FailToSave(const QString& file, const std::function<void()>& save) {
+  {
+    const FullDisk full;
+    save();
+  }
+  const ReadOnlyFile readOnly(file);
+  save();
 }

@@ -17,7 +17,7 @@ QStringList Tree(const QString& folder);
 void SetTime(const QString& path, const QDateTime& time);
 QVariant IniValue(const QString& path, const QString& key);
 
-// Another process, made now, that runs a task when it is told to.
+// Another process, started now, that runs a task when Run() is called.
 class OtherProcess {
  public:
   explicit OtherProcess(const std::function<void()>& task);
@@ -28,7 +28,7 @@ class OtherProcess {
   int mProcess;
 };
 
-// While one lives, this process can write nothing to regular files, whoever runs it: what a full disk looks like.
+// While one lives, this process can write nothing to regular files, as on a full disk. Holds for root too.
 class FullDisk {
  public:
   FullDisk();
@@ -36,3 +36,18 @@ class FullDisk {
   FullDisk(const FullDisk&) = delete;
   FullDisk& operator=(const FullDisk&) = delete;
 };
+
+// While one lives, the file can only be read. Holds for root too.
+class ReadOnlyFile {
+ public:
+  explicit ReadOnlyFile(const QString& path);
+  ~ReadOnlyFile();
+  ReadOnlyFile(const ReadOnlyFile&) = delete;
+  ReadOnlyFile& operator=(const ReadOnlyFile&) = delete;
+
+ private:
+  QString mPath;
+};
+
+// Calls `save` twice: on a full disk, and while the file is read-only.
+void FailToSave(const QString& file, const std::function<void()>& save);

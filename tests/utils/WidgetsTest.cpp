@@ -95,7 +95,7 @@ TEST(Pickers, ColorsAreFramedAndCarryTheirColor) {
       const bool isCustom = i == table.size() - 1;
       EXPECT_EQ(combo.itemData(first + i, Qt::UserRole + 1), isCustom ? QVariant() : QVariant(color));
       EXPECT_EQ(combo.itemData(first + i), isCustom && withNone ? QVariant(QColor(Qt::white)) : QVariant());
-      // The lookups count with "(none)", whatever the picker shows.
+      // The lookups always count with "(none)".
       EXPECT_EQ(CActionUtils::GetColorPickerColor(1 + i), isCustom ? QColor(Qt::black) : color);
       EXPECT_EQ(CActionUtils::GetColorPickerIndex(color), isCustom ? 2 : 1 + i);
     }
@@ -319,7 +319,7 @@ TEST(Help, GoesToTheTargets) {
   CActionUtils::SetTargetLabels(nullptr, nullptr);
 }
 
-// The "offscreen" platform claims to have OpenGL and then hands out no context.
+// The "offscreen" platform reports OpenGL, but has no context.
 TEST(OpenGL, IsAbsentWithoutACrashWhereNoContextCanBeMade) {
   EXPECT_FALSE(CUtils::CheckOpenGLSupport());
 }

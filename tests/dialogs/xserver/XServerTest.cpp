@@ -23,7 +23,7 @@ class Pointer {
  public:
   explicit Pointer(QDialog& dialog) : dialog_(dialog) {}
 
-  // Waits until the condition, asked in the GUI thread, holds.
+  // Waits until the condition, checked in the GUI thread, holds.
   void Await(const std::string& what, const std::function<bool()>& condition) {
     QElapsedTimer waited;
     for (waited.start(); !waited.hasExpired(kPatienceMs); QThread::msleep(5)) {

@@ -9,8 +9,8 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
-#include "engine/quick/BaseUrl.h"
 #include "engine/quick/QuickReader.h"
+#include "engine/syntax/DictionaryText.h"
 #include "tests/engine/quick/SampleFile.h"
 #include "tests/engine/quick/Tools.h"
 
@@ -133,8 +133,9 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
       const auto document = QuickReader::Read(*input);
       ASSERT_TRUE(document.has_value()) << c.sample << url;
       OutputFile output("large.pdf");
-      AppendUpdate(*input, document->tail, {{document->tail.root, engine::WithBaseUrl(document->catalog, url)}},
-                   output);
+      engine::DictionaryText catalog(document->catalog);
+      catalog.Set("/URI", "<< /Base (" + std::string(url) + ") >>");
+      AppendUpdate(*input, document->tail, {{document->tail.root, catalog.Text()}}, output);
       output.Commit();
     }
     const auto again = QuickReader::Read(*InputFile::Open("large.pdf"));

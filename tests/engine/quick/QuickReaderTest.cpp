@@ -9,8 +9,9 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
-#include "engine/quick/BaseUrl.h"
 #include "engine/save/AppendUpdate.h"
+#include "engine/syntax/DictionaryText.h"
+#include "engine/syntax/LiteralString.h"
 #include "tests/engine/quick/FullParser.h"
 #include "tests/engine/quick/LargeFile.h"
 #include "tests/engine/quick/SampleFile.h"
@@ -29,8 +30,10 @@ namespace {
 const std::string kNewUrl = "http://example.net/new/(x)\\";
 
 std::string Updated(const InputFile& input, const QuickDocument& document, const std::string& url) {
+  engine::DictionaryText catalog(document.catalog);
+  catalog.Set("/URI", "<</Base" + engine::LiteralString(url) + ">>");
   OutputFile output;
-  AppendUpdate(input, document.tail, {{document.tail.root, engine::WithBaseUrl(document.catalog, url)}}, output);
+  AppendUpdate(input, document.tail, {{document.tail.root, catalog.Text()}}, output);
   return output.TakeBytes();
 }
 
@@ -79,7 +82,6 @@ TEST_P(PlainSampleTest, UpdateKeepsTheFileAndIsReadByOthers) {
   const std::string before = ReadFile(GetParam().path);
   const auto wasRead = FullParser::Read(before);
   std::string previous = before;
-  // Three times in a row: set, set again, remove.
   for (const std::string& url : {kNewUrl, std::string("b"), std::string()}) {
     const auto input = InputFile::FromBytes(previous);
     const auto document = QuickReader::Read(*input);
@@ -140,53 +142,4 @@ TEST(QuickReaderTest, CostDoesNotGrowWithTheObjects) {
       EXPECT_LT(read[0], 64 * 1024u);
     }
   }
-}
-
-TEST(QuickReaderTest, EncryptedFileHasATail) {
-  const std::string options[] = {"40", "128 --use-aes=y", "256"};
-  for (const std::string& bits : options) {
-    for (const char* streams : {"disable", "generate"}) {
-      const std::string keyLength = bits.substr(0, bits.find(' '));
-      const std::string rest = bits.substr(keyLength.size());
-      ASSERT_EQ(RunTool("qpdf --object-streams=" + std::string(streams) + " --allow-weak-crypto --encrypt '' owner " +
-                        keyLength + rest + " -- '" + SampleFile::Named("table-lf.pdf").path + "' encrypted.pdf")
-                    .status,
-                0);
-      const auto input = InputFile::Open("encrypted.pdf");
-      EXPECT_FALSE(QuickReader::Read(*input).has_value());
-      const auto tail = QuickReader::ReadTail(*input);
-      ASSERT_TRUE(tail.has_value());
-      EXPECT_TRUE(tail->Encrypted());
-      const std::string catalog =
-          RunTool("qpdf --show-object=" + std::to_string(tail->root.number) + " encrypted.pdf").output;
-      const std::string pages = catalog.substr(catalog.find("/Pages"), std::string("/Pages 0 0 R").size());
-      OutputFile output("out.pdf");
-      AppendUpdate(*input, *tail, {{tail->root, "<</Type/Catalog" + pages + ">>"}}, output);
-      output.Commit();
-      const ToolResult check = RunTool("qpdf --check out.pdf");
-      EXPECT_EQ(check.status, 0) << check.output;
-      const auto full = FullParser::Read(ReadFile("out.pdf"));
-      ASSERT_TRUE(full.has_value());
-      EXPECT_EQ(full->baseUrl, "");
-    }
-  }
-}
-
-TEST(QuickReaderTest, KeepsEveryOtherByteOfTheCatalog) {
-  struct {
-    const char* catalog;
-    const char* url;
-    const char* expected;
-  } const cases[] = {
-      {"<</Pages 2 0 R>>", "u", "<</Pages 2 0 R/URI <</Base (u)>>>>"},
-      {"<</Pages 2 0 R %c\n/URI<</A(>>)/Base (x) /B 1>>/C[]>>", "u",
-       "<</Pages 2 0 R %c\n/URI<</A(>>)/Base (u) /B 1>>/C[]>>"},
-      {"<</URI<</A 1/Base<41>/B 2>>>>", "", "<</URI<</A 1/B 2>>>>"},
-      {"<</A 1/URI<</Base(x)>>/B 2>>", "", "<</A 1/B 2>>"},
-      {"<</URI<</A 1>>>>", "u(\\", "<</URI<</A 1/Base (u\\(\\\\)>>>>"},
-      {"<</URI/Odd/B 2>>", "u", "<</URI<</Base (u)>>/B 2>>"},
-      {"<</URI null/B 2>>", "", "<</B 2>>"},
-      {"<</B 2>>", "", "<</B 2>>"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(engine::WithBaseUrl(c.catalog, c.url), c.expected);
 }

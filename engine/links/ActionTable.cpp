@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "engine/links/ActionTable.h"
+
+#include <limits>
+#include <new>
+#include <set>
+
+#include "engine/links/DictionaryView.h"
+#include "engine/syntax/PdfName.h"
+
+namespace engine {
+
+namespace {
+
+// Far longer than chains that anybody made on purpose.
+constexpr std::size_t kLongestChain = 1000;
+
+// The action in a slot, or something else where there is none.
+LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
+  const std::string_view path = slot.path;
+  const std::size_t second = path.find('/', 1);
+  const LocatedValue value = Entry(objects, slot.owner, path.substr(0, second));
+  return second == std::string_view::npos ? value : Entry(objects, value, path.substr(second));
+}
+
+}  // namespace
+
+const std::string* ActionTable::Kept(std::string_view text) {
+  return &*texts_.emplace(text).first;
+}
+
+int ActionTable::Register(ObjectTexts& objects, const std::vector<Slot>& slots) {
+  const std::size_t before = records_.size();
+  int known = 0;
+  for (const Slot& slot : slots) {
+    const SlotKey key{slot.owner.holder, Kept(slot.owner.path + slot.path)};
+    const auto found = slots_.find(key);
+    if (found != slots_.end()) {
+      if (known == 0) known = found->second;
+      continue;
+    }
+    const std::size_t first = records_.size();
+    AddChain(objects, ActionIn(objects, slot));
+    if (records_.size() > first) slots_[key] = static_cast<int>(first) + 1;
+  }
+  if (records_.size() == before) return known;
+  records_.emplace_back();  // not an action
+  return static_cast<int>(before) + 1;
+}
+
+void ActionTable::AddChain(ObjectTexts& objects, LocatedValue first) {
+  std::set<ObjectId> visited;
+  std::vector<LocatedValue> following = {std::move(first)};
+  for (std::size_t count = 0; !following.empty() && count < kLongestChain; ++count) {
+    const LocatedValue action = std::move(following.back());
+    following.pop_back();
+    if (action.path.empty() && !visited.insert(action.holder).second) continue;
+    const DictionaryView dictionary(action.text);
+    const std::string type = NameText(Entry(objects, action, "/S").text);
+    if (type.empty()) continue;
+    Add(action, type);
+    const std::string_view next = dictionary.Find("/Next");
+    if (next.empty()) continue;
+    LocatedValue value = Resolve(objects, action, next, "/Next");
+    if (!IsArray(value.text)) {
+      following.push_back(std::move(value));
+      continue;
+    }
+    std::vector<std::string_view> elements = ArrayElements(value.text);
+    if (elements.size() > kLongestChain) elements.resize(kLongestChain);
+    for (std::size_t i = elements.size(); i-- > 0;) {
+      following.push_back(Resolve(objects, value, elements[i], ElementStep(i)));
+    }
+  }
+}
+
+void ActionTable::Add(const LocatedValue& action, std::string_view type) {
+  if (records_.size() + 2 > std::size_t{std::numeric_limits<int>::max()}) throw std::bad_alloc();
+  Record record{action.holder, Kept(action.path), Kept(type)};
+  if (type == "URI") {
+    const std::string_view uri = DictionaryView(action.text).Find("/URI");
+    record.uri = uris_.size();
+    record.uriLength = static_cast<std::uint32_t>(uri.size());
+    uris_ += uri;
+  }
+  records_.push_back(record);
+}
+
+void ActionTable::Forget(ObjectId owner, const std::string& path) {
+  const auto found = slots_.find({owner, Kept(path)});
+  if (found == slots_.end()) return;
+  for (auto i = static_cast<std::size_t>(found->second) - 1; records_[i].type != nullptr; ++i)
+    records_[i].type = nullptr;
+  slots_.erase(found);
+}
+
+ActionTable::Action ActionTable::Find(int id) const {
+  if (id < 1 || static_cast<std::size_t>(id) > records_.size()) return {};
+  const Record& record = records_[static_cast<std::size_t>(id) - 1];
+  return {record.holder, record.path, record.type, std::string_view(uris_).substr(record.uri, record.uriLength)};
+}
+
+std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner) {
+  std::vector<ActionTable::Slot> slots;
+  const DictionaryView dictionary(owner.text);
+  if (!dictionary.Find("/A").empty()) slots.push_back({owner, "/A"});
+  const std::string_view additional = dictionary.Find("/AA");
+  if (additional.empty()) return slots;
+  const LocatedValue actions = Resolve(objects, owner, additional, "/AA");
+  const DictionaryView triggers(actions.text);
+  for (const DictionaryView::Entry& entry : triggers.Entries()) {
+    slots.push_back({owner, "/AA" + UnescapedName(entry.key)});
+  }
+  return slots;
+}
+
+}  // namespace engine

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "engine/links/LocatedValue.h"
+
+namespace engine {
+
+// The actions of a document that were asked for, by IDs from 1 on (ISO 32000-1, 12.6). Those of one place have
+// consecutive IDs: an action and, depth first, those that follow it (/Next), each once; the ID after the last of them
+// is not an action.
+class ActionTable {
+ public:
+  struct Action {
+    ObjectId holder;                    // see LocatedValue
+    const std::string* path = nullptr;  // lives as long as the table
+    const std::string* type = nullptr;  // /S without slash; null: not an action
+    std::string_view uri;               // the text of /URI, possibly a reference; empty for other actions
+  };
+  // An entry that names an action: the dictionary that has it, and the path of the entry there.
+  struct Slot {
+    LocatedValue owner;
+    std::string path;  // "/A" or "/AA/E"
+  };
+
+  // The ID of the first action in these slots, which stay together; 0 when they have none. Slots that have IDs already
+  // keep them: when all have, that of the first is returned.
+  int Register(ObjectTexts& objects, const std::vector<Slot>& slots);
+  // Forgets the slot: its IDs stay given, but are no actions any more.
+  void Forget(ObjectId owner, const std::string& path);
+  // An action without a type for an ID that is not one.
+  Action Find(int id) const;
+
+ private:
+  struct Record {
+    ObjectId holder;
+    const std::string* path = nullptr;
+    const std::string* type = nullptr;
+    std::size_t uri = 0;  // in uris_
+    std::uint32_t uriLength = 0;
+  };
+  using SlotKey = std::pair<ObjectId, const std::string*>;
+
+  void AddChain(ObjectTexts& objects, LocatedValue first);
+  void Add(const LocatedValue& action, std::string_view type);
+  const std::string* Kept(std::string_view text);
+
+  std::vector<Record> records_;
+  std::string uris_;
+  std::unordered_set<std::string> texts_;  // paths and types, each once
+  std::map<SlotKey, int> slots_;
+};
+
+// The slots of an annotation or field: /A, then the entries of /AA in their order.
+std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner);
+
+}  // namespace engine

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "engine/syntax/ObjectId.h"
+
+namespace engine {
+
+// Where the objects of a document come from.
+class ObjectTexts {
+ public:
+  virtual ~ObjectTexts() = default;
+
+  // What stands between "obj" and "endobj", strings in the clear. "null" when there is no such object, and for a
+  // stream.
+  virtual std::string Text(ObjectId id) = 0;
+};
+
+}  // namespace engine

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// @file
+
+/// The tags of GetAnnotDblProperty() and GetAnnotStrProperty() as the engine of this project reads them. Append-only: a
+/// number keeps its meaning for good.
+///
+/// The sides are those of the annotation's rectangle (ISO 32000-2, 12.5.2), in points of the page's user space; left is
+/// not above right, and bottom not above top. A rectangle that cannot be read has 0 for all four.
+enum LibraryAnnotationTag : int {
+  kAnnotationSubtype = 1,   ///< GetAnnotStrProperty(): /Subtype without its slash: "Link", "Widget"
+  kAnnotationLeft = 101,    ///< GetAnnotDblProperty()
+  kAnnotationBottom = 102,  ///< GetAnnotDblProperty()
+  kAnnotationRight = 103,   ///< GetAnnotDblProperty()
+  kAnnotationTop = 104      ///< GetAnnotDblProperty()
+};

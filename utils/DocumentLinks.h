@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+/// @file
+
+#include <functional>
+#include <QString>
+
+class HalvexPDFLibraryCPDylibCPP1311;
+
+/// A URI action (ISO 32000-2, 12.6.4.8) of a document and where it is.
+struct DocumentLink {
+  enum class Kind {
+    kAnnotation,  ///< of an annotation that is no form field
+    kOutline,     ///< of an outline item
+    kField        ///< of a form field, or of its widget on a page
+  };
+  Kind kind = Kind::kAnnotation;
+  int page = 0;    ///< from 1; 0 for outline items and for fields that are on no page
+  int action = 0;  ///< for GetActionURL() and SetActionURL(); valid until the document is removed or saved onto itself
+  QString uri;     ///< as it stands in the file
+};
+
+/// Visits every link of the library's selected document: page by page in the order of the annotations, then the outline
+/// items, then the fields that are on no page. Each place is visited once; an action that several annotations share is
+/// visited for each of them. `visit` may change the link with SetDocumentLink(), and must select no other page or
+/// document. The selected page is afterwards what it was.
+///
+/// Returns 0, or the LastErrorCode() of the first part that could not be read; the other parts are visited all the
+/// same.
+int VisitDocumentLinks(HalvexPDFLibraryCPDylibCPP1311& library, const std::function<void(const DocumentLink&)>& visit);
+
+/// Gives the link another URI; stored with the next save. Returns 0, or the LastErrorCode().
+int SetDocumentLink(HalvexPDFLibraryCPDylibCPP1311& library, const DocumentLink& link, const QString& uri);
