@@ -22,5 +22,7 @@ enum LibraryInformationKey : int {
   kInformationWhyRewrite = 1001,     ///< why it would be a rewrite; else empty
   kInformationSignatures = 1002,     ///< the number of signed signature fields
   kInformationCertification = 1003,  ///< "1", "2" or "3", the /P of DocMDP (ISO 32000-2, 12.8.2.2); else empty
-  kInformationLastWay = 1004         ///< how the last save was written, in the words of kInformationWayOfSaving
+  kInformationLastWay = 1004,        ///< how the last save was written, in the words of kInformationWayOfSaving
+  kInformationHasBaseUrl = 1005,     ///< "1" when the document has a base URL, be it an empty one, else "0"
+  kInformationPdfVersion = 1006  ///< the PDF version, as in "1.7" (ISO 32000-2, 7.5.2 and 7.7.2); empty when unknown
 };

@@ -105,3 +105,15 @@ bool ActionListFile::Append(const QString& path, const Entry& entry) {
 bool ActionListFile::SetSettings(const QString& path, int number, const QMap<QString, QVariant>& settings) {
   return SettingsFile::Change(path, [&](QSettings& file) { file.setValue(Key(kActionSettings, number), settings); });
 }
+
+bool ActionListFile::Remove(const QString& path, int number) {
+  return SettingsFile::Change(path, [&](QSettings& file) {
+    for (; file.contains(Key(kActionName, number + 1)); ++number) {
+      for (const QLatin1String& key : {kActionName, kActionSettings}) {
+        file.setValue(Key(key, number), file.value(Key(key, number + 1)));
+      }
+    }
+    file.remove(Key(kActionName, number));
+    file.remove(Key(kActionSettings, number));
+  });
+}

@@ -62,6 +62,10 @@ std::string Fact(Document& document, int key) {
     }
     case kInformationLastWay:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
+    case kInformationHasBaseUrl:
+      return document.HasBaseUrl() ? "1" : "0";
+    case kInformationPdfVersion:
+      return document.PdfVersion();
     default:
       return document.Information(InformationKey(key));
   }

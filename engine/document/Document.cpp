@@ -40,6 +40,14 @@ std::string Document::BaseUrl() {
   return BaseUrlOf(File(), AllEdits());
 }
 
+bool Document::HasBaseUrl() {
+  return engine::HasBaseUrl(File(), edits_);
+}
+
+std::string Document::PdfVersion() {
+  return PdfVersionOf(File(), edits_);
+}
+
 void Document::SetBaseUrl(const std::string& url) {
   engine::SetBaseUrl(File(), AllEdits(), url);
 }

@@ -29,7 +29,9 @@ class Document {
 
   // See DocumentProperties.h.
   std::string BaseUrl();
+  bool HasBaseUrl();
   void SetBaseUrl(const std::string& url);
+  std::string PdfVersion();
   std::string Information(const std::string& key);
   void SetInformation(const std::string& key, const std::string& value);
 

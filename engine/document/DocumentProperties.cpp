@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/document/DocumentProperties.h"
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -20,6 +21,8 @@ constexpr char kRoot[] = "/Root";
 constexpr char kInfo[] = "/Info";
 constexpr char kUri[] = "/URI";
 constexpr char kBase[] = "/Base";
+constexpr char kVersion[] = "/Version";
+constexpr std::size_t kHeaderSearch = 1024;  // where readers look for the header
 
 std::optional<ObjectId> ReferenceIn(std::string_view value) {
   // Most values are none, and an exception costs time.
@@ -55,13 +58,16 @@ class EditedFile {
   DictionaryText Named(const std::string& trailerKey) const {
     return Dictionary(TrailerValue(trailerKey)).value_or(DictionaryText());
   }
-  // The bytes of a string entry; empty for anything else.
-  std::string String(const DictionaryText& dictionary, const std::string& key) const {
+  // The bytes of a string entry; nothing for anything else.
+  std::optional<std::string> FindString(const DictionaryText& dictionary, const std::string& key) const {
     const std::optional<std::string_view> value = dictionary.Find(key);
-    if (!value) return {};
+    if (!value) return std::nullopt;
     const std::string text = Resolve(*value);
     const bool isString = !text.empty() && (text[0] == '(' || (text[0] == '<' && text.compare(0, 2, "<<") != 0));
-    return isString ? PdfLexer::ToBytes(text) : std::string();
+    return isString ? std::optional(PdfLexer::ToBytes(text)) : std::nullopt;
+  }
+  std::string String(const DictionaryText& dictionary, const std::string& key) const {
+    return FindString(dictionary, key).value_or("");
   }
   // The base URL's dictionary in a catalog; an empty one when there is none.
   DictionaryText Uri(const DictionaryText& catalog) const {
@@ -76,6 +82,16 @@ class EditedFile {
   LoadedFile& file_;
   const Edits& edits_;
 };
+
+// The version that follows the mark, "1.7"; empty when it does not read so.
+std::string VersionAfter(std::string_view text, std::string_view mark) {
+  const std::size_t at = text.find(mark);
+  if (at == std::string_view::npos) return {};
+  const std::string_view version = text.substr(at + mark.size(), 3);
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const bool valid = version.size() == 3 && isDigit(version[0]) && version[1] == '.' && isDigit(version[2]);
+  return valid ? std::string(version) : std::string();
+}
 
 void SetOrRemove(DictionaryText& dictionary, const std::string& key, const std::optional<std::string>& value) {
   if (value) {
@@ -130,6 +146,19 @@ void EditEntry(LoadedFile& file, Edits& edits, const std::string& trailerKey, co
 std::string BaseUrlOf(LoadedFile& file, const Edits& edits) {
   const EditedFile edited(file, edits);
   return edited.BaseUrl(edited.Named(kRoot));
+}
+
+bool HasBaseUrl(LoadedFile& file, const Edits& edits) {
+  const EditedFile edited(file, edits);
+  return edited.FindString(edited.Uri(edited.Named(kRoot)), kBase).has_value();
+}
+
+std::string PdfVersionOf(LoadedFile& file, const Edits& edits) {
+  const std::string header = VersionAfter(file.Source().ReadAt(0, kHeaderSearch), "%PDF-");
+  const EditedFile edited(file, edits);
+  const DictionaryText catalog = edited.Named(kRoot);
+  const std::optional<std::string_view> entry = catalog.Find(kVersion);
+  return std::max(header, entry ? VersionAfter(edited.Resolve(*entry), "/") : std::string());
 }
 
 void SetBaseUrl(LoadedFile& file, Edits& edits, const std::string& url) {

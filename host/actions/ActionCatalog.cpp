@@ -6,6 +6,7 @@
 #include <QPluginLoader>
 
 #include "host/base/CommandError.h"
+#include "host/base/Suggestion.h"
 
 CActionInterface* ActionCatalog::Find(const QString& actionName) {
   for (std::size_t i = 0; i < entries_.size() || LoadNext();) {
@@ -22,8 +23,13 @@ CActionInterface& ActionCatalog::Get(const QString& actionName) {
   QString message = QStringLiteral("Unknown action '%1': no plug-in in %2 has it.")
                         .arg(actionName, folders_.join(QStringLiteral(" or ")));
   QStringList known;
-  for (const Entry& entry : entries_) known += QStringLiteral("'%1'").arg(entry.action->GetActionName());
-  if (!known.isEmpty()) message += QStringLiteral(" Known: %1.").arg(known.join(QStringLiteral(", ")));
+  for (const Entry& entry : entries_) known += entry.action->GetActionName();
+  const QString suggestion = Suggestion(actionName, known);
+  if (!suggestion.isEmpty()) {
+    message += suggestion;
+  } else if (!known.isEmpty()) {
+    message += QStringLiteral(" Known: '%1'.").arg(known.join(QStringLiteral("', '")));
+  }
   if (!problems_.isEmpty()) message += QStringLiteral(" Not loaded: ") + problems_.join(QStringLiteral("; "));
   throw CommandError(kExitNotLoaded, message);
 }

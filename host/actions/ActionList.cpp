@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "host/base/CommandError.h"
+#include "host/base/Suggestion.h"
 #include "utils/CUtils.h"
 
 namespace {
@@ -21,6 +22,10 @@ void CheckReadable(const QString& file) {
   if (!info.isFile()) refuse(QStringLiteral("it is not a regular file"));
   QFile probe(file);
   if (!probe.open(QIODevice::ReadOnly)) refuse(probe.errorString());
+}
+
+void CheckWritten(const QString& file, bool written) {
+  if (!written) throw CommandError(kExitNotLoaded, QStringLiteral("Cannot write the action list '%1'.").arg(file));
 }
 
 }  // namespace
@@ -47,7 +52,7 @@ ActionListFile ActionList::Read(const QString& file, QStringList* warnings) {
   return list;
 }
 
-QString ActionList::Locate(const QString& name) {
+std::optional<QString> ActionList::Find(const QString& name) {
   if (name.contains(QLatin1Char('/')) || (name.endsWith(QLatin1String(".xqq")) && QFileInfo::exists(name))) return name;
   QStringList named;
   QStringList filed;
@@ -57,20 +62,46 @@ QString ActionList::Locate(const QString& name) {
     if (info.fileName() == name || info.completeBaseName() == name) filed += file;
   }
   const QStringList& found = named.isEmpty() ? filed : named;
-  if (found.isEmpty()) {
-    throw CommandError(kExitNotLoaded,
-                       QStringLiteral("There is no action list '%1' in %2.").arg(name, CUtils::GetSequenceFolder()));
+  if (found.isEmpty()) return std::nullopt;
+  if (found.size() == 1) return found.constFirst();
+  throw CommandError(
+      kExitNotLoaded,
+      QStringLiteral("Several action lists are named '%1': %2").arg(name, found.join(QStringLiteral(", "))));
+}
+
+QString ActionList::Locate(const QString& name) {
+  if (const std::optional<QString> found = Find(name)) return *found;
+  QStringList names;
+  for (const QString& file : ActionListFile::All()) names += ActionListFile::Read(file).name;
+  throw CommandError(kExitNotLoaded, QStringLiteral("There is no action list '%1' in %2.%3")
+                                         .arg(name, CUtils::GetSequenceFolder(), Suggestion(name, names)));
+}
+
+void ActionList::Create(const QString& file, const QString& name, const QString& category,
+                        const ActionListFile::Entry& entry) {
+  CheckWritten(file, ActionListFile::Create(file, name, category, entry));
+}
+
+void ActionList::Append(const QString& file, const ActionListFile::Entry& entry) {
+  CheckWritten(file, ActionListFile::Append(file, entry));
+}
+
+void ActionList::RemoveAction(const QString& file, int index) {
+  CheckWritten(file, ActionListFile::Remove(file, index));
+}
+
+void ActionList::RemoveFile(const QString& file) {
+  CheckReadable(file);
+  const ActionListFile list = ActionListFile::Read(file);
+  if (list.name.isEmpty() && list.entries.empty()) {
+    throw CommandError(kExitNotLoaded, FileMessage(file, QStringLiteral("it is not an action list")));
   }
-  if (found.size() > 1) {
-    throw CommandError(
-        kExitNotLoaded,
-        QStringLiteral("Several action lists are named '%1': %2").arg(name, found.join(QStringLiteral(", "))));
-  }
-  return found.constFirst();
+  QFile stale(file);
+  if (stale.remove()) return;
+  throw CommandError(kExitNotLoaded,
+                     QStringLiteral("Cannot remove the action list '%1': %2").arg(file, stale.errorString()));
 }
 
 void ActionList::StoreSettings(const QString& file, int index, const QMap<QString, QVariant>& settings) {
-  if (!ActionListFile::SetSettings(file, index, settings)) {
-    throw CommandError(kExitNotLoaded, QStringLiteral("Cannot write the action list '%1'.").arg(file));
-  }
+  CheckWritten(file, ActionListFile::SetSettings(file, index, settings));
 }

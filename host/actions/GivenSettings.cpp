@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/actions/GivenSettings.h"
 
+#include <algorithm>
+
+#include "host/actions/StoredSettings.h"
 #include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Suggestion.h"
@@ -14,10 +17,14 @@ using Type = SettingsDescription::Type;
   throw CommandError(kExitUsage, message);
 }
 
+QString UnknownKey(const SettingsDescription& description, const QString& key) {
+  return QStringLiteral("The action '%1' has no setting '%2'.%3")
+      .arg(description.ActionName(), key, Suggestion(key, description.Keys()));
+}
+
 const Setting& FindKey(const SettingsDescription& description, const QString& key) {
   if (const Setting* const setting = description.Find(key)) return *setting;
-  Refuse(QStringLiteral("The action '%1' has no setting '%2'.%3")
-             .arg(description.ActionName(), key, Suggestion(key, description.Keys())));
+  Refuse(UnknownKey(description, key));
 }
 
 QVariant CheckedUrl(const Setting& setting, const QString& value, bool unchecked, QStringList& warnings) {
@@ -78,37 +85,66 @@ QVariant CheckedValue(const Setting& setting, const QString& value, bool uncheck
   return value;
 }
 
-CheckedSettings CheckSettings(const QString& actionName, const std::optional<SettingsDescription>& description,
-                              const GivenSettings& given) {
-  CheckedSettings checked;
-  if (!description) {
-    for (const auto& [key, value] : given.values) checked.values.insert(key, value);
-    for (const QString& key : given.cleared) checked.values.insert(key, QString());
-    checked.warnings +=
-        QStringLiteral("The action '%1' does not describe its settings; they are not checked.").arg(actionName);
-    return checked;
+namespace {
+
+PathTemplate::Encoding EncodingOf(const Setting& setting) {
+  return setting.type == Type::kUrl ? PathTemplate::Encoding::kUrl : PathTemplate::Encoding::kPlain;
+}
+
+// A template is checked by what it makes of a plain path.
+PathTemplate CheckedTemplate(const Setting& setting, const QString& text, bool uncheckedUrls, QStringList& warnings) {
+  if (setting.type != Type::kUrl && setting.type != Type::kText) {
+    Refuse(QStringLiteral("The setting '%1' cannot have a value for each file: only texts and URLs can.")
+               .arg(setting.key));
   }
+  PathTemplate filler(text, EncodingOf(setting));
+  CheckedValue(setting, filler.Fill("folder/name.pdf"), uncheckedUrls, warnings);
+  return filler;
+}
+
+void TakeStored(const SettingsDescription& description, const GivenSettings& given, CheckedSettings& checked) {
+  for (auto each = given.stored.begin(); each != given.stored.end(); ++each) {
+    if (given.Has(each.key())) continue;
+    const Setting* const setting = description.Find(each.key());
+    if (setting == nullptr) {
+      checked.warnings += UnknownKey(description, each.key());
+      checked.values.insert(each.key(), each.value());
+    } else if (!each.value().isNull() && !each.value().canConvert<QString>()) {
+      Refuse(QStringLiteral("The setting '%1' takes one value, not several.").arg(setting->key));
+    } else {
+      checked.values.insert(each.key(),
+                            CheckedValue(*setting, each.value().toString(), given.uncheckedUrls, checked.warnings));
+    }
+  }
+}
+
+void TakeGiven(const SettingsDescription& description, const GivenSettings& given, CheckedSettings& checked) {
   for (const QString& key : given.cleared) {
-    CheckClearing(FindKey(*description, key));
+    CheckClearing(FindKey(description, key));
     checked.values.insert(key, QString());
   }
   for (const auto& [key, value] : given.values) {
-    const Setting& setting = FindKey(*description, key);
-    if (checked.values.contains(key)) Refuse(QStringLiteral("The setting '%1' is both set and cleared.").arg(key));
+    const Setting& setting = FindKey(description, key);
+    if (given.cleared.contains(key)) Refuse(QStringLiteral("The setting '%1' is both set and cleared.").arg(key));
     checked.values.insert(key, CheckedValue(setting, value, given.uncheckedUrls, checked.warnings));
   }
-  for (const QString& key : given.forEachFile) {
-    FindKey(*description, key);
+  for (const auto& [key, text] : given.forEachFile) {
+    const Setting& setting = FindKey(description, key);
     if (checked.values.contains(key)) Refuse(QStringLiteral("The setting '%1' is given twice.").arg(key));
+    checked.templates.insert(key, CheckedTemplate(setting, text, given.uncheckedUrls, checked.warnings));
   }
-  for (const Setting& setting : description->Settings()) {
-    if (checked.values.contains(setting.key) || given.forEachFile.contains(setting.key)) continue;
+}
+
+// Standard values for what is not given.
+void Complete(const SettingsDescription& description, CheckedSettings& checked) {
+  for (const Setting& setting : description.Settings()) {
+    if (checked.values.contains(setting.key) || checked.templates.contains(setting.key)) continue;
     if (setting.required) {
       const QString clear = setting.empty.isEmpty()
                                 ? QString()
                                 : QStringLiteral(" (or --clear %1, which %2)").arg(setting.key, setting.empty);
       Refuse(QStringLiteral("The action '%1' needs the setting '%2': --set %2=%3%4.")
-                 .arg(actionName, setting.key, setting.TypeName(), clear));
+                 .arg(description.ActionName(), setting.key, setting.TypeName(), clear));
     }
     if (setting.standard) {
       checked.values.insert(setting.key, setting.type == Type::kSwitch
@@ -116,16 +152,70 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
                                              : QVariant(*setting.standard));
     }
   }
+}
+
+CheckedSettings CheckDescribed(const SettingsDescription& description, const GivenSettings& given) {
+  CheckedSettings checked;
+  TakeGiven(description, given, checked);
+  TakeStored(description, given, checked);
+  Complete(description, checked);
   return checked;
 }
 
-QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
-  static const QStringList ofDialogs{QStringLiteral("ActionName"), QStringLiteral("ActionListName"),
-                                     QStringLiteral("ActionListCategory"), QStringLiteral("ActionListOverwrite"),
-                                     QStringLiteral("CollectionName")};
-  QStringList unknown;
-  for (const QString& key : settings.keys()) {
-    if (!ofDialogs.contains(key) && description.Find(key) == nullptr) unknown += key;
+// Nothing is known of the action's settings.
+CheckedSettings TakeAll(const GivenSettings& given) {
+  CheckedSettings checked{given.stored, {}, {}};
+  for (const auto& [key, value] : given.values) checked.values.insert(key, value);
+  for (const QString& key : given.cleared) checked.values.insert(key, QString());
+  for (const auto& [key, text] : given.forEachFile) {
+    checked.templates.insert(key, PathTemplate(text, PathTemplate::Encoding::kPlain));
   }
-  return unknown;
+  return checked;
+}
+
+}  // namespace
+
+bool GivenSettings::Has(const QString& key) const {
+  const auto names = [&](const QPair<QString, QString>& each) { return each.first == key; };
+  return cleared.contains(key) || std::any_of(values.begin(), values.end(), names) ||
+         std::any_of(forEachFile.begin(), forEachFile.end(), names);
+}
+
+CheckedSettings CheckSettings(const QString& actionName, const std::optional<SettingsDescription>& description,
+                              const GivenSettings& given) {
+  CheckedSettings checked = description ? CheckDescribed(*description, given) : TakeAll(given);
+  if (!description) {
+    checked.warnings +=
+        QStringLiteral("The action '%1' does not describe its settings; they are not checked.").arg(actionName);
+  }
+  return checked;
+}
+
+QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
+                                      const GivenSettings& given) {
+  QMap<QString, QVariant> settings = given.stored;
+  QStringList ignored;
+  for (const auto& [key, value] : given.values) {
+    settings.insert(key, description ? CheckedValue(FindKey(*description, key), value, true, ignored) : value);
+  }
+  for (const QString& key : given.cleared) {
+    if (description) CheckClearing(FindKey(*description, key));
+    settings.insert(key, QString());
+  }
+  return settings;
+}
+
+QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
+  QStringList warnings;
+  for (const QString& key : settings.keys()) {
+    if (StoredSettings::KeysOfDialogs().contains(key) || description.Find(key) != nullptr) continue;
+    warnings += UnknownKey(description, key);
+  }
+  for (const Setting& setting : description.Settings()) {
+    if (!setting.required || settings.contains(setting.key)) continue;
+    warnings += QStringLiteral("the action '%1' lacks the setting '%2', which %3")
+                    .arg(description.ActionName(), setting.key,
+                         setting.empty.isEmpty() ? QStringLiteral("it needs") : setting.empty);
+  }
+  return warnings;
 }

@@ -9,23 +9,30 @@
 #include <QVector>
 
 #include "host/actions/SettingsDescription.h"
+#include "host/files/PathTemplate.h"
 
 // Settings as a user gave them on a command line, before they are held against the action's description.
 struct GivenSettings {
-  QVector<QPair<QString, QString>> values;  // by key, each key once
-  QStringList cleared;                      // keys that shall be empty
-  QStringList forEachFile;                  // keys whose value is made for each file later
+  QVector<QPair<QString, QString>> values;       // by key, each key once
+  QStringList cleared;                           // keys that shall be empty
+  QVector<QPair<QString, QString>> forEachFile;  // by key: the template of a value that is made for each file
   bool uncheckedUrls = false;
+  QMap<QString, QVariant> stored;  // from a file; what is given otherwise goes before it
+
+  // Whether a value, a template or clearing is given for the key, apart from what is stored.
+  bool Has(const QString& key) const;
 };
 
 struct CheckedSettings {
   QMap<QString, QVariant> values;
+  QMap<QString, PathTemplate> templates;
   QStringList warnings;
 };
 
 // The settings map for the action, with the description's standard values for what is not given. Without a description
 // everything is taken as it is, with a warning. Throws CommandError(kExitUsage) for an unknown key, a missing required
-// one, a value that is not of its key's type, and an empty value that was not asked for by clearing its key.
+// one, a value that is not of its key's type, a template that makes none, and an empty value that was not asked for by
+// clearing its key. Unknown keys of stored settings are kept, with a warning.
 CheckedSettings CheckSettings(const QString& actionName, const std::optional<SettingsDescription>& description,
                               const GivenSettings& given);
 
@@ -33,5 +40,10 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
 QVariant CheckedValue(const SettingsDescription::Setting& setting, const QString& value, bool uncheckedUrls,
                       QStringList& warnings);
 
-// The keys of stored settings that the description does not know, apart from those that dialogs add.
-QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
+// The settings with which a dialog starts: nothing has to be there yet. Throws CommandError(kExitUsage) for an unknown
+// key and a value that is not of its key's type.
+QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
+                                      const GivenSettings& given);
+
+// What the description has against the settings of an action list, which are run all the same.
+QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings);

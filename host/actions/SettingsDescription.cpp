@@ -138,6 +138,7 @@ SettingsDescription SettingsDescription::FromJson(const QByteArray& json, const 
   Members members(document.object(), origin);
   if (!document.isObject()) members.Refuse(QStringLiteral("it is not a JSON object (%1)").arg(error.errorString()));
   SettingsDescription description;
+  description.json_ = document.object();
   description.actionName_ = members.Text("action", true);
   description.commandName_ = members.Text("command");
   description.first_ = members.Text("first");
@@ -169,4 +170,16 @@ QStringList SettingsDescription::Keys() const {
   QStringList keys;
   for (const Setting& setting : settings_) keys += setting.key;
   return keys;
+}
+
+QString SettingsDescription::HelpText() const {
+  QString text = QStringLiteral("Settings of '%1' (--set KEY=VALUE):\n").arg(actionName_);
+  for (const Setting& setting : settings_) {
+    text += QStringLiteral("  %1=%2\n      %3%4: %5\n")
+                .arg(setting.key, setting.TypeName(), setting.title,
+                     setting.required ? QStringLiteral(" (required)") : QString(), setting.help);
+    if (setting.standard) text += QStringLiteral("      Default: %1\n").arg(*setting.standard);
+    if (!setting.empty.isEmpty()) text += QStringLiteral("      --clear %1: %2\n").arg(setting.key, setting.empty);
+  }
+  return text;
 }

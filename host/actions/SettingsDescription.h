@@ -44,8 +44,13 @@ class SettingsDescription {
   const std::vector<Setting>& Settings() const { return settings_; }
   const Setting* Find(const QString& key) const;
   QStringList Keys() const;
+  // The description as it stands in the plug-in.
+  const QJsonObject& Json() const { return json_; }
+  // For users: a heading and a paragraph for each setting.
+  QString HelpText() const;
 
  private:
+  QJsonObject json_;
   QString actionName_;
   QString commandName_;
   QString first_;

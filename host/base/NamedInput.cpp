@@ -16,9 +16,18 @@
 
 namespace {
 
-constexpr std::size_t kLongestLine = 1 << 20;
+// A name may end in CR; a list from Windows has one at the end of each line, the last of which may be cut off.
+bool EveryLineEndsInCr(const std::string& content) {
+  if (content.find('\n') == std::string::npos) return false;
+  for (std::size_t at = content.find('\n'); at != std::string::npos; at = content.find('\n', at + 1)) {
+    if (at == 0 || content[at - 1] != '\r') return false;
+  }
+  return true;
+}
 
-std::string Read(const std::string& name, const char* what, bool oneLine) {
+}  // namespace
+
+std::string NamedInput::ReadAll(const std::string& name, const char* what) {
   const auto fail = [&] {
     return CommandError(kExitUsage, QStringLiteral("Cannot read the %1 '%2': %3")
                                         .arg(QLatin1String(what), NativeName::ToText(name),
@@ -31,7 +40,7 @@ std::string Read(const std::string& name, const char* what, bool oneLine) {
   if (descriptor < 0) throw fail();
   std::string content;
   char block[1 << 14];
-  while (!oneLine || (content.size() < kLongestLine && content.find('\n') == std::string::npos)) {
+  for (;;) {
     Interruption::WaitFor(descriptor, POLLIN);
     Interruption::Check();
     const ssize_t count = read(descriptor, block, sizeof block);
@@ -43,23 +52,14 @@ std::string Read(const std::string& name, const char* what, bool oneLine) {
   return content;
 }
 
-}  // namespace
-
-std::string NamedInput::ReadAll(const std::string& name, const char* what) {
-  return Read(name, what, false);
-}
-
-std::string NamedInput::ReadLine(const std::string& name, const char* what) {
-  const std::string content = Read(name, what, true);
-  return content.substr(0, content.find('\n'));
-}
-
 void NamedInput::ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each) {
   const std::string content = ReadAll(name, what);
   const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
+  const std::size_t ending = separator == '\n' && EveryLineEndsInCr(content) ? 1 : 0;
   for (std::size_t begin = 0; begin < content.size();) {
     const std::size_t end = std::min(content.find(separator, begin), content.size());
-    if (end > begin) each(content.substr(begin, end - begin));
+    const std::size_t length = end - begin - (end > begin && content[end - 1] == '\r' ? ending : 0);
+    if (length > 0) each(content.substr(begin, length));
     begin = end + 1;
   }
 }

@@ -11,10 +11,9 @@ namespace NamedInput {
 // `what` is for the message, as in "password file". Throws CommandError(kExitUsage) when it cannot be read, and as
 // Interruption::Check does.
 std::string ReadAll(const std::string& name, const char* what);
-// The same, up to the first line break and without it.
-std::string ReadLine(const std::string& name, const char* what);
 
-// Calls `each` for the names of a list: separated by NUL if one occurs, else by newlines; empty names are left out.
+// Calls `each` for the names of a list: separated by NUL if one occurs, else by newlines, or by CR and LF if every line
+// ends so; empty names are left out.
 void ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each);
 
 }  // namespace NamedInput

@@ -2,6 +2,11 @@
 #include "host/base/PdfLibrary.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
 
 #include <QString>
 
@@ -21,6 +26,21 @@ std::string LoadingMessage(int errorCode, const std::string& file) {
   return PdfLibrary::ErrorMessage(errorCode);
 }
 
+// The library's error code does not hold the system's one, so the same is tried again. A file is written beside the
+// output and renamed.
+std::string WhyNotWritable(const std::string& output) {
+  struct stat status = {};
+  if (stat(output.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return "a folder has that name";
+  const std::size_t slash = output.rfind('/');
+  const std::string folder = slash == std::string::npos ? "." : output.substr(0, slash + 1);
+  std::string probe = folder + "/.vorlane-probe-XXXXXX";
+  const int file = mkstemp(probe.data());
+  if (file < 0) return std::generic_category().message(errno);
+  close(file);
+  unlink(probe.c_str());
+  return {};
+}
+
 }  // namespace
 
 std::unique_ptr<PdfLibrary::Wrapper> PdfLibrary::Open(const std::wstring& libraryFile) {
@@ -32,13 +52,27 @@ std::unique_ptr<PdfLibrary::Wrapper> PdfLibrary::Open(const std::wstring& librar
   return library;
 }
 
-std::string PdfLibrary::LoadDocument(Wrapper& library, const std::string& file, const std::wstring& password) {
+std::string PdfLibrary::LoadDocument(Wrapper& library, const std::string& file,
+                                     const std::vector<std::wstring>& passwords) {
   const std::wstring name = NativeName::ToWide(file);
-  if (library.LoadFromFile(name, password) != 0) return {};
-  const int error = library.LastErrorCode();
-  // Many files need no password for reading, whatever the one that was given for others.
-  if (error == kErrorPasswordWrong && !password.empty() && library.LoadFromFile(name, {}) != 0) return {};
+  const std::vector<std::wstring> none(1);
+  int error = kErrorNone;
+  // Many files need no password for reading, whatever those that were given for others.
+  for (const auto* tried : {&passwords, &none}) {
+    for (const std::wstring& password : *tried) {
+      if (library.LoadFromFile(name, password) != 0) return {};
+      const int last = library.LastErrorCode();
+      if (last != kErrorPasswordWrong && last != kErrorPasswordNeeded) return LoadingMessage(last, file);
+      if (error == kErrorNone) error = last;
+    }
+  }
   return LoadingMessage(error, file);
+}
+
+std::string PdfLibrary::SavingMessage(int errorCode, const std::string& output) {
+  const std::string message = ErrorMessage(errorCode);
+  const std::string reason = errorCode == kErrorCannotWrite ? WhyNotWritable(output) : std::string();
+  return reason.empty() ? message : message + ": " + reason;
 }
 
 std::string PdfLibrary::ToUtf8(const std::wstring& text) {

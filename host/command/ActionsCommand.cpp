@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/ActionsCommand.h"
 
+#include <optional>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "host/actions/ActionCatalog.h"
+#include "host/actions/SettingsDescription.h"
+#include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/ExitCode.h"
 #include "utils/KitResources.h"
@@ -28,10 +31,21 @@ QStringList MissingResources(CActionInterface& action) {
   return missing;
 }
 
+// A description that does not follow the schema is an error of this action alone.
+std::optional<SettingsDescription> DescriptionOf(CActionInterface& action) {
+  try {
+    return SettingsDescription::Of(action.GetActionName());
+  } catch (const CommandError& error) {
+    Console::Error(error.Message());
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 ActionsCommand::ActionsCommand()
-    : Command(QStringLiteral("actions"), QStringLiteral("Lists the actions: name, group, flags and help page.")) {
+    : Command(QStringLiteral("actions"),
+              QStringLiteral("Lists the actions: name, group, flags, help page, command and settings.")) {
   AddToolsOption();
   AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON array."));
 }
@@ -43,13 +57,17 @@ int ActionsCommand::Execute() {
   QString text;
   for (const ActionCatalog::Entry& entry : catalog.All()) {
     CActionInterface& action = *entry.action;
-    array += QJsonObject{
+    const std::optional<SettingsDescription> description = DescriptionOf(action);
+    QJsonObject object{
         {QStringLiteral("name"), action.GetActionName()}, {QStringLiteral("displayName"), action.GetDisplayName()},
         {QStringLiteral("group"), action.GetGroupName()}, {QStringLiteral("flags"), action.GetActionFlags()},
         {QStringLiteral("help"), action.GetActionHelp()}, {QStringLiteral("file"), entry.file}};
-    text += QStringLiteral("%1\t%2\t%3\t%4\n")
+    if (description) object.insert(QStringLiteral("description"), description->Json());
+    array += object;
+    text += QStringLiteral("%1\t%2\t%3\t%4\t%5\t%6\n")
                 .arg(action.GetActionName(), action.GetGroupName(), QString::number(action.GetActionFlags()),
-                     action.GetActionHelp());
+                     action.GetActionHelp(), description ? description->CommandName() : QString(),
+                     description ? description->Keys().join(QLatin1Char(' ')) : QString());
     for (const QString& path : MissingResources(action)) {
       Console::Error(QStringLiteral("%1: %2 is not in the plug-in's resources.").arg(action.GetActionName(), path));
     }

@@ -4,15 +4,15 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QSet>
-#include <QVariant>
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NamedInput.h"
 #include "host/base/NativeName.h"
-#include "utils/CUtils.h"
+#include "host/base/Suggestion.h"
 
 namespace {
 
@@ -20,10 +20,28 @@ std::string_view View(const QByteArray& bytes) {
   return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
+QStringList OptionsAsTyped(QStringList options) {
+  for (QString& option : options) option.prepend(QStringLiteral("--"));
+  return options;
+}
+
+// A relative folder would mean code from wherever the user happens to be.
+QStringList FoldersOfEnvironment() {
+  const QStringList folders =
+      NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
+  for (const QString& folder : folders) {
+    if (QDir::isAbsolutePath(folder)) continue;
+    throw CommandError(kExitUsage,
+                       QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
+  }
+  return folders;
+}
+
 }  // namespace
 
 Command::Command(const QString& name, const QString& summary) : name_(name), summary_(summary) {
   parser_.setApplicationDescription(summary);
+  options_ += QStringLiteral("help");
   parser_.addOption(HelpOption());
 }
 
@@ -33,19 +51,51 @@ QCommandLineOption Command::HelpOption() {
 
 void Command::Parse(const QStringList& arguments) {
   // The parser skips the first argument as the program's name.
-  if (!parser_.parse(QStringList{name_} + arguments)) throw CommandError(kExitUsage, parser_.errorText());
+  const bool parsed = parser_.parse(QStringList{name_} + arguments);
+  if (!OnlyHelps()) RefuseDashedNames(arguments);
+  if (!parsed) throw CommandError(kExitUsage, ParsingError());
   if (OnlyHelps()) return;
   RefuseRepeatedOptions();
   Check();
 }
 
-int Command::Run() {
-  if (!OnlyHelps()) return Execute();
+// The parser would read "-dash.pdf" as a row of short options, or as one with its value.
+void Command::RefuseDashedNames(const QStringList& arguments) const {
+  for (int i = 0; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {
+    const QString& argument = arguments[i];
+    const bool isShort = argument.startsWith(QLatin1Char('-')) && !argument.startsWith(QLatin1String("--"));
+    const bool isLongName = argument.startsWith(QLatin1String("--")) && !argument.contains(QLatin1Char('=')) &&
+                            argument.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
+    if ((isShort && argument.size() > 2) || isLongName) {
+      throw CommandError(kExitUsage, QStringLiteral("'%1' is not an option. A file whose name begins with \"-\" needs "
+                                                    "\"./\" before it, or \"--\" before all files.")
+                                         .arg(argument));
+    }
+    if (valued_.contains(LongName(argument.mid(isShort ? 1 : 2)))) ++i;  // the next one is its value
+  }
+}
+
+QString Command::ParsingError() const {
+  const QStringList unknown = parser_.unknownOptionNames();
+  if (unknown.isEmpty()) return parser_.errorText();
+  const QString typed =
+      (unknown.constFirst().size() > 1 ? QStringLiteral("--") : QStringLiteral("-")) + unknown.constFirst();
+  return QStringLiteral("Unknown option '%1'.%2").arg(typed, Suggestion(typed, OptionsAsTyped(options_)));
+}
+
+QString Command::HelpText() const {
   QString help = parser_.helpText();
   // The parser names the program; the user typed a command as well.
   const int end = help.indexOf(QLatin1String(" [options]"));
   if (end >= 0) help.insert(end, QLatin1Char(' ') + name_);
-  return Console::Print(help) ? kExitDone : kExitSomeFailed;
+  if (!examples_.isEmpty()) help += QStringLiteral("\nExamples:\n");
+  for (const QString& example : examples_) help += QStringLiteral("  vorlane-run %1\n").arg(example);
+  return help;
+}
+
+int Command::Run() {
+  if (!OnlyHelps()) return Execute();
+  return Console::Print(HelpText()) ? kExitDone : kExitSomeFailed;
 }
 
 void Command::PrepareWindowSystem() const {
@@ -53,9 +103,15 @@ void Command::PrepareWindowSystem() const {
   if (!display && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+// An option may have been given by its short form.
+QString Command::LongName(const QString& name) const {
+  return shortForms_.value(name, name);
+}
+
 void Command::RefuseRepeatedOptions() const {
   QSet<QString> seen;
-  for (const QString& option : parser_.optionNames()) {
+  for (const QString& name : parser_.optionNames()) {
+    const QString option = LongName(name);
     if (seen.contains(option) && !repeatable_.contains(option)) {
       throw CommandError(kExitUsage, QStringLiteral("Option '--%1' is given twice.").arg(option));
     }
@@ -64,7 +120,11 @@ void Command::RefuseRepeatedOptions() const {
 }
 
 void Command::AddOption(const QString& name, const QString& description, const QString& value) {
-  parser_.addOption(QCommandLineOption(name, description, value));
+  const QStringList names = name.split(QLatin1Char('|'));
+  options_ += names.constLast();
+  if (!value.isEmpty()) valued_ += names.constLast();
+  if (names.size() > 1) shortForms_.insert(names.constFirst(), names.constLast());
+  parser_.addOption(QCommandLineOption(names, description, value));
 }
 
 QByteArray Command::BytesOf(const char* name) const {
@@ -101,7 +161,8 @@ void Command::RefuseArguments() const {
 
 void Command::AddToolsOption() {
   AddOption(QStringLiteral("tools-dir"),
-            QStringLiteral("Folder of the action plug-ins (default: the installed Tools folders, then ./Tools)."),
+            QStringLiteral("Folder of the action plug-ins, in place of the installed Tools folders and those of "
+                           "VORLANE_TOOLS_PATH."),
             QStringLiteral("DIR"));
 }
 
@@ -115,8 +176,9 @@ QStringList Command::ToolsFolders() const {
   }
   const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
   // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools"),
-          CUtils::GetActionFolder()};
+  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
+                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
+         FoldersOfEnvironment();
 }
 
 void Command::AddLibraryOption() {
@@ -133,39 +195,37 @@ std::wstring Command::LibraryFile() const {
 }
 
 void Command::AddPasswordOptions() {
-  AddOption(QStringLiteral("password"), QStringLiteral("Password of encrypted documents (other users can see it)."),
+  AddOption(QStringLiteral("password"),
+            QStringLiteral("Password of encrypted documents (other users can see it); may be repeated."),
             QStringLiteral("PASSWORD"));
-  AddOption(QStringLiteral("password-file"), QStringLiteral("File whose first line is the password."),
+  AllowRepeated("password");
+  AddOption(QStringLiteral("password-file"),
+            QStringLiteral("File, or '-', with a password on each line; they are tried in turn."),
             QStringLiteral("FILE"));
 }
 
-std::wstring Command::Password() const {
-  if (!IsSet("password-file")) return NativeName::ToWide(View(BytesOf("password")));
-  std::string line = NamedInput::ReadLine(BytesOf("password-file").toStdString(), "password file");
-  while (!line.empty() && line.back() == '\r') line.pop_back();
-  return NativeName::ToWide(line);
-}
-
-void Command::AddActionOptions() {
-  AddOption(QStringLiteral("action"), QStringLiteral("The action's name, as 'actions' shows it."),
-            QStringLiteral("NAME"));
-  AddOption(QStringLiteral("set"), QStringLiteral("A setting of the action; may be repeated."),
-            QStringLiteral("KEY=VALUE"));
-  AllowRepeated("set");
-}
-
-QMap<QString, QVariant> Command::Settings() const {
-  QMap<QString, QVariant> settings;
-  for (const QString& pair : parser_.values(QStringLiteral("set"))) {
-    const int equals = pair.indexOf(QLatin1Char('='));
-    if (equals < 1) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--set' takes KEY=VALUE, not '%1'.").arg(pair));
-    }
-    const QString key = pair.left(equals);
-    if (settings.contains(key)) {
-      throw CommandError(kExitUsage, QStringLiteral("The setting '%1' is given twice.").arg(key));
-    }
-    settings.insert(key, pair.mid(equals + 1));
+std::vector<std::wstring> Command::Passwords() const {
+  std::vector<std::wstring> passwords;
+  for (const QString& password : parser_.values(QStringLiteral("password"))) {
+    passwords.push_back(NativeName::ToWide(View(NativeName::ToBytes(password))));
   }
-  return settings;
+  if (!IsSet("password-file")) return passwords;
+  const std::string content = NamedInput::ReadAll(BytesOf("password-file").toStdString(), "password file");
+  for (QByteArray line : QByteArray::fromStdString(content).split('\n')) {
+    while (line.endsWith('\r')) line.chop(1);
+    if (!line.isEmpty()) passwords.push_back(NativeName::ToWide(View(line)));
+  }
+  return passwords;
+}
+
+void Command::CheckStandardInput(const std::vector<const char*>& options) const {
+  const char* reader = nullptr;
+  for (const char* option : options) {
+    if (!IsSet(option) || Value(option) != QLatin1String("-")) continue;
+    if (reader != nullptr) {
+      throw CommandError(kExitUsage, QStringLiteral("Options '--%1' and '--%2' cannot both read the standard input.")
+                                         .arg(QLatin1String(reader), QLatin1String(option)));
+    }
+    reader = option;
+  }
 }

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QCommandLineParser>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <string>
+#include <vector>
 
 // One command of the program: its options, its help and its work.
 class Command {
@@ -20,14 +22,15 @@ class Command {
   static QCommandLineOption HelpOption();
 
   // Takes the arguments after the command's name. Throws CommandError(kExitUsage).
-  void Parse(const QStringList& arguments);
+  virtual void Parse(const QStringList& arguments);
   // Whether a QApplication must exist before Run; a QCoreApplication always does. Asked after Parse.
   virtual bool NeedsWindowSystem() const { return false; }
   // Prepares the environment of that QApplication.
   virtual void PrepareWindowSystem() const;
   bool OnlyHelps() const { return IsSet("help"); }
   // Does the work, or prints the help when it was asked for; returns the exit code. Throws CommandError.
-  int Run();
+  virtual int Run();
+  virtual QString HelpText() const;
 
  protected:
   Command(const QString& name, const QString& summary);
@@ -36,8 +39,12 @@ class Command {
   virtual void Check() {}
   virtual int Execute() = 0;
 
+  // `name` may have a short form before it: "o|output".
   void AddOption(const QString& name, const QString& description, const QString& value = QString());
-  bool IsSet(const char* name) const { return parser_.isSet(QLatin1String(name)); }
+  // False also for an option that the command does not have.
+  bool IsSet(const char* name) const {
+    return options_.contains(QLatin1String(name)) && parser_.isSet(QLatin1String(name));
+  }
   QString Value(const char* name) const { return parser_.value(QLatin1String(name)); }
   QByteArray BytesOf(const char* name) const;
   // The option's whole number, `fallback` when it is not set. Throws CommandError when it is not a number or out of
@@ -59,18 +66,27 @@ class Command {
   std::wstring LibraryFile() const;
   void AddPasswordOptions();
   void CheckPasswordOptions() const { Exclude("password", "password-file"); }
-  // Throws CommandError when the password file cannot be read.
-  std::wstring Password() const;
-  void AddActionOptions();
-  // The --set options as a settings map. Throws CommandError for one without "=".
-  QMap<QString, QVariant> Settings() const;
+  // All that are to be tried. Throws CommandError when the password file cannot be read.
+  std::vector<std::wstring> Passwords() const;
+  // Throws CommandError when more than one of the options reads the standard input.
+  void CheckStandardInput(const std::vector<const char*>& options) const;
+  // One example for the end of the help.
+  void AddExample(const QString& line) { examples_ += line; }
 
   QCommandLineParser parser_;
 
  private:
   void RefuseRepeatedOptions() const;
 
+  QString LongName(const QString& name) const;
+  void RefuseDashedNames(const QStringList& arguments) const;
+  QString ParsingError() const;
+
   QString name_;
   QString summary_;
+  QStringList options_;
+  QStringList valued_;                 // options with a value
+  QMap<QString, QString> shortForms_;  // to long ones
   QStringList repeatable_;
+  QStringList examples_;
 };

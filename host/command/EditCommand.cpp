@@ -3,18 +3,23 @@
 
 #include <climits>
 #include <memory>
-#include <QCoreApplication>
+#include <QFile>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
+#include <QScreen>
 #include <QWidget>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/base/PdfLibrary.h"
+#include "host/command/ActionCommand.h"
+#include "host/command/SettingsArguments.h"
 #include "host/files/HostFolders.h"
 #include "plugin/DialogLoadStruct.h"
 
@@ -26,14 +31,35 @@ std::unique_ptr<QWidget> MakeParent(const QString& context) {
   auto parent = std::make_unique<QWidget>();
   const bool isMain = context == QLatin1String("main");
   parent->setObjectName(isMain ? QStringLiteral("VorlaneClass") : QStringLiteral("VorlanePreviewClass"));
-  parent->resize(1000, 700);
+  // It is never shown: dialogs ask for its name and where it is.
+  parent->setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
   return parent;
 }
 
+// The action lists of the sequence folder with what is in them.
+QMap<QString, QByteArray> ReadLists() {
+  QMap<QString, QByteArray> lists;
+  for (const QString& path : ActionListFile::All()) {
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) lists.insert(path, file.readAll());
+  }
+  return lists;
+}
+
+// The dialog is rejected after it has added its settings to a list; only the folder shows that.
+QStringList ChangedLists(const QMap<QString, QByteArray>& before) {
+  QStringList changed;
+  const QMap<QString, QByteArray> after = ReadLists();
+  for (auto list = after.begin(); list != after.end(); ++list) {
+    if (!before.contains(list.key()) || before.value(list.key()) != list.value()) changed += list.key();
+  }
+  return changed;
+}
+
 std::unique_ptr<PdfLibrary::Wrapper> OpenDocument(const std::wstring& libraryFile, const std::string& file,
-                                                  const std::wstring& password) {
+                                                  const std::vector<std::wstring>& passwords) {
   std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(libraryFile);
-  const std::string problem = PdfLibrary::LoadDocument(*library, file, password);
+  const std::string problem = PdfLibrary::LoadDocument(*library, file, passwords);
   if (!problem.empty()) {
     throw CommandError(
         kExitNotLoaded,
@@ -45,8 +71,10 @@ std::unique_ptr<PdfLibrary::Wrapper> OpenDocument(const std::wstring& libraryFil
 }  // namespace
 
 EditCommand::EditCommand()
-    : Command(QStringLiteral("edit"), QStringLiteral("Opens an action's settings dialog and prints the settings.")) {
-  AddActionOptions();
+    : SettingsCommand(QStringLiteral("edit"),
+                      QStringLiteral("Opens an action's settings dialog and prints the settings.")) {
+  AddActionOption();
+  AddSettingsOptions();
   AddOption(QStringLiteral("document"), QStringLiteral("The document that is open in the host."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("context"), QStringLiteral("main (default), preview or standalone: where it opens from."),
@@ -54,9 +82,14 @@ EditCommand::EditCommand()
   AddOption(QStringLiteral("list"), QStringLiteral("Edits the settings of an action in this list."),
             QStringLiteral("NAME|FILE.xqq"));
   AddOption(QStringLiteral("index"), QStringLiteral("The action's number in the list, from 0."), QStringLiteral("N"));
+  AddOption(QStringLiteral("print-command"), QStringLiteral("Prints the command line that does what was set."));
+  AddOption(QStringLiteral("apply"), QStringLiteral("Does with the document what was set, in place."));
   AddToolsOption();
   AddLibraryOption();
   AddPasswordOptions();
+  AddExample(QStringLiteral("edit --action \"Set Base URL\" --document manual.pdf --apply"));
+  AddExample(QStringLiteral("edit --action \"Set Base URL\" --print-command"));
+  AddExample(QStringLiteral("edit --list \"My List\" --index 0"));
 }
 
 void EditCommand::PrepareWindowSystem() const {
@@ -74,16 +107,20 @@ void EditCommand::PrepareWindowSystem() const {
 
 void EditCommand::Check() {
   CheckPasswordOptions();
-  Exclude("list", "set");
-  Exclude("list", "action");
-  if (!IsSet("list") && !IsSet("action")) {
+  for (const char* option : {"action", "set", "clear", "settings", "apply"}) Exclude("list", option);
+  Exclude("apply", "print-command");
+  if (IsSet("apply") && !IsSet("document")) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--apply' needs '--document'."));
+  }
+  CheckStandardInput({"password-file", "settings"});
+  if (!IsSet("list") && !IsSet("action") && !IsSet("settings")) {
     throw CommandError(kExitUsage, QStringLiteral("Either '--action' or '--list' is needed."));
   }
   if (IsSet("list") != IsSet("index")) {
     throw CommandError(kExitUsage, QStringLiteral("Options '--list' and '--index' need each other."));
   }
   index_ = Number("index", -1, 0, INT_MAX);
-  Settings();
+  CheckSettingsOptions();
   const QStringList contexts{QStringLiteral("main"), QStringLiteral("preview"), QStringLiteral("standalone")};
   if (IsSet("context") && !contexts.contains(Value("context"))) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--context' takes main, preview or standalone."));
@@ -91,38 +128,78 @@ void EditCommand::Check() {
   RefuseArguments();
 }
 
-int EditCommand::Execute() {
-  SetupHostFolders();
-  QString listFile;
-  QString actionName = Value("action");
-  QMap<QString, QVariant> settings = Settings();
+EditCommand::Session EditCommand::Begin(ActionCatalog& catalog) const {
+  Session session;
   if (IsSet("list")) {
-    listFile = ActionList::Locate(Value("list"));
-    const ActionListFile list = ActionList::Read(listFile);
+    session.listFile = ActionList::Locate(Value("list"));
+    const ActionListFile list = ActionList::Read(session.listFile);
     if (index_ >= static_cast<int>(list.entries.size())) {
       throw CommandError(kExitNotLoaded,
-                         QStringLiteral("The action list '%1' has no action %2.").arg(listFile).arg(index_));
+                         QStringLiteral("The action list '%1' has no action %2.").arg(session.listFile).arg(index_));
     }
     const ActionListFile::Entry& entry = list.entries[static_cast<std::size_t>(index_)];
-    actionName = entry.actionName;
-    settings = entry.settings;
+    session.action = &catalog.Get(entry.actionName);
+    session.settings = entry.settings;
+    return session;
   }
+  const StoredSettings stored = Stored();
+  session.action = &catalog.Get(ActionNameWith(stored));
+  session.settings = StartSettings(SettingsDescription::Of(session.action->GetActionName()), Given(stored));
+  return session;
+}
 
-  ActionCatalog catalog(ToolsFolders());
-  CActionInterface& action = catalog.Get(actionName);
+// Whether the dialog was accepted.
+bool EditCommand::ShowDialog(Session& session) const {
   std::unique_ptr<PdfLibrary::Wrapper> document;
-  if (IsSet("document")) document = OpenDocument(LibraryFile(), BytesOf("document").toStdString(), Password());
+  if (IsSet("document")) document = OpenDocument(LibraryFile(), BytesOf("document").toStdString(), Passwords());
   const std::unique_ptr<QWidget> parent = MakeParent(IsSet("context") ? Value("context") : QStringLiteral("main"));
-  if (parent) parent->show();
-
   // Settings that were stored or given are what the user edits; only from nothing does the document's value come in.
   DialogLoadStruct info{};
   info.document = document.get();
-  info.settings = &settings;
-  info.skipDocumentValue = !settings.isEmpty() || !document;
-  if (action.ShowDialogProc(parent.get(), &info) != 1) return kExitSomeFailed;
+  info.settings = &session.settings;
+  info.skipDocumentValue = !session.settings.isEmpty() || !document;
+  return session.action->ShowDialogProc(parent.get(), &info) == 1;
+}
 
-  if (!listFile.isEmpty()) ActionList::StoreSettings(listFile, index_, settings);
-  const QJsonObject json = QJsonObject::fromVariantMap(settings);
-  return Console::Print(QJsonDocument(json).toJson()) ? kExitDone : kExitSomeFailed;
+int EditCommand::Execute() {
+  SetupHostFolders();
+  ActionCatalog catalog(ToolsFolders());
+  Session session = Begin(catalog);
+  const QMap<QString, QByteArray> lists = ReadLists();
+  if (ShowDialog(session)) return Finish(session);
+  const QStringList changed = ChangedLists(lists);
+  if (changed.isEmpty()) return kExitSomeFailed;
+  return Console::Print(changed.join(QLatin1Char('\n')) + QLatin1Char('\n')) ? kExitDone : kExitSomeFailed;
+}
+
+int EditCommand::Finish(const Session& session) const {
+  if (!session.listFile.isEmpty()) ActionList::StoreSettings(session.listFile, index_, session.settings);
+  const QStringList arguments = SettingsArguments(session.action->GetActionName(), session.settings);
+  if (IsSet("apply")) return Apply(arguments);
+  if (!IsSet("print-command")) {
+    const QJsonObject json = QJsonObject::fromVariantMap(session.settings);
+    return Console::Print(QJsonDocument(json).toJson()) ? kExitDone : kExitSomeFailed;
+  }
+  QStringList words = QStringList(QStringLiteral("vorlane-run")) + arguments;
+  if (IsSet("tools-dir")) words += {QStringLiteral("--tools-dir"), Value("tools-dir")};
+  words += QStringLiteral("--in-place");
+  const QString files =
+      IsSet("document") ? ShellLine({QStringLiteral("--"), Value("document")}) : QStringLiteral("FILE...");
+  return Console::Print(ShellLine(words) + QLatin1Char(' ') + files + QLatin1Char('\n')) ? kExitDone : kExitSomeFailed;
+}
+
+int EditCommand::Apply(const QStringList& arguments) const {
+  QStringList rest = arguments.mid(1) + QStringList{QStringLiteral("--in-place"), QStringLiteral("--jobs=0")};
+  for (const char* option : {"tools-dir", "pdf-library", "password-file"}) {
+    if (IsSet(option)) rest += QStringLiteral("--%1=%2").arg(QLatin1String(option), Value(option));
+  }
+  for (const QString& password : parser_.values(QStringLiteral("password"))) {
+    rest += QStringLiteral("--password=") + password;
+  }
+  rest += {QStringLiteral("--"), Value("document")};
+  const bool isRun = arguments.constFirst() == QLatin1String("run");
+  const auto command = isRun ? std::make_unique<RunCommand>()
+                             : std::unique_ptr<RunCommand>(new ActionCommand(arguments.constFirst(), {}));
+  command->Parse(rest);
+  return command->Run();
 }

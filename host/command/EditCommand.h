@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/SettingsCommand.h"
 
 // Opens an action's settings dialog as the host application does, and prints the settings.
-class EditCommand : public Command {
+class EditCommand : public SettingsCommand {
  public:
   EditCommand();
 
@@ -16,5 +16,17 @@ class EditCommand : public Command {
   int Execute() override;
 
  private:
+  // What is edited, and what became of it.
+  struct Session {
+    QString listFile;
+    QMap<QString, QVariant> settings;
+    CActionInterface* action = nullptr;
+  };
+
+  Session Begin(ActionCatalog& catalog) const;
+  bool ShowDialog(Session& session) const;
+  int Finish(const Session& session) const;
+  int Apply(const QStringList& arguments) const;
+
   int index_ = -1;
 };

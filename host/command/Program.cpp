@@ -5,9 +5,11 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/command/ActionCommand.h"
 #include "host/command/ActionsCommand.h"
 #include "host/command/CleanCommand.h"
 #include "host/command/EditCommand.h"
+#include "host/command/HelpCommand.h"
 #include "host/command/ListsCommand.h"
 #include "host/command/ReportCommand.h"
 #include "host/command/RunCommand.h"
@@ -24,6 +26,7 @@ Program::Program() {
   commands_.push_back(std::make_unique<CleanCommand>());
   commands_.push_back(std::make_unique<ListsCommand>());
   commands_.push_back(std::make_unique<EditCommand>());
+  commands_.push_back(std::make_unique<HelpCommand>([this](const QString& name) { return HelpOf(name); }));
   parser_.setApplicationDescription(QStringLiteral("Runs action plug-ins over PDF files."));
   parser_.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
   parser_.addOption(Command::HelpOption());
@@ -34,20 +37,37 @@ Program::Program() {
 
 void Program::Parse(const QStringList& arguments) {
   if (!parser_.parse(QStringList{QStringLiteral("vorlane-run")} + arguments)) {
-    throw CommandError(kExitUsage, parser_.errorText());
+    throw CommandError(kExitUsage, parser_.errorText() + QStringLiteral(" See 'vorlane-run --help'."));
   }
   if (parser_.isSet(QStringLiteral("help")) || parser_.isSet(QStringLiteral("version"))) return;
   QStringList rest = parser_.positionalArguments();
   if (rest.isEmpty()) throw CommandError(kExitUsage, QStringLiteral("No command is given; see 'vorlane-run --help'."));
   const QString name = rest.takeFirst();
-  const auto found = std::find_if(commands_.begin(), commands_.end(),
-                                  [&](const std::unique_ptr<Command>& command) { return command->Name() == name; });
-  if (found == commands_.end()) {
-    throw CommandError(kExitUsage, QStringLiteral("Unknown command '%1'; see 'vorlane-run --help'.").arg(name));
+  command_ = Find(name);
+  if (command_ == nullptr) {
+    commands_.push_back(std::make_unique<ActionCommand>(name, Names()));
+    command_ = commands_.back().get();
   }
-  command_ = found->get();
   // The rest as it was typed: the parser above takes a "--" out that belongs to the command.
   command_->Parse(arguments.mid(arguments.indexOf(name) + 1));
+}
+
+Command* Program::Find(const QString& name) const {
+  const auto found = std::find_if(commands_.begin(), commands_.end(),
+                                  [&](const std::unique_ptr<Command>& command) { return command->Name() == name; });
+  return found == commands_.end() ? nullptr : found->get();
+}
+
+QStringList Program::Names() const {
+  QStringList names;
+  for (const std::unique_ptr<Command>& command : commands_) names += command->Name();
+  return names;
+}
+
+QString Program::HelpOf(const QString& name) const {
+  if (name.isEmpty()) return Help();
+  const Command* const command = Find(name);
+  return command != nullptr ? command->HelpText() : QString();
 }
 
 QString Program::Help() const {
@@ -55,10 +75,17 @@ QString Program::Help() const {
   for (const std::unique_ptr<Command>& command : commands_) {
     text += QStringLiteral("  %1  %2\n").arg(command->Name(), -10).arg(command->Summary());
   }
-  text += QStringLiteral(
-      "\nExit codes: 0 all done; 1 some documents failed; 2 bad usage; 3 a plug-in, an action list or the "
-      "PDF library\ncould not be loaded; 130 or 143 interrupted.\n");
-  return text;
+  return text + QStringLiteral(
+                    "\nEvery action that describes its settings is a command too ('vorlane-run actions' lists them):\n"
+                    "  vorlane-run set-base-url https://example.org/manual/ --in-place *.pdf\n"
+                    "  vorlane-run set-base-url --help\n"
+                    "  vorlane-run show *.pdf\n"
+                    "\nExit codes:\n"
+                    "  0    all done\n"
+                    "  1    some documents failed, or a dialog was cancelled\n"
+                    "  2    the command line is wrong; nothing was touched\n"
+                    "  3    a plug-in, an action list or the PDF library could not be loaded\n"
+                    "  130  interrupted (Ctrl-C); 143 when ended by SIGTERM. The report is true.\n");
 }
 
 int Program::Run() {

@@ -25,6 +25,10 @@ class Program {
 
  private:
   QString Help() const;
+  // The help of the command, of the program for an empty name, or an empty text.
+  QString HelpOf(const QString& name) const;
+  Command* Find(const QString& name) const;
+  QStringList Names() const;
 
   std::vector<std::unique_ptr<Command>> commands_;
   QCommandLineParser parser_;

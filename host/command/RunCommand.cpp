@@ -3,14 +3,13 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <optional>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
@@ -19,6 +18,7 @@
 #include "host/files/InputList.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/DocumentRun.h"
+#include "host/run/JobDigest.h"
 #include "host/run/ReportFile.h"
 #include "host/run/ResumedReport.h"
 #include "host/run/RunPlan.h"
@@ -27,16 +27,6 @@
 #include "plugin/WorkProcInfoStruct.h"
 
 namespace {
-
-constexpr int kMostJobs = 1024;
-constexpr int kUsualSeconds = 900;
-constexpr int kMostSeconds = 1000000;
-constexpr int kUsualMebibytes = 4096;
-constexpr int kMostMebibytes = 1 << 20;
-
-int Cores() {
-  return static_cast<int>(std::clamp<long>(sysconf(_SC_NPROCESSORS_ONLN), 1, kMostJobs));
-}
 
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   const std::optional<FileStatus> status = FileLookup().Get(path);
@@ -71,96 +61,156 @@ void MakeOutputFolder(const std::string& folder) {
   }
 }
 
+// The folder's real path with a slash at its end.
+std::string RealFolder(const std::string& folder) {
+  std::error_code error;
+  const std::filesystem::path real = std::filesystem::canonical(folder, error);
+  if (!error && std::filesystem::is_directory(real)) return real == "/" ? "/" : real.string() + '/';
+  throw CommandError(kExitUsage, QStringLiteral("There is no folder '%1'.").arg(NativeName::ToText(folder)));
+}
+
+// The first key whose values depend on the files' folders, or an empty text.
+QString UserOfFolders(const std::vector<ConfiguredAction>& actions) {
+  for (const ConfiguredAction& action : actions) {
+    for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+      if (each->UsesFolder()) return each.key();
+    }
+  }
+  return {};
+}
+
+// Whether the folder could be made.
+void CheckOutputFolder(const std::string& folder) {
+  std::filesystem::path existing = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::exists(existing, ignored) && existing.has_relative_path()) existing = existing.parent_path();
+  if (std::filesystem::is_directory(existing, ignored)) return;
+  throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
+                                     .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
+}
+
 }  // namespace
 
 RunCommand::RunCommand()
-    : Command(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
+    : RunCommand(QStringLiteral("run"), QStringLiteral("Runs an action list, or one action, over PDF files.")) {
   AddOption(QStringLiteral("list"), QStringLiteral("The action list: its name in the sequence folder, or a file."),
             QStringLiteral("NAME|FILE.xqq"));
-  AddActionOptions();
-  AddOption(QStringLiteral("output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
+  AddActionOption();
+  AddFileArgument();
+  AddExample(QStringLiteral("run --list \"My List\" --recursive --output-dir out --report out/report.json archive/"));
+  AddExample(QStringLiteral("run --action \"Set Base URL\" --set baseUrlString=https://example.org/ --in-place *.pdf"));
+  AddExample(
+      QStringLiteral("edit --action \"Set Base URL\" | vorlane-run run --settings - --output-dir out a.pdf b.pdf"));
+}
+
+RunCommand::RunCommand(const QString& name, const QString& summary) : BatchCommand(name, summary) {
+  AddSettingsOptions();
+  AddUncheckedOption();
+  AddTemplateOptions();
+  AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
+            QStringLiteral("FILE"));
+  AddOption(QStringLiteral("d|output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
-  AddOption(QStringLiteral("files-from"),
-            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
-            QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
+  AddInputOptions();
+  AddOption(QStringLiteral("dry-run"),
+            QStringLiteral("Does all but save: nothing is written but the report, which says what would be."));
+  AddOption(QStringLiteral("backup"),
+            QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
+                           "backup stays: the next one is numbered."),
+            QStringLiteral("SUFFIX"));
+  AddOption(QStringLiteral("only-if"),
+            QStringLiteral("Touches only files without a base URL ('none'), those whose base URL would change "
+                           "('differs'), or those with this one."),
+            QStringLiteral("none|differs|URL"));
   AddPasswordOptions();
   AddOption(
       QStringLiteral("report"),
       QStringLiteral(
           "JSON report: an array at the end; '-' or a name ending in .jsonl: a line for each file as it finishes."),
       QStringLiteral("FILE"));
-  AddOption(QStringLiteral("resume"), QStringLiteral("Leaves out the files that this earlier report says are done."),
+  AddOption(QStringLiteral("resume"),
+            QStringLiteral("Leaves out the files that the same job has done according to this earlier report, and that "
+                           "are as it left them."),
             QStringLiteral("REPORT"));
-  AddOption(QStringLiteral("jobs"),
-            QStringLiteral("Worker processes (default: the cores); 0 runs everything in one process, for actions that "
-                           "gather across documents."),
-            QStringLiteral("N"));
-  AddOption(QStringLiteral("timeout"),
-            QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "
-                           "which the run is stopped or the machine sleeps does not count."),
-            QStringLiteral("SECONDS"));
-  AddOption(QStringLiteral("memory"),
-            QStringLiteral("A file fails that takes more memory; each process may take as much (default: 4096; 0: no "
-                           "limit)."),
-            QStringLiteral("MIB"));
+  AddWorkerOptions();
   AddOption(QStringLiteral("allow-breaking-signatures"),
-            QStringLiteral("Also saves signed documents that can only be rewritten."));
+            QStringLiteral("Also saves signed documents that can only be rewritten, and certified ones that permit no "
+                           "change."));
   AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
   AddOption(QStringLiteral("exit-zero"),
             QStringLiteral("Ends with 0 also when documents failed; the report names them."));
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));
   AddToolsOption();
   AddLibraryOption();
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
-                                QStringLiteral("FILE..."));
+}
+
+void RunCommand::CheckAction() const {
+  if (IsSet("list") && HasSettings()) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--list' excludes options for an action and its settings."));
+  }
+  if (IsSet("list") || IsSet("action") || IsSet("settings")) return;
+  throw CommandError(kExitUsage, QStringLiteral("Either '--list' or '--action' is needed."));
 }
 
 void RunCommand::Check() {
   const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
   CheckPasswordOptions();
-  Exclude("list", "action");
-  Exclude("list", "set");
+  CheckAction();
+  CheckSettingsOptions();
   Exclude("output-dir", "in-place");
-  if (!IsSet("list") && !IsSet("action")) refuse("Either '--list' or '--action' is needed.");
-  if (!IsSet("output-dir") && !IsSet("in-place")) refuse("Either '--output-dir' or '--in-place' is needed.");
-  for (const char* name : {"list", "action", "output-dir", "files-from", "report", "resume"}) {
-    if (IsSet(name) && Value(name).isEmpty()) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
-    }
+  Exclude("output", "in-place");
+  Exclude("output", "output-dir");
+  if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
+    refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
   }
-  if (parser_.positionalArguments().isEmpty() && !IsSet("files-from")) refuse("No file is given.");
+  RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup", "only-if"});
+  CheckInputOptions();
+  CheckStandardInput({"files-from", "password-file", "settings"});
+  CheckOutputOptions();
   if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
-  Settings();
-  jobs_ = Number("jobs", Cores(), 0, kMostJobs);
-  timeout_ = Number("timeout", kUsualSeconds, 0, kMostSeconds);
-  memoryLimit_ = static_cast<std::size_t>(Number("memory", kUsualMebibytes, 0, kMostMebibytes)) << 20;
-  if (IsSet("timeout") && timeout_ > 0 && jobs_ == 0) {
-    refuse("Option '--timeout' needs worker processes, but '--jobs 0' forbids them.");
+  CheckWorkerOptions();
+}
+
+void RunCommand::CheckOutputOptions() const {
+  const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
+  if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
+    refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
+  }
+  if (!IsSet("backup")) return;
+  if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
+  const QString suffix = Value("backup");
+  if (suffix.contains(QLatin1Char('/'))) refuse("The suffix of '--backup' cannot contain '/'.");
+  if (suffix.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
+    refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
   }
 }
 
 // A connection to a display does not survive in forked workers.
 void RunCommand::PrepareWindowSystem() const {
-  if (jobs_ > 0) {
+  if (!IsSet("jobs") || Value("jobs").toInt() > 0) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   } else {
     Command::PrepareWindowSystem();
   }
 }
 
-std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog) const {
+std::vector<ConfiguredAction> RunCommand::LoadActions(ActionCatalog& catalog, QStringList& warnings) const {
+  if (IsSet("list")) return LoadList(catalog, warnings);
+  return {Configure(catalog, warnings)};
+}
+
+std::vector<ConfiguredAction> RunCommand::LoadList(ActionCatalog& catalog, QStringList& warnings) const {
   std::vector<ConfiguredAction> actions;
-  if (IsSet("action")) {
-    actions.push_back({&catalog.Get(Value("action")), Value("action"), Settings()});
-    return actions;
-  }
-  QStringList warnings;
-  const ActionListFile list = ActionList::Read(ListFile(), &warnings);
-  for (const QString& warning : warnings) Console::Error(warning);
+  const QString file = ListFile();
+  const ActionListFile list = ActionList::Read(file, &warnings);
   for (const ActionListFile::Entry& entry : list.entries) {
-    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings});
+    actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings, {}});
+    const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.actionName);
+    if (!description) continue;
+    for (const QString& warning : ListWarnings(*description, entry.settings)) {
+      warnings += QStringLiteral("Warning: the action list '%1': %2").arg(file, warning);
+    }
   }
   return actions;
 }
@@ -169,9 +219,33 @@ QString RunCommand::ListFile() const {
   return ActionList::Locate(Value("list"));
 }
 
-void RunCommand::CollectInputs(InputList& inputs) const {
-  for (const QString& file : parser_.positionalArguments()) inputs.Add(NativeName::ToBytes(file).toStdString());
-  if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
+// Throws CommandError when the options do not fit the inputs.
+PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const {
+  PlanOptions options;
+  options.outputFolder = BytesOf("output-dir").toStdString();
+  options.outputFile = BytesOf("output").toStdString();
+  options.dryRun = IsSet("dry-run");
+  if (IsSet("output") && inputs.Count() != 1) {
+    throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
+                                                  "'--output-dir'.")
+                                       .arg(inputs.Count()));
+  }
+  if (IsSet("root")) options.root = RealFolder(BytesOf("root").toStdString());
+  const QString folderUser = UserOfFolders(actions);
+  for (const ConfiguredAction& action : actions) options.needsPathBelow |= !action.templates.isEmpty();
+  if (folderUser.isEmpty()) return options;
+  for (std::size_t input = 0; input < inputs.Count(); ++input) {
+    Interruption::Check();
+    if (!inputs.Problem(input).empty() || inputs.PathBelow(options.root, input)) continue;
+    const QString file = NativeName::ToText(inputs.File(input));
+    throw CommandError(kExitUsage,
+                       IsSet("root")
+                           ? QStringLiteral("'%1' is not below the folder of '--root'.").arg(file)
+                           : QStringLiteral("The value of '%1' uses the folder of '%2', which is not in a folder that "
+                                            "is given with '--recursive': '--root DIR' is needed.")
+                                 .arg(folderUser, file));
+  }
+  return options;
 }
 
 // What the run reads beside the documents.
@@ -181,7 +255,11 @@ ProtectedFiles RunCommand::OtherInputs() const {
     const std::string name = BytesOf("files-from").toStdString();
     name == "-" ? files.Add(STDIN_FILENO, "the list of files") : files.Add(name, "the list of files");
   }
-  if (IsSet("password-file")) files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("password-file") && Value("password-file") != QLatin1String("-"))
+    files.Add(BytesOf("password-file").toStdString(), "the password file");
+  if (IsSet("settings") && Value("settings") != QLatin1String("-")) {
+    files.Add(BytesOf("settings").toStdString(), "the settings");
+  }
   if (IsSet("list")) files.Add(NativeName::ToBytes(ListFile()).toStdString(), "the action list");
   return files;
 }
@@ -200,11 +278,11 @@ void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& othe
 int RunCommand::Execute() {
   Interruption::Install();
   RunSettings settings;
-  settings.processing = {Password(), IsSet("allow-breaking-signatures")};
-  settings.memoryLimit = memoryLimit_;
+  settings.processing = Processing();
+  settings.memoryLimit = MemoryLimit();
   settings.libraryFile = LibraryFile();
   ActionCatalog catalog(ToolsFolders());
-  settings.actions = LoadActions(catalog);
+  settings.actions = LoadActions(catalog, warnings_);
 
   const std::string outputFolder = BytesOf("output-dir").toStdString();
   const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
@@ -212,43 +290,95 @@ int RunCommand::Execute() {
   CollectInputs(inputs);
   ProtectedFiles protectedFiles = OtherInputs();
   CheckReport(inputs, protectedFiles);
-  return RunOver(inputs, outputFolder, protectedFiles, settings);
+  const PlanOptions options = Plan(inputs, settings.actions);
+  return RunOver(inputs, options, protectedFiles, settings);
 }
 
-int RunCommand::RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
-                        const RunSettings& settings) const {
-  const std::string reportName = BytesOf("report").toStdString();
+ProcessingOptions RunCommand::Processing() const {
+  using Kind = BaseUrlCondition::Kind;
+  ProcessingOptions options;
+  options.passwords = Passwords();
+  options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
+  options.dryRun = IsSet("dry-run");
+  options.backupSuffix = BytesOf("backup").toStdString();
+  if (!IsSet("only-if")) return options;
+  const QString condition = Value("only-if");
+  if (condition == QLatin1String("none")) {
+    options.onlyIf.kind = Kind::kNone;
+  } else if (condition == QLatin1String("differs")) {
+    options.onlyIf.kind = Kind::kDiffers;
+  } else {
+    options.onlyIf = {Kind::kIs, UrlAsWritten(condition).toStdWString()};
+  }
+  return options;
+}
+
+ResumedReport RunCommand::ReadEarlierReport(bool isSameFile) const {
   const std::string earlier = BytesOf("resume").toStdString();
-  const std::optional<FileIdentity> written = IdentityOf(reportName);
-  const bool sameFile = earlier == reportName || (written && written == IdentityOf(earlier));
-  const bool append = !earlier.empty() && sameFile && ReportFile::IsLines(reportName);
   // A job that resumes its own report has none yet in its first run.
-  const ResumedReport resumed = earlier.empty() || (sameFile && !written) ? ResumedReport() : ResumedReport(earlier);
+  if (earlier.empty() || (isSameFile && !IdentityOf(earlier))) return ResumedReport();
+  ResumedReport resumed(earlier);
   if (resumed.TornLines() > 0 && !IsSet("quiet")) {
     Console::Error(
         QStringLiteral("Lines of the report '%1' that were cut off by a crash: %2. Their files are processed again.")
             .arg(Value("resume"))
             .arg(resumed.TornLines()));
   }
-  if (!outputFolder.empty()) MakeOutputFolder(outputFolder);
+  return resumed;
+}
+
+void RunCommand::WarnOfRedone(const RunPlan& plan) const {
+  const auto warn = [&](std::size_t files, const char* why) {
+    if (files == 0 || IsSet("quiet")) return;
+    Console::Error(QStringLiteral("Files of the report '%1' that are done again: %2 (%3).")
+                       .arg(Value("resume"))
+                       .arg(files)
+                       .arg(QLatin1String(why)));
+  };
+  warn(plan.DoneWithoutJob(), "the report does not say with which settings they were done");
+  warn(plan.DoneOtherwise(), "they were done with other actions or settings");
+  warn(plan.ChangedSince(), "they were changed or removed since");
+}
+
+int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
+                        const RunSettings& settings) const {
+  const bool dryRun = options.dryRun;
+  const std::string reportName = BytesOf("report").toStdString();
+  const std::string earlier = BytesOf("resume").toStdString();
+  const std::optional<FileIdentity> written = IdentityOf(reportName);
+  const bool sameFile = !earlier.empty() && (earlier == reportName || (written && written == IdentityOf(earlier)));
+  if (sameFile && dryRun) {
+    throw CommandError(kExitUsage, QStringLiteral("A dry run cannot write the report that it resumes."));
+  }
+  const bool append = sameFile && ReportFile::IsLines(reportName);
+  ResumedReport resumed = ReadEarlierReport(sameFile);
+  if (const std::string& folder = options.outputFolder; !folder.empty()) {
+    dryRun ? CheckOutputFolder(folder) : MakeOutputFolder(folder);
+  }
   ReportFile report(reportName, append);
   report.Protect(protectedFiles);
-  const RunPlan plan(inputs, outputFolder, resumed, protectedFiles);
-  if (!append) {
+  const JobDigest job(settings.actions);
+  const RunPlan plan(inputs, options, job, resumed, protectedFiles);
+  WarnOfRedone(plan);
+  if (!append && !dryRun) {
     resumed.CarryOver([&](const QByteArray& json) {
       report.Add({json.constData(), static_cast<std::size_t>(json.size())});
     });
   }
 
-  RunReporter reporter(report, inputs.Count(), IsSet("quiet"));
+  // Only now: an error before is the one line that counts.
+  for (const QString& warning : warnings_) {
+    if (!IsSet("quiet")) Console::Error(warning);
+  }
+  RunReporter reporter(report, inputs.Count(), IsSet("quiet"), dryRun);
   reporter.CountDoneBefore(plan.DoneBefore());
   CallSequenceProc(settings.actions, &CActionInterface::PreSequenceProc, "before");
-  for (const FileRecord& record : plan.Settled()) reporter.Take(record);
+  for (const FileRecord& record : plan.Settled()) reporter.TakeSettled(record);
   DocumentRun run(settings, plan, reporter);
-  if (jobs_ == 0) {
+  if (Jobs() == 0) {
     run.RunHere();
   } else {
-    WorkerPool(run, plan.Count(), static_cast<std::size_t>(jobs_), std::chrono::seconds(timeout_)).Run();
+    WorkerPool(run, plan.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);

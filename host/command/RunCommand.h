@@ -1,20 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 
 #include <string>
 #include <vector>
 
-#include "host/actions/ConfiguredAction.h"
-
 class ActionCatalog;
 class InputList;
 class ProtectedFiles;
+class ResumedReport;
+class RunPlan;
+struct PlanOptions;
+struct ProcessingOptions;
 struct RunSettings;
 
 // Runs an action list, or one action, over PDF files.
-class RunCommand : public Command {
+class RunCommand : public BatchCommand {
  public:
   RunCommand();
 
@@ -22,19 +24,29 @@ class RunCommand : public Command {
   void PrepareWindowSystem() const override;
 
  protected:
+  // With the options for files, outputs and settings, but none that says which action.
+  RunCommand(const QString& name, const QString& summary);
+
   void Check() override;
+  // Throws CommandError when no action is given.
+  virtual void CheckAction() const;
   int Execute() override;
 
+  // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
+  virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
+
  private:
-  std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog) const;
+  std::vector<ConfiguredAction> LoadList(ActionCatalog& catalog, QStringList& warnings) const;
   QString ListFile() const;
-  void CollectInputs(InputList& inputs) const;
   ProtectedFiles OtherInputs() const;
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
-  int RunOver(const InputList& inputs, const std::string& outputFolder, ProtectedFiles& protectedFiles,
+  ResumedReport ReadEarlierReport(bool isSameFile) const;
+  void CheckOutputOptions() const;
+  ProcessingOptions Processing() const;
+  void WarnOfRedone(const RunPlan& plan) const;
+  PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
 
-  int jobs_ = 0;
-  int timeout_ = 0;
-  std::size_t memoryLimit_ = 0;
+  QStringList warnings_;  // of the settings
 };

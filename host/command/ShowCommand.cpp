@@ -3,36 +3,59 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
-#include "host/base/NativeName.h"
-#include "host/base/PdfLibrary.h"
+#include "host/base/Interruption.h"
+#include "host/files/InputList.h"
+#include "host/run/DocumentFacts.h"
+#include "host/run/FileQuery.h"
+#include "host/run/WorkerPool.h"
 
 ShowCommand::ShowCommand()
-    : Command(QStringLiteral("show"), QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
-  AddLibraryOption();
+    : BatchCommand(QStringLiteral("show"),
+                   QStringLiteral("Prints each file's name and base URL, separated by a tab.")) {
+  AddOption(QStringLiteral("json"), QStringLiteral("Prints all facts about each file: one JSON object a line."));
+  AddInputOptions();
+  AddFileArgument();
   AddPasswordOptions();
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files."), QStringLiteral("FILE..."));
+  AddWorkerOptions();
+  AddLibraryOption();
 }
 
 void ShowCommand::Check() {
   CheckPasswordOptions();
-  if (parser_.positionalArguments().isEmpty()) throw CommandError(kExitUsage, QStringLiteral("No file is given."));
+  CheckInputOptions();
+  CheckWorkerOptions();
 }
 
 int ShowCommand::Execute() {
-  const std::wstring password = Password();
-  const std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(LibraryFile());
-  int code = kExitDone;
-  for (const QString& argument : parser_.positionalArguments()) {
-    const std::string file = NativeName::ToBytes(argument).toStdString();
-    const std::string problem = PdfLibrary::LoadDocument(*library, file, password);
-    if (!problem.empty()) {
-      Console::ErrorAbout(file, problem);
-      code = kExitSomeFailed;
-      continue;
-    }
-    const std::string url = PdfLibrary::ToUtf8(library->GetBaseURL());
-    if (!Console::Print(Console::OneLine(file) + '\t' + Console::OneLine(url) + '\n')) return kExitSomeFailed;
-    library->RemoveDocument(library->SelectedDocument());
+  FileQuestion question;
+  question.libraryFile = LibraryFile();
+  question.passwords = Passwords();
+  question.memoryLimit = MemoryLimit();
+  if (IsSet("json")) {
+    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
+      return DocumentFacts::ToJson(library, file) + '\n';
+    };
+    question.failure = [](const std::string& file, const std::string& error) {
+      return DocumentFacts::ErrorToJson(file, error) + '\n';
+    };
+  } else {
+    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
+      const std::string url = PdfLibrary::ToUtf8(library.GetBaseURL());
+      return (Console::OneLine(file) + '\t' + Console::OneLine(url) + '\n').toStdString();
+    };
   }
-  return code;
+  InputList inputs(IsSet("recursive"), nullptr);
+  CollectInputs(inputs);
+  FileQuery query(inputs, question);
+  // To start worker processes takes longer than to read one file.
+  const bool here = Jobs() == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
+  if (here) {
+    query.RunHere();
+  } else {
+    Interruption::Install();
+    WorkerPool(query, inputs.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
+  }
+  query.Finish();
+  if (const int signal = Interruption::Signal()) return kExitSignalBase + signal;
+  return query.IsComplete() ? kExitDone : kExitSomeFailed;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 
-// Prints the base URL of each file.
-class ShowCommand : public Command {
+// Prints the base URL of each file, or all that is known of it.
+class ShowCommand : public BatchCommand {
  public:
   ShowCommand();
 

@@ -35,6 +35,20 @@ std::string InputList::Relative(std::size_t index) const {
   return std::string(NameOf(index).substr(entries_[index].relative));
 }
 
+std::optional<std::string> InputList::PathBelow(const std::string& root, std::size_t index) const {
+  const std::string_view name = NameOf(index);
+  const std::size_t slash = name.rfind('/');
+  if (root.empty()) {
+    const bool isBare = slash == std::string_view::npos || name.substr(0, slash) == ".";
+    const bool fromFolder = entries_[index].fromFolder != 0;
+    return isBare || fromFolder ? std::optional(Relative(index)) : std::nullopt;
+  }
+  // The file itself may be a link that leads elsewhere.
+  const std::string path = RealPath(slash == std::string_view::npos ? "." : name.substr(0, slash + 1)) + '/';
+  if (path.compare(0, root.size(), root) != 0) return std::nullopt;
+  return path.substr(root.size()) + std::string(slash == std::string_view::npos ? name : name.substr(slash + 1));
+}
+
 std::string InputList::Problem(std::size_t index) const {
   const auto found = problems_.find(index);
   return found != problems_.end() ? found->second : std::string();
@@ -56,6 +70,7 @@ void InputList::AddFrom(const std::string& listFile) {
 
 // `folder` ends in a slash.
 void InputList::AddFolder(const std::string& folder) {
+  const std::size_t before = Count();
   const auto wanted = [](std::string_view name) { return IsPdfName(name) || LeftoverFiles::IsName(name); };
   WalkFolder(folder, {wanted, leaveOut_}, [&](const FolderEntry& entry) {
     if (LeftoverFiles::IsName(std::string_view(entry.path).substr(entry.path.rfind('/') + 1))) {
@@ -64,12 +79,14 @@ void InputList::AddFolder(const std::string& folder) {
     }
     const char* const what = entry.path.back() == '/' ? "cannot read the folder: " : "cannot be looked up: ";
     AddFile(entry.path, folder.size(), entry.status, entry.error != 0 ? what + ErrorText(entry.error) : "");
+    entries_.back().fromFolder = 1;
   });
+  if (Count() == before) emptyFolders_.push_back(folder);
 }
 
 void InputList::AddFile(std::string_view name, std::size_t relative, const std::optional<FileStatus>& status,
                         const std::string& problem) {
-  Entry entry{names_.size(), static_cast<std::uint32_t>(relative), -1};
+  Entry entry{names_.size(), static_cast<std::uint32_t>(relative) & 0x7FFFFFFFU, 0, -1};
   const std::size_t index = entries_.size();
   if (!problem.empty()) {
     problems_.emplace(index, problem);

@@ -29,10 +29,16 @@ class InputList {
   std::string File(std::size_t index) const { return std::string(NameOf(index)); }
   // The part of the name that an output folder repeats: below a given folder the path from there, else the base name.
   std::string Relative(std::size_t index) const;
+  // The path that values for this file are made of: from `root`, a real path that ends in a slash, or, without one,
+  // from the given folder. Nothing when the file is not below them; a file that is named by itself is below the current
+  // folder only.
+  std::optional<std::string> PathBelow(const std::string& root, std::size_t index) const;
   // Why this entry cannot be processed, or an empty text. Whether a file can be opened shows later.
   std::string Problem(std::size_t index) const;
   // The earlier entry that names the very same file, or -1. Hard links with different names are different files.
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
+  // The folders below which nothing was found, readable or not.
+  const std::vector<std::string>& EmptyFolders() const { return emptyFolders_; }
   // How many files of LeftoverFiles the walked folders hold.
   std::size_t Leftovers() const { return leftovers_; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }
@@ -40,7 +46,8 @@ class InputList {
  private:
   struct Entry {
     std::uint64_t offset;
-    std::uint32_t relative;  // where the relative part starts
+    std::uint32_t relative : 31;   // where the relative part starts
+    std::uint32_t fromFolder : 1;  // found below a folder
     std::int32_t sameAs;
   };
 
@@ -51,6 +58,7 @@ class InputList {
   std::string_view NameOf(std::size_t index) const;
 
   bool recursive_;
+  std::vector<std::string> emptyFolders_;
   const FileIdentity* leaveOut_;
   std::size_t leftovers_ = 0;
   FileLookup lookup_;

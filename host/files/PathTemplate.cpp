@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/files/PathTemplate.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 
-PathTemplate::PathTemplate(const QString& text, Encoding encoding) : encoding_(encoding) {
+PathTemplate::PathTemplate(const QString& text, Encoding encoding) : text_(text), encoding_(encoding) {
   Piece piece;
   for (int i = 0; i < text.size(); ++i) {
     const QChar character = text[i];
@@ -66,6 +67,11 @@ QString PathTemplate::Fill(const std::string& path) const {
     }
   }
   return filled;
+}
+
+bool PathTemplate::UsesFolder() const {
+  return std::any_of(pieces_.begin(), pieces_.end(),
+                     [](const Piece& piece) { return piece.place == Place::kFolder || piece.place == Place::kPath; });
 }
 
 QString PathTemplate::Encoded(const std::string& part) const {

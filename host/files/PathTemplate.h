@@ -20,6 +20,9 @@ class PathTemplate {
 
   // `path` is relative, bytes as the file system has them. An empty {folder} takes the slash after it along.
   QString Fill(const std::string& path) const;
+  const QString& Text() const { return text_; }
+  // Whether the text depends on the folders above the file.
+  bool UsesFolder() const;
 
  private:
   enum class Place { kNone, kPath, kFolder, kName, kStem };
@@ -31,6 +34,7 @@ class PathTemplate {
   static Place PlaceOf(const QString& name, const QString& text);
   QString Encoded(const std::string& part) const;
 
+  QString text_;
   Encoding encoding_;
   QVector<Piece> pieces_;
 };

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/DocumentProcessor.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cwchar>
 #include <exception>
 #include <thread>
 #include <utility>
 
 #include "host/base/NativeName.h"
+#include "host/files/BackupFile.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 #include "plugin/WorkProcInfoStruct.h"
@@ -16,11 +19,20 @@ namespace {
 constexpr int kMostAttempts = 10;
 constexpr std::chrono::milliseconds kPause(2);  // grows with each attempt
 
+// A number of the library's facts; `none` for an empty answer.
+int NumberOf(const std::wstring& answer, int none) {
+  return answer.empty() ? none : static_cast<int>(std::wcstol(answer.c_str(), nullptr, 10));
+}
+
 }  // namespace
 
 struct DocumentProcessor::Failure {
   std::string reason;
   int error = kErrorNone;
+};
+
+struct DocumentProcessor::Unwanted {
+  std::string reason;
 };
 
 FileRecord DocumentProcessor::Process(const PlannedFile& file) {
@@ -30,6 +42,7 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
     record.status = FileRecord::Status::kFailed;
     record.reason = reason;
     record.saveMode.clear();
+    record.backup.clear();
     record.warnings.clear();
     record.baseUrlAfter = record.baseUrlBefore;
   };
@@ -37,12 +50,17 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
     record = FileRecord();
     record.file = file.file;
     record.output = file.output;
+    record.job = file.job;
     bool again = false;
     try {
-      ProcessOnce(record);
+      ProcessOnce(record, file);
     } catch (const Failure& failure) {
       failed(failure.reason);
       again = failure.error == kErrorSourceChanged && attempt < kMostAttempts;
+    } catch (const Unwanted& unwanted) {
+      failed(unwanted.reason);
+      record.status = FileRecord::Status::kSkipped;
+      record.output.clear();
     } catch (const std::exception& exception) {
       failed(exception.what());
     }
@@ -55,25 +73,59 @@ FileRecord DocumentProcessor::Process(const PlannedFile& file) {
   return record;
 }
 
-void DocumentProcessor::ProcessOnce(FileRecord& record) {
+void DocumentProcessor::ProcessOnce(FileRecord& record, const PlannedFile& file) {
   Load(record);
-  RunActions();
+  CheckCondition(record, false);
+  RunActions(file);
   record.baseUrlAfter = library_.GetBaseURL();
+  CheckCondition(record, true);
   CheckSaving(record);
-  Save(record);
+  if (!options_.dryRun) return Save(record);
+  record.status = record.Unchanged() ? FileRecord::Status::kUnchanged : FileRecord::Status::kWouldChange;
+  const bool backup = !options_.backupSuffix.empty() && !record.Unchanged();
+  if (backup) record.backup = BackupFile::NextName(record.file, options_.backupSuffix);
 }
 
 void DocumentProcessor::Load(FileRecord& record) {
-  const std::string problem = PdfLibrary::LoadDocument(library_, record.file, options_.password);
+  const std::string problem = PdfLibrary::LoadDocument(library_, record.file, options_.passwords);
   if (!problem.empty()) throw Failure{problem, library_.LastErrorCode()};
   document_ = library_.SelectedDocument();
   record.baseUrlBefore = library_.GetBaseURL();
+  record.signatures = NumberOf(library_.GetInformation(kInformationSignatures), FileRecord::kUnknown);
+  record.certification = NumberOf(library_.GetInformation(kInformationCertification), 0);
 }
 
-void DocumentProcessor::RunActions() {
+// Throws Unwanted when the run is not about this document.
+void DocumentProcessor::CheckCondition(const FileRecord& record, bool actionsRan) const {
+  using Kind = BaseUrlCondition::Kind;
+  const BaseUrlCondition& condition = options_.onlyIf;
+  const auto has = [&] { return "its base URL is '" + PdfLibrary::ToUtf8(record.baseUrlBefore) + "'"; };
+  if (actionsRan) {
+    if (condition.kind != Kind::kDiffers || record.baseUrlAfter != record.baseUrlBefore) return;
+    throw Unwanted{record.baseUrlBefore.empty() ? "it has no base URL already" : has() + " already"};
+  }
+  if (condition.kind == Kind::kNone && !record.baseUrlBefore.empty()) throw Unwanted{has()};
+  if (condition.kind == Kind::kIs && record.baseUrlBefore != condition.value) {
+    throw Unwanted{record.baseUrlBefore.empty() ? "it has no base URL" : has()};
+  }
+}
+
+QMap<QString, QVariant> DocumentProcessor::SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const {
+  QMap<QString, QVariant> settings = action.settings;
+  for (auto each = action.templates.begin(); each != action.templates.end(); ++each) {
+    const QString value = each->Fill(file.pathBelow);
+    if (value.isEmpty()) {
+      throw Failure{"the value for this file of '" + NativeName::ToBytes(each.key()).toStdString() + "' is empty"};
+    }
+    settings.insert(each.key(), value);
+  }
+  return settings;
+}
+
+void DocumentProcessor::RunActions(const PlannedFile& file) {
   for (const ConfiguredAction& action : actions_) {
     // An action may change the map; the next document starts from the settings of the run again.
-    QMap<QString, QVariant> settings = action.settings;
+    QMap<QString, QVariant> settings = SettingsFor(action, file);
     WorkProcInfoStruct info{&library_, nullptr, nullptr, nullptr, &settings};
     const auto failed = [&](const char* reason, int error = kErrorNone) {
       return Failure{"action '" + NativeName::ToBytes(action.name).toStdString() + "': " + reason, error};
@@ -100,21 +152,42 @@ void DocumentProcessor::CheckSaving(FileRecord& record) {
   if (record.saveMode.empty()) record.saveMode = "unknown";
   if (record.saveMode == "unchanged" || record.saveMode == "unknown") return;
 
-  const std::wstring certification = library_.GetInformation(kInformationCertification);
-  if (certification == L"1") record.warnings.push_back("the document's certification forbids changes");
+  CheckSignatures(record);
+}
+
+// Changes that signers ruled out need the user's consent.
+void DocumentProcessor::CheckSignatures(FileRecord& record) {
+  const bool isSigned = record.signatures > 0;
+  if (record.certification == 1 && !options_.allowBreakingSignatures) {
+    throw Failure{"its certification permits no change"};
+  }
+  if (record.certification > 0) {
+    const char* const permitted[] = {"no change", "only filling in forms", "only filling in forms and annotating"};
+    record.warnings.push_back(std::string("its certification permits ") +
+                              permitted[std::clamp(record.certification, 1, 3) - 1] +
+                              ": validators may report the change");
+  }
   if (record.saveMode != "rewrite") return;
 
   const std::string why = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWhyRewrite));
-  const std::wstring signatures = library_.GetInformation(kInformationSignatures);
-  const bool isSigned = !signatures.empty() && signatures != L"0";
   const std::string rewritten = why.empty() ? "" : " (" + why + ")";
   if (isSigned && !options_.allowBreakingSignatures) {
     throw Failure{"signed, and saving would break the signatures: the file must be rewritten" + rewritten};
   }
-  record.warnings.push_back("the file was rewritten" + rewritten + (isSigned ? ", which breaks its signatures" : ""));
+  record.warnings.push_back("the whole file is rewritten" + rewritten +
+                            (isSigned ? ", which breaks its signatures" : ""));
 }
 
 void DocumentProcessor::Save(FileRecord& record) {
+  const bool wanted = !options_.backupSuffix.empty() && !record.Unchanged();
+  BackupFile backup = wanted ? BackupFile(record.file, options_.backupSuffix) : BackupFile();
+  SaveOutput(record);
+  backup.Keep();
+  record.backup = backup.Name();
+  record.outputState = FileState::Of(record.output);
+}
+
+void DocumentProcessor::SaveOutput(FileRecord& record) {
   const std::wstring output = NativeName::ToWide(record.output);
   if (library_.SaveToFile(output) != 0) return NoteLastSaveMode(record);
   int error = library_.LastErrorCode();
@@ -122,10 +195,10 @@ void DocumentProcessor::Save(FileRecord& record) {
   if (error == kErrorCannotAppend) {
     if (!options_.allowBreakingSignatures) throw Failure{"signed, and saving would break the signatures"};
     record.saveMode = "rewrite";
-    record.warnings.push_back("the file was rewritten, which breaks its signatures");
+    record.warnings.push_back("the whole file is rewritten, which breaks its signatures");
     error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
-  if (error != kErrorNone) throw Failure{PdfLibrary::ErrorMessage(error), error};
+  if (error != kErrorNone) throw Failure{PdfLibrary::SavingMessage(error, record.output), error};
 }
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
@@ -133,5 +206,5 @@ void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
   if (record.saveMode != "incremental" || PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastWay)) != "rewrite")
     return;
   record.saveMode = "rewrite";
-  record.warnings.push_back("the file was rewritten (an appended update was not readable)");
+  record.warnings.push_back("the whole file is rewritten (an appended update was not readable)");
 }

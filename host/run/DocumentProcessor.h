@@ -9,9 +9,24 @@
 #include "host/run/FileRecord.h"
 #include "host/run/RunPlan.h"
 
+// Which documents are touched, by their base URL.
+struct BaseUrlCondition {
+  enum class Kind {
+    kAny,
+    kNone,     // those without one, or with an empty one
+    kDiffers,  // those whose base URL the actions change
+    kIs        // those with this value
+  };
+  Kind kind = Kind::kAny;
+  std::wstring value;
+};
+
 struct ProcessingOptions {
-  std::wstring password;
+  std::vector<std::wstring> passwords;
   bool allowBreakingSignatures = false;
+  bool dryRun = false;       // everything but the save
+  std::string backupSuffix;  // bytes; empty for no backups. Outputs are the inputs then
+  BaseUrlCondition onlyIf;
 };
 
 // Loads a document, runs the actions on it, saves it. All documents go through one library object, one after another.
@@ -28,12 +43,17 @@ class DocumentProcessor {
 
  private:
   struct Failure;
+  struct Unwanted;
 
-  void ProcessOnce(FileRecord& record);
+  void ProcessOnce(FileRecord& record, const PlannedFile& file);
   void Load(FileRecord& record);
-  void RunActions();
+  QMap<QString, QVariant> SettingsFor(const ConfiguredAction& action, const PlannedFile& file) const;
+  void RunActions(const PlannedFile& file);
+  void CheckCondition(const FileRecord& record, bool actionsRan) const;
   void CheckSaving(FileRecord& record);
+  void CheckSignatures(FileRecord& record);
   void Save(FileRecord& record);
+  void SaveOutput(FileRecord& record);
   void NoteLastSaveMode(FileRecord& record);
 
   PdfLibrary::Wrapper& library_;

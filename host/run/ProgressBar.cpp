@@ -17,8 +17,8 @@ constexpr std::size_t kWidth = 30;
 
 }  // namespace
 
-ProgressBar::ProgressBar(bool wanted)
-    : enabled_(wanted && isatty(STDERR_FILENO) == 1), start_(Clock::now()), lastShown_(start_) {}
+ProgressBar::ProgressBar(bool wanted, const char* label)
+    : enabled_(wanted && isatty(STDERR_FILENO) == 1), label_(label), start_(Clock::now()), lastShown_(start_) {}
 
 void ProgressBar::Show(std::size_t done, std::size_t total) {
   if (!enabled_) return;
@@ -33,7 +33,7 @@ void ProgressBar::Show(std::size_t done, std::size_t total) {
   const std::size_t filled = kWidth * done / total;
   const auto whole = static_cast<unsigned long>(std::lround(left));
   char line[160];
-  const int length = std::snprintf(line, sizeof line, "\r[%s%s] %zu/%zu  %.0f/s  %lu:%02lu left\x1b[K",
+  const int length = std::snprintf(line, sizeof line, "\r%s[%s%s] %zu/%zu  %.0f/s  %lu:%02lu left\x1b[K", label_,
                                    std::string(filled, '#').c_str(), std::string(kWidth - filled, '.').c_str(), done,
                                    total, rate, whole / 60, whole % 60);
   Console::WriteAll(STDERR_FILENO, {line, static_cast<std::size_t>(length)});

@@ -8,7 +8,8 @@
 // work remains.
 class ProgressBar {
  public:
-  explicit ProgressBar(bool wanted);
+  // The line begins with `label`, a literal.
+  explicit ProgressBar(bool wanted, const char* label = "");
 
   void Show(std::size_t done, std::size_t total);
   // Takes the line away, for other output or for good.
@@ -17,6 +18,7 @@ class ProgressBar {
  private:
   using Clock = std::chrono::steady_clock;
   bool enabled_;
+  const char* label_;
   bool visible_ = false;
   Clock::time_point start_;
   Clock::time_point lastShown_;

@@ -16,7 +16,8 @@ namespace {
 constexpr char kRecordStart[] = "{\"file\":\"";
 
 bool IsRecord(const QJsonObject& record) {
-  static const QStringList kStatuses{QStringLiteral("done"), QStringLiteral("failed"), QStringLiteral("skipped")};
+  static const QStringList kStatuses{QStringLiteral("done"), QStringLiteral("failed"), QStringLiteral("skipped"),
+                                     QStringLiteral("would-change"), QStringLiteral("unchanged")};
   return record.value(QLatin1String("file")).isString() &&
          kStatuses.contains(record.value(QLatin1String("status")).toString());
 }

@@ -106,6 +106,8 @@ void ReportSummary::Finish() {
     for (const std::string& warning : file.warnings) warnings_[warning].push_back(file.name);
     if (file.status == "failed") failed_[file.reason].push_back(file.name);
     if (file.status == "skipped") ++skipped_;
+    if (file.status == "would-change") ++wouldChange_;
+    if (file.status == "unchanged") ++wouldStay_;
     if (file.status != "done") continue;
     ++done_;
     if (file.saveMode == "unchanged") ++unchanged_;
@@ -124,6 +126,8 @@ std::string ReportSummary::ToText() const {
   append(unchanged_, " of them unchanged");
   append(CountNames(failed_), " failed");
   append(skipped_, " skipped");
+  append(wouldChange_, " would change");
+  append(wouldStay_, " would stay as they are");
   append(missing_.size(), " in no report");
   append(tornLines_, " cut off by a crash");
   text += '\n';
@@ -145,6 +149,8 @@ std::string ReportSummary::ToJson() const {
   append("unchanged", unchanged_);
   append("failed", CountNames(failed_));
   append("skipped", skipped_);
+  append("wouldChange", wouldChange_);
+  append("wouldStay", wouldStay_);
   append("missing", missing_.size());
   append("tornLines", tornLines_);
   return json + "\n \"failures\":" + JsonGroups(failed_, "reason") +

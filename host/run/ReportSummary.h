@@ -54,4 +54,6 @@ class ReportSummary {
   std::size_t done_ = 0;
   std::size_t unchanged_ = 0;
   std::size_t skipped_ = 0;
+  std::size_t wouldChange_ = 0;  // this and the next in a dry run
+  std::size_t wouldStay_ = 0;
 };

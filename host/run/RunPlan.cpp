@@ -5,13 +5,13 @@
 
 #include "host/base/Interruption.h"
 
-RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const ResumedReport& resumed,
+RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
-    : inputs_(inputs) {
-  if (!outputFolder.empty()) {
-    names_.emplace(outputFolder);
+    : inputs_(inputs), options_(options), job_(job) {
+  if (!options_.outputFolder.empty()) {
+    names_.emplace(options_.outputFolder);
     std::error_code ignored;
-    outputFolderWasEmpty_ = std::filesystem::is_empty(outputFolder, ignored);
+    outputFolderWasEmpty_ = std::filesystem::is_empty(options_.outputFolder, ignored);
   }
   items_.reserve(inputs.Count());
   for (std::size_t input = 0; input < inputs.Count(); ++input) {
@@ -20,7 +20,7 @@ RunPlan::RunPlan(const InputList& inputs, const std::string& outputFolder, const
   }
 }
 
-void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const ProtectedFiles& protectedFiles) {
+void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFiles& protectedFiles) {
   using Status = FileRecord::Status;
   if (const std::string problem = inputs_.Problem(input); !problem.empty()) {
     return Settle(input, Status::kFailed, problem);
@@ -29,23 +29,35 @@ void RunPlan::Add(std::size_t input, const ResumedReport& resumed, const Protect
     return Settle(input, Status::kSkipped, "the same file as " + inputs_.File(static_cast<std::size_t>(same)));
   }
   Item item{static_cast<std::uint32_t>(input), 0};
-  std::string output = inputs_.File(input);
-  if (names_) {
-    const std::string relative = inputs_.Relative(input);
-    item.copyNumber = names_->Take(relative);
-    output = names_->Name(relative, item.copyNumber);
+  if (names_) item.copyNumber = names_->Take(inputs_.Relative(input));
+  const std::string output = OutputOf(item.input, item.copyNumber);
+  if (names_ || !options_.outputFile.empty()) {
     if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
       return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
     }
-    if (!MakeParent(output)) {
+    if (names_ && !MakeParent(output)) {
       return Settle(input, Status::kFailed, "cannot make the folder of its output " + output);
     }
   }
-  if (resumed.Done(inputs_.File(input), output)) {
+  if (IsDone(input, output, resumed)) {
     ++doneBefore_;
   } else {
     items_.push_back(item);
   }
+}
+
+// Whether the same job has saved this output, and it is as it was left.
+bool RunPlan::IsDone(std::size_t input, const std::string& output, ResumedReport& resumed) {
+  if (resumed.Count() == 0) return false;
+  const std::string file = inputs_.File(input);
+  const ResumedReport::Result* const result = resumed.Find(file, output);
+  if (result == nullptr) return false;
+  const FileState now = FileState::Of(output);
+  const bool sameJob = result->job == job_.Of(PathBelow(input));
+  if (sameJob && now.size == result->size && now.TimeText() == result->time) return true;
+  ++(result->job.empty() ? doneWithoutJob_ : sameJob ? changedSince_ : doneOtherwise_);
+  resumed.Forget(file, output);
+  return false;
 }
 
 void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::string& reason) {
@@ -56,14 +68,24 @@ void RunPlan::Settle(std::size_t input, FileRecord::Status status, const std::st
   settled_.push_back(std::move(record));
 }
 
+std::string RunPlan::OutputOf(std::uint32_t input, std::uint32_t copyNumber) const {
+  if (names_) return names_->Name(inputs_.Relative(input), copyNumber);
+  return options_.outputFile.empty() ? inputs_.File(input) : options_.outputFile;
+}
+
 PlannedFile RunPlan::File(std::size_t item) const {
   const auto [input, copyNumber] = items_[item];
-  const std::string file = inputs_.File(input);
-  return {file, names_ ? names_->Name(inputs_.Relative(input), copyNumber) : file};
+  const std::string pathBelow = PathBelow(input);
+  return {inputs_.File(input), OutputOf(input, copyNumber), job_.Of(pathBelow), pathBelow};
+}
+
+std::string RunPlan::PathBelow(std::size_t input) const {
+  return options_.needsPathBelow ? inputs_.PathBelow(options_.root, input).value_or("") : std::string();
 }
 
 // Inputs from folders keep their path below that folder.
 bool RunPlan::MakeParent(const std::string& output) {
+  if (options_.dryRun) return true;
   const std::string parent = output.substr(0, output.rfind('/'));
   if (!madeFolders_.insert(parent).second) return true;
   std::error_code error;

@@ -14,8 +14,21 @@ void AppendCount(std::string& text, std::size_t count, const char* what) {
 
 }  // namespace
 
-RunReporter::RunReporter(ReportFile& report, std::size_t files, bool quiet)
-    : report_(report), quiet_(quiet), total_(files), start_(std::chrono::steady_clock::now()), progress_(!quiet) {}
+RunReporter::RunReporter(ReportFile& report, std::size_t files, bool quiet, bool dryRun)
+    : report_(report),
+      quiet_(quiet),
+      dryRun_(dryRun),
+      total_(files),
+      start_(std::chrono::steady_clock::now()),
+      progress_(!quiet, dryRun ? "dry run " : "") {}
+
+void RunReporter::TakeSettled(const FileRecord& record) {
+  if (record.status == FileRecord::Status::kSkipped && !quiet_) {
+    progress_.Hide();
+    Console::ErrorAbout(record.file, "skipped: " + record.reason);
+  }
+  Take(record);
+}
 
 void RunReporter::Take(const FileRecord& record) {
   if (report_.IsWanted()) report_.Add(record.ToJson());
@@ -33,6 +46,13 @@ void RunReporter::Count(const FileRecord& record) {
       ++done_;
       if (record.Unchanged()) ++unchanged_;
       break;
+    case FileRecord::Status::kUnchanged:
+      ++unchanged_;
+      ++done_;
+      break;
+    case FileRecord::Status::kWouldChange:
+      ++done_;
+      break;
     case FileRecord::Status::kFailed:
       ++failed_;
       progress_.Hide();
@@ -40,8 +60,6 @@ void RunReporter::Count(const FileRecord& record) {
       break;
     case FileRecord::Status::kSkipped:
       ++skipped_;
-      progress_.Hide();
-      if (!quiet_) Console::ErrorAbout(record.file, "skipped: " + record.reason);
       break;
   }
 }
@@ -60,8 +78,14 @@ bool RunReporter::Finish(bool interrupted) {
 
 void RunReporter::Summarize(bool interrupted) {
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
-  std::string text = std::to_string(done_) + " done";
-  AppendCount(text, unchanged_, " of them unchanged");
+  std::string text;
+  if (dryRun_) {
+    text = "dry run, nothing was saved: " + std::to_string(done_ - unchanged_) + " would change";
+    AppendCount(text, unchanged_, " would stay as they are");
+  } else {
+    text = std::to_string(done_) + " done";
+    AppendCount(text, unchanged_, " of them unchanged");
+  }
   AppendCount(text, failed_, " failed");
   AppendCount(text, skipped_, " skipped");
   AppendCount(text, doneBefore_, " done before");

@@ -14,10 +14,12 @@
 class RunReporter {
  public:
   // Keeps a reference to the report. `files` is how many there are in all.
-  RunReporter(ReportFile& report, std::size_t files, bool quiet);
+  RunReporter(ReportFile& report, std::size_t files, bool quiet, bool dryRun);
 
   void CountDoneBefore(std::size_t files) { doneBefore_ += files; }
   void Take(const FileRecord& record);
+  // The same for an input that is not processed; a line says why.
+  void TakeSettled(const FileRecord& record);
   // Lets what was taken be seen: streamed lines and the progress bar.
   void Flush();
   // Completes report and counts. False when the report could not be written.
@@ -31,8 +33,9 @@ class RunReporter {
 
   ReportFile& report_;
   bool quiet_;
+  bool dryRun_;
   std::size_t total_;
-  std::size_t done_ = 0;
+  std::size_t done_ = 0;  // in a dry run: would change, or would stay as they are
   std::size_t unchanged_ = 0;
   std::size_t failed_ = 0;
   std::size_t skipped_ = 0;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/base/CommandError.h"
+#include "host/base/Console.h"
 #include "host/base/Interruption.h"
 
 namespace {
@@ -32,13 +33,23 @@ WorkerPool::WorkerPool(WorkerTask& task, std::size_t items, std::size_t workers,
 
 void WorkerPool::Run() {
   while (unsettled_ > 0) {
-    if (Interruption::Signal() != 0) board_.Stop();
+    if (Interruption::Signal() != 0 && !board_.Stopped()) {
+      board_.Stop();
+      AnnounceStop();
+    }
     if (board_.Stopped() && workers_.empty()) return;
     if (!board_.Stopped()) Fork();
     Wait();
     EndOverdue();
     task_.Flush();
   }
+}
+
+void WorkerPool::AnnounceStop() const {
+  std::size_t held = 0;
+  for (const WorkerProcess& worker : workers_) held += board_.HeldBy(worker.Id()).size();
+  if (held == 0) return;
+  Console::Error(QStringLiteral("stopping, finishing %1 %2").arg(held).arg(held == 1 ? "file" : "files"));
 }
 
 void WorkerPool::Fork() {

@@ -27,6 +27,7 @@ class WorkerPool {
  private:
   using Workers = std::list<WorkerProcess>;
 
+  void AnnounceStop() const;
   void Fork();
   void Wait();
   void Bury(Workers::iterator worker);

@@ -91,3 +91,27 @@ TEST_P(BaseUrlPlaceTest, TwentyMillionCharacters) {
   ASSERT_EQ(library_.LoadFromFile(L"long.pdf", L""), 1);
   EXPECT_TRUE(library_.GetBaseURL() == url);
 }
+
+TEST_P(BaseUrlPlaceTest, WhetherThereIsOneAndThePdfVersionCanBeAsked) {
+  const struct {
+    const char* entries;
+    const wchar_t* exists;
+    const wchar_t* version = nullptr;  // null: the header's
+  } rows[] = {{"", L"0"},
+              {"/URI << /Base () >>", L"1"},
+              {"/URI << /Base (http://a/) >> /Version /2.0", L"1", L"2.0"},
+              {"/URI << /Base 7 >> /Version /1.4", L"0"},
+              {"/URI << /Base null >> /Version /latest", L"0"},
+              {"/URI 5 /Version (9.9)", L"0"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.entries);
+    Prepare(row.entries);
+    EXPECT_EQ(library_.GetInformation(1005), row.exists);
+    const std::wstring header = GetParam().encrypted ? L"1.7" : L"1.4";
+    EXPECT_EQ(library_.GetInformation(1006), row.version != nullptr ? row.version : header);
+    library_.SetBaseURL(L"http://b/");
+    EXPECT_EQ(library_.GetInformation(1005), L"1");
+    library_.SetBaseURL(L"");
+    EXPECT_EQ(library_.GetInformation(1005), L"0");
+  }
+}

@@ -42,6 +42,7 @@ TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
   const ProgramResult result = FinishProgram(*process);
   EXPECT_EQ(result.code, 128 + signal);
   EXPECT_THAT(result.err.toStdString(), testing::HasSubstr("left: interrupted"));
+  EXPECT_EQ(result.err.contains("stopping, finishing "), jobs > 0) << result.err.toStdString();
   const auto report = ReadReport(ReadFile("r.jsonl"));
   EXPECT_LT(report.size(), files.size());
   for (const QJsonObject& record : report) EXPECT_EQ(record["status"].toString(), "done");

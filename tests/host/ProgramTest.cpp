@@ -57,7 +57,6 @@ TEST(Program, BadUsageIsOneLineAndCode2) {
       {"run --action A --in-place --output-dir o a.pdf", "exclude each other"},
       {"run --action A --password p --password-file f --in-place a.pdf", "exclude each other"},
       {"run --action A --action B --in-place a.pdf", "given twice"},
-      {"run --action A --set k --in-place a.pdf", "KEY=VALUE"},
       {"run --action A --set k=1 --set k=2 --in-place a.pdf", "given twice"},
       {"run --action A --in-place --jobs two a.pdf", "whole number"},
       {"run --action A --in-place --jobs 0 --timeout 3 a.pdf", "--timeout"},
@@ -99,7 +98,7 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
   WriteFile("tools/broken.so", "no library");
   const std::pair<QStringList, const char*> rows[] = {
       {{"run", "--action", "No Such Action"}, "Unknown action 'No Such Action'"},
-      {{"run", "--action", "set base url"}, "Known: 'Set Base URL'"},
+      {{"run", "--action", "set base url"}, "Did you mean 'Set Base URL'?"},
       {{"run", "--list", "./unknown.xqq"}, "Unknown action 'No Such Action'"},
       {{"run", "--list", "./missing.xqq"}, "no such file"},
       {{"run", "--list", "No Such List"}, "no action list 'No Such List'"},
@@ -109,9 +108,13 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
       {{"run", "--list", "./tornprefs.xqq"}, "damaged"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "tools"}, "broken.so"},
       {{"run", "--action", "Set Base URL", "--tools-dir", "nowhere"}, "nowhere"},
-      {{"run", "--action", "Set Base URL", "--pdf-library", "nowhere"}, "PDF library"},
-      {{"run", "--action", "Set Base URL", "--pdf-library", SETBASEURL_FILE}, "PDF library"},
-      {{"run", "--action", "Set Base URL", "--jobs", "0", "--pdf-library", "nowhere"}, "PDF library"}};
+      {{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://x/", "--pdf-library", "nowhere"},
+       "PDF library"},
+      {{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://x/", "--pdf-library", SETBASEURL_FILE},
+       "PDF library"},
+      {{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://x/", "--jobs", "0", "--pdf-library",
+        "nowhere"},
+       "PDF library"}};
   for (const auto& [arguments, message] : rows) {
     WriteFile("r.jsonl", "earlier\n");
     const ProgramResult result = RunProgram(arguments + QStringList{"--in-place", "--report", "r.jsonl", "a.pdf"});
@@ -202,6 +205,10 @@ TEST(Program, SignedDocuments) {
   WriteFile("signed.pdf", MakeSignedPdf());
   WriteFile("certified.pdf", MakeSignedPdf(1));
   WriteFile("broken.pdf", MakeSignedPdfToRewrite());
+  const ProgramResult refused = RunProgram(kSet + QStringList{"--in-place", "certified.pdf"});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.err.toStdString(), HasSubstr("certification permits no change"));
+  EXPECT_EQ(ReadFile("certified.pdf"), MakeSignedPdf(1));
   const ProgramResult result = RunProgram(kSet + QStringList{"--allow-breaking-signatures", "--in-place", "--report",
                                                              "r.json", "signed.pdf", "certified.pdf", "broken.pdf"});
   EXPECT_EQ(result.code, 0) << result.err.toStdString();
@@ -216,9 +223,8 @@ TEST(Program, SignedDocuments) {
 }
 
 TEST(Program, ListsByNameAndByFile) {
-  EXPECT_EQ(RunProgram({"lists"}).code, 0);  // makes the folders
   const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + "/nolva software/PDF Tools/Actions/";
-  ASSERT_TRUE(QFileInfo(folder).isDir());
+  ASSERT_TRUE(QDir().mkpath(folder));
   WriteList(folder + "My_List.xqq", "My List", {"Set Base URL", "Set Base URL"});
   WriteList(folder + "twin1.xqq", "Twin", {"Set Base URL"});
   WriteList(folder + "twin2.xqq", "Twin", {"Set Base URL"});
@@ -247,7 +253,8 @@ TEST(Program, ListsByNameAndByFile) {
 }
 
 TEST(Program, ShowsActionsHelpVersionAndUrls) {
-  EXPECT_EQ(RunProgram({"actions"}).out, "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\n");
+  EXPECT_EQ(RunProgram({"actions"}).out,
+            "Set Base URL\tDocument Properties\t15\tAction_SetBaseUrl.html\tset-base-url\tbaseUrlString\n");
   EXPECT_EQ(RunProgram({"actions"}).err, "");
   const ProgramResult probe = RunProgram({"actions", "--tools-dir", QFileInfo(PROBEACTION_FILE).path()});
   EXPECT_EQ(probe.code, 0);

@@ -45,13 +45,13 @@ QPair<QString, QString> Pair(const char* key, const char* value) {
 
 TEST(Settings, AreTypedAndCompleted) {
   const QMap<QString, QVariant> values =
-      Check({{Pair("url", "https://example.org/a/"), Pair("deep", "true")}, {}, {}, false});
+      Check({{Pair("url", "https://example.org/a/"), Pair("deep", "true")}, {}, {}, false, {}});
   EXPECT_EQ(values.value("url").toString(), "https://example.org/a/");
   EXPECT_EQ(values.value("count").toInt(), 2);
   EXPECT_EQ(values.value("deep"), QVariant(true));
   EXPECT_FALSE(values.contains("mode"));
-  EXPECT_EQ(Check({{}, {"url"}, {}, false}).value("url").toString(), "");
-  EXPECT_EQ(Check({{}, {}, {"url"}, false}).value("url"), QVariant());
+  EXPECT_EQ(Check({{}, {"url"}, {}, false, {}}).value("url").toString(), "");
+  EXPECT_EQ(Check({{}, {}, {Pair("url", "https://e.org/{folder}/")}, false, {}}).value("url"), QVariant());
 }
 
 TEST(Settings, SlipsAreRefused) {
@@ -60,26 +60,38 @@ TEST(Settings, SlipsAreRefused) {
     GivenSettings given;
     const char* message;
   } cases[] = {
-      {{{Pair("Url", "https://example.org/")}, {}, {}, false}, "Did you mean 'url'?"},
-      {{{}, {}, {}, false}, "needs the setting 'url'"},
-      {{{Pair("url", "")}, {}, {}, false}, "An empty 'url' removes it. If that is meant, use --clear url."},
-      {{{url}, {"count"}, {}, false}, "'count' cannot be empty"},
-      {{{url}, {"url"}, {}, false}, "both set and cleared"},
-      {{{url}, {}, {"url"}, false}, "given twice"},
-      {{{url, Pair("count", "11")}, {}, {}, false}, "a number from 1 to 10, not '11'"},
-      {{{url, Pair("count", "two")}, {}, {}, false}, "takes a number"},
-      {{{url, Pair("mode", "fest")}, {}, {}, false}, "Did you mean 'fast'?"},
-      {{{url, Pair("deep", "1")}, {}, {}, false}, "takes true or false"},
-      {{{Pair("url", "example.org/a/")}, {}, {}, false}, "no scheme"},
+      {{{Pair("Url", "https://example.org/")}, {}, {}, false, {}}, "Did you mean 'url'?"},
+      {{{}, {}, {}, false, {}}, "needs the setting 'url'"},
+      {{{Pair("url", "")}, {}, {}, false, {}}, "An empty 'url' removes it. If that is meant, use --clear url."},
+      {{{url}, {"count"}, {}, false, {}}, "'count' cannot be empty"},
+      {{{url}, {"url"}, {}, false, {}}, "both set and cleared"},
+      {{{url}, {}, {Pair("url", "https://e.org/{stem}/")}, false, {}}, "given twice"},
+      {{{}, {}, {Pair("url", "{folder}/")}, false, {}}, "no scheme"},
+      {{{}, {}, {Pair("url", "https://e.org/{dir}/")}, false, {}}, "'{dir}'"},
+      {{{url}, {}, {Pair("count", "{stem}")}, false, {}}, "only texts and URLs"},
+      {{{}, {}, {}, false, {{"url", ""}}}, "--clear url"},
+      {{{url}, {}, {}, false, {{"count", 99}}}, "from 1 to 10"},
+      {{{url, Pair("count", "11")}, {}, {}, false, {}}, "a number from 1 to 10, not '11'"},
+      {{{url, Pair("count", "two")}, {}, {}, false, {}}, "takes a number"},
+      {{{url, Pair("mode", "fest")}, {}, {}, false, {}}, "Did you mean 'fast'?"},
+      {{{url, Pair("deep", "1")}, {}, {}, false, {}}, "takes true or false"},
+      {{{Pair("url", "example.org/a/")}, {}, {}, false, {}}, "no scheme"},
   };
   for (const auto& each : cases) {
     EXPECT_THAT(ErrorOf([&] { Check(each.given); }), HasSubstr(each.message));
   }
 }
 
-TEST(Settings, StoredUnknownKeysAreNamed) {
-  const QMap<QString, QVariant> stored{{"url", "x"}, {"ActionName", "Probe"}, {"old", 1}};
-  EXPECT_EQ(UnknownKeys(Everything(), stored), QStringList("old"));
+TEST(Settings, StoredOnesAreKeptWithWarnings) {
+  const QStringList warnings = ListWarnings(Everything(), {{"ActionName", "Probe"}, {"old", 1}});
+  EXPECT_THAT(warnings.join('\n').toStdString(),
+              testing::AllOf(HasSubstr("'old'"), HasSubstr("lacks the setting 'url'")));
+  const CheckedSettings checked =
+      CheckSettings("Probe", Everything(),
+                    {{Pair("count", "3")}, {}, {}, false, {{"url", "https://e.org/"}, {"count", 99}, {"old", 1}}});
+  EXPECT_EQ(checked.values,
+            (QMap<QString, QVariant>{{"url", "https://e.org/"}, {"count", "3"}, {"deep", false}, {"old", 1}}));
+  EXPECT_THAT(checked.warnings.join('\n').toStdString(), HasSubstr("'old'"));
 }
 
 TEST(Settings, WrongDescriptionsAreRefused) {

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <initializer_list>
+
+#include "host/command/SettingsCommand.h"
+
+class InputList;
+
+// A command that works on many files in worker processes: which files, and what each process may take.
+class BatchCommand : public SettingsCommand {
+ protected:
+  using SettingsCommand::SettingsCommand;
+
+  // --files-from, --recursive.
+  void AddInputOptions();
+  // FILE, which stands last among the arguments.
+  void AddFileArgument();
+  virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
+  void CheckInputOptions() const;
+  // Throws as InputList::Add and InputList::AddFrom do.
+  void CollectInputs(InputList& inputs) const;
+
+  // --jobs, --timeout, --memory.
+  void AddWorkerOptions();
+  void CheckWorkerOptions();
+  // 0: everything in this process.
+  int Jobs() const { return jobs_; }
+  std::chrono::seconds TimeLimit() const { return std::chrono::seconds(timeout_); }
+  std::size_t MemoryLimit() const { return memoryLimit_; }
+
+  // Throws CommandError when one of the options is given an empty name.
+  void RefuseEmpty(std::initializer_list<const char*> names) const;
+
+ private:
+  int jobs_ = 0;
+  int timeout_ = 0;
+  std::size_t memoryLimit_ = 0;
+};

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/command/HelpCommand.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QTextDocument>
+
+#include "host/actions/ActionCatalog.h"
+#include "host/actions/SettingsDescription.h"
+#include "host/base/CommandError.h"
+#include "host/base/Console.h"
+
+namespace {
+
+QString PageOf(CActionInterface& action) {
+  QFile file(QStringLiteral(":/Vorlane/Resources/HelpFiles/") + action.GetActionHelp());
+  if (action.GetActionHelp().isEmpty() || !file.open(QIODevice::ReadOnly)) {
+    return QStringLiteral("%1\n\nThe action has no help page.").arg(action.GetDisplayName());
+  }
+  QTextDocument page;
+  page.setHtml(QString::fromUtf8(file.readAll()));
+  return page.toPlainText().trimmed();
+}
+
+}  // namespace
+
+HelpCommand::HelpCommand(std::function<QString(const QString&)> helpOf)
+    : Command(QStringLiteral("help"),
+              QStringLiteral("Shows the help of a command, or of an action with its settings.")),
+      helpOf_(std::move(helpOf)) {
+  AddToolsOption();
+  parser_.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("A command, or an action's name."),
+                                QStringLiteral("[NAME]"));
+}
+
+void HelpCommand::PrepareWindowSystem() const {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  // The platform complains about the session that it is not part of.
+  QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
+}
+
+void HelpCommand::Check() {
+  if (parser_.positionalArguments().size() > 1) {
+    throw CommandError(kExitUsage, QStringLiteral("Unexpected argument '%1'; a name with spaces is quoted.")
+                                       .arg(parser_.positionalArguments().at(1)));
+  }
+}
+
+int HelpCommand::Execute() {
+  const QString name = parser_.positionalArguments().value(0);
+  const QString help = helpOf_(name);
+  return Console::Print(help.isEmpty() ? HelpOfAction(name) : help) ? kExitDone : kExitSomeFailed;
+}
+
+QString HelpCommand::HelpOfAction(const QString& name) const {
+  ActionCatalog catalog(ToolsFolders());
+  CActionInterface* action = catalog.Find(name);
+  for (const ActionCatalog::Entry& entry : catalog.All()) {
+    const auto description = SettingsDescription::Of(entry.action->GetActionName());
+    if (action == nullptr && description && description->CommandName() == name) action = entry.action;
+  }
+  if (action == nullptr) action = &catalog.Get(name);
+  const auto description = SettingsDescription::Of(action->GetActionName());
+  QString text = PageOf(*action) + QStringLiteral("\n\n");
+  if (!description) return text + QStringLiteral("The action does not describe its settings.\n");
+  text += description->HelpText();
+  if (!description->CommandName().isEmpty()) {
+    text += QStringLiteral("\nAs a command: 'vorlane-run %1', see 'vorlane-run %1 --help'.\n")
+                .arg(description->CommandName());
+  }
+  return text;
+}

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+
+#include "host/command/Command.h"
+
+class CActionInterface;
+
+// Shows the help of the program, of a command or of an action.
+class HelpCommand : public Command {
+ public:
+  // `helpOf` returns the help of a command, and of the program for an empty name; an empty text when there is none.
+  explicit HelpCommand(std::function<QString(const QString&)> helpOf);
+
+  // The page of an action is a text document, whose fonts need a platform; none is shown.
+  bool NeedsWindowSystem() const override { return true; }
+  void PrepareWindowSystem() const override;
+
+ protected:
+  void Check() override;
+  int Execute() override;
+
+ private:
+  // Throws CommandError for an unknown name.
+  QString HelpOfAction(const QString& name) const;
+
+  std::function<QString(const QString&)> helpOf_;
+};

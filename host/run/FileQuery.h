@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "host/base/PdfLibrary.h"
+#include "host/files/InputList.h"
+#include "host/run/ProgressBar.h"
+#include "host/run/WorkerTask.h"
+
+// What is asked of each file, and how its failure is shown.
+struct FileQuestion {
+  std::wstring libraryFile;
+  std::vector<std::wstring> passwords;
+  std::size_t memoryLimit = 0;  // bytes that documents may take in each process; 0: no limit
+  // The answer of the library's selected document, lines for the standard output. Called in a worker process.
+  std::function<std::string(PdfLibrary::Wrapper&, const std::string& file)> answer;
+  // The lines for a file that cannot be read. Not set: the reason goes to the standard error.
+  std::function<std::string(const std::string& file, const std::string& error)> failure;
+};
+
+// Asks the same of many files, each of which is only read, and prints the answers in the order of the inputs.
+class FileQuery : public WorkerTask {
+ public:
+  // Keeps references.
+  FileQuery(const InputList& inputs, const FileQuestion& question);
+
+  // One file after another. Throws as Begin and Flush do.
+  void RunHere();
+  // Whether every file was read, as far as answers were taken.
+  bool IsComplete() const { return !anyFailed_; }
+  // Call at the end, also after an interruption: prints what is left and takes the progress bar away. Throws as Flush.
+  void Finish();
+
+  void Begin() override;
+  std::string Work(std::size_t item) override;
+  void Take(std::size_t item, std::string_view result) override;
+  void Lose(std::size_t item, const std::string& reason) override;
+  // Throws CommandError(kExitSomeFailed) when the standard output cannot be written.
+  void Flush() override;
+
+ private:
+  struct Answer {
+    std::string text;
+    std::string error;
+  };
+  void Settle(std::size_t item, Answer answer);
+  void Append(const std::string& file, const Answer& answer);
+
+  const InputList& inputs_;
+  const FileQuestion& question_;
+  std::unique_ptr<PdfLibrary::Wrapper> library_;
+  std::map<std::size_t, Answer> early_;  // answers before which another is missing
+  std::size_t next_ = 0;
+  std::size_t settled_ = 0;
+  std::string output_;
+  bool anyFailed_ = false;
+  ProgressBar progress_;
+};

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+// Command lines as users type them: what is refused before a file is touched, and what is done.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+
+#include "tests/host/ProgramRun.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+const QByteArray kOld = "/URI<</Base(http://old/)>>";
+
+// "~" stands for a space within a word.
+QStringList Words(const char* text) {
+  return QString::fromUtf8(text).split(' ', Qt::SkipEmptyParts).replaceInStrings("~", " ");
+}
+
+TEST(Commands, SlipsAreCode2AndTouchNothing) {
+  for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) WriteFile(name, MakePdf(kOld));
+  WriteFile("not.tsf", "neither");
+  QDir().mkdir("d");
+  const std::pair<const char*, const char*> rows[] = {
+      {"run --action Set~Base~URL --set BaseUrlString=http://x/ --in-place a.pdf b.pdf",
+       "Did you mean 'baseUrlString'?"},
+      {"run --action Set~Base~URL --in-place a.pdf", "needs the setting 'baseUrlString'"},
+      {"run --action Set~Base~URL --set baseUrlString= --in-place a.pdf", "use --clear baseUrlString"},
+      {"run --action Set~Base~URL --set k --in-place a.pdf", "KEY=VALUE"},
+      {"run --action Set~Base~URL --settings not.tsf --in-place a.pdf", "neither a tool settings file"},
+      {"run --settings {} --in-place a.pdf", "do not name their action"},
+      {"run --settings {\"ActionName\":\"B\"} --action Set~Base~URL --in-place a.pdf", "for the action 'B'"},
+      {"run --settings {\"ActionName\":\"Set~Base~URL\",\"baseUrlString\":\"\"} --in-place a.pdf", "--clear"},
+      {"run --list L --set a=b --in-place a.pdf", "'--list' excludes"},
+      {"set-base-url a.pdf --in-place", "first argument is the base URL"},
+      {"set-base-url", "No base URL is given"},
+      {"set-base-url http://x/ http://y/ a.pdf --in-place", "'http://y/' is a URL"},
+      {"set-base-url --clear baseUrlString http://y/ a.pdf --in-place", "given by an option"},
+      {"set-base-url example.org/a/ a.pdf --in-place", "no scheme"},
+      {"set-base-url C:\\docs\\ a.pdf --in-place", "path on a drive"},
+      {"set-base-url http://x/a~b/ a.pdf --in-place", "write a space as %20"},
+      {"set-base-url http://x/ a.pdf b.pdf -o out.pdf", "for one file, but 2"},
+      {"set-base-url http://x/ a.pdf -o out.pdf --in-place", "exclude each other"},
+      {"set-base-url http://x/ -dash.pdf --in-place", "needs \"./\" before it"},
+      {"set-base-url http://x/ --in-plaec a.pdf", "Did you mean '--in-place'?"},
+      {"set-base-url http://x/ a.pdf --in-place --root d", "'--set-each' only"},
+      {"set-base-url http://x/ --files-from - --password-file - --in-place", "standard input"},
+      {"set-base-url --set-each baseUrlString=http://x/{dir}/ --in-place a.pdf", "{folder}, {name}, {stem} and {path}"},
+      {"set-base-url --set-each baseUrlString={folder}/ --in-place a.pdf", "no scheme"},
+      {"set-base-url --set-each baseUrlString=http://x/{folder}/ --in-place ./d/../a.pdf", "'--root DIR' is needed"},
+      {"set-base-url --set-each baseUrlString=http://x/{folder}/ --root d --in-place a.pdf", "not below"},
+      {"set-base-url --set-each baseUrlString=http://x/{folder}/ --root no --in-place a.pdf", "no folder 'no'"},
+      {"set-base-uri http://x/ a.pdf --in-place", "Did you mean 'set-base-url'?"},
+      {"shwo a.pdf", "Did you mean 'show'?"},
+      {"lists ad L", "Did you mean 'add'?"},
+      {"lists add", "needs a list's name"},
+      {"lists add L", "needs '--action'"},
+      {"lists add L --action Set~Base~URL", "needs the setting"},
+      {"lists --force", "for 'lists add'"},
+      {"lists remove L first", "not the number of an action"},
+      {"edit --action A --apply", "needs '--document'"},
+  };
+  for (const auto& [line, message] : rows) {
+    const ProgramResult result = RunProgram(Words(line));
+    EXPECT_EQ(result.code, 2) << line << result.err.toStdString();
+    EXPECT_THAT(result.err.toStdString(), HasSubstr(message)) << line;
+    EXPECT_EQ(result.err.count('\n'), 1) << result.err.toStdString();
+  }
+  for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) EXPECT_EQ(ReadFile(name), MakePdf(kOld)) << name;
+  EXPECT_EQ(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+            QStringList({"-dash.pdf", "a.pdf", "b.pdf", "d", "not.tsf"}));
+}
+
+TEST(Commands, AnActionIsACommand) {
+  WriteFile("tool.json", R"({"ActionName": "Set Base URL", "baseUrlString": "http://json/", "other": 1})");
+  QSettings("tool.tsf", QSettings::IniFormat)
+      .setValue("ToolSettings", QVariantMap{{"ActionName", "Set Base URL"}, {"baseUrlString", "http://tsf/"}});
+  WriteFile("names", "a.pdf\r\nb.pdf\r\n");
+  const struct {
+    const char* line;
+    const char* output;
+    const char* url;
+    const char* message;
+  } rows[] = {
+      {"set-base-url http://x/a/ a.pdf b.pdf --in-place", "b.pdf", "http://x/a/", ""},
+      {"set-base-url http://x/a a.pdf -o out.pdf", "out.pdf", "http://x/a", "does not end in \"/\""},
+      {"set-base-url http://x/ a.pdf -d dir", "dir/a.pdf", "http://x/", ""},
+      {"set-base-url --clear baseUrlString a.pdf -d dir", "dir/a.pdf", "", ""},
+      {"set-base-url x --unchecked a.pdf -d dir", "dir/a.pdf", "x", ""},
+      {"set-base-url http://x/ --files-from names -d dir", "dir/b.pdf", "http://x/", ""},
+      {"set-base-url http://x/ --in-place -- -dash.pdf", "./-dash.pdf", "http://x/", ""},
+      {"set-base-url --set-each baseUrlString=http://x/{stem}/ a.pdf -d dir", "dir/a.pdf", "http://x/a/", ""},
+      {"run --settings tool.tsf -d dir a.pdf", "dir/a.pdf", "http://tsf/", ""},
+      {"run --settings tool.json -d dir a.pdf", "dir/a.pdf", "http://json/", "no setting 'other'"},
+      {"run --settings - -d dir a.pdf", "dir/a.pdf", "http://json/", ""},
+      {"run --settings tool.json --set baseUrlString=http://set/ -d dir a.pdf", "dir/a.pdf", "http://set/", ""},
+  };
+  for (const auto& row : rows) {
+    for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) WriteFile(name, MakePdf(kOld));
+    const ProgramResult result = RunProgram(Words(row.line), ReadFile("tool.json"));
+    EXPECT_EQ(result.code, 0) << row.line << result.err.toStdString();
+    EXPECT_EQ(BaseUrlOf(row.output), row.url) << row.line;
+    EXPECT_THAT(result.err.toStdString(), HasSubstr(row.message)) << row.line;
+  }
+  const std::string help = RunProgram({"set-base-url", "--help"}).out.toStdString();
+  EXPECT_THAT(
+      help, testing::AllOf(HasSubstr("[options] URL FILE..."), HasSubstr("baseUrlString=URL"), HasSubstr("Examples:")));
+  EXPECT_THAT(
+      RunProgram({"help", "Set Base URL"}).out.toStdString(),
+      testing::AllOf(HasSubstr("What a base URL is"), HasSubstr("baseUrlString=URL"), testing::Not(HasSubstr("<p"))));
+}
+
+TEST(Commands, EachFileOfASiteGetsTheAddressOfItsFolder) {
+  const QByteArray pdf = MakePdf(kOld);
+  QStringList files;
+  for (int i = 0; i < 2000; ++i) {
+    const QString folder = i % 40 == 0 ? "site/" : QString("site/part %1/\xC3\xA4/").arg(i % 40);
+    QDir().mkpath(folder);
+    files += folder + QString::number(i) + ".pdf";
+    WriteFile(files.last(), pdf);
+  }
+  const ProgramResult result = RunProgram({"set-base-url", "--set-each", "baseUrlString=https://example.org/{folder}/",
+                                           "--recursive", "site", "--in-place"});
+  EXPECT_EQ(result.code, 0) << result.err.toStdString();
+  QMap<QByteArray, QByteArray> urls;
+  for (const QByteArray& line : RunProgram({"show", "--recursive", "site"}).out.trimmed().split('\n')) {
+    urls.insert(line.split('\t').first(), line.split('\t').last());
+  }
+  EXPECT_EQ(urls.size(), files.size());
+  for (int i = 0; i < files.size(); ++i) {
+    const QByteArray folder = i % 40 == 0 ? "" : "part%20" + QByteArray::number(i % 40) + "/%C3%A4/";
+    EXPECT_EQ(urls[files[i].toUtf8()], "https://example.org/" + folder) << files[i].toStdString();
+  }
+  EXPECT_EQ(BaseUrlOf(files[1]), "https://example.org/part%201/%C3%A4/");
+}
+
+TEST(Commands, ListsAreMadeWithoutADisplay) {
+  const QStringList add{"lists", "add", "My List", "--action", "Set Base URL", "--set"};
+  EXPECT_EQ(RunProgram({"lists"}).code, 0);
+  EXPECT_FALSE(QDir(qEnvironmentVariable("XDG_DATA_HOME") + "/nolva software").exists());
+  const QString path = QString::fromUtf8(RunProgram(add + QStringList{"baseUrlString=http://1/"}).out).trimmed();
+  EXPECT_TRUE(QFileInfo::exists(path)) << path.toStdString();
+  EXPECT_EQ(RunProgram(add + QStringList{"baseUrlString=http://2/"}).code, 0);
+  EXPECT_EQ(RunProgram(add + QStringList{"baseUrlString=http://3/", "--category", "C"}).code, 2);
+  EXPECT_EQ(RunProgram({"lists"}).out, "My List\tDefault\tSet Base URL, Set Base URL\n");
+  EXPECT_EQ(RunProgram({"lists", "remove", "My List", "2"}).code, 2);
+  EXPECT_EQ(RunProgram({"lists", "remove", "My List", "0"}).code, 0);
+  EXPECT_EQ(RunProgram({"lists", "remove", "My List", "0"}).code, 2);
+  WriteFile("a.pdf", MakePdf());
+  EXPECT_EQ(RunProgram({"run", "--list", "My List", "--in-place", "a.pdf"}).code, 0);
+  EXPECT_EQ(BaseUrlOf("a.pdf"), "http://2/");
+  EXPECT_EQ(RunProgram(add + QStringList{"baseUrlString=http://3/", "--category", "C", "--force"}).code, 0);
+  EXPECT_EQ(RunProgram({"lists"}).out, "My List\tC\tSet Base URL\n");
+  EXPECT_EQ(RunProgram({"lists", "remove", "My List"}).code, 0);
+  EXPECT_EQ(RunProgram({"lists"}).out, "");
+}
+
+TEST(Commands, PasswordsAreTriedInTurn) {
+  WriteFile("plain.pdf", MakePdf());
+  for (const char* password : {"one", "two"}) {
+    ASSERT_EQ(QProcess::execute("qpdf",
+                                {"--encrypt", password, "owner", "256", "--", "plain.pdf", QString(password) + ".pdf"}),
+              0);
+  }
+  const QStringList files{"plain.pdf", "one.pdf", "two.pdf"};
+  EXPECT_EQ(RunProgram(QStringList{"show", "--password", "one", "--password", "two"} + files).code, 0);
+  EXPECT_EQ(RunProgram(QStringList{"show", "--password-file", "-"} + files, "one\r\ntwo\n").code, 0);
+  EXPECT_EQ(RunProgram(QStringList{"show", "--password", "one"} + files).code, 1);
+}
+
+TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
+  QDir().mkdir("Tools");
+  QFile::copy(PROBEACTION_FILE, "Tools/ProbeAction.so");
+  EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 1);
+  qputenv("VORLANE_TOOLS_PATH", "/nowhere:" + QDir("Tools").absolutePath().toUtf8());
+  EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 2);
+  qputenv("VORLANE_TOOLS_PATH", "Tools");
+  EXPECT_EQ(RunProgram({"actions"}).code, 2);
+  qunsetenv("VORLANE_TOOLS_PATH");
+}
+
+TEST(Commands, EditLeadsSomewhere) {
+  WriteFile("a.pdf", MakePdf(kOld));
+  const QStringList edit{"edit",     "--tools-dir", QFileInfo(PROBEACTION_FILE).path(), "--action", "Probe", "--set",
+                         "accept=1", "--set",       "baseUrlString=http://it's/"};
+  EXPECT_THAT(RunProgram(edit + QStringList{"--print-command"}).out.toStdString(),
+              HasSubstr("vorlane-run run --action Probe --set accept=1 --set 'baseUrlString=http://it'\\''s/'"));
+  EXPECT_EQ(ReadFile("a.pdf"), MakePdf(kOld));
+  const ProgramResult applied = RunProgram(edit + QStringList{"--document", "a.pdf", "--apply"});
+  EXPECT_EQ(applied.code, 0) << applied.err.toStdString();
+  EXPECT_EQ(BaseUrlOf("a.pdf"), "http://it's/");
+}
+
+}  // namespace
