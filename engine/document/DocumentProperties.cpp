@@ -26,6 +26,8 @@ constexpr char kVersion[] = "/Version";
 constexpr std::size_t kHeaderSearch = 1024;  // where readers look for the header
 
 std::optional<ObjectId> ReferenceIn(std::string_view value) {
+  // A direct dictionary or string is the usual case, and an exception costs as much as reading the whole catalog.
+  if (!value.empty() && (value[0] == '<' || value[0] == '(')) return std::nullopt;
   try {
     return PdfLexer::ToReference(value);
   } catch (const PdfSyntaxError&) {
