@@ -63,6 +63,9 @@ std::vector<std::string> WordsMissing(const std::string& before, const std::stri
   const auto has = SortedWords(after);
   std::vector<std::string> missing;
   std::set_difference(had.begin(), had.end(), has.begin(), has.end(), std::back_inserter(missing));
+  // A word with U+FFFD was not read.
+  const auto unread = [](const std::string& word) { return word.find("\xEF\xBF\xBD") != std::string::npos; };
+  missing.erase(std::remove_if(missing.begin(), missing.end(), unread), missing.end());
   return missing;
 }
 

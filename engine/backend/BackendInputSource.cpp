@@ -17,8 +17,10 @@ namespace {
 constexpr std::size_t kBlock = 16 * 1024;
 // The parser reads objects in pieces of 128 bytes at most, streams' data in longer ones.
 constexpr std::size_t kLongestOfObject = 128;
-// A number or a container costs the parser about 500 bytes.
-constexpr std::uint64_t kMostTokens = 3'000'000;
+// A number or a container costs the parser about 200 bytes. Every file may have so many, and more by its size: of
+// ordinary objects' text a token takes seven bytes or more.
+constexpr std::uint64_t kFreeTokens = 3'000'000;
+constexpr std::uint64_t kBytesForToken = 8;
 
 bool IsEndOfLine(char character) {
   return character == '\r' || character == '\n';
@@ -81,7 +83,7 @@ void BackendInputSource::CountTokens(const char* bytes, std::size_t count) {
     if (opens || (regular && !inToken_)) ++tokens_;
     inToken_ = regular || *byte == '/';
   }
-  if (tokens_ > kMostTokens) throw TooManyTokens();
+  if (tokens_ > kFreeTokens + view_.End() / kBytesForToken) throw TooManyTokens();
 }
 
 std::size_t BackendInputSource::read(char* target, std::size_t length) {

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <map>
+#include <new>
 #include <qpdf/QPDFXRefEntry.hh>
 #include <set>
 #include <utility>
@@ -12,9 +14,12 @@
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
+#include "engine/backend/RawObjects.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
+#include "engine/repair/FileWindow.h"
+#include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfName.h"
 #include "engine/syntax/PdfSyntaxError.h"
@@ -26,6 +31,9 @@ namespace {
 
 using Kind = FileScan::Kind;
 using View = BackendInputSource::View;
+
+// Streams with wrong lengths are copied in memory.
+constexpr std::uint64_t kLargestRepairedStreams = 128 * 1024 * 1024;
 
 void AppendBigEndian(std::string& bytes, std::uint64_t value, int width) {
   for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) bytes += static_cast<char>((value >> shift) & 0xFF);
@@ -82,6 +90,11 @@ std::shared_ptr<QPDF> OpenRecovering(View& view, const std::string& password) {
 
 std::string Text(QPDFObjectHandle value) {
   return value.isIndirect() ? value.unparse() : ObjectWriter().Write(value);
+}
+
+void RemoveEndOfLine(std::string& text) {
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
 }
 
 // The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
@@ -193,10 +206,20 @@ void FileRepair::CheckOneDocument() {
   }
   if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
   if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+  if (HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
+}
+
+// Whether a header stands between objects.
+bool FileRepair::HoldsTwoDocuments() {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const std::vector<std::uint64_t>& headers = Scan().headers;
+  return std::any_of(headers.begin(), headers.end(), [&](std::uint64_t header) {
+    return !objects.empty() && objects.front().offset < header && objects.back().offset > header;
+  });
 }
 
 View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const {
-  View view{file_, "\n" + more, std::nullopt};
+  View view{file_, (tail.repaired.empty() ? "\n" : tail.repaired) + more, std::nullopt};
   std::string entries = " /Root " + tail.root.Reference();
   for (const FileTail::Entry& entry : tail.entries) entries += ' ' + entry.key + ' ' + entry.value;
   const std::uint64_t position = file_->Size() + view.appended.size() - tail.headerOffset;
@@ -254,6 +277,22 @@ FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept
   return result;
 }
 
+// Readers differ about what is left of a damaged object stream, and about a damaged object in it.
+void FileRepair::CheckMembers(QPDF& document, const Kept& kept) const {
+  Kept members;
+  std::copy_if(kept.begin(), kept.end(), std::back_inserter(members),
+               [](const FileTail::KeptObject& object) { return object.stream != 0; });
+  std::stable_sort(members.begin(), members.end(), [](const auto& a, const auto& b) { return a.stream < b.stream; });
+  RawObjects objects(document, *file_, QuickReader::HeaderOffset(*file_));
+  ObjectStreams streams(file_->Size());
+  std::uint32_t stream = 0;
+  for (const FileTail::KeptObject& member : members) {
+    if (member.stream != stream) streams.Members(ObjectOf(document, {member.stream, 0}));
+    stream = member.stream;
+    if (!streams.Decoded() || !objects.Text(member.id)) throw CannotRepair("an object stream is damaged");
+  }
+}
+
 // The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none:
 // other readers may find more behind it.
 std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
@@ -299,6 +338,116 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   tail.kind = streams ? FileTail::Kind::kStream : FileTail::Kind::kTable;
   tail.kept = std::move(kept);
   return tail;
+}
+
+// The stream as it has to stand in the file, when its /Length does not lead to its end: readers believe it once the
+// cross-references are sound. Its data stay as they are, encrypted or not. No value when nothing has to change.
+std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
+                                                  FileWindow& window) const {
+  const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
+  try {
+    PdfLexer lexer(head);
+    lexer.ReadObjectHeader();
+    std::optional<DictionaryText> dictionary = DictionaryText::Parse(std::string(lexer.Text(lexer.ReadValue())));
+    if (!dictionary) return std::nullopt;
+    QPDFObjectHandle parsed = ObjectOf(document, stream.id);
+    QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
+    if (length.isInteger() && length.getIntValue() >= 0) {
+      const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
+      if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
+    }
+    const std::uint64_t size = stream.dataEnd - stream.data;
+    if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
+    std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
+    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
+    if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
+    dictionary->Set("/Length", std::to_string(data.size()));
+    return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
+           dictionary->Text() + "\nstream\n" + data + "\nendstream\nendobj\n";
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+// The object whose number stands at the offset; null when the scan found none there.
+const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const auto found =
+      std::lower_bound(objects.begin(), objects.end(), offset,
+                       [](const FileScan::Object& object, std::uint64_t place) { return object.offset < place; });
+  return found != objects.end() && found->offset == offset ? &*found : nullptr;
+}
+
+// What readers make of such damage changes when the cross-references become sound.
+void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
+  const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
+  if (encrypted && !document.isEncrypted()) throw CannotRepair("the encryption dictionary is damaged");
+  for (const FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object != nullptr && object->damaged) {
+      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
+    }
+  }
+  for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
+    // The parser's key for a value that has none.
+    if (key.compare(0, 9, "/QPDFFake") == 0 && value.isIndirect()) throw CannotRepair("the catalog is damaged");
+  }
+  for (const QPDFExc& warning : document.getWarnings()) {
+    const std::string text = warning.getObject() + warning.getMessageDetail();
+    if (TellsOfLackOfMemory(text)) throw std::bad_alloc();
+    const bool identifier = text.find("/ID in trailer") != std::string::npos && !TrailerEntry("/ID").empty();
+    if (identifier || text.find("encryption") != std::string::npos) {
+      throw CannotRepair("the encryption dictionary is damaged");
+    }
+  }
+  QPDFObjectHandle pages = document.getRoot().getKey("/Pages");
+  QPDFObjectHandle count = pages.isDictionary() ? pages.getKey("/Count") : pages;
+  if (count.isInteger() && count.getIntValue() > static_cast<long long>(tail.kept->size())) {
+    throw CannotRepair("the page tree counts more pages than there are objects");
+  }
+}
+
+// What the parser reaches with cross-references that it rebuilds itself has to be there.
+void FileRepair::CompareWithParser(View view, const std::string& password) const {
+  bool all = true;
+  try {
+    std::set<QPDFObjGen> reached;
+    VisitReachable(*OpenRecovering(view, password),
+                   [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
+    view = {file_, "", std::nullopt};
+    const std::shared_ptr<QPDF> rebuilt = OpenParser(view, password, Recovery::kOn);
+    if (rebuilt == nullptr || !LeadsToPage(rebuilt->getRoot())) return;
+    ObjectStreams(file_->Size()).Check(*rebuilt);
+    const QPDFObjGen root = rebuilt->getRoot().getObjGen();
+    VisitReachable(*rebuilt, [&](QPDFObjectHandle object) {
+      const QPDFObjGen id = object.getObjGen();
+      all = all && (id == root || reached.count(id) != 0);
+    });
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const TooManyTokens&) {
+    return;  // what cannot be read at all cannot be compared
+  } catch (const std::exception&) {
+    return;
+  }
+  if (!all) throw CannotRepair("another way to repair the file finds other objects");
+}
+
+// Puts the streams with a wrong /Length after the file with the right one.
+void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
+  FileWindow window(*file_);
+  for (FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object == nullptr || object->data == 0) continue;
+    const std::optional<std::string> stream = WithLength(document, *object, window);
+    if (!stream) continue;
+    if (tail.repaired.empty()) tail.repaired = "\n";
+    kept.offset = file_->Size() + tail.repaired.size() - tail.headerOffset;
+    tail.repaired += *stream;
+    if (tail.repaired.size() > kLargestRepairedStreams) {
+      throw CannotRepair("the streams with wrong lengths are too large to be copied");
+    }
+  }
 }
 
 // Opens the file with these objects and a catalog that is not in the file: the parser insists on one.
@@ -371,6 +520,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
     kept = WithoutUnreadableMembers(*document, kept, plain);
     document.reset();
     document = OpenWithStandIn(kept, password);
+    if (document != nullptr) CheckMembers(*document, kept);
   }
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
@@ -382,6 +532,13 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
   if (!pages && !earlier && !noPages) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
+  result.view = ViewOf(*result.tail.kept, result.tail, "");
+  result.document = OpenRecovering(result.view, password);
+  if (result.document == nullptr) return result;
+  CheckObjects(*result.document, result.tail);
+  CompareWithParser(result.view, password);
+  RepairStreams(*result.document, result.tail);
+  if (result.tail.repaired.empty()) return result;
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   return result;

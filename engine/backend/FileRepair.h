@@ -16,6 +16,8 @@
 
 namespace engine {
 
+class FileWindow;
+
 // The damage is of a kind that nobody can repair without loss (kErrorDamaged).
 class CannotRepair : public EngineError {
  public:
@@ -56,14 +58,21 @@ class FileRepair {
   const std::vector<FileScan::Object>& Newest();
   std::string TrailerEntry(const std::string& key);
   void CheckOneDocument();
+  bool HoldsTwoDocuments();
   std::optional<FileTail> FindEarlierEnd(const std::string& password);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
+  void CheckMembers(QPDF& document, const Kept& kept) const;
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
   FileTail MakeTail(ObjectId root, Kept kept);
+  const FileScan::Object* ScannedAt(std::uint64_t offset);
+  void CheckObjects(QPDF& document, const FileTail& tail);
+  void CompareWithParser(BackendInputSource::View view, const std::string& password) const;
+  void RepairStreams(QPDF& document, FileTail& tail);
+  std::optional<std::string> WithLength(QPDF& document, const FileScan::Object& stream, FileWindow& window) const;
 
   std::shared_ptr<const InputFile> file_;
   Kept preferred_;

@@ -17,11 +17,11 @@ namespace engine {
 
 namespace {
 
-// What the parser takes at most: for a number, an array or a dictionary entry, and for each byte of a long string.
-constexpr std::uint64_t kTokenCost = 360;
+// What the parser takes: for a number, an array or a dictionary entry, and for each byte of a long string.
+constexpr std::uint64_t kTokenCost = 250;
 constexpr std::uint64_t kByteCost = 5;
 // What every file may ask for, and more for each of its bytes.
-constexpr std::uint64_t kFreeCost = std::uint64_t{256} << 20;
+constexpr std::uint64_t kFreeCost = std::uint64_t{512} << 20;
 constexpr std::uint64_t kCostPerFileByte = 512;
 // In large files shorter streams are not looked into: they cannot hold much, and there may be many.
 constexpr std::uint64_t kLargeFile = 16 << 20;
@@ -141,7 +141,7 @@ std::vector<std::uint32_t> ObjectStreams::Members(QPDFObjectHandle stream) {
   const std::uint64_t first = std::min(UnsignedEntry(dictionary, "/First"), kLongestDirectory);
   CostPipeline cost(cost_, limit_, static_cast<std::size_t>(first));
   try {
-    stream.pipeStreamData(&cost, 0, qpdf_dl_specialized, true);
+    decoded_ = stream.pipeStreamData(&cost, nullptr, 0, qpdf_dl_specialized, true) && decoded_;
   } catch (const LimitReached&) {
     Refuse();
   }

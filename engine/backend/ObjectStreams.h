@@ -17,6 +17,8 @@ class ObjectStreams {
   // The numbers of the objects in a stream, in their order; 0 for those whose place is not in its data. Empty when that
   // object is no such stream. Throws EngineError kErrorDamaged when it inflates to far more than the file can hold.
   std::vector<std::uint32_t> Members(QPDFObjectHandle stream);
+  // Whether every stream that Members() was asked for so far could be decoded to its end.
+  bool Decoded() const { return decoded_; }
 
   // Members() of every stream that the document's cross-references name, except short ones of large files, which cannot
   // hold much.
@@ -27,6 +29,7 @@ class ObjectStreams {
   const std::uint64_t fileSize_;
   const std::uint64_t limit_;
   std::uint64_t cost_ = 0;
+  bool decoded_ = true;
 };
 
 }  // namespace engine

@@ -243,7 +243,6 @@ void QpdfDocument::Repair(FileRepair& repair, const std::string& password) {
     FileRepair::Result result = repair.Open(encoded);
     view_ = std::move(result.view);
     tail_ = std::move(result.tail);
-    tailKnown_ = true;
     return result.document;
   });
   repaired_ = true;
@@ -364,7 +363,10 @@ std::optional<FileTail> QpdfDocument::Tail() {
 }
 
 const std::optional<FileTail>& QpdfDocument::KnownTail() {
-  if (!tailKnown_) tail_ = recovery_ == Recovery::kOff ? FindTail() : std::nullopt;
+  if (tailKnown_) return tail_;
+  if (!tail_ && recovery_ == Recovery::kOff) tail_ = FindTail();
+  // An update of such a file has an object stream, which would have to be encrypted.
+  if (tail_ && tail_->headerOffset > 0 && tail_->Encrypted() && !tail_->OnlyTables()) tail_.reset();
   tailKnown_ = true;
   return tail_;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -44,6 +45,8 @@ struct FileTail {
   // For a file whose own sections do not serve: all its objects, each number once. The update then has one complete
   // section without /Prev, and startXref and kind are of no use.
   std::optional<std::vector<KeptObject>> kept;
+  // Written after the file, before everything else: objects that are in `kept` with their places there.
+  std::string repaired;
 
   // The value of an entry as in the file; empty when there is none.
   std::string Value(const std::string& key) const {
@@ -65,6 +68,11 @@ struct FileTail {
       }
     }
     entries.push_back({key, value});
+  }
+  // Whether no object can be in an object stream.
+  bool OnlyTables() const {
+    if (!kept) return kind == Kind::kTable;
+    return std::none_of(kept->begin(), kept->end(), [](const KeptObject& object) { return object.stream != 0; });
   }
   bool Encrypted() const { return !Value("/Encrypt").empty(); }
 };

@@ -115,6 +115,7 @@ class Scanner {
       : window_(file),
         objects_(file, "obj"),
         trailers_(file, "trailer"),
+        headers_(file, "%PDF-"),
         streams_(file, "stream"),
         streamEnds_(file, "endstream"),
         objectEnds_(file, "endobj"),
@@ -127,7 +128,9 @@ class Scanner {
     while (position < window_.Size()) {
       const std::uint64_t object = objects_.From(position);
       const std::uint64_t trailer = trailers_.From(position);
-      if (object == window_.Size() && trailer == window_.Size()) return;
+      const std::uint64_t next = std::min(object, trailer);
+      NoteHeader(position, next);
+      if (next == window_.Size()) return;
       position = trailer < object ? ReadTrailer(trailer + 7) : ReadObject(object);
     }
   }
@@ -163,6 +166,12 @@ class Scanner {
     }
   }
 
+  // The first header between two objects.
+  void NoteHeader(std::uint64_t begin, std::uint64_t end) {
+    const std::uint64_t header = headers_.From(begin);
+    if (header < end && result.headers.size() < kMostTrailers) result.headers.push_back(header);
+  }
+
   std::uint64_t ReadTrailer(std::uint64_t offset) {
     Extent extent;
     const std::string_view text = ReadValue(offset, extent);
@@ -187,6 +196,7 @@ class Scanner {
     Extent extent;
     std::string text(ReadValue(body, extent));
     std::uint64_t end = extent.end;
+    object->damaged = !extent.whole;
     std::optional<std::uint64_t> data;
     if (extent.whole) {
       if (StartsWith(text, "<<")) data = StreamDataAfter(end);
@@ -206,7 +216,9 @@ class Scanner {
     if (IsEncryption(text)) result.encryption = object->id;
     if (data) {
       end = StreamEnd(*data, text);
-      object->cutOff = end == window_.Size() && !EndsHere(end);
+      object->cutOff = end == window_.Size();
+      object->data = *data;
+      object->dataEnd = end;
     }
     result.objects.push_back(*object);
     return std::max(end, body);
@@ -253,16 +265,11 @@ class Scanner {
     return offset + end;
   }
 
-  // Whether a stream's data can end at the offset.
-  bool EndsHere(std::uint64_t offset) {
-    const std::string_view text = window_.At(offset, 64);
-    const std::string_view rest = text.substr(SpacesAt(text, 0));
-    return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
-  }
-
   std::uint64_t StreamEnd(std::uint64_t data, const std::string& dictionary) {
     const std::string length = LenientEntry(dictionary, "/Length");
-    const auto fits = [&](std::uint64_t bytes) { return bytes <= window_.Size() - data && EndsHere(data + bytes); };
+    const auto fits = [&](std::uint64_t bytes) {
+      return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes);
+    };
     if (const auto count = ToNumber(length)) {
       if (fits(*count)) return data + *count;
     } else if (const auto reference = ToReference(length)) {
@@ -280,6 +287,7 @@ class Scanner {
   FileWindow window_;
   WordSearch objects_;
   WordSearch trailers_;
+  WordSearch headers_;
   WordSearch streams_;
   WordSearch streamEnds_;
   WordSearch objectEnds_;
@@ -336,10 +344,17 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key) 
   return {};
 }
 
+bool StreamCanEndAt(FileWindow& window, std::uint64_t offset) {
+  const std::string_view text = window.At(offset, 64);
+  const std::string_view rest = text.substr(SpacesAt(text, 0));
+  return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
+}
+
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {
   std::vector<FileScan::Object> sorted = objects;
   std::stable_sort(sorted.begin(), sorted.end(), [](const FileScan::Object& a, const FileScan::Object& b) {
-    return a.id.number != b.id.number ? a.id.number < b.id.number : a.cutOff && !b.cutOff;
+    if (a.id.number != b.id.number) return a.id.number < b.id.number;
+    return a.cutOff != b.cutOff ? a.cutOff : a.id.generation < b.id.generation;
   });
   std::vector<FileScan::Object> newest;
   for (const FileScan::Object& object : sorted) {

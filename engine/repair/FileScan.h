@@ -9,6 +9,7 @@
 
 namespace engine {
 
+class FileWindow;
 class InputFile;
 
 // What stands in a file, found without its cross-references.
@@ -18,7 +19,11 @@ struct FileScan {
     ObjectId id;
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
-    bool cutOff = false;  // the file ends inside it
+    bool cutOff = false;   // the file ends inside it
+    bool damaged = false;  // its text, or its stream's dictionary, is no PDF syntax
+    // Of streams: where the data begin, and where they end by what stands there.
+    std::uint64_t data = 0;
+    std::uint64_t dataEnd = 0;
   };
 
   // In the order of the file; a number may occur several times.
@@ -29,6 +34,8 @@ struct FileScan {
   std::vector<std::uint64_t> ends;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
+  // Where headers "%PDF-" stand outside of objects, in the order of the file.
+  std::vector<std::uint64_t> headers;
 
   // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
   // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
@@ -39,7 +46,11 @@ struct FileScan {
 // damaged it is the first value after the key, at any depth.
 std::string LenientEntry(const std::string& dictionary, const std::string& key);
 
-// The newest object of each number, in the order of their numbers: the last one of the file that is not cut off.
+// Whether a stream's data can end at the offset: "endstream" follows, or at least "endobj".
+bool StreamCanEndAt(FileWindow& window, std::uint64_t offset);
+
+// The newest object of each number, in the order of their numbers: of those that are not cut off the one of the
+// highest generation that is last in the file.
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects);
 
 }  // namespace engine

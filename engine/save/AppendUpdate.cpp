@@ -54,16 +54,27 @@ class Update {
  public:
   Update(const InputFile& source, const FileTail& tail) : tail_(tail), base_(source.Size() - tail.headerOffset) {
     const std::string last = source.Size() > 0 ? source.ReadAt(source.Size() - 1, 1) : std::string();
-    if (last != "\n" && last != "\r") text_ += '\n';
+    if (!tail.repaired.empty()) {
+      text_ = tail.repaired;
+    } else if (last != "\n" && last != "\r") {
+      text_ = '\n';
+    }
   }
 
   void AddObjects(const std::vector<ChangedObject>& changes) {
+    std::vector<const ChangedObject*> members;
     for (const ChangedObject& change : changes) {
+      if (UsesObjectStream() && change.id.generation == 0) {
+        members.push_back(&change);
+        continue;
+      }
       entries_.push_back({change.id.number, XrefEntry::kOffset, Position(), change.id.generation});
       text_ += Header(change.id) + change.body + "\nendobj\n";
     }
+    if (!members.empty()) AddObjectStream(members);
     if (tail_.kept) AddKept(*tail_.kept);
     Sort();
+    if (tail_.kept) AddFree();
     size_ = entries_.empty() ? tail_.size : std::max(tail_.size, entries_.back().number + 1);
     identifier_ = UpdatedIdentifier(tail_.Value("/ID"), changes);
   }
@@ -83,6 +94,28 @@ class Update {
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
 
+  // Some readers rebuild the cross-references of every file with bytes before its header, and then take an object of an
+  // object stream for newer than any other. A changed object has to be in an object stream to take its place.
+  bool UsesObjectStream() const { return tail_.headerOffset > 0 && !tail_.OnlyTables(); }
+
+  // ISO 32000-1, 7.5.7.
+  void AddObjectStream(const std::vector<const ChangedObject*>& members) {
+    std::uint32_t number = tail_.size;
+    for (const ChangedObject* member : members) number = std::max(number, member->id.number + 1);
+    std::string directory;
+    std::string data;
+    std::uint32_t index = 0;
+    for (const ChangedObject* member : members) {
+      directory += std::to_string(member->id.number) + ' ' + std::to_string(data.size()) + ' ';
+      data += member->body + '\n';
+      entries_.push_back({member->id.number, XrefEntry::kInStream, number, index++});
+    }
+    entries_.push_back({number, XrefEntry::kOffset, Position(), 0});
+    text_ += Header({number, 0}) + "<< /Type /ObjStm /N " + std::to_string(members.size()) + " /First " +
+             std::to_string(directory.size()) + " /Length " + std::to_string(directory.size() + data.size()) +
+             " >>\nstream\n" + directory + data + "\nendstream\nendobj\n";
+  }
+
   // The objects of a complete section that were not changed, and the free entry that such a section begins with.
   void AddKept(const std::vector<FileTail::KeptObject>& kept) {
     std::unordered_set<std::uint32_t> changed;
@@ -98,8 +131,21 @@ class Update {
     }
   }
 
+  // Entries for the numbers that no object has: without one, some readers take a reference to it for damage and rebuild
+  // the section. Not where numbers are far apart.
+  void AddFree() {
+    const std::size_t known = entries_.size();
+    if (entries_.back().number > 16 * known + 1024) return;
+    for (std::size_t i = 1; i < known; ++i) {
+      for (std::uint32_t number = entries_[i - 1].number + 1; number < entries_[i].number; ++number) {
+        entries_.push_back({number, XrefEntry::kFree, 0, 65535});
+      }
+    }
+    Sort();
+  }
+
   bool NeedsStream() const {
-    if (!tail_.kept) return tail_.kind == FileTail::Kind::kStream;
+    if (!tail_.kept && tail_.kind == FileTail::Kind::kStream) return true;
     return std::any_of(entries_.begin(), entries_.end(),
                        [](const XrefEntry& entry) { return entry.type == XrefEntry::kInStream; });
   }

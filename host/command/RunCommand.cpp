@@ -319,9 +319,10 @@ ResumedReport RunCommand::ReadEarlierReport(bool isSameFile) const {
   if (earlier.empty() || (isSameFile && !IdentityOf(earlier))) return ResumedReport();
   ResumedReport resumed(earlier);
   if (resumed.TornLines() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("The report '%1' has %2 lines that were cut off by a crash; they are passed over.")
-                       .arg(Value("resume"))
-                       .arg(resumed.TornLines()));
+    Console::Error(
+        QStringLiteral("Lines of the report '%1' that were cut off by a crash: %2. Their files are processed again.")
+            .arg(Value("resume"))
+            .arg(resumed.TornLines()));
   }
   return resumed;
 }
@@ -382,10 +383,9 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
   if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
-    Console::Error(
-        QStringLiteral("The folders hold %1 temporary files (.vorlane-*.tmp) of runs that were killed or are "
-                       "at work; 'vorlane-run clean' removes the old ones.")
-            .arg(inputs.Leftovers()));
+    Console::Error(QStringLiteral("Temporary files (.vorlane-*.tmp) of killed or running runs in the folders: %1. "
+                                  "'vorlane-run clean' removes those that are older than a day.")
+                       .arg(inputs.Leftovers()));
   }
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;

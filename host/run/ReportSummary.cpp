@@ -123,7 +123,7 @@ std::string ReportSummary::ToText() const {
   append(wouldChange_, " would change");
   append(wouldStay_, " would stay as they are");
   append(missing_.size(), " in no report");
-  append(tornLines_, " lines cut off by a crash");
+  append(tornLines_, " cut off by a crash");
   text += '\n';
   AppendGroups(text, "failed", failed_);
   AppendGroups(text, "warnings", warnings_);

@@ -11,6 +11,7 @@ none).
 import hashlib
 import os
 import random
+import re
 import struct
 import sys
 
@@ -113,6 +114,9 @@ def incremental():
     yield "length-too-long", broken(File().put(objects()).put(contents(length=b"99")).table())
     yield "length-too-short", broken(File().put(objects()).put(contents(length=b"9")).table())
     yield "length-to-nothing", broken(File().put(objects()).put(contents(length=b"99 0 R")).table())
+    yield "length-of-object-stream-too-short", re.sub(
+        rb"(/ObjStm.*?/Length )\d+", rb"\g<1>9", broken(in_streams().xref_stream()), count=1)
+    yield "length-to-the-end-of-the-file", plain().out[:plain().out.index(b"endstream")]
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
@@ -125,6 +129,8 @@ def incremental():
     yield "object-stream-after-its-plain-object", broken(
         File().put({3: objects(page=b"/Contents 99 0 R ")[3]}).put(contents()).put_in_stream(8, objects()).xref_stream())
     yield "header-after-5-bytes", broken(File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())
+    yield "header-after-5-bytes-object-streams", broken(File(lead=b"junk\n", base=5).put(contents()).put_in_stream(
+        8, objects(b"/URI << /Base (old) >> ")).xref_stream())
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
     yield "number-signs-in-names", broken(plain(font=b"C#2341").table())
     yield "size-too-small", plain().table(size=4).out
