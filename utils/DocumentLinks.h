@@ -10,15 +10,16 @@ class HalvexPDFLibraryCPDylibCPP1311;
 
 /// A URI action (ISO 32000-2, 12.6.4.8) of a document and where it is.
 struct DocumentLink {
+  /// What the action belongs to.
   enum class Kind {
     kAnnotation,  ///< of an annotation that is no form field
     kOutline,     ///< of an outline item
     kField        ///< of a form field, or of its widget on a page
   };
-  Kind kind = Kind::kAnnotation;
-  int page = 0;    ///< from 1; 0 for outline items and for fields that are on no page
+  Kind kind = Kind::kAnnotation;  ///< what the action belongs to
+  int page = 0;                   ///< from 1; 0 for outline items and for fields that are on no page
   int action = 0;  ///< for GetActionURL() and SetActionURL(); valid until the document is removed or saved onto itself
-  QString uri;     ///< as it stands in the file
+  QString uri;     ///< as in the file
 };
 
 /// Visits every link of the library's selected document: page by page in the order of the annotations, then the outline
