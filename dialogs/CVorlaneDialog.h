@@ -97,7 +97,11 @@ class CVorlaneDialog : public QDialog {
 
  private:
   QWidget* VDcontentWidget = nullptr;
-  QWidget* previewParent = nullptr;  // the ancestor that is the preview window, or null
+
+ protected:
+  QWidget* previewParent = nullptr;  ///< the ancestor that is the preview window, or null
+
+ private:
   int fixedHeight = 0;
   int frameExtraHeight = 0;  // what the shell adds to the form's height and width
   int frameExtraWidth = 0;

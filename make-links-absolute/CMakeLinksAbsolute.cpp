@@ -17,10 +17,10 @@ namespace {
 void Warn(HalvexPDFLibraryCPDylibCPP1311& document, int left, bool unread) {
   QStringList warnings;
   if (left > 0) {
-    warnings += left == 1 ? QStringLiteral("1 relative link has no base URL and stays relative")
-                          : QStringLiteral("%1 relative links have no base URL and stay relative").arg(left);
+    warnings += left == 1 ? QString("1 relative link has no base URL and stays relative")
+                          : QString("%1 relative links have no base URL and stay relative").arg(left);
   }
-  if (unread) warnings += QStringLiteral("some links could not be read");
+  if (unread) warnings += QString("some links could not be read");
   if (warnings.isEmpty()) return;
   const QString earlier = QString::fromStdWString(document.GetInformation(kInformationWarnings));
   if (!earlier.isEmpty()) warnings.prepend(earlier);
@@ -31,13 +31,18 @@ void Warn(HalvexPDFLibraryCPDylibCPP1311& document, int left, bool unread) {
 
 int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
   HalvexPDFLibraryCPDylibCPP1311& document = *info->document;
-  QString base = info->settings->value(QStringLiteral("base")).toString().trimmed();
+  QString base = info->settings->value(QString("base")).toString().trimmed();
   if (base.isEmpty()) base = QString::fromStdWString(document.GetBaseURL());
 
   int left = 0;
+  bool anchors = false;  // links within the document; they stay, and need the base URL that they have
   std::optional<DocumentLink> failed;
   const int error = VisitDocumentLinks(document, [&](const DocumentLink& link) {
-    if (failed || !IsRelativeLink(link.uri)) return;
+    if (failed || link.uri.isEmpty() || !IsRelativeLink(link.uri)) return;
+    if (link.uri.startsWith('#')) {
+      anchors = true;
+      return;
+    }
     const std::optional<QString> target = ResolvedLink(base, link.uri);
     if (!target) {
       ++left;
@@ -50,7 +55,8 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
     SetDocumentLink(document, *failed, ResolvedLink(base, failed->uri).value_or(QString()));
     return 0;
   }
-  if (left == 0 && info->settings->value(QStringLiteral("removeBase")).toBool()) document.SetBaseURL(std::wstring());
+  const bool done = left == 0 && error == 0 && !anchors;
+  if (done && info->settings->value(QString("removeBase")).toBool()) document.SetBaseURL(std::wstring());
   Warn(document, left, error != 0);
   return 0;
 }

@@ -22,13 +22,13 @@ class CMakeLinksAbsolute : public QObject, public CActionInterface {
   int PreSequenceProc(WorkProcInfoStruct*) override { return 1; }
   int PostSequenceProc(WorkProcInfoStruct*) override { return 1; }
 
-  QString GetActionName() override { return QStringLiteral("Make Links Absolute"); }
-  QString GetDisplayName() override { return QStringLiteral("Make Links Absolute"); }
-  QString GetActionHelp() override { return QStringLiteral("Action_MakeLinksAbsolute.html"); }
-  QString GetGroupName() override { return QStringLiteral("Document Properties"); }
+  QString GetActionName() override { return QString("Make Links Absolute"); }
+  QString GetDisplayName() override { return QString("Make Links Absolute"); }
+  QString GetActionHelp() override { return QString("Action_MakeLinksAbsolute.html"); }
+  QString GetGroupName() override { return QString("Document Properties"); }
   int GetActionFlags() override { return 15; }
   QString GetDefaultIcon() override {
-    return QStringLiteral(
+    return QString(
         "Action_MakeLinksAbsolute.png#Action_MakeLinksAbsolute_Selected.png#Action_MakeLinksAbsolute_Disabled.png");
   }
 };

@@ -13,14 +13,14 @@ CMakeLinksAbsoluteDialog::~CMakeLinksAbsoluteDialog() {
 }
 
 void CMakeLinksAbsoluteDialog::SetPrefs(QMap<QString, QVariant>* settings) {
-  ui.baseEdit->setText(settings->value(QStringLiteral("base")).toString());
-  ui.removeBox->setChecked(settings->value(QStringLiteral("removeBase")).toBool());
+  ui.baseEdit->setText(settings->value(QString("base")).toString());
+  ui.removeBox->setChecked(settings->value(QString("removeBase")).toBool());
 }
 
 bool CMakeLinksAbsoluteDialog::GetPrefs(QMap<QString, QVariant>* settings) {
-  settings->insert(QStringLiteral("base"), ui.baseEdit->text());
-  settings->insert(QStringLiteral("removeBase"), ui.removeBox->isChecked());
-  settings->insert(QStringLiteral("ActionName"), QStringLiteral("Make Links Absolute"));
+  settings->insert(QString("base"), ui.baseEdit->text());
+  settings->insert(QString("removeBase"), ui.removeBox->isChecked());
+  settings->insert(QString("ActionName"), QString("Make Links Absolute"));
   return true;
 }
 

@@ -25,6 +25,7 @@ QByteArray Encoded(const QString& text) {
   QByteArray result;
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
+    if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
     const bool escape = c == '%' && i + 2 < bytes.size() && IsHexDigit(bytes[i + 1]) && IsHexDigit(bytes[i + 2]);
     if (escape || IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr)) {
       result += c;
@@ -119,7 +120,8 @@ std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
   Reference target(Encoded(uri));
   if (target.scheme.isEmpty()) {
     const Reference from(Encoded(base));
-    if (from.scheme.isEmpty()) return std::nullopt;
+    // Against "mailto:" and the like nothing can be resolved.
+    if (from.scheme.isEmpty() || (from.authority.isEmpty() && !from.path.startsWith('/'))) return std::nullopt;
     target.scheme = from.scheme;
     if (target.authority.isEmpty()) {
       target.authority = from.authority;

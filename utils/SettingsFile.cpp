@@ -32,8 +32,11 @@ void MakeNewerThan(const QString& path, const QDateTime& old) {
 SettingsFile::SettingsFile(const QString& path) {
   // QSettings follows one link when it writes.
   const QString target = QFileInfo(path).exists() ? QFileInfo(path).canonicalFilePath() : QDir().absoluteFilePath(path);
-  const QString link = mFolder.filePath(QString("settings"));
-  mIsPrivate = mFolder.isValid() && QFile::link(target, link);
+  mFolder.emplace();
+  // Without a usable temporary folder the link is made beside the file.
+  if (!mFolder->isValid()) mFolder.emplace(QFileInfo(target).path() + QLatin1String("/.vorlane-XXXXXX"));
+  const QString link = mFolder->filePath(QString("settings"));
+  mIsPrivate = mFolder->isValid() && QFile::link(target, link);
   mSettings.emplace(mIsPrivate ? link : path, QSettings::IniFormat);
 }
 

@@ -32,7 +32,7 @@ class SettingsFile {
   static bool Replace(const QString& path, const std::function<void(QSettings&)>& fill);
 
  private:
-  QTemporaryDir mFolder;
+  std::optional<QTemporaryDir> mFolder;
   bool mIsPrivate = false;  // false when the link cannot be made
   std::optional<QSettings> mSettings;
 };

@@ -74,8 +74,8 @@ int DocumentLinks::AnnotationCount(int page) {
 
 const LocatedValue& DocumentLinks::Annotation(int page, int index) {
   OpenPage(page);
-  if (index == annotationIndex_) return annotation_;
   RequireIndex(index, elements_.size());
+  if (index == annotationIndex_) return annotation_;
   const auto element = static_cast<std::size_t>(index) - 1;
   annotationIndex_ = 0;
   annotation_ = Resolve(*this, annotations_, elements_[element], ElementStep(element));

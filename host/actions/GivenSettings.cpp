@@ -60,6 +60,16 @@ void CheckClearing(const Setting& setting) {
   if (setting.empty.isEmpty()) Refuse(QStringLiteral("The setting '%1' cannot be empty.").arg(setting.key));
 }
 
+// A sentence for each key of stored settings that the description does not know, apart from those that dialogs add.
+QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
+  QStringList unknown;
+  for (const QString& key : settings.keys()) {
+    if (StoredSettings::KeysOfDialogs().contains(key) || description.Find(key) != nullptr) continue;
+    unknown += UnknownKey(description, key);
+  }
+  return unknown;
+}
+
 }  // namespace
 
 QVariant CheckedValue(const Setting& setting, const QString& value, bool uncheckedUrls, QStringList& warnings) {
@@ -107,7 +117,7 @@ void TakeStored(const SettingsDescription& description, const GivenSettings& giv
     if (given.Has(each.key())) continue;
     const Setting* const setting = description.Find(each.key());
     if (setting == nullptr) {
-      checked.warnings += UnknownKey(description, each.key());
+      if (!StoredSettings::KeysOfDialogs().contains(each.key())) Refuse(UnknownKey(description, each.key()));
       checked.values.insert(each.key(), each.value());
     } else if (!each.value().isNull() && !each.value().canConvert<QString>()) {
       Refuse(QStringLiteral("The setting '%1' takes one value, not several.").arg(setting->key));
@@ -206,11 +216,7 @@ QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& 
 }
 
 QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
-  QStringList warnings;
-  for (const QString& key : settings.keys()) {
-    if (StoredSettings::KeysOfDialogs().contains(key) || description.Find(key) != nullptr) continue;
-    warnings += UnknownKey(description, key);
-  }
+  QStringList warnings = UnknownKeys(description, settings);
   for (const Setting& setting : description.Settings()) {
     if (!setting.required || settings.contains(setting.key)) continue;
     warnings += QStringLiteral("the action '%1' lacks the setting '%2', which %3")
@@ -218,4 +224,14 @@ QStringList ListWarnings(const SettingsDescription& description, const QMap<QStr
                          setting.empty.isEmpty() ? QStringLiteral("it needs") : setting.empty);
   }
   return warnings;
+}
+
+void CheckRequired(const SettingsDescription& description, const QMap<QString, QVariant>& settings,
+                   const QString& list) {
+  const QStringList unknown = UnknownKeys(description, settings);
+  for (const Setting& setting : description.Settings()) {
+    if (!setting.required || settings.contains(setting.key) || unknown.isEmpty()) continue;
+    Refuse(QStringLiteral("The action list '%1': the action '%2' lacks the setting '%3'. %4")
+               .arg(list, description.ActionName(), setting.key, unknown.join(QStringLiteral(" "))));
+  }
 }

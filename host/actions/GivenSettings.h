@@ -47,3 +47,8 @@ QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& 
 
 // What the description has against the settings of an action list, which are run all the same.
 QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
+
+// Throws CommandError(kExitUsage) when stored settings of a list lack a required key: an action would take it for an
+// empty value.
+void CheckRequired(const SettingsDescription& description, const QMap<QString, QVariant>& settings,
+                   const QString& list);

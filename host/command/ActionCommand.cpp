@@ -100,7 +100,16 @@ bool ActionCommand::TakesValue() const {
 void ActionCommand::CheckArguments() const {
   const Setting* const first = description_->First();
   const QStringList arguments = parser_.positionalArguments();
-  if (first == nullptr) return;
+  if (first == nullptr) {
+    for (const QString& file : arguments) {
+      if (!LooksLikeUrl(file) || IsFile(file)) continue;
+      throw CommandError(kExitUsage,
+                         QStringLiteral("'%1' is a URL where a file is expected; settings are given by --set "
+                                        "KEY=VALUE.")
+                             .arg(file));
+    }
+    return;
+  }
   const QString what = InSentence(first->title);
   if (TakesValue()) {
     if (arguments.isEmpty()) {

@@ -31,6 +31,7 @@ LinksCommand::LinksCommand()
   AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON object for each link, one a line."));
   AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each link."));
   AddInputOptions();
+  AddFileArgument();
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();

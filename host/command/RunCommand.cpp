@@ -6,6 +6,8 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <QFile>
+#include <QFileInfo>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
@@ -87,6 +89,16 @@ void CheckOutputFolder(const std::string& folder) {
   if (std::filesystem::is_directory(existing, ignored)) return;
   throw CommandError(kExitUsage, QStringLiteral("Cannot make the output folder '%1': '%2' is a file")
                                      .arg(NativeName::ToText(folder), NativeName::ToText(existing.string())));
+}
+
+// Refuses to replace a file by a report, unless it is empty or looks like an earlier report.
+void RefuseForeignReport(const QString& name) {
+  QFile file(name);
+  if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return;
+  constexpr int kStart = 64;
+  const QByteArray start = file.read(kStart).trimmed();
+  if (start.isEmpty() || start.startsWith('{') || start.startsWith('[')) return;
+  throw CommandError(kExitUsage, QStringLiteral("'%1' is there and is not a report; it is not replaced.").arg(name));
 }
 
 }  // namespace
@@ -208,6 +220,7 @@ std::vector<ConfiguredAction> RunCommand::LoadList(ActionCatalog& catalog, QStri
     actions.push_back({&catalog.Get(entry.actionName), entry.actionName, entry.settings, {}});
     const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.actionName);
     if (!description) continue;
+    CheckRequired(*description, entry.settings, file);
     for (const QString& warning : ListWarnings(*description, entry.settings)) {
       warnings += QStringLiteral("Warning: the action list '%1': %2").arg(file, warning);
     }
@@ -269,7 +282,7 @@ void RunCommand::CheckReport(const InputList& inputs, const ProtectedFiles& othe
   if (report.empty() || report == "-") return;
   const std::optional<FileIdentity> identity = IdentityOf(report);
   const std::string what = identity && inputs.Holds(*identity) ? "an input" : others.What(report);
-  if (what.empty()) return;
+  if (what.empty()) return RefuseForeignReport(Value("report"));
   throw CommandError(
       kExitUsage,
       QStringLiteral("The report '%1' would overwrite %2.").arg(Value("report"), QString::fromStdString(what)));

@@ -44,6 +44,8 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"set-base-url http://x/a~b/ a.pdf --in-place", "write a space as %20"},
       {"set-base-url http://x/ a.pdf b.pdf -o out.pdf", "for one file, but 2"},
       {"set-base-url http://x/ a.pdf -o out.pdf --in-place", "exclude each other"},
+      {"set-base-url http://x/ a.pdf --in-place --report b.pdf", "is not a report"},
+      {"make-links-absolute http://x/ a.pdf --in-place", "a URL where a file is expected"},
       {"set-base-url http://x/ -dash.pdf --in-place", "needs \"./\" before it"},
       {"set-base-url http://x/ --in-plaec a.pdf", "Did you mean '--in-place'?"},
       {"set-base-url http://x/ a.pdf --in-place --root d", "'--set-each' only"},
@@ -75,7 +77,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
 }
 
 TEST(Commands, AnActionIsACommand) {
-  WriteFile("tool.json", R"({"ActionName": "Set Base URL", "baseUrlString": "http://json/", "other": 1})");
+  WriteFile("tool.json", R"({"ActionName": "Set Base URL", "baseUrlString": "http://json/"})");
   QSettings("tool.tsf", QSettings::IniFormat)
       .setValue("ToolSettings", QVariantMap{{"ActionName", "Set Base URL"}, {"baseUrlString", "http://tsf/"}});
   WriteFile("names", "a.pdf\r\nb.pdf\r\n");
@@ -94,7 +96,7 @@ TEST(Commands, AnActionIsACommand) {
       {"set-base-url http://x/ --in-place -- -dash.pdf", "./-dash.pdf", "http://x/", ""},
       {"set-base-url --set-each baseUrlString=http://x/{stem}/ a.pdf -d dir", "dir/a.pdf", "http://x/a/", ""},
       {"run --settings tool.tsf -d dir a.pdf", "dir/a.pdf", "http://tsf/", ""},
-      {"run --settings tool.json -d dir a.pdf", "dir/a.pdf", "http://json/", "no setting 'other'"},
+      {"run --settings tool.json -d dir a.pdf", "dir/a.pdf", "http://json/", ""},
       {"run --settings - -d dir a.pdf", "dir/a.pdf", "http://json/", ""},
       {"run --settings tool.json --set baseUrlString=http://set/ -d dir a.pdf", "dir/a.pdf", "http://set/", ""},
   };

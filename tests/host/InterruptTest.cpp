@@ -42,7 +42,8 @@ TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
   const ProgramResult result = FinishProgram(*process);
   EXPECT_EQ(result.code, 128 + signal);
   EXPECT_THAT(result.err.toStdString(), testing::HasSubstr("left: interrupted"));
-  EXPECT_EQ(result.err.contains("stopping, finishing "), jobs > 0) << result.err.toStdString();
+  // Workers may hold no file at that moment.
+  EXPECT_TRUE(jobs > 0 || !result.err.contains("stopping, finishing ")) << result.err.toStdString();
   const auto report = ReadReport(ReadFile("r.jsonl"));
   EXPECT_LT(report.size(), files.size());
   for (const QJsonObject& record : report) EXPECT_EQ(record["status"].toString(), "done");

@@ -116,9 +116,9 @@ TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
         "nowhere"},
        "PDF library"}};
   for (const auto& [arguments, message] : rows) {
-    WriteFile("r.jsonl", "earlier\n");
+    WriteFile("r.jsonl", "{}\n");
     const ProgramResult result = RunProgram(arguments + QStringList{"--in-place", "--report", "r.jsonl", "a.pdf"});
-    EXPECT_EQ(ReadFile("r.jsonl"), "earlier\n");
+    EXPECT_EQ(ReadFile("r.jsonl"), "{}\n");
     EXPECT_EQ(result.code, 3) << arguments.join(' ').toStdString() << result.err.toStdString();
     EXPECT_THAT(result.err.toStdString(), HasSubstr(message));
   }

@@ -82,16 +82,22 @@ TEST(Settings, SlipsAreRefused) {
   }
 }
 
-TEST(Settings, StoredOnesAreKeptWithWarnings) {
-  const QStringList warnings = ListWarnings(Everything(), {{"ActionName", "Probe"}, {"old", 1}});
-  EXPECT_THAT(warnings.join('\n').toStdString(),
-              testing::AllOf(HasSubstr("'old'"), HasSubstr("lacks the setting 'url'")));
-  const CheckedSettings checked =
-      CheckSettings("Probe", Everything(),
-                    {{Pair("count", "3")}, {}, {}, false, {{"url", "https://e.org/"}, {"count", 99}, {"old", 1}}});
-  EXPECT_EQ(checked.values,
-            (QMap<QString, QVariant>{{"url", "https://e.org/"}, {"count", "3"}, {"deep", false}, {"old", 1}}));
-  EXPECT_THAT(checked.warnings.join('\n').toStdString(), HasSubstr("'old'"));
+TEST(Settings, StoredOnesAreKeptOrRefused) {
+  const QMap<QString, QVariant> inList{{"ActionName", "Probe"}, {"old", 1}};
+  EXPECT_THAT(ListWarnings(Everything(), inList).join('\n').toStdString(), HasSubstr("'old'"));
+  // An action would take a missing setting for an empty one.
+  EXPECT_THAT(ErrorOf([&] { CheckRequired(Everything(), inList, "l.xqq"); }),
+              testing::AllOf(HasSubstr("l.xqq"), HasSubstr("lacks the setting 'url'"), HasSubstr("'old'")));
+  CheckRequired(Everything(), {{"url", ""}}, "l.xqq");
+  EXPECT_THAT(ErrorOf([&] {
+                Check({{Pair("url", "https://e.org/")}, {}, {}, false, {{"old", 1}}});
+              }),
+              HasSubstr("'old'"));
+  const CheckedSettings checked = CheckSettings(
+      "Probe", Everything(),
+      {{Pair("count", "3")}, {}, {}, false, {{"url", "https://e.org/"}, {"count", 99}, {"ActionName", "Probe"}}});
+  EXPECT_EQ(checked.values, (QMap<QString, QVariant>{
+                                {"url", "https://e.org/"}, {"count", "3"}, {"deep", false}, {"ActionName", "Probe"}}));
 }
 
 TEST(Settings, WrongDescriptionsAreRefused) {

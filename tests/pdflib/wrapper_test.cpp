@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "tests/pdflib/FakeLibrary.h"
@@ -11,6 +12,14 @@
 namespace {
 
 using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
+
+// Result and arguments of every member are those of the independent list.
+#define MEMBER(result, name, arguments) \
+  static_assert(std::is_same_v<decltype(&Wrapper::name), result(Wrapper::*) arguments>);
+#define SERVICE(name)
+#include "tests/abi/LibraryMembers.inc"
+#undef SERVICE
+#undef MEMBER
 
 std::wstring Wide(const char* path) {
   return std::wstring(path, path + std::strlen(path));
