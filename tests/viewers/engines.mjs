@@ -7,10 +7,11 @@ import { createRequire } from "node:module";
 import { execFileSync, spawnSync } from "node:child_process";
 import { readFileSync } from "node:fs";
 import { createInterface } from "node:readline";
-import { dirname, join } from "node:path";
+import { dirname, join, resolve } from "node:path";
 import { pathToFileURL } from "node:url";
 
-const [modules, ...names] = process.argv.slice(2);
+const [folder, ...names] = process.argv.slice(2);
+const modules = resolve(folder);
 const require = createRequire(join(modules, "anchor.js"));
 const load = (path) => import(pathToFileURL(require.resolve(path)).href);
 const version = (name) => JSON.parse(readFileSync(join(modules, name, "package.json"), "utf8")).version;
