@@ -284,7 +284,6 @@ class SampleTest : public EngineFixture, public testing::WithParamInterface<Samp
  protected:
   void ExpectRefusedInLittleMemory() {
     constexpr long kMostKilobytes = 512 * 1024;
-    const auto start = std::chrono::steady_clock::now();
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) _exit(library_.LoadFromFile(Wide(GetParam().path), L"") == 0 ? library_.LastErrorCode() : 0);
@@ -294,7 +293,6 @@ class SampleTest : public EngineFixture, public testing::WithParamInterface<Samp
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), kErrorDamaged);
     EXPECT_LT(usage.ru_maxrss, kMostKilobytes);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
   }
 };
 INSTANTIATE_TEST_SUITE_P(Files, SampleTest, testing::ValuesIn(SampleFile::All()), [](const auto& sample) {
