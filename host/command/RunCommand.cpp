@@ -8,6 +8,7 @@
 #include <optional>
 #include <QFile>
 #include <QFileInfo>
+#include <set>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
@@ -19,6 +20,7 @@
 #include "host/base/Suggestion.h"
 #include "host/files/FileLookup.h"
 #include "host/files/InputList.h"
+#include "host/files/LeftoverFiles.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/DocumentRun.h"
 #include "host/run/JobDigest.h"
@@ -34,6 +36,11 @@ namespace {
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   const std::optional<FileStatus> status = FileLookup().Get(path);
   return status ? std::optional(status->identity) : std::nullopt;
+}
+
+// With its slash; empty for the current one.
+std::string FolderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
 }
 
 // Once before and once after all documents, for each action.
@@ -385,6 +392,27 @@ void RunCommand::RefuseToReplaceOutput(const InputList& inputs, const ResumedRep
   refuse("is there already; use '--force' to replace it.");
 }
 
+// Where this run has read and written, those of earlier runs are the user's to remove.
+void RunCommand::NameLeftovers(const InputList& inputs, const RunPlan& plan) const {
+  constexpr std::size_t kMostNames = 5;
+  std::set<std::string> folders(inputs.FoldersOfNames().begin(), inputs.FoldersOfNames().end());
+  for (const std::string& folder : plan.OutputFolders()) folders.insert(folder + '/');
+  if (IsSet("output")) folders.insert(FolderOf(BytesOf("output").toStdString()));
+  std::set<std::string> names(inputs.Leftovers().begin(), inputs.Leftovers().end());
+  for (const std::string& folder : folders) {
+    for (const std::string& name : LeftoverFiles::Find(folder)) names.insert(name);
+  }
+  if (names.empty()) return;
+  QStringList shown;
+  for (auto name = names.begin(); name != names.end() && shown.size() < static_cast<int>(kMostNames); ++name) {
+    shown += NativeName::ToText(*name);
+  }
+  const QString more = names.size() > kMostNames ? QStringLiteral(" and %1 more").arg(names.size() - kMostNames) : "";
+  Console::Error(QStringLiteral("Temporary files of killed or running runs: %1%2. 'vorlane-run clean FOLDER' removes "
+                                "those that are older than a day.")
+                     .arg(shown.join(QStringLiteral(", ")), more));
+}
+
 int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
   const bool dryRun = options.dryRun;
@@ -428,11 +456,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
-  if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("Temporary files (.vorlane-*.tmp) of killed or running runs in the folders: %1. "
-                                  "'vorlane-run clean' removes those that are older than a day.")
-                       .arg(inputs.Leftovers()));
-  }
+  if (!IsSet("quiet")) NameLeftovers(inputs, plan);
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;
   return reported && (reporter.Failed() == 0 || IsSet("exit-zero")) ? kExitDone : kExitSomeFailed;

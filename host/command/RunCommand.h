@@ -47,6 +47,7 @@ class RunCommand : public BatchCommand {
   ProcessingOptions Processing() const;
   void WarnOfRedone(const RunPlan& plan) const;
   PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  void NameLeftovers(const InputList& inputs, const RunPlan& plan) const;
   int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
 

@@ -222,7 +222,18 @@ TEST(Leftovers, OldOnesThatNobodyHoldsAreRemoved) {
   EXPECT_EQ(removed, "in/.vorlane-0123456789abcdef.tmp\n");
   EXPECT_EQ(RunProgram({"clean", "--recursive", "in"}).out, "");
   const ProgramResult told = RunProgram(ProbeRun({"--in-place", "--recursive", "in"}));
-  EXPECT_TRUE(told.err.contains("in the folders: 3")) << told.err.toStdString();
+  EXPECT_TRUE(
+      told.err.contains(" in/.vorlane-1111111111111111.tmp, in/.vorlane-2222222222222222.tmp, "
+                        "in/below/.vorlane-0123456789abcdef.tmp. "))
+      << told.err.toStdString();
+  // Those in the folders of named files and of outputs too.
+  const QByteArray inOut = "out/.vorlane-0123456789abcdef.tmp";
+  QDir().mkdir("out");
+  WriteFile(inOut, "x");
+  for (const QStringList& output : {QStringList{"-d", "out"}, QStringList{"-o", "out/o.pdf"}}) {
+    EXPECT_TRUE(RunProgram(ProbeRun(output + QStringList{"a.pdf"})).err.contains(" runs: " + inOut));
+  }
+  EXPECT_TRUE(RunProgram(ProbeRun({"--in-place", "out/o.pdf"})).err.contains(" runs: " + inOut));
   removed.clear();
   LeftoverFiles::Remove("in", true, std::time(nullptr) + 1000, each);
   EXPECT_EQ(removed, "in/below/.vorlane-0123456789abcdef.tmp\n");
