@@ -50,7 +50,7 @@ std::string InformationKey(int key) {
 
 std::string Fact(Document& document, int key) {
   switch (key) {
-    case kInformationWayOfSaving:
+    case kInformationSaveMode:
       return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
@@ -60,7 +60,7 @@ std::string Fact(Document& document, int key) {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
-    case kInformationLastWay:
+    case kInformationLastSaveMode:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     case kInformationHasBaseUrl:
       return document.HasBaseUrl() ? "1" : "0";
