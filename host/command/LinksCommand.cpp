@@ -60,6 +60,7 @@ int LinksCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;
