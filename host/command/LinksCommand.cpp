@@ -42,6 +42,9 @@ LinksCommand::LinksCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("links --recursive archive/"));
+  AddExample(QStringLiteral("links --base https://example.org/manual/ manual.pdf"));
+  AddExample(QStringLiteral("links --check https://example.org/=/srv/www --recursive /srv/www"));
 }
 
 void LinksCommand::Check() {
