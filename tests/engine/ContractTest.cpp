@@ -37,7 +37,7 @@ TEST_F(ContractTest, DocumentsAreSelectedAndRemovedById) {
   EXPECT_EQ(library_.SelectDocument(first), 1);
   EXPECT_EQ(library_.GetBaseURL(), L"a");
   EXPECT_EQ(library_.GetDocumentFileName(), L"a.pdf");
-  EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadFile("a.pdf").size()));
+  EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadText("a.pdf").size()));
   EXPECT_EQ(library_.SelectDocument(second + 7), 0);
   EXPECT_EQ(library_.LastErrorCode(), kErrorNoDocument);
   EXPECT_EQ(library_.RemoveDocument(first), 1);
@@ -113,7 +113,7 @@ TEST_F(ContractTest, BuffersAreCheckedOnEveryUse) {
   dlclose(handle);
 }
 
-TEST_F(ContractTest, LoadErrorsAreTold) {
+TEST_F(ContractTest, LoadErrorsAreReported) {
   const std::string plain = PlainPdf().Bytes();
   WriteFile("text.pdf", "no document at all");
   WriteFile("empty.pdf", "");
@@ -143,7 +143,7 @@ TEST_F(ContractTest, LoadErrorsAreTold) {
   EXPECT_EQ(library_.LastErrorCode(), kErrorNotPdf) << "the release of the byte buffer left it alone";
 }
 
-TEST_F(ContractTest, PagesAndEncryptionAreTold) {
+TEST_F(ContractTest, PagesAndEncryptionAreReported) {
   ASSERT_TRUE(Load("plain.pdf", PlainPdf{"", "/Rotate -90", "", {}}.Bytes()));
   EXPECT_EQ(library_.PageCount(), 1);
   EXPECT_EQ(library_.PageWidth(), 200);

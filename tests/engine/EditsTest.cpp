@@ -13,8 +13,8 @@
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/MapStrings.h"
 #include "engine/syntax/TextString.h"
-#include "tests/engine/PlainPdf.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/support/Files.h"
+#include "tests/support/PdfFile.h"
 
 using engine::AppendUpdate;
 using engine::ChangedObject;

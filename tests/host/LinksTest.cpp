@@ -10,7 +10,7 @@
 
 #include "host/base/CommandError.h"
 #include "host/links/LinkCheck.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 namespace {
 
