@@ -70,9 +70,9 @@ TEST_P(BaseUrlPlaceTest, IsReadAndReplacedWhateverStoodThere) {
   }
 }
 
-TEST_P(BaseUrlPlaceTest, TwentyMillionCharacters) {
+TEST_P(BaseUrlPlaceTest, TwoMillionCharacters) {
   Prepare("");
-  const std::wstring url = L"http://e.org/" + std::wstring(20'000'000, L'(');
+  const std::wstring url = L"http://e.org/" + std::wstring(2'000'000, L'(');
   ASSERT_EQ(library_.SetBaseURL(url), 1);
   EXPECT_TRUE(library_.GetBaseURL() == url);
   ASSERT_EQ(library_.SaveToFile(L"long.pdf"), 1);

@@ -105,25 +105,6 @@ TEST(Links, ExitCodes) {
   }
 }
 
-TEST(Links, ManyFilesInTheirOrderFromSeveralWorkers) {
-  QByteArray names;
-  QStringList expected;
-  for (int i = 0; i < 40; ++i) {
-    const QByteArray name = QByteArray::number(i) + ".pdf";
-    WriteFile(name, LinksPdf(Base("https://e.org/"), {name}));
-    names += name + '\n';
-    expected += name;
-  }
-  const ProgramResult result = RunProgram({"links", "--json", "--jobs", "3", "--files-from", "-"}, names);
-  EXPECT_EQ(result.code, 0);
-  QStringList found;
-  for (const QByteArray& line : result.out.split('\n')) {
-    const QJsonObject link = QJsonDocument::fromJson(line).object();
-    if (link["kind"] == "annotation") found += link["uri"].toString();
-  }
-  EXPECT_EQ(found, expected);
-}
-
 TEST(LinkCheck, LooksInTheFolderAndNeverOutside) {
   QDir().mkpath("site/dir");
   QDir().mkpath("site/empty");

@@ -133,30 +133,17 @@ std::string WithBrokenXref(std::string pdf) {
 }
 
 std::string LargePdf(XrefKind kind, int pages, bool catalogLast) {
-  const auto count = static_cast<std::size_t>(pages);
-  // A page tree of two levels; object numbers: catalog, root of the tree, its branches, the pages.
-  const std::size_t perBranch = 100;
-  const std::size_t branches = (count + perBranch - 1) / perBranch;
-  const std::size_t root = catalogLast ? 2 + branches + count : 1;
-  const std::size_t tree = catalogLast ? 1 : 2;
-  std::vector<std::string> objects(tree + branches + count + 1);
+  // Far apart: no object stream has both the catalog and the page tree.
+  const std::size_t last = static_cast<std::size_t>(pages) + 2;
+  const std::size_t root = catalogLast ? last : 1;
+  const std::size_t tree = catalogLast ? 1 : last;
+  std::vector<std::string> objects(last + 1);
   std::string kids;
-  for (std::size_t branch = 0; branch < branches; ++branch) {
-    const std::size_t number = tree + 1 + branch;
-    kids += Number(number) + " 0 R ";
-    const std::size_t first = branch * perBranch;
-    const std::size_t end = std::min(first + perBranch, count);
-    std::string inner;
-    for (std::size_t page = first; page < end; ++page) {
-      const std::size_t pageNumber = tree + 1 + branches + page;
-      inner += Number(pageNumber) + " 0 R ";
-      objects[pageNumber] = "<< /Type /Page /Parent " + Number(number) + " 0 R /MediaBox [ 0 0 612 792 ] >>";
-    }
-    objects[number] =
-        "<< /Type /Pages /Parent " + Number(tree) + " 0 R /Count " + Number(end - first) + " /Kids [ " + inner + "] >>";
+  for (std::size_t page = 2; page < last; ++page) {
+    kids += Number(page) + " 0 R ";
+    objects[page] = "<< /Type /Page /Parent " + Number(tree) + " 0 R /MediaBox [ 0 0 612 792 ] >>";
   }
-  objects[tree] = "<< /Type /Pages /Count " + Number(count) + " /Kids [ " + kids + "] >>";
-  if (catalogLast) objects.emplace_back();
+  objects[tree] = "<< /Type /Pages /Count " + Number(last - 2) + " /Kids [ " + kids + "] >>";
   objects[root] = "<< /Type /Catalog /Pages " + Number(tree) + " 0 R /URI << /Base (http://example.org/) >> >>";
   return Writer(kind, std::move(objects), root).Write();
 }

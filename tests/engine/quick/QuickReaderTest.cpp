@@ -47,7 +47,7 @@ TEST(QuickReaderTest, CostDoesNotGrowWithTheObjects) {
       std::uint64_t read[2] = {};
       std::size_t size[2] = {};
       for (int large = 0; large < 2; ++large) {
-        const std::string bytes = LargePdf(kind, large != 0 ? 200000 : 1000, catalogLast);
+        const std::string bytes = LargePdf(kind, large != 0 ? 50000 : 1000, catalogLast);
         size[large] = bytes.size();
         const auto input = InputFile::FromBytes(bytes);
         const auto document = QuickReader::Read(*input);

@@ -421,7 +421,7 @@ def bombs():
     text = b"(" + b"x" * ((1 << 20) - 2) + b")"
     yield "object-stream", catalog_bomb(text, 256)
     yield "object-stream-rows", catalog_bomb(text, 1, parameters=rows % 12)
-    yield "encrypted-object-stream", catalog_bomb(text, 1100, Encryption())
+    yield "encrypted-object-stream", catalog_bomb(text, 256, Encryption())
     yield "encrypted-object-stream-of-numbers", catalog_bomb(b"1 " * (1 << 19), 8, Encryption())
     yield "encrypted-object-stream-rows", catalog_bomb(text, 1, Encryption(), rows % 12)
 
