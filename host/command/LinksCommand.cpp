@@ -15,7 +15,7 @@ QString Counted(std::size_t count, const char* one, const char* many) {
 }
 
 void RequireUrl(const char* option, const QString& url) {
-  const QString error = CheckUrl(url, false).error;
+  const QString error = CheckUrl(url, UrlUse::kOther).error;
   if (error.isEmpty()) return;
   throw CommandError(kExitUsage,
                      QStringLiteral("Option '--%1' takes a URL, not '%2': %3.").arg(QLatin1String(option), url, error));

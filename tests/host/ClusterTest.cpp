@@ -21,7 +21,7 @@
 #include "host/run/ReportFile.h"
 #include "host/run/ReportReader.h"
 #include "host/run/ResumedReport.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::ElementsAre;
 

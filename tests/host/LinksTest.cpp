@@ -8,7 +8,7 @@
 #include <QJsonObject>
 
 #include "host/links/LinkCheck.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 #include "utils/LinkTarget.h"
 
 namespace {
@@ -115,25 +115,6 @@ TEST(Links, ExitCodes) {
     EXPECT_TRUE((result.out + result.err).contains(row.shown)) << (result.out + result.err).toStdString();
     EXPECT_TRUE(row.code != 2 || result.err.count('\n') == 1) << result.err.toStdString();
   }
-}
-
-TEST(Links, ManyFilesInTheirOrderFromSeveralWorkers) {
-  QByteArray names;
-  QStringList expected;
-  for (int i = 0; i < 40; ++i) {
-    const QByteArray name = QByteArray::number(i) + ".pdf";
-    WriteFile(name, LinksPdf(Base("https://e.org/"), {name}));
-    names += name + '\n';
-    expected += name;
-  }
-  const ProgramResult result = RunProgram({"links", "--json", "--jobs", "3", "--files-from", "-"}, names);
-  EXPECT_EQ(result.code, 0);
-  QStringList found;
-  for (const QByteArray& line : result.out.split('\n')) {
-    const QJsonObject link = QJsonDocument::fromJson(line).object();
-    if (link["kind"] == "annotation") found += link["uri"].toString();
-  }
-  EXPECT_EQ(found, expected);
 }
 
 TEST(LinkCheck, LooksInTheFolderAndNeverOutside) {
