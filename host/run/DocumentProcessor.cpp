@@ -82,7 +82,7 @@ void DocumentProcessor::ProcessOnce(FileRecord& record, const PlannedFile& file)
   CheckCondition(record, false);
   RunActions(record, file);
   record.baseUrlAfter = library_.GetBaseURL();
-  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWayOfSaving));
+  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationSaveMode));
   if (record.saveMode.empty()) record.saveMode = "unknown";
   CheckCondition(record, true);
   if (file.advise) Advise(record);
@@ -222,7 +222,8 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
 void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
-  if (record.saveMode != "incremental" || PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastWay)) != "rewrite")
+  if (record.saveMode != "incremental" ||
+      PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastSaveMode)) != "rewrite")
     return;
   record.saveMode = "rewrite";
   record.warnings.push_back("the whole file is rewritten (an appended update was not readable)");

@@ -11,7 +11,7 @@
 #include <QJsonDocument>
 #include <QSettings>
 
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::HasSubstr;
 
@@ -24,10 +24,6 @@ QByteArray MakeSignedPdfToRewrite() {
 }
 
 const QStringList kSet{"run", "--action", "Set Base URL", "--set", "baseUrlString=http://new/"};
-
-QStringList Words(const char* text) {
-  return QString::fromUtf8(text).split(' ', Qt::SkipEmptyParts);
-}
 
 QString ProbeTools() {
   return QFileInfo(PROBEACTION_FILE).path();
@@ -43,46 +39,6 @@ void WriteList(const QString& file, const QString& name, const QStringList& acti
     ini.setValue(QString("ActionName%1").arg(i), actions[i]);
     ini.setValue(QString("ActionPrefs%1").arg(i), QVariantMap{{"baseUrlString", QString("http://%1/").arg(i)}});
   }
-}
-
-TEST(Program, BadUsageIsOneLineAndCode2) {
-  WriteFile("a.pdf", MakePdf());
-  const std::pair<const char*, const char*> rows[] = {
-      {"", "No command"},
-      {"fly", "Unknown command 'fly'"},
-      {"--bogus", "Unknown option"},
-      {"run a.pdf --in-place", "'--list' or '--action'"},
-      {"run --action A a.pdf", "'--output-dir' or '--in-place'"},
-      {"run --action A --in-place", "No file"},
-      {"run --action A --in-place --output-dir o a.pdf", "exclude each other"},
-      {"run --action A --password p --password-file f --in-place a.pdf", "exclude each other"},
-      {"run --action A --action B --in-place a.pdf", "given twice"},
-      {"run --action A --set k=1 --set k=2 --in-place a.pdf", "given twice"},
-      {"run --action A --in-place --jobs two a.pdf", "whole number"},
-      {"run --action A --in-place --jobs 0 --timeout 3 a.pdf", "--timeout"},
-      {"run --action A --output-dir= a.pdf", "needs a name"},
-      {"run --action Probe --in-place --files-from nowhere", "nowhere"},
-      {"run --action Probe --in-place --password-file nowhere a.pdf", "nowhere"},
-      {"run --action Probe --in-place --resume nowhere a.pdf", "nowhere"},
-      {"run --action Probe --in-place --resume a.pdf a.pdf", "not a report"},
-      {"run --action Probe --in-place --report a.pdf a.pdf", "overwrite an input"},
-      {"run --action Probe --in-place --report no/where a.pdf", "Cannot write the report"},
-      {"run --action Probe --output-dir a.pdf/o a.pdf", "output folder"},
-      {"edit", "'--action' or '--list'"},
-      {"edit --list l.xqq", "need each other"},
-      {"actions extra", "Unexpected argument 'extra'"},
-      {"edit --action A --context attic", "--context"},
-      {"actions --tools-dir", "Missing value"}};
-  for (const auto& [arguments, message] : rows) {
-    QStringList words = Words(arguments);
-    if (words.contains("Probe")) words += {"--tools-dir", ProbeTools()};
-    const ProgramResult result = RunProgram(words);
-    EXPECT_EQ(result.code, 2) << arguments << result.err.toStdString();
-    EXPECT_THAT(result.err.toStdString(), HasSubstr(message)) << arguments;
-    EXPECT_EQ(result.err.count('\n'), 1) << result.err.toStdString();
-    EXPECT_TRUE(result.out.isEmpty()) << arguments;
-  }
-  EXPECT_EQ(ReadFile("a.pdf"), MakePdf());
 }
 
 TEST(Program, WhatCannotBeLoadedIsCode3AndTouchesNothing) {
@@ -213,11 +169,11 @@ TEST(Program, SignedDocuments) {
                                                              "r.json", "signed.pdf", "certified.pdf", "broken.pdf"});
   EXPECT_EQ(result.code, 0) << result.err.toStdString();
   auto report = ReadReport(ReadFile("r.json"));
-  EXPECT_EQ(report["signed.pdf"]["way"].toString(), "incremental");
+  EXPECT_EQ(report["signed.pdf"]["saveMode"].toString(), "incremental");
   EXPECT_TRUE(report["signed.pdf"]["warnings"].toArray().isEmpty());
   EXPECT_TRUE(ReadFile("signed.pdf").startsWith(MakeSignedPdf()));
   EXPECT_THAT(report["certified.pdf"]["warnings"].toArray()[0].toString().toStdString(), HasSubstr("certification"));
-  EXPECT_EQ(report["broken.pdf"]["way"].toString(), "rewrite");
+  EXPECT_EQ(report["broken.pdf"]["saveMode"].toString(), "rewrite");
   EXPECT_THAT(report["broken.pdf"]["warnings"].toArray()[0].toString().toStdString(),
               HasSubstr("breaks its signatures"));
 }

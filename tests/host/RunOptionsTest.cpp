@@ -6,12 +6,11 @@
 #include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::HasSubstr;
 
@@ -70,7 +69,7 @@ TEST(DryRun, SaysWhatTheRunDoesAndWritesNothing) {
     EXPECT_EQ(before, after) << output.join(' ').toStdString();
     EXPECT_EQ(after["in/c2.pdf"]["certification"].toInt(), 2);
     EXPECT_EQ(after["in/signed.pdf"]["signatures"].toInt(), 1);
-    EXPECT_EQ(after["in/old.pdf"]["way"].toString(), "rewrite");
+    EXPECT_EQ(after["in/old.pdf"]["saveMode"].toString(), "rewrite");
     for (const auto& [name, content] : files) {
       QFile::remove(QString("in/") + name + '~');
       WriteFile(QString("in/") + name, content);
@@ -240,6 +239,8 @@ struct BetweenRuns {
   void (*change)(QStringList& run);
   int worked;
   const char* note;
+
+  friend std::ostream& operator<<(std::ostream& out, const BetweenRuns& row) { return out << row.name; }
 };
 
 class Resume : public testing::TestWithParam<BetweenRuns> {};
@@ -330,9 +331,7 @@ TEST(Resume, AfterAKillOnlyWhatIsMissingIsDone) {
   for (const QString& file : files) WriteFile(file, kNone);
   const QStringList run = ProbeRun({"--in-place", "--backup", "~", "--report", "r.jsonl", "--resume", "r.jsonl"});
   const auto process = StartProgram(run + files);
-  QElapsedTimer timer;
-  timer.start();
-  while (timer.elapsed() < 20000 && (!QFile::exists("r.jsonl") || ReadFile("r.jsonl").count('\n') < 4)) usleep(5000);
+  WaitForLines("r.jsonl", 4);
   kill(-static_cast<pid_t>(process->processId()), SIGKILL);
   FinishProgram(*process);
   EXPECT_EQ(RunProgram(run + files).code, 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is checked before a file is touched: settings against their description, URLs, templates, mistyped words.
+// What is checked before a file is touched: settings against their description, URLs, templates.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 #include "host/actions/GivenSettings.h"
 #include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
-#include "host/base/Suggestion.h"
 #include "host/files/PathTemplate.h"
 
 namespace {
@@ -186,14 +185,6 @@ TEST(Templates, AreFilledFromTheFilesPath) {
   for (const char* wrong : {"{dir}", "{folder", "folder}", "{}"}) {
     EXPECT_NE(ErrorOf([&] { PathTemplate(wrong, PathTemplate::Encoding::kUrl); }), "") << wrong;
   }
-}
-
-TEST(Words, NearOnesAreSuggested) {
-  const QStringList keys{"baseUrlString", "titleString"};
-  EXPECT_EQ(NearestWord("BaseUrlString", keys), "baseUrlString");
-  EXPECT_EQ(NearestWord("baseurl", keys), "baseUrlString");
-  EXPECT_EQ(NearestWord("titelString", keys), "titleString");
-  EXPECT_EQ(NearestWord("password", keys), "");
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <QFile>
 #include <QSettings>
 
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/ActionListFile.h"
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
