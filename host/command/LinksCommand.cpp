@@ -96,12 +96,16 @@ int LinksCommand::Execute() {
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text = Counted(counts.links, "link", "links") + QStringLiteral(" in ") +
-                 Counted(counts.files, "file", "files") +
-                 QStringLiteral(": %1 relative, viewers disagree on %2 of these, %3 without a base URL")
-                     .arg(counts.relative)
-                     .arg(counts.disagreeing)
-                     .arg(counts.withoutBase);
+  QString text =
+      Counted(counts.links, "link", "links") + QStringLiteral(" in ") + Counted(counts.files, "file", "files");
+  if (counts.relative > 0) {
+    text += QStringLiteral(", %1 relative; viewers disagree on %2 of these, %3 without a base URL")
+                .arg(counts.relative)
+                .arg(counts.disagreeing)
+                .arg(counts.withoutBase);
+  } else if (counts.links > 0) {
+    text += QStringLiteral(", none relative");
+  }
   if (!options_.checks.empty()) {
     text += QStringLiteral("; %1 checked, %2 missing").arg(counts.checked).arg(counts.missing);
   }
