@@ -53,7 +53,7 @@ void LinksCommand::Check() {
   if (IsSet("base")) {
     RequireUrl("base", Value("base"));
     const QString base = UrlAsWritten(Value("base"));
-    options_.base = LinkBase{base, base.toLatin1()};
+    options_.base = LinkBase{base, {base.toLatin1()}};
   }
   for (const QString& text : parser_.values(QStringLiteral("check"))) {
     options_.checks.emplace_back(text);

@@ -55,6 +55,8 @@ std::optional<std::string> Text(const ViewerRules::Target& target) {
 // Bytes that are no UTF-8, and a byte order mark, are shown as escapes.
 QByteArray Shown(const std::string& text) {
   if (text.empty()) return "(empty)";
+  const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  if (isPlain) return QByteArray::fromStdString(text);
   QString shown;
   for (const wchar_t unit : NativeName::ToWide(text)) {
     const auto character = static_cast<char32_t>(unit);
@@ -104,7 +106,7 @@ ListedLink::ListedLink(const DocumentLink& found, const std::optional<LinkBase>&
     : link(found),
       relative(IsRelativeLink(found.uri)),
       target(ResolvedLink(base ? base->text : QString(), found.uri)),
-      viewers(ViewerRules::All(found.bytes, base ? std::optional(base->bytes) : std::nullopt)),
+      viewers(ViewerRules::All(found.bytes, base ? base->inViewers : ViewerRules::Base())),
       agree(ViewerRules::Agree(viewers)) {}
 
 std::string LinkFormat::Json(const std::string& file, const ListedLink& link) {

@@ -12,7 +12,7 @@
 // A document's base URL, or another one instead.
 struct LinkBase {
   QString text;
-  QByteArray bytes;  // the string in the file, which is what most viewers take
+  ViewerRules::Base inViewers;
 };
 
 // A link of a document with where it leads.

@@ -62,7 +62,7 @@ void LinkListing::Take(std::size_t item, std::string_view result) {
 std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
   std::optional<LinkBase> base = options_.base;
   if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
-    base = LinkBase{QString::fromStdWString(library.GetBaseURL()), BaseUrlBytes(library)};
+    base = LinkBase{QString::fromStdWString(library.GetBaseURL()), {BaseUrlBytes(library)}};
   }
   std::string text;
   const int error = VisitDocumentLinks(library, [&](const DocumentLink& found) {
@@ -76,7 +76,8 @@ std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string&
     Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));
   }
   const bool isTable = options_.format == LinkListingOptions::Format::kTable;
-  return isTable && !text.empty() ? Heading(file, base) + text : text;
+  if (isTable && !text.empty()) text.insert(0, Heading(file, base));
+  return text;
 }
 
 std::string LinkListing::Formatted(const std::string& file, const ListedLink& link) const {
