@@ -11,7 +11,7 @@
 #include "host/actions/SettingsDescription.h"
 #include "host/files/PathTemplate.h"
 
-// Settings as a user gave them on a command line, before they are held against the action's description.
+// Settings as a user gave them on a command line, before they are checked against the action's description.
 struct GivenSettings {
   QVector<QPair<QString, QString>> values;       // by key, each key once
   QStringList cleared;                           // keys that shall be empty
@@ -45,7 +45,7 @@ QVariant CheckedValue(const SettingsDescription::Setting& setting, const QString
 QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
                                       const GivenSettings& given);
 
-// What the description has against the settings of an action list, which are run all the same.
+// Warnings about settings of an action list that do not follow the description. The list runs nevertheless.
 QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
 
 // Throws CommandError(kExitUsage) when stored settings of a list lack a required key: an action would take it for an

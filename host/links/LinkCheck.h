@@ -10,7 +10,7 @@
 // Looks in a folder whether the pages of a web site are there.
 class LinkCheck {
  public:
-  // `text` is "URL=FOLDER": the folder holds what stands at the URL and below. Throws CommandError(kExitUsage) for
+  // `text` is "URL=FOLDER": the folder holds the pages at the URL and below. Throws CommandError(kExitUsage) for
   // anything else and for a folder that does not exist.
   explicit LinkCheck(const QString& text);
 

@@ -8,7 +8,7 @@
 // How a file was left, to notice later changes.
 struct FileState {
   static FileState Of(const std::string& file);
-  // As it stands in reports, nanoseconds as text, since JSON readers round large numbers.
+  // As reports have it: nanoseconds as text, since JSON readers round large numbers.
   std::string TimeText() const { return std::to_string(nanoseconds); }
 
   long long size = -1;  // -1: there is no such file
