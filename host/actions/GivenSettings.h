@@ -40,13 +40,16 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
 QVariant CheckedValue(const SettingsDescription::Setting& setting, const QString& value, bool uncheckedUrls,
                       QStringList& warnings);
 
+// Throws CommandError(kExitUsage) for a key that the description does not know, apart from those that are stored.
+void CheckKeys(const SettingsDescription& description, const GivenSettings& given);
+
 // The settings with which a dialog starts: nothing has to be there yet. Throws CommandError(kExitUsage) for an unknown
 // key and a value that is not of its key's type.
 QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
                                       const GivenSettings& given);
 
-// Warnings about settings of an action list that do not follow the description. The list runs nevertheless.
-QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
+// A sentence for each key of stored settings that the description does not know, apart from those that dialogs add.
+QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
 
 // Throws CommandError(kExitUsage) when stored settings of a list lack a required key: an action would take it for an
 // empty value.

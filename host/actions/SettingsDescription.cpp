@@ -42,6 +42,16 @@ class Members {
     if (!value.isUndefined() && !value.isBool()) Refuse(QStringLiteral("'%1' must be true or false").arg(name));
     return value.toBool();
   }
+  // `true` or a word.
+  UrlUse Use(const char* name) {
+    const QJsonValue value = Take(name);
+    if (value.isUndefined() || value == QJsonValue(false)) return UrlUse::kOther;
+    if (value == QJsonValue(true)) return UrlUse::kBaseOfViewers;
+    if (value != QJsonValue(QStringLiteral("action"))) {
+      Refuse(QStringLiteral("'%1' must be true, false or \"action\"").arg(name));
+    }
+    return UrlUse::kBaseOfAction;
+  }
   std::optional<double> Number(const char* name) {
     const QJsonValue value = Take(name);
     if (value.isUndefined()) return std::nullopt;
@@ -89,7 +99,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   if (members.Has("default")) setting.standard = members.Text("default");
   setting.required = members.Truth("required");
   setting.empty = members.Text("empty");
-  setting.isBase = members.Truth("base");
+  setting.use = members.Use("base");
   for (const QJsonValue& choice : members.Array("choices", setting.type == Type::kChoice)) {
     setting.choices += choice.toString();
   }

@@ -31,6 +31,8 @@ HelpCommand::HelpCommand(std::function<QString(const QString&)> helpOf)
   AddToolsOption();
   parser_.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("A command, or an action's name."),
                                 QStringLiteral("[NAME]"));
+  AddExample(QStringLiteral("help run"));
+  AddExample(QStringLiteral("help \"Set Base URL\""));
 }
 
 void HelpCommand::PrepareWindowSystem() const {

@@ -1,17 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/LinksCommand.h"
 
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
-#include "utils/LinkTarget.h"
 
 namespace {
 
 QString Counted(std::size_t count, const char* one, const char* many) {
   return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
+}
+
+void RequireUrl(const char* option, const QString& url) {
+  const QString error = CheckUrl(url, UrlUse::kOther).error;
+  if (error.isEmpty()) return;
+  throw CommandError(kExitUsage,
+                     QStringLiteral("Option '--%1' takes a URL, not '%2': %3.").arg(QLatin1String(option), url, error));
 }
 
 }  // namespace
@@ -35,6 +42,9 @@ LinksCommand::LinksCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("links --recursive archive/"));
+  AddExample(QStringLiteral("links --base https://example.org/manual/ manual.pdf"));
+  AddExample(QStringLiteral("links --check https://example.org/=/srv/www --recursive /srv/www"));
 }
 
 void LinksCommand::Check() {
@@ -44,13 +54,14 @@ void LinksCommand::Check() {
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    if (IsRelativeLink(Value("base"))) {
-      throw CommandError(kExitUsage,
-                         QStringLiteral("Option '--base' takes a URL with a scheme, not '%1'.").arg(Value("base")));
-    }
-    options_.base = LinkBase{Value("base"), Value("base").toUtf8()};
+    RequireUrl("base", Value("base"));
+    const QString base = UrlAsWritten(Value("base"));
+    options_.base = LinkBase{base, base.toLatin1()};
   }
-  for (const QString& check : parser_.values(QStringLiteral("check"))) options_.checks.emplace_back(check);
+  for (const QString& text : parser_.values(QStringLiteral("check"))) {
+    options_.checks.emplace_back(text);
+    RequireUrl("check", options_.checks.back().Url());
+  }
   options_.all = IsSet("all");
   if (IsSet("json")) options_.format = LinkListingOptions::Format::kJson;
   if (IsSet("csv")) options_.format = LinkListingOptions::Format::kCsv;

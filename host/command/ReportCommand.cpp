@@ -17,6 +17,9 @@ ReportCommand::ReportCommand()
   AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each file."));
   parser_.addPositionalArgument(QStringLiteral("REPORT"), QStringLiteral("Reports of both forms, or '-'."),
                                 QStringLiteral("REPORT..."));
+  AddExample(QStringLiteral("report r.jsonl"));
+  AddExample(QStringLiteral("report --files-from files.txt part-*.jsonl"));
+  AddExample(QStringLiteral("report --csv r.jsonl > r.csv"));
 }
 
 void ReportCommand::Check() {
@@ -34,5 +37,8 @@ int ReportCommand::Execute() {
   summary.Finish();
   const std::string text = IsSet("json") ? summary.ToJson() : IsSet("csv") ? summary.ToCsv() : summary.ToText();
   const bool printed = Console::Print(QByteArray::fromStdString(text));
+  if (summary.IsTornOnly()) {
+    Console::Error(QStringLiteral("No record is whole: a crash cut off all that the reports have."));
+  }
   return printed && summary.IsAllDone() ? kExitDone : kExitSomeFailed;
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/files/FileLookup.h"
@@ -39,8 +40,10 @@ class InputList {
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
   // The folders below which nothing was found, readable or not.
   const std::vector<std::string>& EmptyFolders() const { return emptyFolders_; }
-  // How many files of LeftoverFiles the walked folders hold.
-  std::size_t Leftovers() const { return leftovers_; }
+  // The files of LeftoverFiles in the walked folders.
+  const std::vector<std::string>& Leftovers() const { return leftovers_; }
+  // The folders, with a slash at their ends, of the files that were named one by one; empty for the current one.
+  const std::unordered_set<std::string>& FoldersOfNames() const { return foldersOfNames_; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }
 
  private:
@@ -60,7 +63,8 @@ class InputList {
   bool recursive_;
   std::vector<std::string> emptyFolders_;
   const FileIdentity* leaveOut_;
-  std::size_t leftovers_ = 0;
+  std::vector<std::string> leftovers_;
+  std::unordered_set<std::string> foldersOfNames_;
   FileLookup lookup_;
   std::string names_;
   std::vector<Entry> entries_;

@@ -11,7 +11,7 @@
 class LinkCheck {
  public:
   // `text` is "URL=FOLDER": the folder holds the pages at the URL and below. Throws CommandError(kExitUsage) for
-  // anything else and for a folder that does not exist.
+  // anything else and for a folder that does not exist. The URL is not checked.
   explicit LinkCheck(const QString& text);
 
   // As given.

@@ -8,6 +8,7 @@
 #include "host/base/Console.h"
 #include "host/base/CsvText.h"
 #include "host/base/JsonText.h"
+#include "host/base/NativeName.h"
 #include "utils/LinkTarget.h"
 
 namespace {
@@ -49,8 +50,26 @@ std::optional<std::string> Text(const ViewerRules::Target& target) {
   return target ? std::optional(target->toStdString()) : std::nullopt;
 }
 
+// Bytes that are no UTF-8, and a byte order mark, are shown as escapes.
 QByteArray Shown(const std::string& text) {
-  return text.empty() ? QByteArray("(empty)") : Console::OneLine(text);
+  if (text.empty()) return "(empty)";
+  QString shown;
+  for (const wchar_t unit : NativeName::ToWide(text)) {
+    const auto character = static_cast<char32_t>(unit);
+    if (character >= 0xDC80 && character <= 0xDCFF) {
+      shown += QStringLiteral("\\x%1").arg(QString::number(character - 0xDC00, 16).toUpper());
+    } else if (character == 0xFEFF) {
+      shown += QStringLiteral("\\uFEFF");
+    } else {
+      shown += QString::fromUcs4(&character, 1);
+    }
+  }
+  return Console::OneLine(shown.toUtf8().toStdString());
+}
+
+// So many characters wide, or more.
+QByteArray Padded(const QByteArray& text, int width) {
+  return text + QByteArray(std::max(0, width - QString::fromUtf8(text).size()), ' ');
 }
 
 // The places where viewers lead, each with the names of those viewers.
@@ -109,11 +128,11 @@ std::string LinkFormat::Csv(const std::string& file, const ListedLink& link) {
 std::string LinkFormat::Table(const ListedLink& link) {
   const QByteArray page =
       link.link.page > 0 ? QByteArray::number(link.link.page) : QByteArray(KindName(link.link.kind));
-  const QByteArray start = page.rightJustified(7) + "  " + Shown(Utf8(link.link.uri)).leftJustified(kLinkColumn);
+  const QByteArray start = page.rightJustified(7) + "  " + Padded(Shown(Utf8(link.link.uri)), kLinkColumn);
   if (link.agree) return (start + "   " + Shown(*Text(link.viewers[0])) + '\n').toStdString();
   QByteArray text;
   for (const auto& [target, names] : ByTarget(link.viewers)) {
-    text += text.isEmpty() ? start + " ! " : QByteArray(start.size() + 3, ' ');
+    text += text.isEmpty() ? start + " ! " : Padded("", QString::fromUtf8(start).size() + 3);
     text += names.leftJustified(kViewersColumn) + ' ' +
             (target ? Shown(target->toStdString()) : QByteArray("no link")) + '\n';
   }

@@ -12,7 +12,7 @@ namespace DocumentFacts {
 // Of the library's selected document, which was loaded from `file`. Leaves changes in the document that must not be
 // saved.
 std::string ToJson(PdfLibrary::Wrapper& library, const std::string& file);
-// Of a file that cannot be read: its name and the error only.
+// Of a file that cannot be read: its name, size and the error; that it is encrypted, if that is why.
 std::string ErrorToJson(const std::string& file, const std::string& error);
 
 }  // namespace DocumentFacts

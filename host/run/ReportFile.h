@@ -28,6 +28,7 @@ class ReportFile {
   void Protect(ProtectedFiles& files) const;
 
   bool IsWanted() const { return form_ != Form::kNone; }
+  bool IsOnStandardOutput() const { return name_ == "-"; }
   void Add(std::string_view json);
   // Writes out what was added, as far as the form allows.
   void Flush();

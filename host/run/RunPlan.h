@@ -45,6 +45,8 @@ class RunPlan {
   // The files to process are numbered from 0.
   std::size_t Count() const { return items_.size(); }
   PlannedFile File(std::size_t item) const;
+  // The folders below the output folder that results go to, without a slash at their ends; none in a dry run.
+  const std::unordered_set<std::string>& OutputFolders() const { return madeFolders_; }
   // The inputs that are not to be processed.
   const std::vector<FileRecord>& Settled() const { return settled_; }
   // How many the resumed run has done; there are records of them already.

@@ -6,9 +6,11 @@
 
 #include <ctime>
 
+#include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
 #include "engine/document/Backend.h"
+#include "engine/links/ActionTable.h"
 #include "engine/save/AppendUpdate.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/MapStrings.h"
@@ -57,6 +59,23 @@ double SecondsToEdit(int count) {
   AppendUpdate(*source, document->Tail().value(), objects, output);
   EXPECT_TRUE(document->VerifyUpdate(output.ReadBack(), edits));
   return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+// Every action of a damaged document can lead to all others, from each of its places.
+TEST(ActionTable, HasABoundOfAllActionsTogether) {
+  class Texts : public engine::ObjectTexts {
+    std::string Text(engine::ObjectId id) override {
+      return "<< /S /URI /URI (x) /Next " + std::to_string(id.number % 5 + 1) + " 0 R >>";
+    }
+  } texts;
+  engine::ActionTable actions(12);  // two places have five actions each, and one after them that is none
+  const auto place = [](std::uint32_t number) {
+    return engine::ActionTable::Slot{{{number, 0}, {}, "<< /A 1 0 R >>"}, "/A"};
+  };
+  EXPECT_EQ(actions.Register(texts, {place(10)}), 1);
+  EXPECT_EQ(actions.Register(texts, {place(11)}), 7);
+  EXPECT_THROW(actions.Register(texts, {place(12)}), engine::EngineError);
+  EXPECT_EQ(actions.Register(texts, {place(11)}), 7);
 }
 
 }  // namespace

@@ -36,6 +36,8 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"run --settings {\"ActionName\":\"Set~Base~URL\",\"baseUrlString\":\"\"} --in-place a.pdf", "--clear"},
       {"run --list L --set a=b --in-place a.pdf", "'--list' excludes"},
       {"set-base-url a.pdf --in-place", "first argument is the base URL"},
+      {"set-base-url --set BaseUrlString=http://x/ a.pdf --in-place", "Did you mean 'baseUrlString'?"},
+      {"set-base-url http://x/ -o a.pdf b.pdf", "use '--force'"},
       {"set-base-url", "No base URL is given"},
       {"set-base-url http://x/ http://y/ a.pdf --in-place", "'http://y/' is a URL"},
       {"set-base-url --clear baseUrlString http://y/ a.pdf --in-place", "given by an option"},
@@ -44,7 +46,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"set-base-url http://x/ a.pdf -o out.pdf --in-place", "exclude each other"},
       {"set-base-url http://x/ a.pdf --in-place --report b.pdf", "is not a report"},
       {"make-links-absolute http://x/ a.pdf --in-place", "a URL where a file is expected"},
-      {"set-base-url http://x/ -dash.pdf --in-place", "needs \"./\" before it"},
+      {"show -dash.pdf", "needs \"./\" before it"},
       {"set-base-url http://x/ --in-plaec a.pdf", "Did you mean '--in-place'?"},
       {"set-base-url http://x/ a.pdf --in-place --root d", "'--set-each' only"},
       {"set-base-url http://x/ --files-from - --password-file - --in-place", "standard input"},
@@ -202,8 +204,15 @@ TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
   QDir().mkdir("Tools");
   QFile::copy(PROBEACTION_FILE, "Tools/ProbeAction.so");
   EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 2);
-  qputenv("VORLANE_TOOLS_PATH", "/nowhere:" + QDir("Tools").absolutePath().toUtf8());
-  EXPECT_EQ(RunProgram({"actions"}).out.count('\n'), 3);
+  const QByteArray tools = QDir("Tools").absolutePath().toUtf8();
+  QDir().mkdir("Twin");
+  QFile::copy(PROBEACTION_FILE, "Twin/ProbeAction.so");
+  qputenv("VORLANE_TOOLS_PATH", "/nowhere:" + tools + ":" + tools + "/.:" + QDir("Twin").absolutePath().toUtf8());
+  const ProgramResult added = RunProgram({"actions"});
+  EXPECT_EQ(added.out.count('\n'), 3);
+  EXPECT_THAT(added.err.toStdString(),
+              testing::AllOf(HasSubstr("names '/nowhere', which is not a folder"),
+                             HasSubstr("Two plug-ins have the action 'Probe': " + tools.toStdString())));
   qputenv("VORLANE_TOOLS_PATH", "Tools");
   EXPECT_EQ(RunProgram({"actions"}).code, 2);
   qunsetenv("VORLANE_TOOLS_PATH");

@@ -193,10 +193,17 @@ TEST(Program, ListsByNameAndByFile) {
   EXPECT_THAT(RunProgram({"run", "--list", "Twin", "--in-place", "a.pdf"}).err.toStdString(), HasSubstr("Several"));
   EXPECT_EQ(RunProgram({"run", "--list", "twin2", "--in-place", "a.pdf"}).code, 0);
 
-  WriteFile("gap.xqq", "\xef\xbb\xbf[General]\n; a comment\nActionName0=Set Base URL\nActionName2=No Such Action\n");
+  WriteFile("gap.xqq",
+            "\xef\xbb\xbf[General]\n; a comment\nActionName0=Make Links Absolute\nActionName2=No Such Action\n");
   const ProgramResult gap = RunProgram({"run", "--list", "./gap.xqq", "--in-place", "a.pdf"});
   EXPECT_EQ(gap.code, 0) << gap.err.toStdString();
   EXPECT_THAT(gap.err.toStdString(), HasSubstr("action 1 is missing"));
+  const QByteArray before = ReadFile("a.pdf");
+  WriteFile("lacks.xqq", "[General]\nActionName0=Set Base URL\n");
+  const ProgramResult lacks = RunProgram({"run", "--list", "./lacks.xqq", "--in-place", "--quiet", "a.pdf"});
+  EXPECT_EQ(lacks.code, 2);
+  EXPECT_THAT(lacks.err.toStdString(), HasSubstr("lacks the setting 'baseUrlString'"));
+  EXPECT_EQ(ReadFile("a.pdf"), before);
 
   const ProgramResult text = RunProgram({"lists"});
   EXPECT_THAT(text.out.toStdString(), HasSubstr("My List\tTests\tSet Base URL, Set Base URL\n"));
@@ -219,6 +226,14 @@ TEST(Program, ShowsActionsHelpVersionAndUrls) {
   EXPECT_THAT(probe.err.toStdString(),
               testing::MatchesRegex("[^\n]*Probe: :/Vorlane/Resources/HelpFiles/Probe.html is not [^\n]*\n"
                                     "[^\n]*Probe: :/Vorlane/Resources/Tools/Probe_Selected.png is not [^\n]*\n"));
+  const QJsonArray json = QJsonDocument::fromJson(RunProgram({"actions", "--json"}).out).array();
+  EXPECT_EQ(json[1]["helpPage"].toString(), ":/Vorlane/Resources/HelpFiles/Action_SetBaseUrl.html");
+  EXPECT_EQ(json[1]["icons"].toArray().size(), 3);
+  for (const char* command : {"actions", "show", "links", "run", "report", "split", "clean", "lists", "edit", "help",
+                              "set-base-url", "make-links-absolute"}) {
+    EXPECT_THAT(RunProgram({command, "--help"}).out.toStdString(),
+                HasSubstr("Examples:\n  vorlane-run " + std::string(command)));
+  }
   EXPECT_THAT(RunProgram({"--version"}).out.toStdString(), testing::MatchesRegex("vorlane-run [0-9.]+\n"));
   EXPECT_THAT(RunProgram({"run", "--help"}).out.toStdString(), HasSubstr("vorlane-run run [options] FILE..."));
   QProcess displayless;
