@@ -19,7 +19,7 @@ bool IsHexDigit(char c) {
   return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-// The text with what may stand in a URI alone (RFC 3986, clause 2 and appendix C).
+// The text with only the characters that a URI may have (RFC 3986, clause 2 and appendix C).
 QByteArray Encoded(const QString& text) {
   const QByteArray bytes = text.trimmed().toUtf8();
   QByteArray result;

@@ -22,7 +22,7 @@ void ErrorAbout(std::string_view subject, std::string_view message);
 
 // The text with control characters as "\xNN", so that a file's name cannot break a line or drive a terminal.
 QByteArray OneLine(std::string_view text);
-// Writes all bytes, whatever interrupts; false on an error.
+// Writes all bytes, also after interruptions; false on an error.
 bool WriteAll(int descriptor, std::string_view bytes);
 
 }  // namespace Console

@@ -9,7 +9,7 @@ namespace Interruption {
 
 // Catches SIGINT and SIGTERM from now on and ignores SIGPIPE.
 void Install();
-// In a process that works alone: a second signal ends it, whatever it holds.
+// In a process that works alone: a second signal ends it, also in the middle of a file.
 void EndAtSecond();
 // In a worker process: the main process alone decides when to stop, and takes the worker along when it dies.
 void LeaveToParent(int parent);

@@ -37,7 +37,7 @@ struct FileRecord {
   std::vector<std::string> warnings;
 
   bool Unchanged() const { return saveMode == "unchanged"; }
-  // One JSON object without line breaks. File names are UTF-8; a byte that is none is the escape \udcXX.
+  // One JSON object without line breaks. File names are UTF-8; a byte that is not becomes the escape \udcXX.
   std::string ToJson() const;
   // The record as bytes for another process of this program, and back.
   std::string Pack() const;
