@@ -10,6 +10,7 @@
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
 #include "tests/engine/quick/FullParser.h"
+#include "tests/engine/quick/QuickBaseUrl.h"
 
 using engine::AppendUpdate;
 using engine::InputFile;
@@ -36,7 +37,7 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   Require(after.compare(0, bytes.size(), bytes) == 0, "the source is a prefix");
 
   const auto again = QuickReader::Read(*InputFile::FromBytes(after));
-  Require(again && again->baseUrl == url, "the quick reader reads its own update");
+  Require(again && QuickBaseUrl(*again) == url, "the quick reader reads its own update");
   const auto before = FullParser::Read(bytes);
   if (!before || !before->Sound()) return;
   const auto full = FullParser::Read(after);
