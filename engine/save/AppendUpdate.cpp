@@ -9,6 +9,7 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
+#include "engine/quick/QuickReader.h"
 #include "engine/save/FileIdentifier.h"
 
 namespace engine {
@@ -52,7 +53,8 @@ void ForEachRun(const std::vector<XrefEntry>& entries, Visit visit) {
 
 class Update {
  public:
-  Update(const InputFile& source, const FileTail& tail) : tail_(tail), base_(source.Size() - tail.headerOffset) {
+  Update(const InputFile& source, const FileTail& tail)
+      : tail_(tail), base_(source.Size() - tail.headerOffset), headerFirst_(QuickReader::StartsWithHeader(source)) {
     const std::string last = source.Size() > 0 ? source.ReadAt(source.Size() - 1, 1) : std::string();
     if (!tail.repaired.empty()) {
       text_ = tail.repaired;
@@ -94,9 +96,9 @@ class Update {
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
 
-  // Some readers rebuild the cross-references of every file with bytes before its header, and then take an object of an
+  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object of an
   // object stream for newer than any other. A changed object has to be in an object stream to take its place.
-  bool UsesObjectStream() const { return tail_.headerOffset > 0 && !tail_.OnlyTables(); }
+  bool UsesObjectStream() const { return !headerFirst_ && !tail_.OnlyTables(); }
 
   // ISO 32000-1, 7.5.7.
   void AddObjectStream(const std::vector<const ChangedObject*>& members) {
@@ -209,6 +211,7 @@ class Update {
 
   const FileTail& tail_;
   const std::uint64_t base_;
+  const bool headerFirst_;
   std::string text_;
   std::vector<XrefEntry> entries_;
   std::uint32_t size_ = 0;
