@@ -111,7 +111,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   return setting;
 }
 
-// Every plug-in puts its file below one folder; the action's name inside tells whose it is.
+// Every plug-in puts its file below one folder; the action's name inside says whose it is.
 const QMap<QString, QString>& FilesByAction() {
   static QMap<QString, QString> files;
   const QDir folder(QStringLiteral(":/Vorlane/Settings"));

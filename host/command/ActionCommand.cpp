@@ -94,7 +94,7 @@ QString ActionCommand::HelpText() const {
   return RunCommand::HelpText() + QLatin1Char('\n') + description_->HelpText();
 }
 
-// The command's name says it. In the way are values that are no values.
+// The command's name says which action it is.
 void ActionCommand::CheckAction() const {
   CheckArguments();
 }

@@ -4,15 +4,12 @@
 #include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
 
 namespace {
-
-QString Counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
-}
 
 void RequireUrl(const char* option, const QString& url) {
   const QString error = CheckUrl(url, UrlUse::kOther).error;
@@ -100,8 +97,7 @@ int LinksCommand::Execute() {
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text = Counted(counts.links, "link", "links") + QStringLiteral(" in ") +
-                 Counted(counts.files, "file", "files") +
+  QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file")) +
                  QStringLiteral(": %1 relative, viewers disagree on %2 of these, %3 without a base URL")
                      .arg(counts.relative)
                      .arg(counts.disagreeing)
