@@ -7,8 +7,8 @@
 
 #include "plugin/CActionInterface.h"
 
-// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name. Of two actions of one
-// name the first one met counts, and a warning says so. Loaded plug-ins stay loaded until the process ends.
+// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name. Of two actions with
+// the same name the first counts, and a warning names the other. Loaded plug-ins stay loaded until the process ends.
 class ActionCatalog {
  public:
   explicit ActionCatalog(const QStringList& folders) : folders_(folders) {}

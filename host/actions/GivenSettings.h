@@ -11,7 +11,7 @@
 #include "host/actions/SettingsDescription.h"
 #include "host/files/PathTemplate.h"
 
-// Settings as a user gave them on a command line, before they are held against the action's description.
+// Settings as a user gave them on a command line, before they are checked against the action's description.
 struct GivenSettings {
   QVector<QPair<QString, QString>> values;       // by key, each key once
   QStringList cleared;                           // keys that shall be empty

@@ -27,7 +27,7 @@ constexpr TypeWord kTypes[] = {{Type::kText, "text", "TEXT"},
                                {Type::kChoice, "choice", "CHOICE"},
                                {Type::kSwitch, "switch", "true|false"}};
 
-// Reads the members of an object and in the end refuses what nobody has read.
+// Reads the members of an object and at the end refuses those that were not read.
 class Members {
  public:
   Members(const QJsonObject& object, const QString& origin) : object_(object), origin_(origin) {}
@@ -111,7 +111,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   return setting;
 }
 
-// Every plug-in puts its file below one folder; the action's name inside says whose it is.
+// Every plug-in puts its file below one folder; the action's name inside shows whose it is.
 const QMap<QString, QString>& FilesByAction() {
   static QMap<QString, QString> files;
   const QDir folder(QStringLiteral(":/Vorlane/Settings"));

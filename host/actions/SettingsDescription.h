@@ -46,7 +46,7 @@ class SettingsDescription {
   const std::vector<Setting>& Settings() const { return settings_; }
   const Setting* Find(const QString& key) const;
   QStringList Keys() const;
-  // The description as it stands in the plug-in.
+  // The description as the plug-in has it.
   const QJsonObject& Json() const { return json_; }
   // For users: a heading and a paragraph for each setting.
   QString HelpText() const;

@@ -20,5 +20,5 @@ enum class UrlUse {
 // Looks at an absolute URL (RFC 3986, 4.3) as it was typed.
 UrlCheck CheckUrl(const QString& url, UrlUse use);
 
-// The URL as it stands in a document: characters outside ASCII as percent-encoded UTF-8 (RFC 3986, 2.5).
+// The URL as it is written into a document: characters outside ASCII as percent-encoded UTF-8 (RFC 3986, 2.5).
 QString UrlAsWritten(const QString& url);

@@ -94,7 +94,7 @@ QString ActionCommand::HelpText() const {
   return RunCommand::HelpText() + QLatin1Char('\n') + description_->HelpText();
 }
 
-// The command's name says which action it is.
+// Nothing to check: the command's name says which action.
 void ActionCommand::CheckAction() const {
   CheckArguments();
 }

@@ -25,7 +25,7 @@ QStringList OptionsAsTyped(QStringList options) {
   return options;
 }
 
-// A relative folder would mean code from wherever the user happens to be.
+// A relative folder would load code from whatever folder the user is in.
 QStringList FoldersOfEnvironment() {
   const QStringList folders =
       NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);

@@ -440,7 +440,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
     });
   }
 
-  // Only now: an error before is the one line that counts.
+  // Only now: after an error, that line alone is printed.
   for (const QString& warning : warnings_) {
     if (!IsSet("quiet")) Console::Error(warning);
   }

@@ -30,9 +30,9 @@ class InputList {
   std::string File(std::size_t index) const { return std::string(NameOf(index)); }
   // The part of the name that an output folder repeats: below a given folder the path from there, else the base name.
   std::string Relative(std::size_t index) const;
-  // The path that values for this file are made of: from `root`, a real path that ends in a slash, or, without one,
-  // from the given folder. Nothing when the file is not below them; a file that is named by itself is below the current
-  // folder only.
+  // The path from which values for this file are made: relative to `root`, a real path that ends in a slash, or without
+  // a root to the given folder. No value when the file is not below it. A file that was given itself counts as below
+  // the current folder.
   std::optional<std::string> PathBelow(const std::string& root, std::size_t index) const;
   // Why this entry cannot be processed, or an empty text. Whether a file can be opened shows later.
   std::string Problem(std::size_t index) const;

@@ -17,9 +17,9 @@ bool IsName(std::string_view name);
 std::vector<std::string> Find(const std::string& folder);
 
 // Removes those in a folder, or below it, that were last changed before `before` and that no process has locked, as a
-// running save does. A file whose content is old and whose name is new counts as new. Calls `each` with every path
-// that was removed, or with the reason when it or a folder could not be. Links are not followed. Throws as
-// Interruption::Check does.
+// running save does. A file whose content is old and whose name is new counts as new. Calls `each` with every path that
+// was removed, and with the reason where a file could not be removed or a folder not be read. Links are not followed.
+// Throws as Interruption::Check does.
 void Remove(const std::string& folder, bool recursive, std::time_t before,
             const std::function<void(const std::string& path, const std::string& problem)>& each);
 

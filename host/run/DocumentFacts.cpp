@@ -97,7 +97,7 @@ std::string SaveMode(PdfLibrary::Wrapper& library) {
   return TextOrNull(library.GetInformation(kInformationSaveMode));
 }
 
-// Null for what is no regular file.
+// Null for what is not a regular file.
 std::string SizeOf(const std::string& file) {
   struct stat status = {};
   const bool isFile = stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);

@@ -5,8 +5,8 @@
 
 #include "host/base/PdfLibrary.h"
 
-// What can be told about a document: one JSON object without line breaks, always with the same keys; null where a fact
-// does not exist or the library does not know it.
+// The facts about a document: one JSON object without line breaks, always with the same keys; null where a fact does
+// not exist or the library does not know it.
 namespace DocumentFacts {
 
 // Of the library's selected document, which was loaded from `file`. Leaves changes in the document that must not be

@@ -51,8 +51,8 @@ class RunPlan {
   const std::vector<FileRecord>& Settled() const { return settled_; }
   // How many the resumed run has done; there are records of them already.
   std::size_t DoneBefore() const { return doneBefore_; }
-  // How many the resumed run has done that are done again: because its report does not say by which job, because it was
-  // another job, and because they were changed since.
+  // How many files that the resumed run has done are done again, by reason: its report does not name the job, it was
+  // another job, the files were changed since.
   std::size_t DoneWithoutJob() const { return doneWithoutJob_; }
   std::size_t DoneOtherwise() const { return doneOtherwise_; }
   std::size_t ChangedSince() const { return changedSince_; }

@@ -21,7 +21,7 @@ class RunReporter {
   void Take(const FileRecord& record);
   // The same for an input that is not processed; a line says why.
   void TakeSettled(const FileRecord& record);
-  // Lets what was taken be seen: streamed lines and the progress bar.
+  // Shows what was taken so far: streamed lines and the progress bar.
   void Flush();
   // Completes report and counts. False when the report could not be written.
   bool Finish(bool interrupted);

@@ -89,7 +89,7 @@ double contrast(const QImage& image) {
   return best;
 }
 
-// Where the widget's text is drawn on the dialog's own ground; empty for one that has a ground of its own, or none.
+// Where the widget draws text on the dialog's background; empty for a widget with its own background or without text.
 QRect textOf(const QWidget& widget) {
   if (const auto* group = qobject_cast<const QGroupBox*>(&widget)) return titleOf(*group);
   if (qobject_cast<const QRadioButton*>(&widget)) return widget.rect().adjusted(20, 0, 0, 0);

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// Its catalog stands in the trailer, where no update can change it.
+// Its catalog is in the trailer, where no update can change it.
 QByteArray MakeSignedPdfToRewrite() {
   return MakeSignedPdf().replace("/Root 1 0 R",
                                  "/Root<</Type/Catalog/Pages 2 0 R/AcroForm<</SigFlags 3/Fields[4 0 R]>>>>");

@@ -19,7 +19,7 @@ namespace {
 const QByteArray kOld = MakePdf("/URI<</Base(http://old/)>>");
 const QByteArray kNew = MakePdf("/URI<</Base(http://new/)>>");
 const QByteArray kNone = MakePdf();
-// Its catalog stands in the trailer, where no update can change it.
+// Its catalog is in the trailer, where no update can change it.
 const QByteArray kRewritten = MakePdf().replace("/Root 1 0 R", "/Root<</Type/Catalog/Pages 2 0 R>>");
 
 QStringList Names(const QString& folder = ".") {

@@ -89,7 +89,7 @@ void LimitFileSize(bool toNothing) {
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-// Whether root may write what the file's permissions forbid; nobody else may in any case.
+// Whether root may write what the file's permissions forbid.
 void LetRootOverride(bool may) {
   __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
   __user_cap_data_struct data[2]{};
