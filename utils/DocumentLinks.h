@@ -13,7 +13,7 @@ class HalvexPDFLibraryCPDylibCPP1311;
 struct DocumentLink {
   /// What the action belongs to.
   enum class Kind {
-    kAnnotation,  ///< of an annotation that is no form field
+    kAnnotation,  ///< of an annotation that is not a form field
     kOutline,     ///< of an outline item
     kField        ///< of a form field, or of its widget on a page
   };

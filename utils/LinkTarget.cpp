@@ -23,7 +23,7 @@ bool MayBeInUri(char c) {
   return IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr);
 }
 
-// The text with what may stand in a URI alone (RFC 3986, clause 2 and appendix C).
+// The text with only the characters that a URI may have (RFC 3986, clause 2 and appendix C).
 QByteArray Encoded(const QString& text) {
   QByteArray bytes = text.trimmed().toUtf8();
   if (std::all_of(bytes.cbegin(), bytes.cend(), MayBeInUri)) return bytes;  // most are

@@ -57,7 +57,7 @@ std::wstring WideFromBytes(const std::string& bytes) {
 
 std::string Fact(Document& document, int key) {
   switch (key) {
-    case kInformationWayOfSaving:
+    case kInformationSaveMode:
       return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
@@ -67,7 +67,7 @@ std::string Fact(Document& document, int key) {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
-    case kInformationLastWay:
+    case kInformationLastSaveMode:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     case kInformationHasBaseUrl:
       return document.HasBaseUrl() ? "1" : "0";

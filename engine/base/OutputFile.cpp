@@ -387,7 +387,7 @@ void OutputFile::CheckIsLoaded(const std::string& path, const struct stat& old) 
 }
 
 // Undoes an exchange that took another program's save out of its place. When that place then held anything but what was
-// put there, somebody has saved once more meanwhile, and the newest save has to stay.
+// put there, another program has saved once more meanwhile, and the newest save has to stay.
 void OutputFile::PutBack() {
   struct stat own = {};
   fstat(descriptor_, &own);

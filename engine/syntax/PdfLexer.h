@@ -13,7 +13,7 @@
 namespace engine {
 
 // Reads PDF tokens and objects from a text (ISO 32000-1, 7.2 and 7.3) without building them: what is wanted is their
-// extent. Strict: whatever readers are known to take differently throws PdfSyntaxError. Needs no recursion.
+// extent. Strict: what readers are known to take differently throws PdfSyntaxError. Needs no recursion.
 class PdfLexer {
  public:
   enum class Kind {

@@ -57,7 +57,7 @@ std::string PdfLibrary::LoadDocument(Wrapper& library, const std::string& file,
   const std::wstring name = NativeName::ToWide(file);
   const std::vector<std::wstring> none(1);
   int error = kErrorNone;
-  // Many files need no password for reading, whatever those that were given for others.
+  // Many files need no password for reading; the given ones may be for others.
   for (const auto* tried : {&passwords, &none}) {
     for (const std::wstring& password : *tried) {
       if (library.LoadFromFile(name, password) != 0) return {};

@@ -4,18 +4,15 @@
 #include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
 
 namespace {
 
-QString Counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
-}
-
 void RequireUrl(const char* option, const QString& url) {
-  const QString error = CheckUrl(url, false).error;
+  const QString error = CheckUrl(url, UrlUse::kOther).error;
   if (error.isEmpty()) return;
   throw CommandError(kExitUsage,
                      QStringLiteral("Option '--%1' takes a URL, not '%2': %3.").arg(QLatin1String(option), url, error));
@@ -42,6 +39,9 @@ LinksCommand::LinksCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("links --recursive archive/"));
+  AddExample(QStringLiteral("links --base https://example.org/manual/ manual.pdf"));
+  AddExample(QStringLiteral("links --check https://example.org/=/srv/www --recursive /srv/www"));
 }
 
 void LinksCommand::Check() {
@@ -69,6 +69,7 @@ int LinksCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;
@@ -96,8 +97,7 @@ int LinksCommand::Execute() {
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text =
-      Counted(counts.links, "link", "links") + QStringLiteral(" in ") + Counted(counts.files, "file", "files");
+  QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));
   if (counts.relative > 0) {
     text += QStringLiteral(", %1 relative; viewers disagree on %2 of these, %3 without a base URL")
                 .arg(counts.relative)

@@ -52,7 +52,7 @@ std::optional<std::string> Text(const ViewerRules::Target& target) {
   return target ? std::optional(target->toStdString()) : std::nullopt;
 }
 
-// Bytes that are no UTF-8, and a byte order mark, are shown as escapes.
+// Bytes that are not UTF-8, and a byte order mark, are shown as escapes.
 QByteArray Shown(const std::string& text) {
   if (text.empty()) return "(empty)";
   const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });

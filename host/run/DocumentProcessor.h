@@ -14,7 +14,7 @@ struct BaseUrlCondition {
   enum class Kind {
     kAny,
     kNone,     // those without one, or with an empty one
-    kDiffers,  // those whose base URL the actions change
+    kDiffers,  // those that the actions change; by the base URL if the library does not say how it would save
     kIs        // those with this value
   };
   Kind kind = Kind::kAny;

@@ -70,7 +70,7 @@ std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string&
     if (Count(link)) text += Formatted(file, link);
   });
   counts_.files = 1;
-  // What was found is listed all the same.
+  // The links that were found are listed nevertheless.
   if (error != kErrorNone) {
     counts_.incomplete = 1;
     Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));

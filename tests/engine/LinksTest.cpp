@@ -137,7 +137,7 @@ TEST_F(LinksTest, AreTheSameForBothReadersInSamples) {
     SCOPED_TRACE(file);
     const std::string own = LinksOf(file, password);
     links += static_cast<int>(std::count(own.begin(), own.end(), '\n'));
-    WriteForParser("parser.pdf", ReadFile(file));
+    WriteForParser("parser.pdf", ReadText(file));
     EXPECT_EQ(LinksOf("parser.pdf", password), own);
   }
   EXPECT_GT(links, 0);
@@ -236,8 +236,8 @@ TEST_F(LinksTest, AreSetInEveryFormOfFile) {
       if (Sound("source.pdf", "--password=user")) {
         EXPECT_TRUE(Sound("changed.pdf", "--password=user"));
       }
-      const std::string source = ReadFile("source.pdf");
-      EXPECT_EQ(ReadFile("changed.pdf").substr(0, source.size()), source);
+      const std::string source = ReadText("source.pdf");
+      EXPECT_EQ(ReadText("changed.pdf").substr(0, source.size()), source);
       library_.RemoveDocument(library_.SelectedDocument());
     }
   }
@@ -262,7 +262,7 @@ TEST_F(LinksTest, SetToTheBytesOfTheFileAreNoChange) {
     EXPECT_EQ(library_.GetInformation(kInformationActionUriBytes + action), row.bytes) << row.annotation;
     EXPECT_EQ(library_.SetActionURL(action, L"other"), 1);
     EXPECT_EQ(library_.SetActionURL(action, row.uri), 1);
-    EXPECT_EQ(library_.GetInformation(kInformationWayOfSaving), row.mode) << row.annotation;
+    EXPECT_EQ(library_.GetInformation(kInformationSaveMode), row.mode) << row.annotation;
   }
 }
 

@@ -8,7 +8,7 @@
 #include <QJsonObject>
 
 #include "host/links/LinkCheck.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 #include "utils/LinkTarget.h"
 
 namespace {
@@ -305,7 +305,7 @@ TEST(MakeLinksAbsolute, EveryRelativeLinkLeadsWhereItShould) {
     EXPECT_EQ(Uris("a.pdf").value(0), "c.html");
     const ProgramResult result = MakeAbsolute({"a.pdf"});
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(ReadReport(result.out)["a.pdf"]["way"].toString(), "incremental");
+    EXPECT_EQ(ReadReport(result.out)["a.pdf"]["saveMode"].toString(), "incremental");
     EXPECT_TRUE(ReadFile("a.pdf").startsWith(row.pdf));
     EXPECT_EQ(Uris("a.pdf"), row.after);
     EXPECT_EQ(BaseUrlOf("a.pdf"), "https://e.org/m/");

@@ -54,7 +54,7 @@ constexpr Row kRows[] = {
     {"https://example.org/", "\xC3\xA9%41%4", "https://example.org/%C3%A9%41%254"},
     {"", "mailto:a@b.example", "mailto:a@b.example"},
     {"", "https://example.org/a/../b", "https://example.org/b"},
-    // Without a base of its own a relative link leads nowhere.
+    // Without an absolute base a relative link leads nowhere.
     {"", "x.html", nullptr},
     {"manuals/", "x.html", nullptr},
     {"", "1a:b", nullptr},

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Load, set, append, read again: the new base URL is there for both readers and nothing else has changed.
+// What the quick reader reads, libqpdf must read too, for files in which libqpdf finds nothing to warn of. Load, set,
+// append, read again: the new base URL is there for both readers and nothing else has changed.
 #include <cstdio>
 #include <cstdlib>
 
@@ -39,6 +40,8 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   Require(again && again->baseUrl == url, "the quick reader reads its own update");
   const auto before = FullParser::Read(bytes);
   if (!before || !before->Sound()) return;
+  Require(document->tail.root == before->root, "both readers find the same catalog");
+  Require(document->baseUrl == before->baseUrl, "both readers find the same base URL");
   const auto full = FullParser::Read(after);
   Require(full.has_value(), "the full parser opens the update");
   Require(full->baseUrl == url, "the full parser reads the new base URL");
@@ -49,6 +52,7 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
+  QuickReader::ReadTail(*InputFile::FromBytes(bytes));
   CheckUpdate(bytes, "http://example.net/(\\");
   CheckUpdate(bytes, "");
   return 0;
