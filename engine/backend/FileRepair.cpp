@@ -194,7 +194,7 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
   return key == "/Encrypt" && Finds(encryption) ? encryption.Reference() : std::string();
 }
 
-// Joined files: they have objects of the same numbers, and what is encrypted in one is not in the other.
+// Files that were joined: they have objects of the same numbers, and what one has encrypted is not in the other.
 void FileRepair::CheckOneDocument() {
   std::set<std::string> values;
   std::set<std::string> identifiers;
@@ -489,7 +489,7 @@ std::optional<FileTail> FileRepair::FindEarlierEnd(const std::string& password) 
       const std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
       if (document == nullptr || !LeadsToPage(document->getRoot())) continue;
       std::optional<FileTail> tail = CompleteTail(*document, *file_);
-      // Numbers in the rest of the file are not given to new objects.
+      // Numbers that stand in the rest of the file are not given away.
       if (tail) tail->size = std::max(tail->size, Newest().back().id.number + 1);
       if (tail) return tail;
     } catch (const std::exception&) {
