@@ -4,15 +4,12 @@
 #include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
 
 namespace {
-
-QString Counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
-}
 
 void RequireUrl(const char* option, const QString& url) {
   const QString error = CheckUrl(url, UrlUse::kOther).error;
@@ -56,7 +53,7 @@ void LinksCommand::Check() {
   if (IsSet("base")) {
     RequireUrl("base", Value("base"));
     const QString base = UrlAsWritten(Value("base"));
-    options_.base = LinkBase{base, base.toLatin1()};
+    options_.base = LinkBase{base, {base.toLatin1()}};
   }
   for (const QString& text : parser_.values(QStringLiteral("check"))) {
     options_.checks.emplace_back(text);
@@ -100,12 +97,15 @@ int LinksCommand::Execute() {
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text = Counted(counts.links, "link", "links") + QStringLiteral(" in ") +
-                 Counted(counts.files, "file", "files") +
-                 QStringLiteral(": %1 relative, viewers disagree on %2 of these, %3 without a base URL")
-                     .arg(counts.relative)
-                     .arg(counts.disagreeing)
-                     .arg(counts.withoutBase);
+  QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));
+  if (counts.relative > 0) {
+    text += QStringLiteral(", %1 relative; viewers disagree on %2 of these, %3 without a base URL")
+                .arg(counts.relative)
+                .arg(counts.disagreeing)
+                .arg(counts.withoutBase);
+  } else if (counts.links > 0) {
+    text += QStringLiteral(", none relative");
+  }
   if (!options_.checks.empty()) {
     text += QStringLiteral("; %1 checked, %2 missing").arg(counts.checked).arg(counts.missing);
   }

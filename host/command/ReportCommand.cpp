@@ -25,6 +25,8 @@ ReportCommand::ReportCommand()
 void ReportCommand::Check() {
   Exclude("json", "csv");
   if (parser_.positionalArguments().isEmpty()) throw CommandError(kExitUsage, QStringLiteral("No report is given."));
+  const int readers = parser_.positionalArguments().count(QStringLiteral("-")) + (Value("files-from") == "-" ? 1 : 0);
+  if (readers > 1) throw CommandError(kExitUsage, QStringLiteral("The standard input can be read once only."));
 }
 
 int ReportCommand::Execute() {

@@ -154,10 +154,8 @@ int SplitCommand::Execute() {
   }
   WriteParts(prefix, names, nul);
   if (files.size() < parts.size()) {
-    Console::Error(QStringLiteral("For %1, %2 of the %3 parts are empty.")
-                       .arg(QString::fromStdString(Counted(files.size(), "file")))
-                       .arg(parts.size() - files.size())
-                       .arg(parts.size()));
+    Console::Error(QString::fromStdString("There are more parts than files (" + Counted(parts.size(), "part") + ", " +
+                                          Counted(files.size(), "file") + "): the last ones are empty."));
   }
   return Console::Print(listing) ? kExitDone : kExitSomeFailed;
 }

@@ -123,7 +123,7 @@ std::string ReportSummary::ToText() const {
   append(CountNames(failed_), " failed");
   append(skipped_, " skipped");
   append(wouldChange_, " would change");
-  append(wouldStay_, " would stay as they are");
+  append(wouldStay_, " would stay unchanged");
   append(missing_.size(), " in no report");
   if (tornLines_ > 0) text += ", " + Counted(tornLines_, "line") + " cut off by a crash";
   text += '\n';

@@ -126,7 +126,7 @@ void RunReporter::Summarize(bool interrupted) {
   std::string text;
   if (dryRun_) {
     text = "dry run, nothing was saved: " + std::to_string(done_ - unchanged_) + " would change";
-    AppendCount(text, unchanged_, " would stay as they are");
+    AppendCount(text, unchanged_, " would stay unchanged");
   } else {
     text = std::to_string(done_) + " done";
     AppendCount(text, unchanged_, " of them unchanged");

@@ -41,7 +41,7 @@ class RunReporter {
   std::string list_;
   bool listWritten_ = true;
   std::size_t total_;
-  std::size_t done_ = 0;  // in a dry run: would change, or would stay as they are
+  std::size_t done_ = 0;  // in a dry run: would change, or would stay unchanged
   std::size_t unchanged_ = 0;
   std::size_t failed_ = 0;
   std::size_t skipped_ = 0;

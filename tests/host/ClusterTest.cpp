@@ -142,8 +142,8 @@ TEST(Reports, AreMergedByTheLastRecordOfEachFile) {
   EXPECT_TRUE(torn.err.contains("No record is whole"));
   EXPECT_EQ(RunProgram({"report", "-"}, Record("a", "done") + '\n').code, 0);
   WriteFile("no-report", "%PDF");
-  for (const QStringList& wrong :
-       {QStringList{"missing"}, QStringList{"no-report"}, QStringList{}, QStringList{"--json", "--csv", "one.jsonl"}}) {
+  for (const QStringList& wrong : {QStringList{"missing"}, QStringList{"no-report"}, QStringList{},
+                                   QStringList{"--json", "--csv", "one.jsonl"}, QStringList{"-", "-"}}) {
     EXPECT_EQ(RunProgram(QStringList{"report"} + wrong).code, 2) << wrong.join(' ').toStdString();
   }
 }
@@ -189,7 +189,7 @@ TEST(Parts, AreListsThatReplaceNothing) {
   EXPECT_EQ(ReadFile("q0001.part"), "a.pdf\n");
   const ProgramResult many = RunProgram({"split", "3", "--prefix", "m", "a.pdf"});
   EXPECT_EQ(many.code, 0);
-  EXPECT_EQ(many.err, "vorlane-run: For 1 file, 2 of the 3 parts are empty.\n");
+  EXPECT_EQ(many.err, "vorlane-run: There are more parts than files (3 parts, 1 file): the last ones are empty.\n");
   for (const QStringList& wrong : {QStringList{"0", "a.pdf"}, QStringList{"x", "a.pdf"}, QStringList{"2"}}) {
     EXPECT_EQ(RunProgram(QStringList{"split"} + wrong).code, 2) << wrong.join(' ').toStdString();
   }

@@ -92,7 +92,7 @@ TEST(Links, ExitCodes) {
     int code;
     const char* shown;  // in the output or the error
   } rows[] = {
-      {{"good.pdf", "slash.pdf"}, 0, "8 links in 2 files: 7 relative, viewers disagree on 3 of these, 0 without"},
+      {{"good.pdf", "slash.pdf"}, 0, "8 links in 2 files, 7 relative; viewers disagree on 3 of these, 0 without"},
       {{"--strict", "good.pdf"}, 0, "viewers disagree on 0"},
       {{"--strict", "slash.pdf"}, 1, "! Firefox"},
       {{"--strict", "none.pdf"}, 1, "2 without a base URL"},
@@ -115,6 +115,60 @@ TEST(Links, ExitCodes) {
     EXPECT_TRUE((result.out + result.err).contains(row.shown)) << (result.out + result.err).toStdString();
     EXPECT_TRUE(row.code != 2 || result.err.count('\n') == 1) << result.err.toStdString();
   }
+}
+
+TEST(Links, TheTableIsAligned) {
+  const QByteArray longLink = "https://e.org/" + QByteArray(30, 'x');
+  WriteFile("a.pdf",
+            MakePdf(Base("https://e.org/"), {},
+                    "/Annots[" + Annotations({"a", "\xC3\xA4", "../b", longLink}) + Annotation("<FEFF0063>") + ']'));
+  EXPECT_EQ(RunProgram({"links", "--all", "a.pdf"}).out,
+            "a.pdf: base URL https://e.org/\n"
+            "      1  a                                  https://e.org/a\n"
+            "      1  \xC3\xA4                                  https://e.org/%C3%A4\n"
+            "      1  ../b                               https://e.org/b\n"
+            "      1  " +
+                longLink +
+                "\n"
+                "      1  c                                ! Firefox                  https://e.org/%C3%BE%C3%BF%00c\n"
+                "                                            Chrome                   https://e.org/\\xFE\\xFF\\x00c\n"
+                "                                            MuPDF                    https://e.org/c\n"
+                "                                            Poppler                  https://e.org/\\xFE\\xFF\n"
+                "5 links in 1 file, 4 relative; viewers disagree on 1 of these, 0 without a base URL\n");
+  QDir().mkpath("site");
+  WriteFile("site/a", "x");
+  EXPECT_EQ(RunProgram({"links", "--check", "https://e.org=site", "a.pdf"}).out,
+            "a.pdf: base URL https://e.org/\n"
+            "      1  \xC3\xA4                                  missing: https://e.org/%C3%A4\n"
+            "      1  ../b                               missing: https://e.org/b\n"
+            "      1  " +
+                longLink +
+                "\n"
+                "                                            missing: " +
+                longLink +
+                "\n"
+                "      1  c                                  missing: https://e.org/c\n"
+                "5 links in 1 file, 4 relative; viewers disagree on 1 of these, 0 without a base URL; 5 checked, 4 "
+                "missing\n");
+}
+
+TEST(Links, ManyFilesInTheirOrderFromSeveralWorkers) {
+  QByteArray names;
+  QStringList expected;
+  for (int i = 0; i < 40; ++i) {
+    const QByteArray name = QByteArray::number(i) + ".pdf";
+    WriteFile(name, LinksPdf(Base("https://e.org/"), {name}));
+    names += name + '\n';
+    expected += name;
+  }
+  const ProgramResult result = RunProgram({"links", "--json", "--jobs", "3", "--files-from", "-"}, names);
+  EXPECT_EQ(result.code, 0);
+  QStringList found;
+  for (const QByteArray& line : result.out.split('\n')) {
+    const QJsonObject link = QJsonDocument::fromJson(line).object();
+    if (link["kind"] == "annotation") found += link["uri"].toString();
+  }
+  EXPECT_EQ(found, expected);
 }
 
 TEST(LinkCheck, LooksInTheFolderAndNeverOutside) {

@@ -49,7 +49,7 @@ TEST(DryRun, SaysWhatTheRunDoesAndWritesNothing) {
     const ProgramResult dry = RunProgram(run + QStringList{"--dry-run"});
     EXPECT_EQ(dry.code, 1);
     EXPECT_THAT(dry.err.toStdString(),
-                HasSubstr("dry run, nothing was saved: 4 would change, 1 would stay as they are, 2 failed"));
+                HasSubstr("dry run, nothing was saved: 4 would change, 1 would stay unchanged, 2 failed"));
     EXPECT_FALSE(QFile::exists("new"));
     EXPECT_EQ(Names("in").size(), 7);
     for (const auto& [name, content] : files) EXPECT_EQ(ReadFile(QString("in/") + name), content) << name;
