@@ -278,7 +278,7 @@ QByteArray MakeHybridPdf(const QByteArray& catalog, const QByteArray& links) {
   const QByteArray stream = "5 0 obj\n<</Type/XRef/Size 6/W[1 4 1]/Index[4 1]/Root 1 0 R/Length 6>>\nstream\n" + entry +
                             QByteArray(1, '\0') + "\nendstream\nendobj\n";
   pdf.insert(table, object + stream);
-  pdf.replace("/Size 4/Root", "/Size 6/XRefStm " + QByteArray::number(table + object.size()) + "/Root");
+  pdf.replace("/Size 4 /Root", "/Size 6 /XRefStm " + QByteArray::number(table + object.size()) + " /Root");
   return pdf.replace("startxref\n" + QByteArray::number(table),
                      "startxref\n" + QByteArray::number(table + object.size() + stream.size()));
 }
