@@ -26,8 +26,7 @@ FileState StateOf(const QJsonObject& record, const QString& reason) {
     // It was in hand when the run was cancelled for the second time.
     return reason == QLatin1String("interrupted") ? FileState::kCancelled : FileState::kFailed;
   }
-  const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged") ||
-                         TextOf(record, "way") == QLatin1String("unchanged");
+  const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged");
   return unchanged ? FileState::kUnchanged : FileState::kDone;
 }
 
