@@ -27,8 +27,10 @@ LinksCommand::LinksCommand()
               "Lists the relative links of annotations, outlines and forms, and where viewers lead for them.")) {
   AddOption(QStringLiteral("all"),
             QStringLiteral("Also lists links that have a scheme; '--check' looks all links up."));
-  AddOption(QStringLiteral("base"), QStringLiteral("Shows what this base URL would do instead of the files' own."),
-            QStringLiteral("URL"));
+  AddOption(
+      QStringLiteral("base"),
+      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
+      QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),
@@ -55,9 +57,9 @@ void LinksCommand::Check() {
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    RequireUrl("base", Value("base"));
+    if (!Value("base").isEmpty()) RequireUrl("base", Value("base"));
     const QString base = UrlAsWritten(Value("base"));
-    options_.base = LinkBase{base, {base.toLatin1()}};
+    options_.base = LinkBase{base, base.isEmpty() ? ViewerRules::Base() : ViewerRules::Base(base.toLatin1())};
   }
   for (const QString& text : parser_.values(QStringLiteral("check"))) {
     options_.checks.emplace_back(text);

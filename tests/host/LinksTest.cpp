@@ -100,7 +100,7 @@ TEST(Links, ExitCodes) {
               {{"missing.pdf"}, 1, "missing.pdf: no such file"},
               {{"--strict", "--base", "https://e.org/", "junk.pdf", "none.pdf"}, 1, "junk.pdf: not a PDF"},
               {{"--base", "x/", "good.pdf"}, 2, "takes a URL, not 'x/': it has no scheme"},
-              {{"--base", "", "good.pdf"}, 2, "takes a URL, not ''"},
+              {{"--base", "", "good.pdf"}, 0, "file://a\n"},
               {{"--base", "https://a b/", "good.pdf"}, 2, "it has a space"},
               {{"--check", "x", "good.pdf"}, 2, "takes URL=FOLDER, not 'x'"},
               {{"--check", "https://e.org=nowhere", "good.pdf"}, 2, "no folder 'nowhere'"},
