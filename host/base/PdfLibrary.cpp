@@ -13,6 +13,7 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 #include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/Utf8.h"
 
 namespace {
 
@@ -76,7 +77,8 @@ std::string PdfLibrary::SavingMessage(int errorCode, const std::string& output) 
 }
 
 std::string PdfLibrary::ToUtf8(const std::wstring& text) {
-  return QString::fromStdWString(text).toUtf8().toStdString();
+  return Utf8::AsciiPrefix(text) == text.size() ? std::string(text.begin(), text.end())
+                                                : QString::fromStdWString(text).toUtf8().toStdString();
 }
 
 const char* PdfLibrary::ErrorMessage(int errorCode) {

@@ -23,8 +23,10 @@ void RequireUrl(const char* option, const QString& url) {
 LinksCommand::LinksCommand()
     : BatchCommand(QStringLiteral("links"), QStringLiteral("Lists relative links and where viewers lead for them.")) {
   AddOption(QStringLiteral("all"), QStringLiteral("Also lists links that have a scheme."));
-  AddOption(QStringLiteral("base"), QStringLiteral("Shows what this base URL would do instead of the files' own."),
-            QStringLiteral("URL"));
+  AddOption(
+      QStringLiteral("base"),
+      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
+      QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),
@@ -51,7 +53,7 @@ void LinksCommand::Check() {
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    RequireUrl("base", Value("base"));
+    if (!Value("base").isEmpty()) RequireUrl("base", Value("base"));
     const QString base = UrlAsWritten(Value("base"));
     options_.base = LinkBase{base, {base.toLatin1()}};
   }

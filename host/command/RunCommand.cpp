@@ -337,6 +337,7 @@ ProcessingOptions RunCommand::Processing() const {
   options.passwords = Passwords();
   options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
   options.dryRun = IsSet("dry-run");
+  options.forReport = IsSet("report");
   options.backupSuffix = BytesOf("backup").toStdString();
   if (!IsSet("only-if")) return options;
   const QString condition = Value("only-if");

@@ -203,7 +203,7 @@ void DocumentProcessor::Save(FileRecord& record) {
   SaveOutput(record);
   backup.Keep();
   record.backup = backup.Name();
-  record.outputState = FileState::Of(record.output);
+  if (options_.forReport) record.outputState = FileState::Of(record.output);
 }
 
 void DocumentProcessor::SaveOutput(FileRecord& record) {
@@ -222,9 +222,7 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
 void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
-  if (record.saveMode != "incremental" ||
-      PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastSaveMode)) != "rewrite")
-    return;
+  if (record.saveMode != "incremental" || library_.GetInformation(kInformationLastSaveMode) != L"rewrite") return;
   record.saveMode = "rewrite";
   record.warnings.push_back("the whole file is rewritten (an appended update was not readable)");
 }

@@ -27,6 +27,7 @@ struct ProcessingOptions {
   bool dryRun = false;       // everything but the save
   std::string backupSuffix;  // bytes; empty for no backups. Outputs are the inputs then
   BaseUrlCondition onlyIf;
+  bool forReport = false;  // the records hold what only a report needs
 };
 
 // Loads a document, runs the actions on it, saves it. All documents go through one library object, one after another.

@@ -61,7 +61,9 @@ void LinkListing::Take(std::size_t item, std::string_view result) {
 
 std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
   std::optional<LinkBase> base = options_.base;
-  if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
+  if (base && base->text.isEmpty()) {
+    base.reset();
+  } else if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
     base = LinkBase{QString::fromStdWString(library.GetBaseURL()), {BaseUrlBytes(library)}};
   }
   std::string text;

@@ -15,7 +15,7 @@ struct LinkListingOptions {
 
   Format format = Format::kTable;
   bool all = false;               // also links that are not relative
-  std::optional<LinkBase> base;   // instead of the documents' own
+  std::optional<LinkBase> base;   // instead of the documents' own; an empty one: as if they had none
   std::vector<LinkCheck> checks;  // lists only the links whose files are missing in a folder
 };
 

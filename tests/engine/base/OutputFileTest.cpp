@@ -454,7 +454,13 @@ TEST_P(OutputFileTest, NoticesThatTheSourceChanged) {
       const auto source = InputFile::Open("source");
       source->ReadAt(0, 1);
       change();
-      EXPECT_EQ(CodeOf([&] { OutputFile("out/a").CopyFrom(*source); }), kErrorSourceChanged) << name;
+      const auto save = [&] {
+        OutputFile output("out/a");
+        output.CopyFrom(*source);
+        output.Commit();
+      };
+      EXPECT_EQ(CodeOf(save), kErrorSourceChanged) << name;
+      EXPECT_EQ(CodeOf([&] { OutputFile().CopyFrom(*source); }), kErrorSourceChanged) << name;
       EXPECT_EQ(FilesIn("out"), 0u);
     }
   }

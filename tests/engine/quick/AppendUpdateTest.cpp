@@ -11,6 +11,7 @@
 #include "engine/base/OutputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/DictionaryText.h"
+#include "tests/engine/quick/QuickBaseUrl.h"
 #include "tests/support/Files.h"
 
 using engine::AppendUpdate;
@@ -111,7 +112,7 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
     }
     const auto again = QuickReader::Read(*InputFile::Open("large.pdf"));
     ASSERT_TRUE(again.has_value());
-    EXPECT_EQ(again->baseUrl, "second");
+    EXPECT_EQ(QuickBaseUrl(*again), "second");
     EXPECT_EQ(again->tail.kind, c.kind);
     const ToolResult shown = RunTool("qpdf --suppress-recovery --show-object=1 large.pdf");
     EXPECT_EQ(shown.status, 0) << shown.output;

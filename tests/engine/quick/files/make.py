@@ -251,6 +251,8 @@ def sound():
     yield "uri-other-keys", File().put(body(b"/URI << /Before [ (]) ] /Base (b) /After /Name >>")).table(), b"b"
     yield "uri-of-wrong-type", File().put(body(b"/URI (text)")).table(), b""
     yield "base-of-wrong-type", File().put(body(b"/URI << /Base /Name /More 1 >>")).table(), b""
+    yield "uri-is-reference", File().put(body(b"/URI 4 0 R")).put({4: b"<< /Base (b) >>"}).table(), b"b"
+    yield "base-is-reference", File().put(body(b"/URI << /Base 4 0 R >>")).put({4: b"(b)"}).table(), b"b"
     yield "uri-null", File().put(body(b"/URI null")).table(), b""
     yield "catalog-long", File().put(body(b"/Long [ %s] " % (b"(0123456789) " * 20000) + URI)).table()
     yield "trailer-of-others", File().put(body()).table(extra=b" /Info << /Title (t) >> /DocChecksum /ABC")
@@ -266,8 +268,6 @@ def defects():
     yield "bytes-before-header", File(lead=b"junk\n", base=5).put(body()).table()
     yield "encrypted", File().put(body()).table(extra=b" /Encrypt << /Filter /Standard /V 1 /R 2 /O (%s) /U (%s) /P -1 >>"
                                                 % (b"o" * 32, b"u" * 32))
-    yield "uri-is-reference", File().put(body(b"/URI 4 0 R")).put({4: b"<< /Base (b) >>"}).table()
-    yield "base-is-reference", File().put(body(b"/URI << /Base 4 0 R >>")).put({4: b"(b)"}).table()
     yield "key-with-escape", File().put(body(b"/U#52I << /Base (b) >>")).table()
     yield "key-twice", File().put(body(URI + b"/URI << /Base (c) >>")).table()
     yield "cut-off-in-table", plain[:plain.index(b"trailer") - 30]
