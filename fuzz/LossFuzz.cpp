@@ -86,8 +86,8 @@ bool Same(const Attempt& a, const Attempt& b) {
   return a.failure == b.failure && a.reading == b.reading;
 }
 
-// How the engine saves `in` with a base URL as `out`: "incremental", "rewrite", "not saved, error N" ... After a line end
-// follows the base URL that it read before.
+// How the engine saves `in` with a base URL as `out`: "incremental", "rewrite", "not saved, error N" ... After a line
+// end follows the base URL that it read before.
 Outcome Save(const std::string& library, const fs::path& in, const fs::path& out) {
   const auto work = [&]() -> std::string {
     HalvexPDFLibraryCPDylibCPP1311 engine(Wide(library));

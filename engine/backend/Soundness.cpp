@@ -96,8 +96,8 @@ bool PagesAreThere(QPDF& document, FileRepair& repair) {
 }  // namespace
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
-  return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) && ObjectStreams(file.Size()).Check(document) &&
-         PagesAreThere(document, repair);
+  return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) &&
+         ObjectStreams(file.Size()).Check(document) && PagesAreThere(document, repair);
 }
 
 std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {

@@ -96,8 +96,8 @@ class Update {
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
 
-  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object of an
-  // object stream for newer than any other. A changed object has to be in an object stream to take its place.
+  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object
+  // of an object stream for newer than any other. A changed object has to be in an object stream to take its place.
   bool UsesObjectStream() const { return !headerFirst_ && !tail_.OnlyTables(); }
 
   // ISO 32000-1, 7.5.7.
