@@ -25,7 +25,7 @@ QStringList OptionsAsTyped(QStringList options) {
   return options;
 }
 
-// A relative folder would mean code from wherever the user happens to be.
+// A relative folder would load code from whatever folder the user is in.
 QStringList FoldersOfEnvironment() {
   const QStringList folders =
       NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
@@ -35,6 +35,15 @@ QStringList FoldersOfEnvironment() {
                        QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
   }
   return folders;
+}
+
+void WarnOfMissing(const QStringList& folders) {
+  static QStringList named;  // a command may ask for its folders more than once
+  for (const QString& folder : folders) {
+    if (named.contains(folder) || QFileInfo(folder).isDir()) continue;
+    named += folder;
+    Console::Error(QStringLiteral("Warning: VORLANE_TOOLS_PATH names '%1', which is not a folder.").arg(folder));
+  }
 }
 
 }  // namespace
@@ -52,7 +61,9 @@ QCommandLineOption Command::HelpOption() {
 void Command::Parse(const QStringList& arguments) {
   // The parser skips the first argument as the program's name.
   const bool parsed = parser_.parse(QStringList{name_} + arguments);
-  if (!OnlyHelps()) RefuseDashedNames(arguments);
+  // A name such as "-chapter.pdf" holds the letter of the help option.
+  const bool asksForHelp = arguments.contains(QLatin1String("-h")) || arguments.contains(QLatin1String("--help"));
+  if (!asksForHelp) RefuseDashedNames(arguments);
   if (!parsed) throw CommandError(kExitUsage, ParsingError());
   if (OnlyHelps()) return;
   RefuseRepeatedOptions();
@@ -174,11 +185,13 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
+  const QStringList others = FoldersOfEnvironment();
+  if (!IsSet("quiet")) WarnOfMissing(others);
   const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
   // Beside a program in /usr, what "cmake --install" put into /usr/local.
   return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
                      prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         FoldersOfEnvironment();
+         others;
 }
 
 void Command::AddLibraryOption() {
