@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "host/window/core/FileTableModel.h"
+#include "host/window/ui/MutedLabel.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -57,8 +58,7 @@ QWidget* OutputPanel::MakeChoice() {
   folderLayout->setContentsMargins(0, 0, 0, 0);
   folderLayout->addWidget(folder_, 1);
   folderLayout->addWidget(browse);
-  placeHint_ = new QLabel;
-  placeHint_->setEnabled(false);
+  placeHint_ = new MutedLabel;
   breakSignatures_ = new QCheckBox(tr("Allow breaking si&gnatures"));
   breakSignatures_->setObjectName(QStringLiteral("breakSignatures"));
   breakSignatures_->setToolTip(
@@ -115,6 +115,8 @@ QWidget* OutputPanel::MakeStatus() {
   saveReport_ = new QPushButton(tr("Save Re&port…"));
   saveReport_->setObjectName(QStringLiteral("saveReport"));
   auto* const row = new QWidget;
+  // As high without the buttons, so that nothing moves when they come.
+  row->setMinimumHeight(retry_->sizeHint().height());
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(progress_, 1);
@@ -151,6 +153,10 @@ void OutputPanel::SetReady(int files, const QString& problem) {
   run_->setText(files == 0 ? tr("&Run") : tr("&Run on %n File(s)", nullptr, files));
   run_->setEnabled(!running_ && problem.isEmpty());
   run_->setToolTip(problem);
+  // What is missing is said where the result of a run will be.
+  if (running_ || hasSummary_) return;
+  status_->setText(problem.toHtmlEscaped());
+  status_->setVisible(!problem.isEmpty());
 }
 
 void OutputPanel::ChooseFolder() {
@@ -208,6 +214,7 @@ void OutputPanel::ShowSummary(const BatchSummary& summary, bool hasResults, int 
   if (summary.cancelled > 0) parts += Link(tr("%n not begun", nullptr, summary.cancelled), FileState::kCancelled);
   QString text = parts.join(QStringLiteral(" · "));
   if (!summary.error.isEmpty()) text = summary.error.toHtmlEscaped() + QStringLiteral("<br>") + text;
+  hasSummary_ = true;
   status_->setText(text);
   status_->show();
   retry_->setText(summary.failed > 0 ? tr("Tr&y Failed Again") : tr("Go O&n"));
@@ -217,7 +224,7 @@ void OutputPanel::ShowSummary(const BatchSummary& summary, bool hasResults, int 
 }
 
 void OutputPanel::ClearSummary() {
-  running_ = false;
+  running_ = hasSummary_ = false;
   for (QWidget* widget : QList<QWidget*>{cancel_, progress_, status_, retry_, openResults_, saveReport_})
     widget->hide();
   place_->setEnabled(true);

@@ -60,4 +60,5 @@ class OutputPanel : public QWidget {
   QPushButton* openResults_;
   QPushButton* saveReport_;
   bool running_ = false;
+  bool hasSummary_ = false;
 };
