@@ -181,7 +181,10 @@ void ActionsPanel::AddRecent() {
     CActionInterface* const action = catalog_.Find(entries[i].actionName);
     if (action == nullptr) continue;
     const QString details = DescribeSettings(entries[i].actionName, entries[i].settings);
-    const QString line = details.section(QLatin1Char('\n'), 0, 0);
+    QString line = details.section(QLatin1Char('\n'), 0, 0);
+    // Of a single setting the value says enough.
+    if (!details.contains(QLatin1Char('\n'))) line = line.section(QStringLiteral(": "), 1);
+    if (line.isEmpty()) line = details;
     AddItem(tree_, Kind::kRecent, line.isEmpty() ? action->GetDisplayName() : line,
             ActionIcon(action->GetDefaultIcon()), i)
         ->setToolTip(0, action->GetDisplayName() + QLatin1Char('\n') + details);

@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
@@ -123,7 +124,9 @@ void MainWindow::MakeLayout() {
   statusBar()->addPermanentWidget(count_);
   const int letter = fontMetrics().averageCharWidth();
   columns_->setSizes({38 * letter, 120 * letter});
-  resize(letter * 165, fontMetrics().height() * 48);
+  // With large text on a small screen it would not fit.
+  const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+  resize(QSize(letter * 165, fontMetrics().height() * 48).boundedTo(screen * 9 / 10));
   rows_->setSizes({fontMetrics().height() * 24, fontMetrics().height() * 19});
 }
 

@@ -14,7 +14,6 @@
 #include <QVBoxLayout>
 
 #include "host/window/core/FileTableModel.h"
-#include "host/window/ui/MutedLabel.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -40,9 +39,14 @@ OutputPanel::OutputPanel(QWidget* parent) : QWidget(parent) {
 QWidget* OutputPanel::MakeChoice() {
   place_ = new QComboBox;
   place_->setObjectName(QStringLiteral("place"));
-  place_->addItem(tr("Change the files, keep a backup of each"));
-  place_->addItem(tr("Change the files without a backup"));
+  place_->addItem(tr("Change the files, keep the originals as .bak"));
+  place_->addItem(tr("Change the files, keep no originals"));
   place_->addItem(tr("Save changed copies in a folder"));
+  // Large text in a small window costs the end of a text, not the Run button.
+  place_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  place_->setMinimumContentsLength(16);
+  place_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  place_->setMaximumWidth(QComboBox().fontMetrics().averageCharWidth() * 52);
   auto* const label = new QLabel(tr("Resul&ts:"));
   label->setBuddy(place_);
   place_->setAccessibleName(tr("Where results go"));
@@ -58,7 +62,6 @@ QWidget* OutputPanel::MakeChoice() {
   folderLayout->setContentsMargins(0, 0, 0, 0);
   folderLayout->addWidget(folder_, 1);
   folderLayout->addWidget(browse);
-  placeHint_ = new MutedLabel;
   breakSignatures_ = new QCheckBox(tr("Allow breaking si&gnatures"));
   breakSignatures_->setObjectName(QStringLiteral("breakSignatures"));
   breakSignatures_->setToolTip(
@@ -79,9 +82,9 @@ QWidget* OutputPanel::MakeChoice() {
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
-  layout->addWidget(place_);
+  layout->addWidget(place_, 2);
   layout->addWidget(folderRow_, 1);
-  layout->addWidget(placeHint_, 1);
+  layout->addStretch(1);
   layout->addWidget(breakSignatures_);
   layout->addSpacing(fontMetrics().height());
   layout->addWidget(cancel_);
@@ -170,9 +173,6 @@ void OutputPanel::ChooseFolder() {
 
 void OutputPanel::UpdateFields() {
   folderRow_->setVisible(place_->currentIndex() == kFolder);
-  placeHint_->setVisible(place_->currentIndex() != kFolder);
-  placeHint_->setText(place_->currentIndex() == kWithBackup ? tr("The originals become NAME.bak")
-                                                            : tr("The originals cannot be brought back"));
 }
 
 void OutputPanel::ShowRunning(int done, int total) {

@@ -50,7 +50,6 @@ class OutputPanel : public QWidget {
   QComboBox* place_;
   QWidget* folderRow_;
   QLineEdit* folder_;
-  QLabel* placeHint_;
   QCheckBox* breakSignatures_;
   QPushButton* run_;
   QPushButton* cancel_;
