@@ -3,11 +3,10 @@
 
 #include <unistd.h>
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QSet>
 
+#include "host/actions/ToolsFolders.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NamedInput.h"
@@ -23,18 +22,6 @@ std::string_view View(const QByteArray& bytes) {
 QStringList OptionsAsTyped(QStringList options) {
   for (QString& option : options) option.prepend(QStringLiteral("--"));
   return options;
-}
-
-// A relative folder would mean code from wherever the user happens to be.
-QStringList FoldersOfEnvironment() {
-  const QStringList folders =
-      NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
-  for (const QString& folder : folders) {
-    if (QDir::isAbsolutePath(folder)) continue;
-    throw CommandError(kExitUsage,
-                       QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
-  }
-  return folders;
 }
 
 }  // namespace
@@ -174,11 +161,7 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
-  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
-                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         FoldersOfEnvironment();
+  return StandardToolsFolders();
 }
 
 void Command::AddLibraryOption() {

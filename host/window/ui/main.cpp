@@ -86,8 +86,10 @@ int main(int argc, char** argv) {
   const Request request = ParseArguments(application);
   SetupHostFolders();
 
-  MainWindow window;
-  window.show();
-  window.Open(request.paths);
+  auto* const window = new MainWindow;
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->show();
+  window->Open(request.paths);
+  if (!request.action.isEmpty()) window->StartWith(request.action);
   return QApplication::exec();
 }

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/actions/ToolsFolders.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include "host/base/CommandError.h"
+#include "host/base/NativeName.h"
+
+namespace {
+
+// A relative folder would mean code from wherever the user happens to be.
+QStringList FoldersOfEnvironment() {
+  const QStringList folders =
+      NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
+  for (const QString& folder : folders) {
+    if (QDir::isAbsolutePath(folder)) continue;
+    throw CommandError(kExitUsage,
+                       QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
+  }
+  return folders;
+}
+
+}  // namespace
+
+QStringList StandardToolsFolders() {
+  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
+  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
+                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
+         FoldersOfEnvironment();
+}

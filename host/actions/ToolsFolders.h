@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QStringList>
+
+// The folders in which the program's action plug-ins are looked for: those installed with it, then those of the
+// environment's VORLANE_TOOLS_PATH. Throws CommandError(kExitUsage) for a relative folder there.
+QStringList StandardToolsFolders();
