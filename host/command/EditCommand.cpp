@@ -13,13 +13,14 @@
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/SettingsArguments.h"
 #include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/base/PdfLibrary.h"
+#include "host/base/ShellLine.h"
 #include "host/command/ActionCommand.h"
-#include "host/command/SettingsArguments.h"
 #include "host/files/HostFolders.h"
 #include "plugin/DialogLoadStruct.h"
 

@@ -19,8 +19,10 @@ QString Counted(std::size_t count, const char* one, const char* many) {
 LinksCommand::LinksCommand()
     : BatchCommand(QStringLiteral("links"), QStringLiteral("Lists relative links and where viewers lead for them.")) {
   AddOption(QStringLiteral("all"), QStringLiteral("Also lists links that have a scheme."));
-  AddOption(QStringLiteral("base"), QStringLiteral("Shows what this base URL would do instead of the files' own."),
-            QStringLiteral("URL"));
+  AddOption(
+      QStringLiteral("base"),
+      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
+      QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),
@@ -43,7 +45,7 @@ void LinksCommand::Check() {
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    if (IsRelativeLink(Value("base"))) {
+    if (!Value("base").isEmpty() && IsRelativeLink(Value("base"))) {
       throw CommandError(kExitUsage,
                          QStringLiteral("Option '--base' takes a URL with a scheme, not '%1'.").arg(Value("base")));
     }

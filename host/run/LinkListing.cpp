@@ -64,7 +64,9 @@ void LinkListing::Take(std::size_t item, std::string_view result) {
 
 std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
   std::optional<QString> base = options_.base;
-  if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
+  if (base && base->isEmpty()) {
+    base.reset();
+  } else if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
     base = QString::fromStdWString(library.GetBaseURL());
   }
   std::string text;

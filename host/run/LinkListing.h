@@ -15,7 +15,7 @@ struct LinkListingOptions {
 
   Format format = Format::kTable;
   bool all = false;               // also links that are not relative
-  std::optional<QString> base;    // instead of the documents' own
+  std::optional<QString> base;    // instead of the documents' own; empty: as if they had none
   std::vector<LinkCheck> checks;  // lists only the links whose files are missing in a folder
 };
 

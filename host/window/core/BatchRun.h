@@ -2,8 +2,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 
 #include "host/window/core/ActionChoice.h"
@@ -41,11 +41,12 @@ class BatchRun : public QObject {
   // Ends a running program as ~RunnerProcess does.
   ~BatchRun() override;
 
-  // Not while a run is going on. All files change to kWaiting first. finished() comes exactly once, never from within
-  // this call.
+  // Not while a run is going on. All files change to kWaiting first; a file that is named twice counts once. finished()
+  // comes exactly once, never from within this call, also when ProblemOf() has something against the choices.
   void Start(const QStringList& files, const ActionChoice& action, const OutputChoice& output);
   bool IsRunning() const;
-  // As RunnerProcess::Cancel: files in hand are finished, the others are cancelled.
+  // As RunnerProcess::Cancel: the files in hand are finished, the others are cancelled. A second call gives up those in
+  // hand too.
   void Cancel();
 
   int Total() const;
@@ -62,4 +63,21 @@ class BatchRun : public QObject {
   void filesChanged(const QVector<FileOutcome>& outcomes);
   void progress(int done, int total);
   void finished(const BatchSummary& summary);
+
+ private:
+  void Take(const QVector<RunnerRecord>& records);
+  FileOutcome OutcomeOf(const QJsonObject& record);
+  void End(const RunnerResult& result);
+  // What is to be said of the files without a record.
+  FileStateChange Leftover(const RunnerResult& result) const;
+  void Settle(const QVector<FileOutcome>& outcomes);
+
+  RunnerProcess runner_;
+  QStringList files_;
+  QSet<QString> open_;  // without an outcome
+  QSet<QString> unfinished_;
+  QStringList outputFolders_;
+  QByteArray report_;  // its lines
+  BatchSummary summary_;
+  bool running_ = false;
 };

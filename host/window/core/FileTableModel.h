@@ -88,7 +88,8 @@ class FileTableModel : public QAbstractTableModel {
   QStringList Paths() const;
   QStringList PathsWith(FileState state) const;
 
-  void SetFacts(const QVector<QPair<QString, FileFacts>>& facts);
+  // Nothing for facts that are not known any more.
+  void SetFacts(const QVector<QPair<QString, std::optional<FileFacts>>>& facts);
   void SetStates(const QVector<FileStateChange>& changes);
   void SetState(const QString& path, FileState state, const QString& reason = QString());
 
@@ -101,6 +102,15 @@ class FileTableModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
+  FileRow* Find(const QString& path);
+  void RemoveRange(int first, int last);
+  void CountRowsFrom(int first);
+  // Tells the views of changed rows: neighbours together.
+  void Announce(QVector<int> rows, Column first, Column last);
+  QVariant Text(const FileRow& row, int column) const;
+  QVariant ToolTip(const FileRow& row, int column) const;
+  QVariant SortKey(const FileRow& row, int column) const;
+
   std::vector<std::unique_ptr<FileRow>> rows_;
   QHash<QString, int> rowOfPath_;
   QSet<QString> canonicalNames_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <QMimeData>
 #include <QObject>
@@ -22,7 +21,7 @@ class FolderScanner : public QObject {
   // Files and folders; relative names are meant from the current folder. While a scan runs, the next one waits.
   void Scan(const QStringList& paths);
   bool IsRunning() const;
-  // Gives up the running scan and those that wait; what was found stays found. finished() still comes.
+  // Gives up the running scan and those that wait: nothing more is found, and finished() comes.
   void Cancel();
 
   // The local files and folders of what was dropped or pasted: a list of URLs, or a text with a path or file URL on
@@ -36,4 +35,16 @@ class FolderScanner : public QObject {
   void problem(const QString& message);
   // No scan is running or waits. `files` is how many were found since the first of them began.
   void finished(int files, bool cancelled);
+
+ private:
+  class Search;
+
+  void Begin();
+  void End();
+
+  std::unique_ptr<QThread> thread_;
+  std::unique_ptr<Search> search_;
+  QStringList waiting_;
+  int found_ = 0;
+  bool cancelled_ = false;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -57,4 +57,23 @@ class Preview : public QObject {
   // A request is being worked on.
   void started(const QString& file);
   void changed(const PreviewData& data);
+
+ private:
+  void Begin();
+  // Starts the next program in place of the one before it.
+  void Run(const QStringList& arguments, void (Preview::*take)(const QVector<RunnerRecord>&),
+           void (Preview::*end)(const RunnerResult&));
+  void GiveUp();
+  void TakeRecord(const QVector<RunnerRecord>& records);
+  void EndDryRun(const RunnerResult& result);
+  void TakeLinks(const QVector<RunnerRecord>& records);
+  void EndLinks(const RunnerResult& result);
+  void Finish();
+
+  QTimer delay_;
+  ActionChoice action_;
+  OutputChoice output_;
+  std::unique_ptr<RunnerProcess> runner_;
+  bool hasRecord_ = false;
+  PreviewData data_;
 };

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/command/SettingsArguments.h"
+#include "host/actions/SettingsArguments.h"
 
 #include <algorithm>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 
 #include "host/actions/SettingsDescription.h"
 #include "host/actions/StoredSettings.h"
@@ -56,15 +55,4 @@ QStringList SettingsArguments(const QString& actionName, const QMap<QString, QVa
   }
   if (unchecked) arguments += QStringLiteral("--unchecked");
   return arguments;
-}
-
-QString ShellLine(const QStringList& words) {
-  static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_@%+=:,./-]+$"));
-  QStringList quoted;
-  for (const QString& word : words) {
-    const bool isPlain = plain.match(word).hasMatch();
-    quoted +=
-        isPlain ? word : QLatin1Char('\'') + QString(word).replace(u'\'', QLatin1String("'\\''")) + QLatin1Char('\'');
-  }
-  return quoted.join(QLatin1Char(' '));
 }

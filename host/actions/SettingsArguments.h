@@ -9,6 +9,3 @@
 // The arguments of the program that run the action with these settings, without options for outputs and files: the
 // action's own command where it has one.
 QStringList SettingsArguments(const QString& actionName, const QMap<QString, QVariant>& settings);
-
-// One line for a POSIX shell.
-QString ShellLine(const QStringList& words);
