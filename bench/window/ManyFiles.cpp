@@ -15,6 +15,7 @@
 #include "host/window/core/FactsReader.h"
 #include "host/window/core/FileTableModel.h"
 #include "host/window/core/FolderScanner.h"
+#include "host/window/core/RunnerProcess.h"
 #include "host/window/ui/MainWindow.h"
 #include "utils/CUtils.h"
 
@@ -62,6 +63,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   NativeName::InstallAsLocale();
   if (argc != 3) qFatal("usage: many_files_bench FOLDER OUTPUT");
+  RunnerProcess::SetProgramFile(QStringLiteral(VORLANE_RUN_FILE));
   CUtils::SetAppName(QStringLiteral("vorlane-actions"));
   SetupHostFolders();
   MainWindow window;
