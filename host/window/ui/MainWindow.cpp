@@ -68,7 +68,14 @@ bool IsChoiceFile(const QString& path) {
 
 }  // namespace
 
-MainWindow::MainWindow() : catalog_(ToolsFolders()), facts_(model_), dialogs_(this) {
+MainWindow::MainWindow()
+    : catalog_(ToolsFolders()),
+      model_(this),
+      scanner_(this),
+      facts_(model_, this),
+      batch_(this),
+      preview_(this),
+      dialogs_(this) {
   setObjectName(QStringLiteral("VorlaneClass"));
   setWindowTitle(tr("PDF Actions"));
   setAcceptDrops(true);

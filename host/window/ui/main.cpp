@@ -2,6 +2,7 @@
 #include <csignal>
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -15,18 +16,27 @@
 
 namespace {
 
-// The translations of Qt's own texts and of the window's, in the user's language, where there are any.
+// Qt's own texts and the window's in the first of the user's languages that the window has. Both are in the same
+// language, and one after English in the user's order is not taken.
 void InstallTranslations(QApplication& application) {
-  const auto install = [&application](const QString& file, const QString& folder) {
-    auto* translator = new QTranslator(&application);
-    if (translator->load(QLocale(), file, QStringLiteral("_"), folder)) {
-      QCoreApplication::installTranslator(translator);
-    } else {
-      delete translator;
+  const QString texts = QStringLiteral(":/Vorlane/Translations/vorlane-actions_%1.qm");
+  for (const QString& name : QLocale().uiLanguages()) {
+    const QString language = name.section(QLatin1Char('-'), 0, 0);
+    if (!QFile::exists(texts.arg(language))) continue;
+    const QString qtTexts = QLibraryInfo::location(QLibraryInfo::TranslationsPath) + "/qtbase_" + language;
+    for (const QString& file : {qtTexts, texts.arg(language)}) {
+      auto* translator = new QTranslator(&application);
+      if (translator->load(file)) QCoreApplication::installTranslator(translator);
     }
-  };
-  install(QStringLiteral("qtbase"), QLibraryInfo::location(QLibraryInfo::TranslationsPath));
-  install(QStringLiteral("vorlane-actions"), QStringLiteral(":/Vorlane/Translations"));
+    return;
+  }
+}
+
+// The desktop's copy of the icon, which may be of its theme, else the program's own.
+QIcon ProgramIcon() {
+  QIcon own;
+  for (const int size : {16, 32, 64, 256}) own.addFile(QStringLiteral(":/Vorlane/Icon/%1.png").arg(size));
+  return QIcon::fromTheme(QStringLiteral("vorlane-actions"), own);
 }
 
 struct Request {
@@ -72,6 +82,7 @@ int main(int argc, char** argv) {
   QGuiApplication::setDesktopFileName(QStringLiteral("vorlane-actions"));
   CUtils::SetAppName(QStringLiteral("vorlane-actions"));
   InstallTranslations(application);
+  QApplication::setWindowIcon(ProgramIcon());
   const Request request = ParseArguments(application);
   SetupHostFolders();
 
