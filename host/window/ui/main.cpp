@@ -21,7 +21,7 @@ namespace {
 void InstallTranslations(QApplication& application) {
   const QString texts = QStringLiteral(":/Vorlane/Translations/vorlane-actions_%1.qm");
   // English too has texts that depend on a number.
-  for (const QString& name : QLocale().uiLanguages() << QStringLiteral("en")) {
+  for (const QString& name : QLocale().uiLanguages() + QStringList(QStringLiteral("en"))) {
     const QString language = name.section(QLatin1Char('-'), 0, 0);
     if (!QFile::exists(texts.arg(language))) continue;
     const QString qtTexts = QLibraryInfo::location(QLibraryInfo::TranslationsPath) + "/qtbase_" + language;

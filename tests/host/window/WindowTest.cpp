@@ -236,7 +236,6 @@ TEST_F(Window, AListThatCannotBeWrittenIsReported) {
 TEST_F(Window, FavoritesAreSavedRenamedUsedAndRemoved) {
   ChooseUrl();
   MeetDialog("favoriteDialog", [](QDialog& dialog) {
-    EXPECT_FALSE(dialog.findChild<QAbstractButton*>()->text().isNull());
     Child<QLineEdit>(dialog, "favoriteName").setText("Handbook");
     dialog.accept();
   });
