@@ -46,7 +46,7 @@ ChoiceCard::ChoiceCard(QWidget* parent) : QFrame(parent) {
   details_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   title_->setTextFormat(Qt::PlainText);
 
-  edit_ = new QPushButton(tr("&Edit Settings…"));
+  edit_ = new QPushButton(tr("Edit &Settings…"));
   edit_->setObjectName(QStringLiteral("editSettings"));
   favorite_ = new QToolButton;
   favorite_->setText(tr("Favorite"));

@@ -110,7 +110,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   filter_->setToolTip(tr("Shows the files that have this text in one of their columns, such as \"failed\""));
   filter_->setClearButtonEnabled(true);
   count_ = new MutedLabel;
-  auto* const files = new QPushButton(tr("Add &Files…"));
+  auto* const files = new QPushButton(tr("A&dd Files…"));
   files->setObjectName(QStringLiteral("addFiles"));
   auto* const folder = new QPushButton(tr("Add F&older…"));
   folder->setObjectName(QStringLiteral("addFolder"));
@@ -166,7 +166,7 @@ QWidget* FilesView::MakeEmptyPage() {
   large.setPointSizeF(large.pointSizeF() * 1.5);
   title->setFont(large);
   auto* const hint = new MutedLabel(tr("Nothing is changed before you press Run."));
-  auto* const files = new QPushButton(tr("Add &Files…"));
+  auto* const files = new QPushButton(tr("A&dd Files…"));
   files->setObjectName(QStringLiteral("addFirstFiles"));
   auto* const folder = new QPushButton(tr("Add F&older…"));
   folder->setObjectName(QStringLiteral("addFirstFolder"));

@@ -39,12 +39,14 @@
 #include "host/window/ui/PasswordDialog.h"
 #include "host/window/ui/PreviewPanel.h"
 #include "host/window/ui/RecentSettings.h"
+#include "host/window/ui/SettingsText.h"
 #include "utils/CActionUtils.h"
 
 namespace {
 
 constexpr std::chrono::seconds kPendingLimit{3};
 constexpr int kMostOpenedFolders = 3;
+constexpr qint64 kMostToDecrypt = 20 * 1024 * 1024;  // bytes
 const char* const kInputKey = "VorlaneActionsInput";
 const char* const kChoiceKey = "VorlaneActionsLists";
 const char* const kReportKey = "VorlaneActionsReports";
@@ -253,7 +255,15 @@ void MainWindow::ConnectParts() {
   });
   connect(&batch_, &BatchRun::finished, this, &MainWindow::OnFinished);
   connect(&preview_, &Preview::started, previewPanel_, &PreviewPanel::ShowBusy);
-  connect(&preview_, &Preview::changed, previewPanel_, &PreviewPanel::Show);
+  connect(&preview_, &Preview::changed, this, [this](const PreviewData& preview) {
+    const bool isAction = choice_.IsEditable();
+    previewPanel_->Show(preview, isAction && WithSlash(choice_.action.actionName, choice_.action.settings));
+  });
+  connect(previewPanel_, &PreviewPanel::slashWanted, this, [this] {
+    const auto settings = WithSlash(choice_.action.actionName, choice_.action.settings);
+    QString problem;
+    if (settings && !running_) SetChoice(Choices::OfAction(catalog_, choice_.action.actionName, *settings, &problem));
+  });
   const auto rowsChanged = [this] {
     UpdateLayout();
     UpdateReady();
@@ -409,11 +419,14 @@ void MainWindow::Edit(const Choice& choice) {
   if (choice.IsEditable()) RunSettingsDialog(choice.action.actionName, choice.action.settings, false);
 }
 
-// Only of a file that vorlane-run has read: a damaged one must not take the window down, or make it wait.
+// Only of a file that vorlane-run has read and that is quickly opened: nothing about a file may take the window down or
+// make it wait.
 std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> MainWindow::OpenDocument() {
   const int row = model_.RowOf(files_->CurrentFile());
-  if (row < 0 || !model_.Row(row).facts || model_.Row(row).facts->saveMode != QLatin1String("incremental"))
-    return nullptr;
+  if (row < 0 || !model_.Row(row).facts) return nullptr;
+  const FileFacts& facts = *model_.Row(row).facts;
+  if (facts.saveMode != QLatin1String("incremental")) return nullptr;
+  if (facts.encrypted && QFileInfo(model_.Row(row).path).size() > kMostToDecrypt) return nullptr;
   try {
     std::unique_ptr<PdfLibrary::Wrapper> library = PdfLibrary::Open(L"HalvexPDFLibraryCPDylib1311.dylib");
     std::vector<std::wstring> passwords;

@@ -49,9 +49,10 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent) {
 }
 
 void NoticeBar::Add(const QString& message) {
-  if (messages_.contains(message)) return;
+  if (known_.contains(message)) return;
   if (messages_.size() < kMost) {
     messages_ += message;
+    known_ += message;
   } else {
     ++leftOut_;
   }
@@ -64,6 +65,7 @@ void NoticeBar::Add(const QString& message) {
 
 void NoticeBar::Clear() {
   messages_.clear();
+  known_.clear();
   leftOut_ = 0;
   hide();
 }

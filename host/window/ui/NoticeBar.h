@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QSet>
 #include <QStringList>
 
 class QLabel;
@@ -23,6 +24,7 @@ class NoticeBar : public QFrame {
   void ShowAll();
 
   QStringList messages_;
+  QSet<QString> known_;
   int leftOut_ = 0;
   QLabel* icon_;
   QLabel* text_;

@@ -58,6 +58,7 @@ QWidget* OutputPanel::MakeChoice() {
   browse->setObjectName(QStringLiteral("chooseFolder"));
   browse->setAccessibleName(tr("Choose the folder of the results"));
   folderRow_ = new QWidget;
+  noFolder_ = new QWidget;
   auto* const folderLayout = new QHBoxLayout(folderRow_);
   folderLayout->setContentsMargins(0, 0, 0, 0);
   folderLayout->addWidget(folder_, 1);
@@ -83,8 +84,8 @@ QWidget* OutputPanel::MakeChoice() {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
   layout->addWidget(place_, 2);
-  layout->addWidget(folderRow_, 1);
-  layout->addStretch(1);
+  layout->addWidget(folderRow_, 3);
+  layout->addWidget(noFolder_, 1);
   layout->addWidget(breakSignatures_);
   layout->addSpacing(fontMetrics().height());
   layout->addWidget(cancel_);
@@ -157,9 +158,11 @@ void OutputPanel::SetReady(int files, const QString& problem) {
   run_->setEnabled(!running_ && problem.isEmpty());
   run_->setToolTip(problem);
   // What is missing is said where the result of a run will be.
-  if (running_ || hasSummary_) return;
-  status_->setText(problem.toHtmlEscaped());
-  status_->setVisible(!problem.isEmpty());
+  if (running_) return;
+  QStringList lines{summary_, problem.toHtmlEscaped()};
+  lines.removeAll(QString());
+  status_->setText(lines.join(QStringLiteral("<br>")));
+  status_->setVisible(!lines.isEmpty());
 }
 
 void OutputPanel::ChooseFolder() {
@@ -173,6 +176,7 @@ void OutputPanel::ChooseFolder() {
 
 void OutputPanel::UpdateFields() {
   folderRow_->setVisible(place_->currentIndex() == kFolder);
+  noFolder_->setVisible(place_->currentIndex() != kFolder);
 }
 
 void OutputPanel::ShowRunning(int done, int total) {
@@ -214,17 +218,18 @@ void OutputPanel::ShowSummary(const BatchSummary& summary, bool hasResults, int 
   if (summary.cancelled > 0) parts += Link(tr("%n not begun", nullptr, summary.cancelled), FileState::kCancelled);
   QString text = parts.join(QStringLiteral(" · "));
   if (!summary.error.isEmpty()) text = summary.error.toHtmlEscaped() + QStringLiteral("<br>") + text;
-  hasSummary_ = true;
+  summary_ = text;
   status_->setText(text);
   status_->show();
-  retry_->setText(summary.failed > 0 ? tr("Tr&y Failed Again") : tr("Go O&n"));
+  retry_->setText(summary.failed > 0 ? tr("Tr&y Failed Again") : tr("&Continue"));
   retry_->setVisible(unfinished > 0);
   openResults_->setVisible(hasResults);
   saveReport_->setVisible(true);
 }
 
 void OutputPanel::ClearSummary() {
-  running_ = hasSummary_ = false;
+  running_ = false;
+  summary_.clear();
   for (QWidget* widget : QList<QWidget*>{cancel_, progress_, status_, retry_, openResults_, saveReport_})
     widget->hide();
   place_->setEnabled(true);

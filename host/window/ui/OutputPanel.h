@@ -49,6 +49,7 @@ class OutputPanel : public QWidget {
 
   QComboBox* place_;
   QWidget* folderRow_;
+  QWidget* noFolder_;  // keeps its place
   QLineEdit* folder_;
   QCheckBox* breakSignatures_;
   QPushButton* run_;
@@ -59,5 +60,5 @@ class OutputPanel : public QWidget {
   QPushButton* openResults_;
   QPushButton* saveReport_;
   bool running_ = false;
-  bool hasSummary_ = false;
+  QString summary_;
 };

@@ -107,6 +107,8 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   all->setContentsMargins(0, 0, 0, 0);
   all->addLayout(head);
   all->addWidget(pages_, 1);
+  warnings_->setTextInteractionFlags(Qt::TextBrowserInteraction);
+  connect(warnings_, &QLabel::linkActivated, this, &PreviewPanel::slashWanted);
   connect(hint_, &QLabel::linkActivated, this, &PreviewPanel::passwordWanted);
   ShowHint(tr("Select a file to see what would change in it."));
 }
@@ -124,7 +126,7 @@ void PreviewPanel::ShowBusy(const QString& file) {
   busy_->show();
 }
 
-void PreviewPanel::Show(const PreviewData& preview) {
+void PreviewPanel::Show(const PreviewData& preview, bool lacksSlash) {
   if (!preview.error.isEmpty()) ShowHint(preview.error);
   title_->setText(tr("Preview: %1").arg(QFileInfo(preview.file).fileName()));
   busy_->hide();
@@ -134,12 +136,12 @@ void PreviewPanel::Show(const PreviewData& preview) {
                    QStringLiteral("<p><a href=\"#\">%1</a></p>").arg(tr("Enter password…")));
   }
   if (!preview.error.isEmpty()) return;
-  ShowUrls(preview);
+  ShowUrls(preview, lacksSlash);
   ShowLinks(preview);
   pages_->setCurrentIndex(1);
 }
 
-void PreviewPanel::ShowUrls(const PreviewData& preview) {
+void PreviewPanel::ShowUrls(const PreviewData& preview, bool lacksSlash) {
   before_->setText(preview.before.isEmpty() ? tr("none") : preview.before);
   QString after = preview.after.isEmpty() ? tr("none") : preview.after;
   if (!preview.wouldChange) after += QStringLiteral("  ") + tr("(nothing changes in this file)");
@@ -148,6 +150,8 @@ void PreviewPanel::ShowUrls(const PreviewData& preview) {
   for (const QString& warning : preview.warnings) {
     hints += QStringLiteral("<p style=\"margin:2px 0\">⚠ %1</p>").arg(warning.toHtmlEscaped());
   }
+  if (lacksSlash)
+    hints += QStringLiteral("<p style=\"margin:2px 0\"><a href=\"#\">%1</a></p>").arg(tr("Add the slash"));
   warnings_->setText(hints);
   warnings_->setVisible(!hints.isEmpty());
 }

@@ -19,13 +19,15 @@ class PreviewPanel : public QWidget {
   // In place of a preview.
   void ShowHint(const QString& text);
   void ShowBusy(const QString& file);
-  void Show(const PreviewData& preview);
+  // `lacksSlash`: the hints offer to add the slash at the end of the base URL.
+  void Show(const PreviewData& preview, bool lacksSlash = false);
 
  signals:
   void passwordWanted();
+  void slashWanted();
 
  private:
-  void ShowUrls(const PreviewData& preview);
+  void ShowUrls(const PreviewData& preview, bool lacksSlash);
   void ShowLinks(const PreviewData& preview);
 
   QLabel* title_;

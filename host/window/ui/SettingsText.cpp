@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/ui/SettingsText.h"
 
-#include <optional>
-#include <QCoreApplication>
+#include <QUrl>
 
 #include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
@@ -37,6 +36,13 @@ QString Describe(const Setting& setting, const QVariant& value) {
   return Sentence(setting.empty);
 }
 
+// A last part with a dot is the name of a page.
+bool LacksSlash(const QString& address) {
+  const QUrl url(address);
+  return url.isValid() && !url.host().isEmpty() && !url.hasQuery() && !url.hasFragment() &&
+         !address.endsWith(QLatin1Char('/')) && !url.fileName().contains(QLatin1Char('.'));
+}
+
 }  // namespace
 
 QString DescribeSettings(const QString& actionName, const QMap<QString, QVariant>& settings) {
@@ -53,6 +59,17 @@ QString DescribeSettings(const QString& actionName, const QMap<QString, QVariant
     }
   }
   return lines.join(QLatin1Char('\n'));
+}
+
+std::optional<QMap<QString, QVariant>> WithSlash(const QString& actionName, const QMap<QString, QVariant>& settings) {
+  const std::optional<SettingsDescription> description = DescriptionOf(actionName);
+  if (!description) return std::nullopt;
+  QMap<QString, QVariant> fixed = settings;
+  for (const Setting& setting : description->Settings()) {
+    const QString value = settings.value(setting.key).toString();
+    if (setting.isBase && LacksSlash(value)) fixed.insert(setting.key, value + QLatin1Char('/'));
+  }
+  return fixed != settings ? std::make_optional(fixed) : std::nullopt;
 }
 
 QIcon ActionIcon(const QString& fileNames) {

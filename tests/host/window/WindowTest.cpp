@@ -447,6 +447,26 @@ TEST_F(Window, ItsCommandDoesTheSameInAShell) {
   EXPECT_TRUE(QFile::exists("a b's.pdf.bak"));
 }
 
+TEST_F(Window, ThePreviewOffersTheMissingSlash) {
+  const struct {
+    const char* url;
+    const char* fixed;
+  } cases[] = {{"https://example.org/manual", "https://example.org/manual/"},
+               {"https://example.org", "https://example.org/"},
+               {"https://example.org/manual/", nullptr},
+               {"https://example.org/index.html", nullptr},
+               {"https://example.org/find?q=", nullptr}};
+  Open(MakePdfs({"a.pdf"}));
+  for (const auto& [url, fixed] : cases) {
+    ChooseUrl(url);
+    ASSERT_TRUE(Await([&, shown = QLatin1String(url)] { return Text("after").section(' ', 0, 0) == shown; })) << url;
+    EXPECT_EQ(Text("warnings").contains("Add the slash"), fixed != nullptr) << url;
+    if (!fixed) continue;
+    emit Child<QLabel>(*window_, "warnings").linkActivated("#");
+    EXPECT_TRUE(Await([&, wanted = QLatin1String(fixed)] { return Text("after") == wanted; })) << url;
+  }
+}
+
 TEST_F(Window, HelpShowsThePageOfTheAction) {
   ChooseUrl();
   Trigger("Help on the Action");
@@ -468,6 +488,9 @@ TEST_F(Window, EveryTextIsTranslatedAndEveryControlHasAName) {
   Make();
   Open(MakePdfs({"a.pdf"}));
   EXPECT_EQ(UntranslatedTexts(*window_).filter(QRegularExpression("[a-z]{3}")), QStringList());
+  QStringList keys;
+  for (const QAction* menu : window_->menuBar()->actions())
+    keys += QKeySequence::mnemonic(menu->text().section('|', 1)).toString();
   for (const QWidget* widget : window_->findChildren<QWidget*>()) {
     if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible()) continue;
     if (widget->objectName().startsWith("qt_") || qobject_cast<const QMenuBar*>(widget)) continue;
@@ -475,6 +498,11 @@ TEST_F(Window, EveryTextIsTranslatedAndEveryControlHasAName) {
     const bool hasText = button && !button->text().isEmpty();
     EXPECT_TRUE(hasText || !widget->accessibleName().isEmpty() || qobject_cast<const QLabel*>(widget))
         << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+    if (!hasText) continue;
+    // The pseudo-locale's own text comes before the bar.
+    const QString key = QKeySequence::mnemonic(button->text().section('|', 1)).toString();
+    EXPECT_FALSE(!key.isEmpty() && keys.contains(key)) << button->text().toStdString();
+    keys += key;
   }
 }
 
