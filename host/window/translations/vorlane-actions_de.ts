@@ -124,15 +124,15 @@
     </message>
     <message>
         <source>Action Lists</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionslisten</translation>
     </message>
     <message>
         <source>Action Lists: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionslisten: %1</translation>
     </message>
     <message>
         <source>Opened Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Geöffnete Dateien</translation>
     </message>
 </context>
 <context>
@@ -165,10 +165,6 @@
         <translation>Was getan wird</translation>
     </message>
     <message>
-        <source>&amp;Edit Settings…</source>
-        <translation>&amp;Einstellungen bearbeiten…</translation>
-    </message>
-    <message>
         <source>Favorite</source>
         <translation>Favorit</translation>
     </message>
@@ -191,6 +187,10 @@
     <message>
         <source>Choose above what is to be done with the files.</source>
         <translation>Wählen Sie oben, was mit den Dateien zu tun ist.</translation>
+    </message>
+    <message>
+        <source>Edit &amp;Settings…</source>
+        <translation>Ein&amp;stellungen …</translation>
     </message>
 </context>
 <context>
@@ -395,10 +395,6 @@
         <translation>Zeigt die Dateien, die diesen Text in einer ihrer Spalten haben, etwa „fehlgeschlagen“</translation>
     </message>
     <message>
-        <source>Add &amp;Files…</source>
-        <translation>Dateien hin&amp;zufügen…</translation>
-    </message>
-    <message>
         <source>Add F&amp;older…</source>
         <translation>&amp;Ordner hinzufügen…</translation>
     </message>
@@ -449,6 +445,10 @@
     <message>
         <source>%1 of %2 shown</source>
         <translation>%1 von %2 gezeigt</translation>
+    </message>
+    <message>
+        <source>A&amp;dd Files…</source>
+        <translation>Dateien hin&amp;zufügen …</translation>
     </message>
 </context>
 <context>
@@ -883,16 +883,16 @@ Lizenz: Apache-2.0</translation>
         </translation>
     </message>
     <message>
-        <source>Go O&amp;n</source>
-        <translation>&amp;Weiter</translation>
-    </message>
-    <message>
         <source>Change the files, keep the originals as .bak</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien ändern, Originale als .bak behalten</translation>
     </message>
     <message>
         <source>Change the files, keep no originals</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien ändern, Originale nicht behalten</translation>
+    </message>
+    <message>
+        <source>&amp;Continue</source>
+        <translation>&amp;Fortsetzen</translation>
     </message>
 </context>
 <context>
@@ -1019,6 +1019,10 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>no link</source>
         <translation>kein Link</translation>
+    </message>
+    <message>
+        <source>Add the slash</source>
+        <translation>Schrägstrich anfügen</translation>
     </message>
 </context>
 <context>

@@ -83,8 +83,8 @@ QWidget* OutputPanel::MakeChoice() {
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
-  layout->addWidget(place_, 2);
-  layout->addWidget(folderRow_, 3);
+  layout->addWidget(place_, 5);
+  layout->addWidget(folderRow_, 4);
   layout->addWidget(noFolder_, 1);
   layout->addWidget(breakSignatures_);
   layout->addSpacing(fontMetrics().height());

@@ -68,6 +68,7 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   hint_->setAlignment(Qt::AlignCenter);
   before_ = MakeLabel("before");
   after_ = MakeLabel("after");
+  for (QLabel* url : {before_, after_}) url->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   after_->setFont(bold);
   warnings_ = MakeLabel("warnings");
   warnings_->setTextFormat(Qt::RichText);
@@ -95,7 +96,8 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   layout->addLayout(urls);
   layout->addWidget(warnings_);
   layout->addWidget(linksTitle_);
-  layout->addWidget(links_, 1);
+  layout->addWidget(links_, 100);
+  layout->addStretch(1);  // without links
 
   pages_ = new QStackedWidget;
   pages_->addWidget(hint_);
