@@ -5,10 +5,11 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <exception>
 #include <fstream>
 #include <QDir>
-#include <QElapsedTimer>
+#include <QMutex>
 #include <QSysInfo>
 #include <utility>
 
@@ -19,8 +20,9 @@
 
 namespace {
 
+// Batches are taken one in a turn of the event loop, so that it stays short with views that sort what comes.
 constexpr int kMostInBatch = 500;
-constexpr qint64 kBatchMilliseconds = 100;
+constexpr std::chrono::milliseconds kBatchInterval(5);
 constexpr int kMostProblems = 100;
 
 struct GivenUp {};
@@ -74,41 +76,37 @@ QStringList LocalPaths(const QByteArray& lines) {
 
 }  // namespace
 
-// What runs in the thread.
+// What runs in the thread. The scanner takes from it what was found.
 class FolderScanner::Search {
  public:
-  Search(FolderScanner& scanner, const QStringList& paths) : scanner_(scanner), paths_(paths) {}
+  explicit Search(const QStringList& paths) : paths_(paths) {}
 
   void GiveUp() { givenUp_ = true; }
-  bool IsGivenUp() const { return givenUp_; }
 
   void Run() {
     gGivenUp = &givenUp_;
-    sinceBatch_.start();
     try {
       for (const QString& path : paths_) Visit(NativeName::ToBytes(path).toStdString());
     } catch (const GivenUp&) {
     } catch (const std::exception& exception) {
       Report({}, QString::fromUtf8(exception.what()));
     }
-    SendBatch();
-    if (problems_ > kMostProblems) Send([this] { emit scanner_.problem(tr("More such problems: %1").arg(More())); });
+    if (problemCount_ > kMostProblems) AddProblem(tr("More such problems: %1").arg(problemCount_ - kMostProblems));
+  }
+
+  QVector<FoundFile> TakeFound() {
+    const QMutexLocker locker(&mutex_);
+    const QVector<FoundFile> batch = found_.mid(next_, kMostInBatch);
+    next_ += batch.size();
+    return batch;
+  }
+
+  QStringList TakeProblems() {
+    const QMutexLocker locker(&mutex_);
+    return std::exchange(problems_, {});
   }
 
  private:
-  int More() const { return problems_ - kMostProblems; }
-
-  // Runs in the scanner's thread, unless the search was given up meanwhile.
-  template <typename Function>
-  void Send(Function function) {
-    QMetaObject::invokeMethod(
-        &scanner_,
-        [this, function] {
-          if (!givenUp_) function();
-        },
-        Qt::QueuedConnection);
-  }
-
   void Visit(const std::string& path) {
     if (givenUp_) throw GivenUp();
     struct stat status = {};
@@ -131,36 +129,35 @@ class FolderScanner::Search {
   }
 
   void Add(const std::string& path) {
-    batch_.append({NativeName::ToText(path), NativeName::ToText(names_.Of(path))});
-    if (batch_.size() >= kMostInBatch || sinceBatch_.elapsed() >= kBatchMilliseconds) SendBatch();
-  }
-
-  void SendBatch() {
-    sinceBatch_.start();
-    if (batch_.isEmpty()) return;
-    Send([this, batch = std::exchange(batch_, {})] {
-      scanner_.found_ += batch.size();
-      emit scanner_.found(batch);
-    });
+    const FoundFile file{NativeName::ToText(path), NativeName::ToText(names_.Of(path))};
+    const QMutexLocker locker(&mutex_);
+    found_.append(file);
   }
 
   void Report(const std::string& path, const QString& why) {
-    if (++problems_ > kMostProblems) return;
-    const QString message = path.empty() ? why : ShownText(NativeName::ToText(path)) + QStringLiteral(": ") + why;
-    Send([this, message] { emit scanner_.problem(message); });
+    if (++problemCount_ > kMostProblems) return;
+    AddProblem(path.empty() ? why : ShownText(NativeName::ToText(path)) + QStringLiteral(": ") + why);
   }
 
-  FolderScanner& scanner_;
+  void AddProblem(const QString& problem) {
+    const QMutexLocker locker(&mutex_);
+    problems_ += problem;
+  }
+
   const QStringList paths_;
   std::atomic<bool> givenUp_{false};
   CanonicalNames names_;
-  QVector<FoundFile> batch_;
-  QElapsedTimer sinceBatch_;
-  int problems_ = 0;
+  int problemCount_ = 0;
+  QMutex mutex_;  // for what follows
+  QVector<FoundFile> found_;
+  int next_ = 0;  // of these, the first that was not taken
+  QStringList problems_;
 };
 
 FolderScanner::FolderScanner(QObject* parent) : QObject(parent) {
   qRegisterMetaType<QVector<FoundFile>>();
+  deliver_.setInterval(kBatchInterval);
+  connect(&deliver_, &QTimer::timeout, this, &FolderScanner::Deliver);
 }
 
 FolderScanner::~FolderScanner() {
@@ -180,16 +177,28 @@ bool FolderScanner::IsRunning() const {
 }
 
 void FolderScanner::Begin() {
-  search_ = std::make_unique<Search>(*this, std::exchange(waiting_, {}));
+  search_ = std::make_unique<Search>(std::exchange(waiting_, {}));
   thread_.reset(QThread::create([search = search_.get()] { search->Run(); }));
-  connect(thread_.get(), &QThread::finished, this, &FolderScanner::End);
   thread_->start();
+  deliver_.start();
+}
+
+void FolderScanner::Deliver() {
+  const bool isOver = thread_->isFinished();
+  const QVector<FoundFile> files = search_->TakeFound();
+  const QStringList problems = search_->TakeProblems();
+  if (isGivenUp_) return isOver ? End() : void();
+  found_ += files.size();
+  if (!files.isEmpty()) emit found(files);
+  for (const QString& message : problems) emit problem(message);
+  if (isOver && files.isEmpty()) End();
 }
 
 void FolderScanner::End() {
+  deliver_.stop();
   thread_->wait();
   thread_.reset();
-  search_.reset();
+  isGivenUp_ = false;
   if (!waiting_.isEmpty()) return Begin();
   const int files = std::exchange(found_, 0);
   emit finished(files, std::exchange(cancelled_, false));
@@ -198,6 +207,7 @@ void FolderScanner::End() {
 void FolderScanner::Cancel() {
   if (!thread_) return;
   cancelled_ = true;
+  isGivenUp_ = true;
   waiting_.clear();
   search_->GiveUp();
 }

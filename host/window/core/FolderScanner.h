@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QThread>
+#include <QTimer>
 
 #include "host/window/core/FileTableModel.h"
 
@@ -40,11 +41,14 @@ class FolderScanner : public QObject {
   class Search;
 
   void Begin();
+  void Deliver();
   void End();
 
-  std::unique_ptr<QThread> thread_;
   std::unique_ptr<Search> search_;
+  std::unique_ptr<QThread> thread_;
+  QTimer deliver_;
   QStringList waiting_;
   int found_ = 0;
-  bool cancelled_ = false;
+  bool isGivenUp_ = false;  // the running scan
+  bool cancelled_ = false;  // what finished() will say
 };

@@ -35,10 +35,6 @@
         <translation>Was zu tun ist</translation>
     </message>
     <message>
-        <source>Actions</source>
-        <translation>Aktionen</translation>
-    </message>
-    <message>
         <source>Enter the settings of &quot;%1&quot;</source>
         <translation>Einstellungen von „%1“ eingeben</translation>
     </message>
@@ -49,18 +45,6 @@
     <message>
         <source>Favorites</source>
         <translation>Favoriten</translation>
-    </message>
-    <message>
-        <source>Action lists</source>
-        <translation>Aktionslisten</translation>
-    </message>
-    <message>
-        <source>Other</source>
-        <translation>Sonstige</translation>
-    </message>
-    <message>
-        <source>Opened files</source>
-        <translation>Geöffnete Dateien</translation>
     </message>
     <message>
         <source>Recent</source>
@@ -137,6 +121,18 @@
     <message>
         <source>Remove List</source>
         <translation>Liste entfernen</translation>
+    </message>
+    <message>
+        <source>Action Lists</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Action Lists: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Opened Files</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -773,14 +769,6 @@ Lizenz: Apache-2.0</translation>
 <context>
     <name>OutputPanel</name>
     <message>
-        <source>Change the files, keep a backup of each</source>
-        <translation>Die Dateien ändern, von jeder eine Sicherungskopie behalten</translation>
-    </message>
-    <message>
-        <source>Change the files without a backup</source>
-        <translation>Die Dateien ohne Sicherungskopie ändern</translation>
-    </message>
-    <message>
         <source>Save changed copies in a folder</source>
         <translation>Geänderte Kopien in einem Ordner speichern</translation>
     </message>
@@ -852,14 +840,6 @@ Lizenz: Apache-2.0</translation>
         <translation>Ordner der Ergebnisse</translation>
     </message>
     <message>
-        <source>The originals become NAME.bak</source>
-        <translation>Die Originale werden zu NAME.bak</translation>
-    </message>
-    <message>
-        <source>The originals cannot be brought back</source>
-        <translation>Die Originale lassen sich nicht wiederherstellen</translation>
-    </message>
-    <message>
         <source>%1 of %2 done</source>
         <translation>%1 von %2 fertig</translation>
     </message>
@@ -905,6 +885,14 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>Go O&amp;n</source>
         <translation>&amp;Weiter</translation>
+    </message>
+    <message>
+        <source>Change the files, keep the originals as .bak</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Change the files, keep no originals</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QMenu>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -17,6 +18,7 @@
 #include "host/base/CommandError.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/Messages.h"
+#include "host/window/ui/MutedLabel.h"
 #include "host/window/ui/RecentSettings.h"
 #include "host/window/ui/SettingsText.h"
 #include "utils/ActionListFile.h"
@@ -36,12 +38,12 @@ QString ValueOf(const QTreeWidgetItem* item) {
   return item->data(0, kValueRole).toString();
 }
 
-QTreeWidgetItem* AddItem(QTreeWidgetItem* parent, Kind kind, const QString& text, const QIcon& icon,
-                         const QVariant& value) {
-  auto* const item = new QTreeWidgetItem(parent, {text});
+QTreeWidgetItem* AddItem(QTreeWidget* tree, Kind kind, const QString& text, const QIcon& icon, const QVariant& value) {
+  auto* const item = new QTreeWidgetItem(tree, {text});
   item->setData(0, kKindRole, static_cast<int>(kind));
   item->setData(0, kValueRole, value);
   item->setIcon(0, icon);
+  item->setSizeHint(0, QSize(0, tree->fontMetrics().height() * 7 / 4));
   return item;
 }
 
@@ -53,9 +55,7 @@ ActionsPanel::ActionsPanel(ActionCatalog& catalog, QWidget* parent) : QWidget(pa
   tree_->setAccessibleName(tr("What to do"));
   tree_->setHeaderHidden(true);
   tree_->setRootIsDecorated(false);
-  tree_->setItemsExpandable(false);
-  tree_->setExpandsOnDoubleClick(false);
-  tree_->setIndentation(fontMetrics().horizontalAdvance(QLatin1Char('m')));
+  tree_->setIconSize(QSize(fontMetrics().height() * 5 / 4, fontMetrics().height() * 5 / 4));
   tree_->setContextMenuPolicy(Qt::CustomContextMenu);
   tree_->setTextElideMode(Qt::ElideMiddle);
   tree_->installEventFilter(this);
@@ -75,6 +75,7 @@ void ActionsPanel::Refresh() {
   const QTreeWidgetItem* const current = tree_->currentItem();
   const Kind kind = KindOf(current);
   const QString value = current != nullptr ? ValueOf(current) : QString();
+  const int position = tree_->verticalScrollBar()->value();
   tree_->clear();
   favorites_ = Favorites::All();
   AddActions();
@@ -82,11 +83,11 @@ void ActionsPanel::Refresh() {
   AddLists();
   AddOpenedFiles();
   AddRecent();
-  tree_->expandAll();
   Watch();
   for (QTreeWidgetItemIterator item(tree_); kind != Kind::kHeading && *item != nullptr; ++item) {
     if (KindOf(*item) == kind && ValueOf(*item) == value) tree_->setCurrentItem(*item);
   }
+  tree_->verticalScrollBar()->setValue(position);
 }
 
 void ActionsPanel::ShowFile(const QString& file) {
@@ -106,85 +107,87 @@ void ActionsPanel::Watch() {
   }
 }
 
-QTreeWidgetItem* ActionsPanel::AddHeading(QTreeWidgetItem* parent, const QString& text) {
-  auto* const heading = parent != nullptr ? new QTreeWidgetItem(parent, {text}) : new QTreeWidgetItem(tree_, {text});
+// A line of its own and not a parent: keys go from entry to entry.
+QTreeWidgetItem* ActionsPanel::AddHeading(const QString& text) {
+  const bool isFirst = tree_->topLevelItemCount() == 0;
+  auto* const heading = new QTreeWidgetItem(tree_, {text});
   heading->setData(0, kKindRole, static_cast<int>(Kind::kHeading));
-  heading->setFlags(Qt::ItemIsEnabled);
-  if (parent == nullptr) {
-    QFont bold = tree_->font();
-    bold.setBold(true);
-    heading->setFont(0, bold);
-  } else {
-    heading->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
-  }
+  heading->setFlags(Qt::NoItemFlags);
+  heading->setForeground(0, MutedLabel::ColorOn(palette(), QPalette::Text, QPalette::Base));
+  QFont bold = tree_->font();
+  bold.setBold(true);
+  heading->setFont(0, bold);
+  heading->setSizeHint(0, QSize(0, fontMetrics().height() * (isFirst ? 6 : 9) / 4));
+  heading->setTextAlignment(0, Qt::AlignLeft | Qt::AlignBottom);
   return heading;
 }
 
 void ActionsPanel::AddActions() {
-  QTreeWidgetItem* const top = AddHeading(nullptr, tr("Actions"));
-  QMap<QString, QTreeWidgetItem*> groups;
-  for (const ActionCatalog::Entry& entry : catalog_.All()) {
-    const QString group = entry.action->GetGroupName();
-    if (!groups.contains(group)) groups.insert(group, AddHeading(top, group));
-    QTreeWidgetItem* const item = AddItem(groups.value(group), Kind::kAction, entry.action->GetDisplayName(),
-                                          ActionIcon(entry.action->GetDefaultIcon()), entry.action->GetActionName());
-    item->setToolTip(0, tr("Enter the settings of \"%1\"").arg(entry.action->GetDisplayName()));
+  QMap<QString, QVector<CActionInterface*>> groups;
+  for (const ActionCatalog::Entry& entry : catalog_.All()) groups[entry.action->GetGroupName()] += entry.action;
+  for (auto group = groups.begin(); group != groups.end(); ++group) {
+    AddHeading(group.key());
+    for (CActionInterface* const action : group.value()) {
+      const QString name = action->GetDisplayName();
+      AddItem(tree_, Kind::kAction, name, ActionIcon(action->GetDefaultIcon()), action->GetActionName())
+          ->setToolTip(0, tr("Enter the settings of \"%1\"").arg(name));
+    }
   }
-  if (!groups.isEmpty()) return;
-  QTreeWidgetItem* const none = AddHeading(top, tr("No action is installed"));
-  none->setToolTip(0, catalog_.Problems().join(QLatin1Char('\n')));
+  if (groups.isEmpty()) {
+    AddHeading(tr("No action is installed"))->setToolTip(0, catalog_.Problems().join(QLatin1Char('\n')));
+  }
 }
 
 void ActionsPanel::AddFavorites() {
-  if (favorites_.isEmpty()) return;
-  QTreeWidgetItem* const top = AddHeading(nullptr, tr("Favorites"));
+  if (!favorites_.isEmpty()) AddHeading(tr("Favorites"));
   for (const Favorite& favorite : favorites_) {
-    QTreeWidgetItem* const item = AddItem(top, Kind::kFavorite, favorite.name, favorite.icon, favorite.file);
-    item->setToolTip(
-        0, favorite.actionName + QLatin1Char('\n') + DescribeSettings(favorite.actionName, favorite.settings));
+    AddItem(tree_, Kind::kFavorite, favorite.name, favorite.icon, favorite.file)
+        ->setToolTip(
+            0, favorite.actionName + QLatin1Char('\n') + DescribeSettings(favorite.actionName, favorite.settings));
   }
 }
 
 void ActionsPanel::AddLists() {
-  const QStringList files = ActionListFile::All();
-  if (files.isEmpty()) return;
-  QTreeWidgetItem* const top = AddHeading(nullptr, tr("Action lists"));
-  QMap<QString, QTreeWidgetItem*> categories;  // by their lower-case name
-  for (const QString& file : files) {
+  QMap<QString, QVector<QPair<QString, ActionListFile>>> categories;  // by their lower-case name
+  for (const QString& file : ActionListFile::All()) {
     const ActionListFile list = ActionListFile::Read(file);
-    const QString category = list.category.isEmpty() ? tr("Other") : list.category;
-    QTreeWidgetItem*& heading = categories[category.toLower()];
-    if (heading == nullptr) heading = AddHeading(top, category);
-    const QString name = list.name.isEmpty() ? QFileInfo(file).completeBaseName() : list.name;
-    QStringList actions;
-    for (const ActionListFile::Entry& entry : list.entries) actions += entry.actionName;
-    AddItem(heading, Kind::kList, name, Choices::ListIcon(), file)->setToolTip(0, actions.join(QLatin1Char('\n')));
+    categories[list.category.toLower()] += {file, list};
+  }
+  for (const auto& lists : categories) {
+    const QString category = lists[0].second.category;
+    AddHeading(category.isEmpty() ? tr("Action Lists") : tr("Action Lists: %1").arg(category));
+    for (const auto& [file, list] : lists) {
+      QStringList actions;
+      for (const ActionListFile::Entry& entry : list.entries) actions += entry.actionName;
+      const QString name = list.name.isEmpty() ? QFileInfo(file).completeBaseName() : list.name;
+      AddItem(tree_, Kind::kList, name, Choices::ListIcon(), file)->setToolTip(0, actions.join(QLatin1Char('\n')));
+    }
   }
 }
 
 void ActionsPanel::AddOpenedFiles() {
   const QStringList files = RecentSettings::Files();
-  if (files.isEmpty()) return;
-  QTreeWidgetItem* const top = AddHeading(nullptr, tr("Opened files"));
+  if (!files.isEmpty()) AddHeading(tr("Opened Files"));
   for (const QString& file : files) {
-    const QIcon icon =
-        Choices::IsListFile(file) ? Choices::ListIcon() : QIcon(QStringLiteral(":/Vorlane/Resources/Collection.png"));
-    AddItem(top, Kind::kFile, QFileInfo(file).completeBaseName(), icon, file)->setToolTip(0, file);
+    const QIcon icon = Choices::IsListFile(file) ? Choices::ListIcon() : Choices::SettingsFileIcon();
+    AddItem(tree_, Kind::kFile, QFileInfo(file).completeBaseName(), icon, file)->setToolTip(0, file);
   }
 }
 
 void ActionsPanel::AddRecent() {
   const QVector<RecentSettings::Entry> entries = RecentSettings::All();
-  if (entries.isEmpty()) return;
-  QTreeWidgetItem* const top = AddHeading(nullptr, tr("Recent"));
+  if (!entries.isEmpty()) AddHeading(tr("Recent"));
   for (int i = 0; i < entries.size(); ++i) {
     CActionInterface* const action = catalog_.Find(entries[i].actionName);
     if (action == nullptr) continue;
     const QString details = DescribeSettings(entries[i].actionName, entries[i].settings);
-    const QString line = details.section(QLatin1Char('\n'), 0, 0);
-    QTreeWidgetItem* const item = AddItem(top, Kind::kRecent, line.isEmpty() ? action->GetDisplayName() : line,
-                                          ActionIcon(action->GetDefaultIcon()), i);
-    item->setToolTip(0, action->GetDisplayName() + QLatin1Char('\n') + details);
+    QString line = details.section(QLatin1Char('\n'), 0, 0);
+    // Of a single setting the value says enough.
+    if (!details.contains(QLatin1Char('\n'))) line = line.section(QStringLiteral(": "), 1);
+    if (line.isEmpty()) line = details;
+    AddItem(tree_, Kind::kRecent, line.isEmpty() ? action->GetDisplayName() : line,
+            ActionIcon(action->GetDefaultIcon()), i)
+        ->setToolTip(0, action->GetDisplayName() + QLatin1Char('\n') + details);
   }
 }
 

@@ -37,7 +37,7 @@ class ActionsPanel : public QWidget {
   bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
-  QTreeWidgetItem* AddHeading(QTreeWidgetItem* parent, const QString& text);
+  QTreeWidgetItem* AddHeading(const QString& text);
   void AddActions();
   void AddFavorites();
   void AddLists();

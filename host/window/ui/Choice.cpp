@@ -29,6 +29,10 @@ QIcon Choices::ListIcon() {
   return QIcon(QStringLiteral(":/Vorlane/Resources/PaneActionList_selected.png"));
 }
 
+QIcon Choices::SettingsFileIcon() {
+  return QIcon(QStringLiteral(":/Vorlane/Resources/Collection.png"));
+}
+
 Choice Choices::OfAction(ActionCatalog& catalog, const QString& actionName, const QMap<QString, QVariant>& settings,
                          QString* problem, const QString& title, const QIcon& icon) {
   CActionInterface* const action = catalog.Find(actionName);

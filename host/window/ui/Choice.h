@@ -35,4 +35,5 @@ class Choices {
   static bool IsListFile(const QString& file);
   static bool IsSettingsFile(const QString& file);
   static QIcon ListIcon();
+  static QIcon SettingsFileIcon();
 };

@@ -56,6 +56,7 @@ ChoiceCard::ChoiceCard(QWidget* parent) : QFrame(parent) {
   favorite_->setAutoRaise(true);
   help_ = new QToolButton;
   help_->setText(tr("Help"));
+  help_->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton, nullptr, this));
   help_->setToolTip(tr("What this action does"));
   help_->setAccessibleName(help_->toolTip());
   help_->setAutoRaise(true);

@@ -20,6 +20,7 @@
 
 #include "host/window/core/FileTableModel.h"
 #include "host/window/ui/Desktop.h"
+#include "host/window/ui/MutedLabel.h"
 
 namespace {
 
@@ -52,7 +53,7 @@ class StateDelegate : public QStyledItemDelegate {
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
-    const int size = option->fontMetrics.height() / 2;
+    const int size = option->fontMetrics.height() * 5 / 8;
     option->features |= QStyleOptionViewItem::HasDecoration;
     option->decorationSize = QSize(size, size);
     option->icon = Dot(static_cast<FileState>(index.data(FileTableModel::kStateRole).toInt()), size, *option);
@@ -66,12 +67,24 @@ class StateDelegate : public QStyledItemDelegate {
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
+    painter.setPen(option.palette.color(QPalette::Base));
     painter.setBrush(ColorOf(state));
     painter.drawEllipse(QRectF(0.5, 0.5, size - 1, size - 1));
     QIcon icon(pixmap);
     icon.addPixmap(pixmap, QIcon::Selected);
     return icon;
+  }
+};
+
+// What a reason begins with says most.
+class ReasonDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->textElideMode = Qt::ElideRight;
   }
 };
 
@@ -81,6 +94,14 @@ QString TextOf(const QModelIndex& index) {
 
 }  // namespace
 
+QVariant FilesProxy::headerData(int section, Qt::Orientation orientation, int role) const {
+  const bool isNumber = section == FileTableModel::kPages || section == FileTableModel::kLinks;
+  if (role == Qt::TextAlignmentRole && orientation == Qt::Horizontal && isNumber) {
+    return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+  }
+  return QSortFilterProxyModel::headerData(section, orientation, role);
+}
+
 FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), model_(model) {
   filter_ = new QLineEdit;
   filter_->setObjectName(QStringLiteral("filter"));
@@ -88,7 +109,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   filter_->setAccessibleName(tr("Filter files"));
   filter_->setToolTip(tr("Shows the files that have this text in one of their columns, such as \"failed\""));
   filter_->setClearButtonEnabled(true);
-  count_ = new QLabel;
+  count_ = new MutedLabel;
   auto* const files = new QPushButton(tr("Add &Files…"));
   files->setObjectName(QStringLiteral("addFiles"));
   auto* const folder = new QPushButton(tr("Add F&older…"));
@@ -123,6 +144,11 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
     proxy_.setFilterFixedString(text);
     UpdatePage();
   });
+  connect(&model_, &QAbstractItemModel::dataChanged, this,
+          [this](const QModelIndex& from, const QModelIndex& to) { ShowReasons(from.row(), to.row()); });
+  connect(&proxy_, &QAbstractItemModel::rowsInserted, this, [this] {
+    if (!table_->currentIndex().isValid()) table_->selectRow(0);
+  });
   for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
     connect(&model_, signal, this, &FilesView::UpdatePage);
   }
@@ -139,9 +165,7 @@ QWidget* FilesView::MakeEmptyPage() {
   QFont large = font();
   large.setPointSizeF(large.pointSizeF() * 1.5);
   title->setFont(large);
-  auto* const hint = new QLabel(tr("Nothing is changed before you press Run."));
-  hint->setForegroundRole(QPalette::Text);
-  hint->setEnabled(false);
+  auto* const hint = new MutedLabel(tr("Nothing is changed before you press Run."));
   auto* const files = new QPushButton(tr("Add &Files…"));
   files->setObjectName(QStringLiteral("addFirstFiles"));
   auto* const folder = new QPushButton(tr("Add F&older…"));
@@ -187,6 +211,7 @@ void FilesView::MakeTable() {
   table_->setTextElideMode(Qt::ElideMiddle);
   table_->setContextMenuPolicy(Qt::CustomContextMenu);
   table_->setItemDelegateForColumn(FileTableModel::kState, new StateDelegate(table_));
+  table_->setItemDelegateForColumn(FileTableModel::kReason, new ReasonDelegate(table_));
   table_->verticalHeader()->hide();
   table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
@@ -197,9 +222,13 @@ void FilesView::MakeTable() {
   header->setSortIndicator(-1, Qt::AscendingOrder);
   header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int letter = fontMetrics().averageCharWidth();
-  const int widths[] = {24, 22, 8, 28, 9, 9, 12, 16, 30};
-  for (int column = 0; column < FileTableModel::kColumnCount; ++column) {
-    table_->setColumnWidth(column, widths[column] * letter);
+  const QPair<int, int> columns[] = {
+      {FileTableModel::kName, 24},    {FileTableModel::kState, 14},     {FileTableModel::kReason, 36},
+      {FileTableModel::kBaseUrl, 28}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 8},
+      {FileTableModel::kSigned, 10},  {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 20}};
+  for (int place = 0; place < FileTableModel::kColumnCount; ++place) {
+    header->moveSection(header->visualIndex(columns[place].first), place);
+    table_->setColumnWidth(columns[place].first, columns[place].second * letter);
   }
   table_->setSortingEnabled(true);
 
@@ -271,6 +300,7 @@ QByteArray FilesView::SaveLayout() const {
 
 void FilesView::RestoreLayout(const QByteArray& layout) {
   table_->horizontalHeader()->restoreState(layout);
+  table_->setColumnHidden(FileTableModel::kReason, true);
 }
 
 void FilesView::ShowMenu(const QPoint& position) {
@@ -326,7 +356,15 @@ void FilesView::UpdateActions() {
   remove_->setEnabled(any && !running_);
 }
 
+// The column of the reasons takes room only once there is one.
+void FilesView::ShowReasons(int first, int last) {
+  for (int row = first; row <= last && table_->isColumnHidden(FileTableModel::kReason); ++row) {
+    table_->setColumnHidden(FileTableModel::kReason, model_.Row(row).reason.isEmpty());
+  }
+}
+
 void FilesView::UpdatePage() {
+  if (model_.Count() == 0) table_->setColumnHidden(FileTableModel::kReason, true);
   pages_->setCurrentIndex(model_.Count() == 0 ? 0 : 1);
   const int shown = proxy_.rowCount();
   count_->setText(shown == model_.Count() ? QString() : tr("%1 of %2 shown").arg(shown).arg(model_.Count()));

@@ -11,6 +11,14 @@ class QLineEdit;
 class QStackedWidget;
 class QTableView;
 
+// Sorts and filters the table; the headings of numbers stand above the numbers.
+class FilesProxy : public QSortFilterProxyModel {
+  Q_OBJECT
+
+ public:
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+};
+
 // The table of the files with its filter, and an invitation while it is empty.
 class FilesView : public QWidget {
   Q_OBJECT
@@ -54,9 +62,10 @@ class FilesView : public QWidget {
   void RemoveSelected();
   void UpdateActions();
   void UpdatePage();
+  void ShowReasons(int first, int last);
 
   FileTableModel& model_;
-  QSortFilterProxyModel proxy_;
+  FilesProxy proxy_;
   QLineEdit* filter_;
   QLabel* count_;
   QStackedWidget* pages_;

@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
@@ -112,8 +113,8 @@ void MainWindow::MakeLayout() {
   rows_ = new QSplitter(Qt::Vertical);
   rows_->addWidget(files_);
   rows_->addWidget(previewPanel_);
-  rows_->setStretchFactor(0, 3);
-  rows_->setStretchFactor(1, 2);
+  rows_->setStretchFactor(0, 1);
+  rows_->setStretchFactor(1, 1);
   rows_->setChildrenCollapsible(false);
   columns_ = new QSplitter;
   columns_->addWidget(left_);
@@ -130,7 +131,10 @@ void MainWindow::MakeLayout() {
   statusBar()->addPermanentWidget(count_);
   const int letter = fontMetrics().averageCharWidth();
   columns_->setSizes({38 * letter, 120 * letter});
-  resize(letter * 165, fontMetrics().height() * 42);
+  // With large text on a small screen it would not fit.
+  const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+  resize(QSize(letter * 165, fontMetrics().height() * 48).boundedTo(screen * 9 / 10));
+  rows_->setSizes({fontMetrics().height() * 24, fontMetrics().height() * 19});
 }
 
 void MainWindow::MakeMenus() {
@@ -458,6 +462,7 @@ void MainWindow::UseResult(const QString& actionName, const SettingsDialogRunner
 
 void MainWindow::SetChoice(const Choice& choice) {
   choice_ = choice;
+  output_->ClearSummary();
   card_->SetChoice(choice);
   UpdateReady();
   UpdatePreview();

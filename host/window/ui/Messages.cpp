@@ -6,9 +6,11 @@
 
 bool Messages::Confirm(QWidget* parent, const QString& question, const QString& explanation, const QString& button) {
   QMessageBox box(QMessageBox::Question, QString(), question, QMessageBox::Cancel, parent);
+  box.setObjectName(QStringLiteral("confirm"));
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(explanation);
-  const QAbstractButton* const yes = box.addButton(button, QMessageBox::AcceptRole);
+  QPushButton* const yes = box.addButton(button, QMessageBox::AcceptRole);
+  yes->setObjectName(QStringLiteral("yes"));
   box.setDefaultButton(QMessageBox::Cancel);
   box.exec();
   return box.clickedButton() == yes;
@@ -16,6 +18,7 @@ bool Messages::Confirm(QWidget* parent, const QString& question, const QString& 
 
 void Messages::Warn(QWidget* parent, const QString& message) {
   QMessageBox box(QMessageBox::Warning, QString(), message, QMessageBox::Ok, parent);
+  box.setObjectName(QStringLiteral("warning"));
   box.setTextFormat(Qt::PlainText);
   box.exec();
 }

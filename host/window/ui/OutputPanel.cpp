@@ -39,9 +39,14 @@ OutputPanel::OutputPanel(QWidget* parent) : QWidget(parent) {
 QWidget* OutputPanel::MakeChoice() {
   place_ = new QComboBox;
   place_->setObjectName(QStringLiteral("place"));
-  place_->addItem(tr("Change the files, keep a backup of each"));
-  place_->addItem(tr("Change the files without a backup"));
+  place_->addItem(tr("Change the files, keep the originals as .bak"));
+  place_->addItem(tr("Change the files, keep no originals"));
   place_->addItem(tr("Save changed copies in a folder"));
+  // Large text in a small window costs the end of a text, not the Run button.
+  place_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  place_->setMinimumContentsLength(16);
+  place_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  place_->setMaximumWidth(QComboBox().fontMetrics().averageCharWidth() * 52);
   auto* const label = new QLabel(tr("Resul&ts:"));
   label->setBuddy(place_);
   place_->setAccessibleName(tr("Where results go"));
@@ -57,8 +62,6 @@ QWidget* OutputPanel::MakeChoice() {
   folderLayout->setContentsMargins(0, 0, 0, 0);
   folderLayout->addWidget(folder_, 1);
   folderLayout->addWidget(browse);
-  placeHint_ = new QLabel;
-  placeHint_->setEnabled(false);
   breakSignatures_ = new QCheckBox(tr("Allow breaking si&gnatures"));
   breakSignatures_->setObjectName(QStringLiteral("breakSignatures"));
   breakSignatures_->setToolTip(
@@ -79,9 +82,9 @@ QWidget* OutputPanel::MakeChoice() {
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
-  layout->addWidget(place_);
+  layout->addWidget(place_, 2);
   layout->addWidget(folderRow_, 1);
-  layout->addWidget(placeHint_, 1);
+  layout->addStretch(1);
   layout->addWidget(breakSignatures_);
   layout->addSpacing(fontMetrics().height());
   layout->addWidget(cancel_);
@@ -115,6 +118,8 @@ QWidget* OutputPanel::MakeStatus() {
   saveReport_ = new QPushButton(tr("Save Re&port…"));
   saveReport_->setObjectName(QStringLiteral("saveReport"));
   auto* const row = new QWidget;
+  // As high without the buttons, so that nothing moves when they come.
+  row->setMinimumHeight(retry_->sizeHint().height());
   auto* const layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(progress_, 1);
@@ -151,6 +156,10 @@ void OutputPanel::SetReady(int files, const QString& problem) {
   run_->setText(files == 0 ? tr("&Run") : tr("&Run on %n File(s)", nullptr, files));
   run_->setEnabled(!running_ && problem.isEmpty());
   run_->setToolTip(problem);
+  // What is missing is said where the result of a run will be.
+  if (running_ || hasSummary_) return;
+  status_->setText(problem.toHtmlEscaped());
+  status_->setVisible(!problem.isEmpty());
 }
 
 void OutputPanel::ChooseFolder() {
@@ -164,9 +173,6 @@ void OutputPanel::ChooseFolder() {
 
 void OutputPanel::UpdateFields() {
   folderRow_->setVisible(place_->currentIndex() == kFolder);
-  placeHint_->setVisible(place_->currentIndex() != kFolder);
-  placeHint_->setText(place_->currentIndex() == kWithBackup ? tr("The originals become NAME.bak")
-                                                            : tr("The originals cannot be brought back"));
 }
 
 void OutputPanel::ShowRunning(int done, int total) {
@@ -208,6 +214,7 @@ void OutputPanel::ShowSummary(const BatchSummary& summary, bool hasResults, int 
   if (summary.cancelled > 0) parts += Link(tr("%n not begun", nullptr, summary.cancelled), FileState::kCancelled);
   QString text = parts.join(QStringLiteral(" · "));
   if (!summary.error.isEmpty()) text = summary.error.toHtmlEscaped() + QStringLiteral("<br>") + text;
+  hasSummary_ = true;
   status_->setText(text);
   status_->show();
   retry_->setText(summary.failed > 0 ? tr("Tr&y Failed Again") : tr("Go O&n"));
@@ -217,7 +224,7 @@ void OutputPanel::ShowSummary(const BatchSummary& summary, bool hasResults, int 
 }
 
 void OutputPanel::ClearSummary() {
-  running_ = false;
+  running_ = hasSummary_ = false;
   for (QWidget* widget : QList<QWidget*>{cancel_, progress_, status_, retry_, openResults_, saveReport_})
     widget->hide();
   place_->setEnabled(true);

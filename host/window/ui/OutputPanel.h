@@ -50,7 +50,6 @@ class OutputPanel : public QWidget {
   QComboBox* place_;
   QWidget* folderRow_;
   QLineEdit* folder_;
-  QLabel* placeHint_;
   QCheckBox* breakSignatures_;
   QPushButton* run_;
   QPushButton* cancel_;
@@ -60,4 +59,5 @@ class OutputPanel : public QWidget {
   QPushButton* openResults_;
   QPushButton* saveReport_;
   bool running_ = false;
+  bool hasSummary_ = false;
 };

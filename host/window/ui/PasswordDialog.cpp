@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "host/window/ui/MutedLabel.h"
+
 namespace {
 
 constexpr int kMostNamed = 5;
@@ -29,8 +31,7 @@ PasswordDialog::PasswordDialog(QWidget* parent, const QStringList& files) : QDia
   password_->setObjectName(QStringLiteral("password"));
   password_->setEchoMode(QLineEdit::Password);
   auto* const show = new QCheckBox(tr("&Show the password"));
-  auto* const note = new QLabel(tr("It is tried on all files and forgotten when the window closes."));
-  note->setEnabled(false);
+  auto* const note = new MutedLabel(tr("It is tried on all files and forgotten when the window closes."));
   note->setWordWrap(true);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   QPushButton* const ok = buttons->button(QDialogButtonBox::Ok);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/ui/PreviewPanel.h"
 
+#include <algorithm>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHeaderView>
@@ -10,6 +11,8 @@
 #include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include "host/window/ui/MutedLabel.h"
 
 namespace {
 
@@ -27,11 +30,26 @@ QLabel* MakeLabel(const char* objectName) {
 }
 
 QString NameOfViewer(const QString& key) {
-  if (key == QLatin1String("pdfjs")) return QStringLiteral("Firefox (pdf.js)");
-  if (key == QLatin1String("pdfium")) return QStringLiteral("Chrome (PDFium)");
+  if (key == QLatin1String("pdfjs")) return QStringLiteral("Firefox");
+  if (key == QLatin1String("pdfium")) return QStringLiteral("Chrome");
   if (key == QLatin1String("mupdf")) return QStringLiteral("MuPDF");
-  if (key == QLatin1String("poppler")) return QStringLiteral("Poppler (Evince, Okular)");
+  if (key == QLatin1String("poppler")) return QStringLiteral("Evince and Okular");
   return key;
+}
+
+// Each target once, with the viewers that lead there.
+QVector<QPair<QString, QStringList>> ViewersByTarget(const PreviewLink& link) {
+  QVector<QPair<QString, QStringList>> targets;
+  for (auto viewer = link.viewers.begin(); viewer != link.viewers.end(); ++viewer) {
+    const auto known = std::find_if(targets.begin(), targets.end(),
+                                    [&](const auto& target) { return target.first == viewer.value(); });
+    if (known != targets.end()) {
+      known->second += NameOfViewer(viewer.key());
+    } else {
+      targets += {viewer.value(), {NameOfViewer(viewer.key())}};
+    }
+  }
+  return targets;
 }
 
 }  // namespace
@@ -43,11 +61,11 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   QFont bold = font();
   bold.setBold(true);
   title_->setFont(bold);
-  busy_ = new QLabel(tr("Looking…"));
-  busy_->setEnabled(false);
-  hint_ = MakeLabel("previewHint");
+  busy_ = new MutedLabel(tr("Looking…"));
+  hint_ = new MutedLabel;
+  hint_->setObjectName(QStringLiteral("previewHint"));
+  hint_->setWordWrap(true);
   hint_->setAlignment(Qt::AlignCenter);
-  hint_->setEnabled(false);
   before_ = MakeLabel("before");
   after_ = MakeLabel("after");
   after_->setFont(bold);
@@ -112,11 +130,8 @@ void PreviewPanel::Show(const PreviewData& preview) {
   busy_->hide();
   if (preview.needsPassword) {
     hint_->setTextFormat(Qt::RichText);
-    hint_->setEnabled(true);
     hint_->setText(preview.error.toHtmlEscaped() +
                    QStringLiteral("<p><a href=\"#\">%1</a></p>").arg(tr("Enter password…")));
-  } else {
-    hint_->setEnabled(false);
   }
   if (!preview.error.isEmpty()) return;
   ShowUrls(preview);
@@ -160,11 +175,12 @@ void PreviewPanel::ShowLinks(const PreviewData& preview) {
     items += item;
     if (link.agree) continue;
     item->setIcon(kTarget, warning);
-    for (auto viewer = link.viewers.begin(); viewer != link.viewers.end(); ++viewer) {
+    for (const auto& [target, viewers] : ViewersByTarget(link)) {
       auto* const line = new QTreeWidgetItem(
-          item, {QString(), NameOfViewer(viewer.key()), viewer.value().isEmpty() ? tr("no link") : viewer.value()});
+          item, {QString(), viewers.join(QStringLiteral(", ")), target.isEmpty() ? tr("no link") : target});
       line->setTextAlignment(kLink, Qt::AlignRight);
-      line->setToolTip(kTarget, viewer.value());
+      line->setToolTip(kLink, viewers.join(QLatin1Char('\n')));
+      line->setToolTip(kTarget, target);
     }
   }
   links_->setRootIsDecorated(preview.disagreeing > 0);

@@ -83,7 +83,11 @@ bool SettingsDialogRunner::eventFilter(QObject* object, QEvent* event) {
 void SettingsDialogRunner::Polish(QDialog& dialog) const {
   // Their fixed style sheets are made for dark text on light ground.
   const bool isDark = QApplication::palette().color(QPalette::Window).lightness() < 128;
-  if (isDark && HasDialogFrame(dialog)) dialog.setPalette(QPalette(QColor(0xef, 0xef, 0xef)));
+  if (!isDark || !HasDialogFrame(dialog)) return;
+  const QPalette light(QColor(0xef, 0xef, 0xef));
+  dialog.setPalette(light);
+  // Widgets below a style sheet do not inherit it.
+  for (QWidget* const widget : dialog.findChildren<QWidget*>()) widget->setPalette(light);
 }
 
 void SettingsDialogRunner::Watch(QDialog* dialog) {

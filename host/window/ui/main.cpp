@@ -20,7 +20,8 @@ namespace {
 // language, and one after English in the user's order is not taken.
 void InstallTranslations(QApplication& application) {
   const QString texts = QStringLiteral(":/Vorlane/Translations/vorlane-actions_%1.qm");
-  for (const QString& name : QLocale().uiLanguages()) {
+  // English too has texts that depend on a number.
+  for (const QString& name : QLocale().uiLanguages() + QStringList(QStringLiteral("en"))) {
     const QString language = name.section(QLatin1Char('-'), 0, 0);
     if (!QFile::exists(texts.arg(language))) continue;
     const QString qtTexts = QLibraryInfo::location(QLibraryInfo::TranslationsPath) + "/qtbase_" + language;
