@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// WindowPictures PICTURES FILES RUNNER: opens the window on the folder FILES, chooses a favorite and selects a file with links;
-// then runs. Saves what the screen shows before and after as PICTURES/window.png and window-done.png. RUNNER is vorlane-run.
-// Run it through docs/pictures/make-screenshots.
+// WindowPictures PICTURES FILES RUNNER: opens the window on the folder FILES, chooses a favorite and selects a file
+// with links; then runs. Saves what the screen shows before and after as PICTURES/window.png and window-done.png.
+// RUNNER is vorlane-run. Run it through docs/pictures/make-screenshots.
 #include <functional>
 #include <QApplication>
 #include <QDir>
@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QTableView>
 #include <QTimer>
+#include <QTranslator>
 #include <QTreeWidget>
 #include <QWindow>
 
@@ -26,6 +27,7 @@
 
 namespace {
 
+constexpr int kPatienceMs = 30000;
 const char* const kFavorite = "Manuals of the web site";
 const char* const kShownFile = "guide.pdf";
 
@@ -33,6 +35,7 @@ template <typename Signal, typename Sender>
 void WaitFor(Sender* sender, Signal signal, const std::function<void()>& start) {
   QEventLoop loop;
   QObject::connect(sender, signal, &loop, &QEventLoop::quit);
+  QTimer::singleShot(kPatienceMs, &loop, [] { qFatal("waited in vain"); });
   start();
   loop.exec();
 }
@@ -75,17 +78,21 @@ int main(int argc, char** argv) {
   const QDir pictures(argv[1]);
   RunnerProcess::SetProgramFile(argv[3]);
   CUtils::SetAppName("vorlane-actions");
+  QTranslator english;
+  english.load(":/Vorlane/Translations/vorlane-actions_en.qm");
+  QCoreApplication::installTranslator(&english);
   SetupHostFolders();
   SaveFavorite();
 
   MainWindow window;
-  window.resize(1180, 720);
+  window.resize(1180, 800);
   window.show();
   auto& reader = *window.findChild<FactsReader*>();
   window.Open({QString::fromLocal8Bit(argv[2])});
   while (reader.Left() > 0 || window.findChild<FileTableModel*>()->Count() == 0) WaitMs(50);
-  auto& tree = *window.findChild<QTreeWidget*>();
+  auto& tree = *window.findChild<QTreeWidget*>("actions");
   QTreeWidgetItem* const favorite = tree.findItems(kFavorite, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+  if (favorite == nullptr) qFatal("the favorite is not shown");
   tree.setCurrentItem(favorite);
   SelectFile(*window.findChild<QTableView*>(), kShownFile);
   WaitFor(window.findChild<Preview*>(), &Preview::changed, [&] { emit tree.itemClicked(favorite, 0); });

@@ -124,15 +124,15 @@
     </message>
     <message>
         <source>Action Lists</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionslisten</translation>
     </message>
     <message>
         <source>Action Lists: %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktionslisten: %1</translation>
     </message>
     <message>
         <source>Opened Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Geöffnete Dateien</translation>
     </message>
 </context>
 <context>
@@ -156,6 +156,10 @@
     <message>
         <source>vorlane-run says nothing about this file.</source>
         <translation>vorlane-run meldet nichts zu dieser Datei.</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>Abgebrochen.</translation>
     </message>
 </context>
 <context>
@@ -888,11 +892,11 @@ Lizenz: Apache-2.0</translation>
     </message>
     <message>
         <source>Change the files, keep the originals as .bak</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien ändern, Originale als .bak behalten</translation>
     </message>
     <message>
         <source>Change the files, keep no originals</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien ändern, Originale nicht behalten</translation>
     </message>
 </context>
 <context>
