@@ -94,7 +94,7 @@ Outcome Save(const std::string& library, const fs::path& in, const fs::path& out
     if (engine.LoadFromFile(in.wstring(), L"") != 1) return refused("not loaded, error ");
     if (engine.SetBaseURL(Wide(kUrl)) != 1) return refused("not set, error ");
     if (engine.SaveToFile(out.wstring()) != 1) return refused("not saved, error ");
-    return Narrow(engine.GetInformation(kInformationLastWay));
+    return Narrow(engine.GetInformation(kInformationLastSaveMode));
   };
   return RunInOwnProcess(work, kSecondsForEach);
 }

@@ -110,6 +110,35 @@ QByteArray Merged(const Reference& base, const QByteArray& path) {
   return base.path.left(base.path.lastIndexOf('/') + 1) + path;
 }
 
+// Percent-encodings of characters that need none are undone, the others are written in capitals (RFC 3986, 6.2.2).
+QByteArray WithPlainEncodings(const QByteArray& text) {
+  QByteArray result;
+  for (int i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      result += text[i];
+      continue;
+    }
+    const char c = QByteArray::fromHex(text.mid(i + 1, 2)).at(0);
+    const bool unreserved = IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~", c) != nullptr);
+    result += unreserved ? QByteArray(1, c) : text.mid(i, 3).toUpper();
+    i += 2;
+  }
+  return result;
+}
+
+// Host and port of an authority as they are written shortest; user information stays.
+QByteArray WithPlainHost(const QByteArray& authority, const QByteArray& scheme) {
+  const int host = std::max(authority.lastIndexOf('@') + 1, 2);
+  QByteArray result = authority.left(host) + authority.mid(host).toLower();
+  const int colon = result.lastIndexOf(':');
+  if (colon < host || result.indexOf(']', colon) >= 0) return result;
+  const QByteArray port = result.mid(colon + 1);
+  const bool isDefault = (scheme == "http:" && port == "80") || (scheme == "https:" && port == "443") ||
+                         (scheme == "ftp:" && port == "21");
+  if (port.isEmpty() || isDefault) result.truncate(colon);
+  return result;
+}
+
 }  // namespace
 
 bool IsRelativeLink(const QString& uri) {
@@ -135,4 +164,19 @@ std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
   }
   target.path = WithoutDotSegments(target.path);
   return QString::fromLatin1(target.Text());
+}
+
+QString EncodedLink(const QString& uri) {
+  return QString::fromLatin1(Encoded(uri));
+}
+
+QString NormalizedLink(const QString& uri) {
+  Reference link(WithPlainEncodings(Encoded(uri)));
+  link.scheme = link.scheme.toLower();
+  if (!link.authority.isEmpty()) {
+    link.authority = WithPlainEncodings(WithPlainHost(link.authority, link.scheme));
+    if (link.path.isEmpty()) link.path = "/";
+  }
+  if (!link.scheme.isEmpty()) link.path = WithoutDotSegments(link.path);
+  return QString::fromLatin1(link.Text());
 }

@@ -48,9 +48,20 @@ std::string InformationKey(int key) {
   return kInformationKeys[key];
 }
 
+// One character for each byte.
+std::string Utf8FromBytes(const std::string& bytes) {
+  std::wstring text;
+  for (const char byte : bytes) text += static_cast<wchar_t>(static_cast<unsigned char>(byte));
+  return Utf8FromWide(text);
+}
+
 std::string Fact(Document& document, int key) {
+  if (key > kInformationActionUriBytes)
+    return Utf8FromBytes(document.Links().ActionUri(key - kInformationActionUriBytes));
   switch (key) {
-    case kInformationWayOfSaving:
+    case kInformationBaseUrlBytes:
+      return Utf8FromBytes(document.BaseUrl());
+    case kInformationSaveMode:
       return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
@@ -60,7 +71,7 @@ std::string Fact(Document& document, int key) {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
-    case kInformationLastWay:
+    case kInformationLastSaveMode:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     case kInformationHasBaseUrl:
       return document.HasBaseUrl() ? "1" : "0";

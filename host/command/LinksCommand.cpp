@@ -42,6 +42,7 @@ LinksCommand::LinksCommand()
 void LinksCommand::Check() {
   CheckPasswordOptions();
   Exclude("json", "csv");
+  Exclude("all", "check");
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
@@ -49,7 +50,7 @@ void LinksCommand::Check() {
       throw CommandError(kExitUsage,
                          QStringLiteral("Option '--base' takes a URL with a scheme, not '%1'.").arg(Value("base")));
     }
-    options_.base = Value("base");
+    options_.base = LinkBase{Value("base"), Value("base").toUtf8()};
   }
   for (const QString& check : parser_.values(QStringLiteral("check"))) options_.checks.emplace_back(check);
   options_.all = IsSet("all");
@@ -62,6 +63,7 @@ int LinksCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;
@@ -80,6 +82,9 @@ int LinksCommand::Execute() {
   const bool strictlyWrong = IsSet("strict") && counts.disagreeing + counts.withoutBase > 0;
   const bool complete = listing.IsComplete() && counts.incomplete == 0;
   const bool printed = PrintSummary(counts);
+  for (const QString& url : listing.UrlsWithoutLinks()) {
+    Console::Error(QStringLiteral("No link leads to '%1' or below.").arg(url));
+  }
   return printed && complete && counts.missing == 0 && !strictlyWrong ? kExitDone : kExitSomeFailed;
 }
 

@@ -31,6 +31,7 @@ int ShowCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   if (IsSet("json")) {
     question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
       return DocumentFacts::ToJson(library, file) + '\n';

@@ -69,11 +69,11 @@ std::vector<std::pair<ViewerRules::Target, QByteArray>> ByTarget(const ViewerRul
 
 }  // namespace
 
-ListedLink::ListedLink(const DocumentLink& found, const std::optional<QString>& base)
+ListedLink::ListedLink(const DocumentLink& found, const std::optional<LinkBase>& base)
     : link(found),
       relative(IsRelativeLink(found.uri)),
-      target(ResolvedLink(base.value_or(QString()), found.uri)),
-      viewers(ViewerRules::All(found.uri.toUtf8(), base ? std::optional(base->toUtf8()) : std::nullopt)),
+      target(ResolvedLink(base ? base->text : QString(), found.uri)),
+      viewers(ViewerRules::All(found.bytes, base ? std::optional(base->bytes) : std::nullopt)),
       agree(ViewerRules::Agree(viewers)) {}
 
 std::string LinkFormat::Json(const std::string& file, const ListedLink& link) {

@@ -9,10 +9,15 @@
 #include "host/links/ViewerRules.h"
 #include "utils/DocumentLinks.h"
 
+// A document's base URL, or another one instead.
+struct LinkBase {
+  QString text;
+  QByteArray bytes;  // the string in the file, which is what most viewers take
+};
+
 // A link of a document with where it leads.
 struct ListedLink {
-  // `base` is the document's base URL, or another one; nothing when there is none.
-  ListedLink(const DocumentLink& found, const std::optional<QString>& base);
+  ListedLink(const DocumentLink& found, const std::optional<LinkBase>& base);
 
   DocumentLink link;
   bool relative;

@@ -92,7 +92,7 @@ std::string Links(PdfLibrary::Wrapper& library) {
 // How a save would be written once something has changed.
 std::string SaveMode(PdfLibrary::Wrapper& library) {
   if (library.SetBaseURL(library.GetBaseURL() + L"x") == 0) return kNull;
-  return TextOrNull(library.GetInformation(kInformationWayOfSaving));
+  return TextOrNull(library.GetInformation(kInformationSaveMode));
 }
 
 }  // namespace

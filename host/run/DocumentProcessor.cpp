@@ -165,7 +165,7 @@ void DocumentProcessor::Advise(FileRecord& record) {
 
 // How the document would be saved now, and whether policy lets it.
 void DocumentProcessor::CheckSaving(FileRecord& record) {
-  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWayOfSaving));
+  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationSaveMode));
   if (record.saveMode.empty()) record.saveMode = "unknown";
   if (record.saveMode == "unchanged" || record.saveMode == "unknown") return;
 
@@ -220,7 +220,8 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
 void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
-  if (record.saveMode != "incremental" || PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastWay)) != "rewrite")
+  if (record.saveMode != "incremental" ||
+      PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastSaveMode)) != "rewrite")
     return;
   record.saveMode = "rewrite";
   record.warnings.push_back("the whole file is rewritten (an appended update was not readable)");

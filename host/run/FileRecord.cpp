@@ -106,7 +106,7 @@ std::string FileRecord::ToJson() const {
   std::snprintf(milliseconds, sizeof milliseconds, "%lld.%03lld", microseconds / 1000, microseconds % 1000);
   json += ",\"milliseconds\":";
   json += milliseconds;
-  json += ",\"way\":";
+  json += ",\"saveMode\":";
   JsonText::AppendBytes(json, saveMode);
   json += ",\"signatures\":";
   json += signatures == kUnknown ? "null" : std::to_string(signatures);

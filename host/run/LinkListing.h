@@ -15,7 +15,7 @@ struct LinkListingOptions {
 
   Format format = Format::kTable;
   bool all = false;               // also links that are not relative
-  std::optional<QString> base;    // instead of the documents' own; empty: as if they had none
+  std::optional<LinkBase> base;   // instead of the documents' own; an empty one: as if they had none
   std::vector<LinkCheck> checks;  // lists only the links whose files are missing in a folder
 };
 
@@ -43,6 +43,8 @@ class LinkListing : public FileQuery {
   void Take(std::size_t item, std::string_view result) override;
 
   const LinkCounts& Counts() const { return total_; }
+  // The URLs of `checks` that no link leads to, or below.
+  std::vector<QString> UrlsWithoutLinks() const;
 
  private:
   std::string Answer(PdfLibrary::Wrapper& library, const std::string& file);
@@ -54,4 +56,6 @@ class LinkListing : public FileQuery {
   LinkListingOptions options_;
   LinkCounts counts_;  // of the file in hand
   LinkCounts total_;
+  std::vector<std::size_t> covered_;  // the links below the URL of each check, in the file in hand
+  std::vector<std::size_t> totalCovered_;
 };

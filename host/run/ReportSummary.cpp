@@ -88,7 +88,8 @@ void ReportSummary::Take(const QJsonObject& record) {
   file.status = status;
   file.output = Bytes(record.value(QLatin1String("output")));
   file.reason = Bytes(record.value(QLatin1String("reason")));
-  file.saveMode = Bytes(record.value(QLatin1String("way")));
+  const QLatin1String key(record.contains(QLatin1String("saveMode")) ? "saveMode" : "way");  // "way" in older reports
+  file.saveMode = Bytes(record.value(key));
   file.warnings.clear();
   for (const QJsonValue warning : record.value(QLatin1String("warnings")).toArray()) {
     file.warnings.push_back(Bytes(warning));
@@ -152,7 +153,7 @@ std::string ReportSummary::ToJson() const {
 }
 
 std::string ReportSummary::ToCsv() const {
-  std::string csv = "file,status,reason,output,way,attempts,warnings\r\n";
+  std::string csv = "file,status,reason,output,saveMode,attempts,warnings\r\n";
   for (const File& file : files_) {
     std::string warnings;
     for (const std::string& warning : file.warnings) warnings += (warnings.empty() ? "" : "; ") + warning;

@@ -117,7 +117,7 @@ TEST(Reports, SeveralRunsWriteOneReport) {
 TEST(Reports, AreMergedByTheLastRecordOfEachFile) {
   WriteFile("one.jsonl", Record("a", "failed", ",\"reason\":\"bad\"") + '\n' +
                              Record("b", "done", ",\"way\":\"unchanged\",\"warnings\":[\"odd\"]") + '\n' +
-                             Record("a", "done") + '\n' + Record("a", "skipped") + '\n');
+                             Record("a", "done", ",\"saveMode\":\"rewrite\"") + '\n' + Record("a", "skipped") + '\n');
   WriteFile("two.json", "[\n" + Record("c,\\udcff", "failed", ",\"reason\":\"bad \\\"x\\\"\"") + ",\n" +
                             Record("d", "skipped", ",\"warnings\":[\"odd\"]") + "\n]\n");
   WriteFile("all.txt", "a\nb\nc,\xFF\nd\ne\ne\n");
@@ -132,7 +132,7 @@ TEST(Reports, AreMergedByTheLastRecordOfEachFile) {
   EXPECT_EQ(object["failures"][0]["files"][0].toString(), QStringLiteral("c,") + QChar(0xDCFF));
   EXPECT_EQ(object["missingFiles"][0].toString(), "e");
   const ProgramResult csv = RunProgram({"report", "--csv", "--files-from", "all.txt", "one.jsonl", "two.json"});
-  EXPECT_THAT(csv.out.split('\n').mid(1), ElementsAre("a,done,,o,,2,\r", "b,done,,o,unchanged,1,odd\r",
+  EXPECT_THAT(csv.out.split('\n').mid(1), ElementsAre("a,done,,o,rewrite,2,\r", "b,done,,o,unchanged,1,odd\r",
                                                       "\"c,\xFF\",failed,\"bad \"\"x\"\"\",o,,1,\r",
                                                       "d,skipped,,o,,1,odd\r", "e,missing,,,,0,\r", ""));
   EXPECT_EQ(RunProgram({"report", "one.jsonl"}).code, 0);

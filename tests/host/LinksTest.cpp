@@ -199,7 +199,7 @@ TEST(MakeLinksAbsolute, EveryRelativeLinkLeadsWhereItShould) {
     WriteFile("a.pdf", row.pdf);
     const ProgramResult result = MakeAbsolute({"a.pdf"});
     EXPECT_EQ(result.code, 0) << row.what;
-    EXPECT_EQ(ReadReport(result.out)["a.pdf"]["way"].toString(), row.saveMode) << row.what;
+    EXPECT_EQ(ReadReport(result.out)["a.pdf"]["saveMode"].toString(), row.saveMode) << row.what;
     EXPECT_TRUE(ReadFile("a.pdf").startsWith(row.pdf)) << row.what;
     EXPECT_EQ(Uris("a.pdf"), (QStringList{"https://e.org/m/c.html", "https://e.org/r", "#p", "mailto:a@b.c",
                                           "HTTP://e.org/x y", "https://e.org/m/o.html", "https://e.org/m/f.html"}))

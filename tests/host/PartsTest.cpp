@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <thread>
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/files/OutputNames.h"
+#include "host/run/FileQuery.h"
 #include "host/run/FileRecord.h"
 #include "host/run/JobBoard.h"
 #include "host/run/RecordFraming.h"
@@ -143,6 +147,43 @@ TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {
   EXPECT_EQ(object["outputSize"].toInt(), 5);
   EXPECT_EQ(object["outputTime"].toString(), "1763731335123456789");
   EXPECT_EQ(object["warnings"].toArray(), QJsonArray({"", "two"}));
+}
+
+// What the query prints into a pipe when the second file, then the third, then the first is read.
+QByteArrayList AnswersIntoAPipe(bool prompt) {
+  InputList inputs(false, nullptr);
+  for (const char* name : {"a", "b", "c"}) inputs.Add(name);
+  int ends[2];
+  EXPECT_EQ(pipe2(ends, O_NONBLOCK), 0);
+  const int output = dup(STDOUT_FILENO);
+  dup2(ends[1], STDOUT_FILENO);
+  FileQuestion question;
+  question.prompt = prompt;
+  FileQuery query(inputs, question);
+  QByteArrayList printed;
+  const auto printedBy = [&](auto step) {
+    step();
+    char text[64];
+    printed += QByteArray(text, static_cast<int>(std::max<ssize_t>(read(ends[0], text, sizeof text), 0)));
+  };
+  for (const std::size_t item : {1U, 2U, 0U}) {
+    std::string answer;
+    RecordFraming::Append(answer, {std::to_string(item), ""});
+    printedBy([&] {
+      query.Take(item, answer);
+      std::this_thread::sleep_for(FileQuery::kLongestWait);
+      query.Flush();
+    });
+  }
+  printedBy([&] { query.Finish(); });
+  dup2(output, STDOUT_FILENO);
+  for (const int descriptor : {output, ends[0], ends[1]}) close(descriptor);
+  return printed;
+}
+
+TEST(FileQuery, PromptAnswersDoNotWaitForASlowFile) {
+  EXPECT_EQ(AnswersIntoAPipe(true), (QByteArrayList{"1", "2", "0", ""}));
+  EXPECT_EQ(AnswersIntoAPipe(false), (QByteArrayList{"", "", "012", ""}));
 }
 
 TEST(JobBoard, NoItemIsLostOrDoneTwice) {

@@ -213,11 +213,11 @@ TEST(Program, SignedDocuments) {
                                                              "r.json", "signed.pdf", "certified.pdf", "broken.pdf"});
   EXPECT_EQ(result.code, 0) << result.err.toStdString();
   auto report = ReadReport(ReadFile("r.json"));
-  EXPECT_EQ(report["signed.pdf"]["way"].toString(), "incremental");
+  EXPECT_EQ(report["signed.pdf"]["saveMode"].toString(), "incremental");
   EXPECT_TRUE(report["signed.pdf"]["warnings"].toArray().isEmpty());
   EXPECT_TRUE(ReadFile("signed.pdf").startsWith(MakeSignedPdf()));
   EXPECT_THAT(report["certified.pdf"]["warnings"].toArray()[0].toString().toStdString(), HasSubstr("certification"));
-  EXPECT_EQ(report["broken.pdf"]["way"].toString(), "rewrite");
+  EXPECT_EQ(report["broken.pdf"]["saveMode"].toString(), "rewrite");
   EXPECT_THAT(report["broken.pdf"]["warnings"].toArray()[0].toString().toStdString(),
               HasSubstr("breaks its signatures"));
 }

@@ -70,7 +70,7 @@ TEST(DryRun, SaysWhatTheRunDoesAndWritesNothing) {
     EXPECT_EQ(before, after) << output.join(' ').toStdString();
     EXPECT_EQ(after["in/c2.pdf"]["certification"].toInt(), 2);
     EXPECT_EQ(after["in/signed.pdf"]["signatures"].toInt(), 1);
-    EXPECT_EQ(after["in/old.pdf"]["way"].toString(), "rewrite");
+    EXPECT_EQ(after["in/old.pdf"]["saveMode"].toString(), "rewrite");
     for (const auto& [name, content] : files) {
       QFile::remove(QString("in/") + name + '~');
       WriteFile(QString("in/") + name, content);

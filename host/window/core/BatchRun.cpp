@@ -22,10 +22,11 @@ QString TextOf(const QJsonObject& record, const char* key) {
 FileState StateOf(const QJsonObject& record, const QString& reason) {
   const QString status = TextOf(record, "status");
   if (status == QLatin1String("failed")) {
-    return RecordTexts::IsAboutPassword(reason) ? FileState::kNeedsPassword : FileState::kFailed;
+    if (RecordTexts::IsAboutPassword(reason)) return FileState::kNeedsPassword;
+    // It was in hand when the run was cancelled for the second time.
+    return reason == QLatin1String("interrupted") ? FileState::kCancelled : FileState::kFailed;
   }
-  const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged") ||
-                         TextOf(record, "way") == QLatin1String("unchanged");
+  const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged");
   return unchanged ? FileState::kUnchanged : FileState::kDone;
 }
 
@@ -167,22 +168,18 @@ void BatchRun::Settle(const QVector<FileOutcome>& outcomes) {
 }
 
 FileStateChange BatchRun::Leftover(const RunnerResult& result) const {
-  FileStateChange change;
-  change.state = FileState::kCancelled;
   if (HasNotBegun(result)) {
-    change.reason = tr("The run could not begin. The file stays as it was.");
-    return change;
+    return {{}, FileState::kCancelled, tr("The run could not begin. The file stays as it was.")};
   }
-  // Otherwise vorlane-run did not come to its own end, and may have held the file.
-  if (result.exitCode >= 0) {
-    change.reason = tr("Cancelled. The file stays as it was.");
-    if (result.exitCode > kExitSignalBase) return change;
+  // The program has finished the files that it held.
+  if (result.exitCode > kExitSignalBase) {
+    return {{}, FileState::kCancelled, tr("Cancelled. The file stays as it was.")};
   }
-  const QString unknown = tr("Whether the file was changed is not known.");
-  if (!result.cancelled) change.state = FileState::kFailed;
-  change.reason = (result.error.isEmpty() ? tr("vorlane-run says nothing about this file.") : result.error) +
-                  QLatin1Char(' ') + unknown;
-  return change;
+  QString reason = result.cancelled ? tr("Cancelled.") : result.error;
+  if (reason.isEmpty()) reason = tr("vorlane-run says nothing about this file.");
+  return {{},
+          result.cancelled ? FileState::kCancelled : FileState::kFailed,
+          reason + QLatin1Char(' ') + tr("Whether the file was changed is not known.")};
 }
 
 void BatchRun::End(const RunnerResult& result) {

@@ -101,8 +101,7 @@ void Preview::TakeRecord(const QVector<RunnerRecord>& records) {
   data_.before = TextOf(record, "baseUrlBefore");
   data_.after = TextOf(record, "baseUrlAfter");
   data_.wouldChange = TextOf(record, "status") == QLatin1String("would-change");
-  const QString saveMode = TextOf(record, "saveMode");
-  data_.saveMode = saveMode.isEmpty() ? TextOf(record, "way") : saveMode;
+  data_.saveMode = TextOf(record, "saveMode");
   for (const QJsonValue& warning : record.value(QLatin1String("warnings")).toArray()) {
     data_.warnings += RecordTexts::PlainReason(warning.toString());
   }

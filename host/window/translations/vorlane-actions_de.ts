@@ -157,6 +157,10 @@
         <source>vorlane-run says nothing about this file.</source>
         <translation>vorlane-run meldet nichts zu dieser Datei.</translation>
     </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>Abgebrochen.</translation>
+    </message>
 </context>
 <context>
     <name>ChoiceCard</name>

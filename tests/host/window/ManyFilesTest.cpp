@@ -129,7 +129,8 @@ TEST(ManyFiles, NeverBlockTheEventLoop) {
   std::cout << "listed after " << listed << " s, read after " << read << " s, run after " << sinceStart() << " s; "
             << watch.Stop() << '\n';
   EXPECT_LT(watch.MostUsed(), 100ms);
-  if (watch.MachineStalled()) GTEST_SKIP() << "the machine is too busy to measure time";
+  const bool inTime = listed < 1.0 && watch.Longest() < 100ms;
+  if (!inTime && watch.MachineStalled()) GTEST_SKIP() << "the machine is too busy to measure time";
   EXPECT_LT(listed, 1.0);
   EXPECT_LT(watch.Longest(), 100ms);
 }

@@ -184,6 +184,40 @@ TEST_F(WindowOnX, FilesAreDroppedFromAnotherProgram) {
   EXPECT_TRUE(source.waitForFinished());
 }
 
+// The window of a program of its own, once it is there, with the keys going to it.
+void Activate(const QProcess& program, const QString& title) {
+  const QString pid = QString::number(program.processId());
+  const QString id =
+      XUser::Do({"search", "--sync", "--onlyvisible", "--all", "--pid", pid, "--name", title}).simplified();
+  XUser::Do({"windowactivate", "--sync", id});
+}
+
+TEST_F(WindowOnX, TheEntryOfFileManagersNeedsNoPointerAndSpeaksGerman) {
+  MakeFolders({"files"}, 3);
+  QProcess program;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("LANG", "de_DE.UTF-8");
+  program.setProcessEnvironment(environment);
+  program.setProcessChannelMode(QProcess::ForwardedChannels);
+  const QFileInfoList files = QDir("files").entryInfoList(QDir::Files);
+  QStringList arguments{"--action", "Set Base URL"};
+  for (const QFileInfo& file : files) arguments += file.filePath();
+  program.start(VORLANE_ACTIONS_FILE, arguments);
+  XUser::Run([&](XUser&) {
+    Activate(program, "^Set Base URL$");
+    XUser::Type(kUrl);
+    XUser::Press("Return");
+    Activate(program, "^PDF-Aktionen$");
+    XUser::Press("ctrl+Return");
+    for (const QFileInfo& file : files) {
+      XUser::Await("the base URL", [&] { return BaseUrlOf(file.filePath()) == kUrl; });
+    }
+    XUser::Press("ctrl+q");
+    XUser::Await("the end", [&] { return program.state() == QProcess::NotRunning; });
+  });
+  EXPECT_EQ(program.exitCode(), 0);
+}
+
 TEST_F(WindowOnX, TwoWindowsOpenAtOnceAndEachClosesAlone) {
   MakeFolders({"one", "two"}, 2);
   std::vector<std::unique_ptr<QProcess>> programs;
@@ -194,10 +228,7 @@ TEST_F(WindowOnX, TwoWindowsOpenAtOnceAndEachClosesAlone) {
   }
   XUser::Run([&](XUser&) {
     for (const auto& program : programs) {
-      const QString pid = QString::number(program->processId());
-      const QString id =
-          XUser::Do({"search", "--sync", "--onlyvisible", "--all", "--pid", pid, "--name", "PDF Actions"}).simplified();
-      XUser::Do({"windowactivate", "--sync", id});
+      Activate(*program, "^PDF Actions$");
       XUser::Press("ctrl+q");
       XUser::Await("its end", [&] { return program->state() == QProcess::NotRunning; });
       EXPECT_EQ(program->exitCode(), 0);
