@@ -18,7 +18,7 @@ namespace engine {
 
 class FileWindow;
 
-// The damage is of a kind that nobody can repair without loss (kErrorDamaged).
+// Damage that cannot be repaired without loss (kErrorDamaged).
 class CannotRepair : public EngineError {
  public:
   explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
@@ -28,8 +28,8 @@ class CannotRepair : public EngineError {
 // object of its own.
 std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file);
 
-// Makes a damaged file readable by adding one complete cross-reference section for every object that stands in it. The
-// parser then sees the file's bytes and that section, which is what a save appends.
+// Makes a damaged file readable by adding one complete cross-reference section for every object in it. The parser then
+// sees the file's bytes and that section, which is what a save appends.
 class FileRepair {
  public:
   struct Result {
@@ -40,12 +40,12 @@ class FileRepair {
 
   explicit FileRepair(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
 
-  // What stands in the file; read on first use.
+  // The objects in the file; read on first use.
   const FileScan& Scan();
   // Whether the file has the object, outside of object streams.
   bool Finds(ObjectId id);
 
-  // Objects that take the place of whatever has their numbers otherwise.
+  // Objects that replace others of the same number.
   void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
 
   // The repaired file. `document` is null when the password does not fit. Throws EngineError kErrorDamaged when no
@@ -54,12 +54,22 @@ class FileRepair {
 
  private:
   using Kept = std::vector<FileTail::KeptObject>;
+  // What the file is up to one of its ends, if its own cross-references lead to all of that.
+  struct Version {
+    std::uint64_t end;
+    FileTail tail;
+    std::shared_ptr<QPDF> document;
+  };
 
   const std::vector<FileScan::Object>& Newest();
   std::string TrailerEntry(const std::string& key);
-  void CheckOneDocument();
+  void CheckOneEncryption();
+  std::string MixedDocuments();
   bool HoldsTwoDocuments();
-  std::optional<FileTail> FindEarlierEnd(const std::string& password);
+  std::optional<Version> FindEarlierVersion(const std::string& password);
+  bool IsUpdated(const Version& version);
+  bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
+  bool AnotherRootAfter(const Version& version, QPDF& rebuilt);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
@@ -67,8 +77,10 @@ class FileRepair {
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   void CheckMembers(QPDF& document, const Kept& kept) const;
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
+  bool IsOnlyRoot(ObjectId root);
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
+  void CheckDamagedObjects(const FileTail& tail);
   void CheckObjects(QPDF& document, const FileTail& tail);
   void CompareWithParser(BackendInputSource::View view, const std::string& password) const;
   void RepairStreams(QPDF& document, FileTail& tail);

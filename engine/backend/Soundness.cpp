@@ -62,7 +62,7 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
                      [&](const Place& place) { return StandsAt(window, place) || !repair.Finds(place.id); });
 }
 
-// Whether the object has a reference to one that has no entry but stands in the file.
+// Whether the object refers to one that has no entry but is in the file.
 bool Dangles(QPDFObjectHandle object, const XrefTable& table, FileRepair& repair) {
   const auto lost = [&](const QPDFObjectHandle& value) {
     const QPDFObjGen id = value.getObjGen();
@@ -96,11 +96,12 @@ bool PagesAreThere(QPDF& document, FileRepair& repair) {
 }  // namespace
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
-  return EntriesLeadToObjects(document, file, repair) && ObjectStreams(file.Size()).Check(document) &&
-         PagesAreThere(document, repair);
+  return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) &&
+         ObjectStreams(file.Size()).Check(document) && PagesAreThere(document, repair);
 }
 
 std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {
+  if (HasInventedKeys(document.getTrailer())) return {};
   const std::uint64_t headerOffset = QuickReader::HeaderOffset(file);
   FileWindow window(file);
   std::vector<FileTail::KeptObject> entries;

@@ -7,10 +7,14 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 
-namespace {
+QStringList InstalledToolsFolders() {
+  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
+  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools")};
+}
 
-// A relative folder would mean code from wherever the user happens to be.
-QStringList FoldersOfEnvironment() {
+// A relative folder would load code from whatever folder the user is in.
+QStringList ToolsFoldersOfEnvironment() {
   const QStringList folders =
       NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
   for (const QString& folder : folders) {
@@ -19,14 +23,4 @@ QStringList FoldersOfEnvironment() {
                        QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
   }
   return folders;
-}
-
-}  // namespace
-
-QStringList StandardToolsFolders() {
-  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
-                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         FoldersOfEnvironment();
 }
