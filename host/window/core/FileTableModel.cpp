@@ -209,7 +209,7 @@ QVariant FileTableModel::data(const QModelIndex& index, int role) const {
   const FileRow& row = Row(index.row());
   switch (role) {
     case Qt::DisplayRole:
-      return Text(row, index.column());
+      return ShownText(FullText(row, index.column()));
     case Qt::ToolTipRole:
       return ToolTip(row, index.column());
     case Qt::TextAlignmentRole: {
@@ -222,21 +222,23 @@ QVariant FileTableModel::data(const QModelIndex& index, int role) const {
       return row.path;
     case kStateRole:
       return static_cast<int>(row.state);
+    case kFullTextRole:
+      return FullText(row, index.column());
     default:
       return {};
   }
 }
 
-QVariant FileTableModel::Text(const FileRow& row, int column) const {
+QString FileTableModel::FullText(const FileRow& row, int column) {
   switch (column) {
     case kName:
-      return ShownText(NameOf(row.path));
+      return NameOf(row.path);
     case kFolder:
-      return ShownText(FolderOf(row.path));
+      return FolderOf(row.path);
     case kState:
       return StateName(row.state);
     case kReason:
-      return ShownText(row.reason);
+      return row.reason;
     default:
       break;
   }
@@ -246,7 +248,7 @@ QVariant FileTableModel::Text(const FileRow& row, int column) const {
     case kPages:
       return NumberText(facts.pages);
     case kBaseUrl:
-      return ShownText(facts.baseUrl.value_or(QString()));
+      return facts.baseUrl.value_or(QString());
     case kLinks:
       return facts.links < 0 ? QString()
                              : NumberText(facts.relativeLinks) + QStringLiteral(" / ") + NumberText(facts.links);
@@ -259,9 +261,9 @@ QVariant FileTableModel::Text(const FileRow& row, int column) const {
   }
 }
 
-QVariant FileTableModel::ToolTip(const FileRow& row, int column) const {
+QString FileTableModel::ToolTip(const FileRow& row, int column) {
   if (column == kName || column == kFolder) return ShownText(row.path);
-  if (!row.facts) return Text(row, column);
+  if (!row.facts) return ShownText(FullText(row, column));
   const FileFacts& facts = *row.facts;
   switch (column) {
     case kLinks:
@@ -275,11 +277,11 @@ QVariant FileTableModel::ToolTip(const FileRow& row, int column) const {
     case kEncrypted:
       return facts.encryption;
     default:
-      return Text(row, column);
+      return ShownText(FullText(row, column));
   }
 }
 
-QVariant FileTableModel::SortKey(const FileRow& row, int column) const {
+QVariant FileTableModel::SortKey(const FileRow& row, int column) {
   const FileFacts facts = row.facts.value_or(FileFacts());
   switch (column) {
     case kPages:
@@ -293,7 +295,7 @@ QVariant FileTableModel::SortKey(const FileRow& row, int column) const {
     case kState:
       return static_cast<int>(row.state);
     default:
-      return Text(row, column);
+      return FullText(row, column);
   }
 }
 

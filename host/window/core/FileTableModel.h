@@ -70,6 +70,7 @@ class FileTableModel : public QAbstractTableModel {
     kSortRole = Qt::UserRole,  // numbers as numbers, unknown ones first
     kPathRole,                 // QString
     kStateRole,                // FileState as an int
+    kFullTextRole,             // the text of the cell, not cut off, for copying
   };
 
   explicit FileTableModel(QObject* parent = nullptr);
@@ -107,9 +108,9 @@ class FileTableModel : public QAbstractTableModel {
   void CountRowsFrom(int first);
   // Tells the views of changed rows: neighbours together.
   void Announce(QVector<int> rows, Column first, Column last);
-  QVariant Text(const FileRow& row, int column) const;
-  QVariant ToolTip(const FileRow& row, int column) const;
-  QVariant SortKey(const FileRow& row, int column) const;
+  static QString FullText(const FileRow& row, int column);
+  static QString ToolTip(const FileRow& row, int column);
+  static QVariant SortKey(const FileRow& row, int column);
 
   std::vector<std::unique_ptr<FileRow>> rows_;
   QHash<QString, int> rowOfPath_;

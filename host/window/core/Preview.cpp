@@ -6,6 +6,7 @@
 #include "host/base/ExitCode.h"
 #include "host/window/core/RecordTexts.h"
 #include "host/window/core/RunArguments.h"
+#include "host/window/core/ShownText.h"
 #include "utils/LinkTarget.h"
 
 namespace {
@@ -22,11 +23,11 @@ QString TextOf(const QJsonObject& record, const char* key) {
 PreviewLink LinkOf(const QJsonObject& record) {
   PreviewLink link;
   link.page = record.value(QLatin1String("page")).toInt();
-  link.uri = TextOf(record, "uri");
-  link.target = TextOf(record, "target");
+  link.uri = ShownText(TextOf(record, "uri"));
+  link.target = ShownText(TextOf(record, "target"));
   const QJsonObject viewers = record.value(QLatin1String("viewers")).toObject();
   for (auto viewer = viewers.begin(); viewer != viewers.end(); ++viewer) {
-    link.viewers.insert(viewer.key(), viewer.value().toString());
+    link.viewers.insert(viewer.key(), ShownText(viewer.value().toString()));
   }
   link.agree = record.value(QLatin1String("agree")).toBool();
   return link;
@@ -145,6 +146,8 @@ void Preview::EndLinks(const RunnerResult& result) {
 
 void Preview::Finish() {
   GiveUp();
-  const PreviewData data = data_;
+  PreviewData data = data_;
+  data.before = ShownText(data.before);
+  data.after = ShownText(data.after);
   emit changed(data);
 }

@@ -12,7 +12,7 @@
 #include "host/window/core/ActionChoice.h"
 #include "host/window/core/RunnerProcess.h"
 
-// A relative link with where it would lead.
+// A relative link with where it would lead. Texts are as ShownText has them, here and in PreviewData.
 struct PreviewLink {
   int page = 0;    // from 1; 0: on no page
   QString uri;     // as it stands in the file

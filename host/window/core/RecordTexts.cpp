@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
+#include <vector>
 
 #include "host/base/PdfLibrary.h"
 #include "host/window/core/ShownText.h"
@@ -10,9 +11,9 @@
 
 namespace {
 
-// The start of a message, and what people read instead. "%1" is what follows the start.
+// A message, and what people read instead, with the parts in parentheses.
 struct Text {
-  const char* start;
+  const char* pattern;
   const char* shown;
 };
 
@@ -26,23 +27,57 @@ constexpr Text kTexts[] = {
      QT_TRANSLATE_NOOP("RecordTexts", "The file is damaged beyond repair. Get it again from where it came from.")},
     {"the file changed while it was open",
      QT_TRANSLATE_NOOP("RecordTexts", "Another program was changing the file. Try again.")},
-    {"cannot write: ", QT_TRANSLATE_NOOP("RecordTexts", "The result cannot be written: %1.")},
+    {"cannot write: (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The result cannot be written: %1.")},
     {"cannot write", QT_TRANSLATE_NOOP("RecordTexts", "The result cannot be written.")},
     {"the disk is full", QT_TRANSLATE_NOOP("RecordTexts", "The disk is full. Free some space and try again.")},
     {"not enough memory", QT_TRANSLATE_NOOP("RecordTexts", "The file needs more memory than there is.")},
     {"its certification permits no change",
      QT_TRANSLATE_NOOP("RecordTexts",
                        "Its certification permits no change. To change it all the same, allow breaking signatures.")},
-    {"signed, and ",
+    {"signed, and .*",
      QT_TRANSLATE_NOOP("RecordTexts",
                        "Saving would break its signatures. To save it all the same, allow breaking signatures.")},
-    {"took longer than the time limit of ",
+    {"took longer than the time limit of (.*)",
      QT_TRANSLATE_NOOP("RecordTexts", "It took too long (more than %1) and was given up.")},
-    {"crashed: ", QT_TRANSLATE_NOOP("RecordTexts", "The file made vorlane-run crash (%1). It stays as it was.")},
+    {"crashed: (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The file made vorlane-run crash (%1). It stays as it was.")},
     {"interrupted", QT_TRANSLATE_NOOP("RecordTexts", "Cancelled. The file stays as it was.")},
-    {"the same file as ", QT_TRANSLATE_NOOP("RecordTexts", "It is the same file as %1.")},
-    {"cannot make the backup ", QT_TRANSLATE_NOOP("RecordTexts", "The backup cannot be made: %1.")},
+    {"the same file as (.*)", QT_TRANSLATE_NOOP("RecordTexts", "It is the same file as %1.")},
+    {"cannot make the backup (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The backup cannot be made: %1.")},
+    // What a run may want to be known.
+    {"'.*': it does not end in \"/\": .*", QT_TRANSLATE_NOOP("RecordTexts",
+                                                             "The base URL does not end in a slash. Firefox then drops "
+                                                             "its last part; Chrome and MuPDF join it with the link.")},
+    {"'.*': it is written as (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The base URL is written as %1.")},
+    {"'.*': not every viewer understands a host outside ASCII; (.*) is safer",
+     QT_TRANSLATE_NOOP("RecordTexts", "Not every viewer understands such a host name. %1 is safer.")},
+    {"'.*': a base URL should have no .*",
+     QT_TRANSLATE_NOOP(
+         "RecordTexts",
+         "A base URL should have no question mark and no number sign: viewers differ in what they make of it.")},
+    {"(\\d+) relative links?, (\\d+) leads? elsewhere in Chrome than in Firefox.*",
+     QT_TRANSLATE_NOOP("RecordTexts", "Of %1 relative links, %2 lead elsewhere in Chrome than in Firefox.")},
+    {"its certification permits only filling in forms: .*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "Its certification permits filling in forms only: readers may report the change.")},
+    {"its certification permits .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "Readers may report the change, since the file is certified.")},
+    {"the whole file is rewritten.*, which breaks its signatures",
+     QT_TRANSLATE_NOOP("RecordTexts", "The whole file is written anew, which breaks its signatures.")},
+    {"the whole file is rewritten \\((.*)\\)", QT_TRANSLATE_NOOP("RecordTexts", "The whole file is written anew: %1.")},
 };
+
+// In the order of kTexts.
+const std::vector<QRegularExpression>& Patterns() {
+  static const std::vector<QRegularExpression> patterns = [] {
+    std::vector<QRegularExpression> all;
+    for (const Text& text : kTexts) {
+      all.emplace_back(QRegularExpression::anchoredPattern(QLatin1String(text.pattern)),
+                       QRegularExpression::DotMatchesEverythingOption);
+    }
+    return all;
+  }();
+  return patterns;
+}
 
 // Advice that is about the command line.
 const QRegularExpression& OptionAdvice() {
@@ -58,11 +93,12 @@ bool RecordTexts::IsAboutPassword(const QString& reason) {
 }
 
 QString RecordTexts::PlainReason(const QString& reason) {
-  for (const Text& text : kTexts) {
-    const QLatin1String start(text.start);
-    if (!reason.startsWith(start)) continue;
-    const QString shown = QCoreApplication::translate("RecordTexts", text.shown);
-    return shown.contains(QLatin1String("%1")) ? shown.arg(ShownText(reason.mid(start.size()))) : shown;
+  for (std::size_t i = 0; i < Patterns().size(); ++i) {
+    const QRegularExpressionMatch match = Patterns()[i].match(reason);
+    if (!match.hasMatch()) continue;
+    QString shown = QCoreApplication::translate("RecordTexts", kTexts[i].shown);
+    for (int part = 1; part <= match.lastCapturedIndex(); ++part) shown = shown.arg(ShownText(match.captured(part)));
+    return shown;
   }
   QString sentence = QString(reason).remove(OptionAdvice());
   if (sentence.isEmpty()) return sentence;

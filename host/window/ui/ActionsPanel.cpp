@@ -225,6 +225,7 @@ Choice ActionsPanel::ChoiceOf(QTreeWidgetItem* item) {
   if (kind == Kind::kFavorite) {
     const Favorite favorite = FavoriteOf(item);
     choice = Choices::OfAction(catalog_, favorite.actionName, favorite.settings, &why, favorite.name, favorite.icon);
+    choice.favorite = favorite.name;
   } else if (kind == Kind::kList || kind == Kind::kFile) {
     choice = Choices::OfFile(catalog_, ValueOf(item), &why);
   } else if (kind == Kind::kRecent) {

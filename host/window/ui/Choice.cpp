@@ -42,7 +42,8 @@ Choice Choices::OfAction(ActionCatalog& catalog, const QString& actionName, cons
     return {};
   }
   return {ActionChoice::Action(actionName, settings), title.isEmpty() ? action->GetDisplayName() : title,
-          DescribeSettings(actionName, settings), icon.isNull() ? ActionIcon(action->GetDefaultIcon()) : icon};
+          DescribeSettings(actionName, settings), icon.isNull() ? ActionIcon(action->GetDefaultIcon()) : icon,
+          QString()};
 }
 
 Choice Choices::OfFile(ActionCatalog& catalog, const QString& file, QString* problem) {
@@ -73,7 +74,7 @@ Choice Choices::OfFile(ActionCatalog& catalog, const QString& file, QString* pro
                (settings.isEmpty() ? QString() : QStringLiteral(" – ") + settings.simplified());
     }
     const QString title = list.name.isEmpty() ? QFileInfo(path).completeBaseName() : list.name;
-    return {ActionChoice::List(path), title, lines.join(QLatin1Char('\n')), ListIcon()};
+    return {ActionChoice::List(path), title, lines.join(QLatin1Char('\n')), ListIcon(), QString()};
   } catch (const CommandError& error) {
     *problem = error.Message();
     return {};

@@ -15,6 +15,7 @@ struct Choice {
   QString title;
   QString details;  // its settings, a line each
   QIcon icon;
+  QString favorite;  // the name of the favorite that it is, or was before it was edited
 
   bool IsSet() const { return action.kind != ActionChoice::Kind::kNone; }
   bool IsEditable() const { return action.kind == ActionChoice::Kind::kAction; }

@@ -416,7 +416,9 @@ void MainWindow::ChooseAction(const QString& actionName) {
 }
 
 void MainWindow::Edit(const Choice& choice) {
-  if (choice.IsEditable()) RunSettingsDialog(choice.action.actionName, choice.action.settings, false);
+  if (!choice.IsEditable()) return;
+  const QString favorite = choice.favorite;
+  if (RunSettingsDialog(choice.action.actionName, choice.action.settings, false)) choice_.favorite = favorite;
 }
 
 // Only of a file that vorlane-run has read and that is quickly opened: nothing about a file may take the window down or
@@ -439,12 +441,14 @@ std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> MainWindow::OpenDocument() {
   }
 }
 
-void MainWindow::RunSettingsDialog(const QString& actionName, const QMap<QString, QVariant>& settings,
+bool MainWindow::RunSettingsDialog(const QString& actionName, const QMap<QString, QVariant>& settings,
                                    bool withDocument) {
   CActionInterface* const action = catalog_.Find(actionName);
-  if (action == nullptr || running_ || dialogs_.IsRunning()) return;
+  if (action == nullptr || running_ || dialogs_.IsRunning()) return false;
   const std::unique_ptr<PdfLibrary::Wrapper> document = withDocument ? OpenDocument() : nullptr;
-  UseResult(actionName, dialogs_.Run(*action, settings, document.get()));
+  const SettingsDialogRunner::Result result = dialogs_.Run(*action, settings, document.get());
+  UseResult(actionName, result);
+  return result.accepted;
 }
 
 void MainWindow::UseResult(const QString& actionName, const SettingsDialogRunner::Result& result) {
@@ -485,6 +489,7 @@ void MainWindow::SetChoice(const Choice& choice) {
 void MainWindow::SaveFavorite(const QString& name, const QIcon& icon) {
   if (!choice_.IsEditable()) return;
   Favorite favorite{QString(), name, icon, choice_.action.actionName, choice_.action.settings};
+  if (name.isEmpty()) favorite.name = choice_.favorite;
   const bool mustAsk = name.isEmpty() || Favorites::Exists(name) || !Favorites::NameProblem(name).isEmpty();
   if (mustAsk && !FavoriteDialog::Ask(this, &favorite)) return;
   const QString problem = Favorites::Save(favorite);

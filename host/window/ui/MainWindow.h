@@ -57,7 +57,8 @@ class MainWindow : public QMainWindow {
 
   void ChooseAction(const QString& actionName);
   void Edit(const Choice& choice);
-  void RunSettingsDialog(const QString& actionName, const QMap<QString, QVariant>& settings, bool withDocument);
+  // Whether settings were chosen.
+  bool RunSettingsDialog(const QString& actionName, const QMap<QString, QVariant>& settings, bool withDocument);
   void UseResult(const QString& actionName, const SettingsDialogRunner::Result& result);
   std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> OpenDocument();
   void SetChoice(const Choice& choice);

@@ -127,6 +127,7 @@ TEST(FileTable, ShowsWhatFilesHold) {
   EXPECT_EQ(Shown(model, 1, FileTableModel::kLinks), "1 / 3");
   EXPECT_EQ(Shown(model, 1, FileTableModel::kSigned), "Certified");
   EXPECT_LT(Shown(model, 1, FileTableModel::kBaseUrl).size(), 600U);
+  EXPECT_EQ(Shown(model, 1, FileTableModel::kBaseUrl, FileTableModel::kFullTextRole).size(), 100000U);
   EXPECT_GT(model.data(model.index(1, FileTableModel::kPages), FileTableModel::kSortRole),
             model.data(model.index(0, FileTableModel::kPages), FileTableModel::kSortRole));
 }

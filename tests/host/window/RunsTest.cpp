@@ -281,7 +281,7 @@ TEST(BatchRun, SaysWhyFilesFailAndTriesThemAgain) {
   EXPECT_THAT(watched.ReasonOf(certified), HasSubstr("allow breaking signatures"));
   EXPECT_EQ(watched.run.Unfinished(), (QStringList{encrypted, text, certified, Here("vanished.pdf")}));
   ASSERT_EQ(summary.messages.size(), 1);
-  EXPECT_THAT(summary.messages[0].toStdString(), HasSubstr("does not end in \"/\""));
+  EXPECT_THAT(summary.messages[0].toStdString(), HasSubstr("does not end in a slash"));
 
   OutputChoice output;
   output.passwords = QStringList{"tide"};
@@ -388,7 +388,7 @@ TEST(Preview, ShowsWhatWouldBecomeOfAFile) {
   EXPECT_EQ(data.after, QString("https://x/a"));
   EXPECT_EQ(data.saveMode, QString("incremental"));
   EXPECT_TRUE(data.error.isEmpty());
-  EXPECT_THAT(data.warnings.join('\n').toStdString(), HasSubstr("does not end in \"/\""));
+  EXPECT_THAT(data.warnings.join('\n').toStdString(), HasSubstr("does not end in a slash"));
   ASSERT_EQ(data.links.size(), 2);
   EXPECT_EQ(data.relativeLinks, 2);
   EXPECT_EQ(data.disagreeing, 2);

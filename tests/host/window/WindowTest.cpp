@@ -255,6 +255,18 @@ TEST_F(Window, FavoritesAreSavedRenamedUsedAndRemoved) {
   Choose("Guide");
   EXPECT_TRUE(Text("choiceDetails").remove(QChar(0x200b)).contains(QLatin1String(kUrl)));
 
+  // Edited, it is saved under its name again.
+  MeetSettings("https://new.example/");
+  Trigger(QString::fromUtf8("Edit Settings…"));
+  MeetDialog("favoriteDialog", [](QDialog& dialog) {
+    EXPECT_EQ(Child<QLineEdit>(dialog, "favoriteName").text(), "Guide");
+    EXPECT_EQ(Child<QLabel>(dialog, "favoriteProblem").text(), "The favorite of this name will be replaced.");
+    dialog.accept();
+  });
+  Trigger(QString::fromUtf8("Save as Favorite…"));
+  ASSERT_EQ(Favorites::All().size(), 1);
+  EXPECT_EQ(Favorites::All()[0].settings.value("baseUrlString"), "https://new.example/");
+
   QString question;
   MeetBox("confirm", false, &question);
   UseMenu("Guide", QString::fromUtf8("Remove…"));
