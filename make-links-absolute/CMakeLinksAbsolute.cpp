@@ -67,6 +67,6 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
 }
 
 int CMakeLinksAbsolute::ShowDialogProc(QWidget* parent, DialogLoadStruct* info) {
-  // The document's own base URL is what an empty field stands for.
+  // An empty field means the document's own base URL.
   return ShowSettingsDialog<CMakeLinksAbsoluteDialog>(*this, parent, info, [](auto&, auto&) {});
 }

@@ -13,7 +13,7 @@ class HalvexPDFLibraryCPDylibCPP1311;
 struct DocumentLink {
   /// What the action belongs to.
   enum class Kind {
-    kAnnotation,  ///< of an annotation that is no form field
+    kAnnotation,  ///< of an annotation that is not a form field
     kOutline,     ///< of an outline item
     kField        ///< of a form field, or of its widget on a page
   };
@@ -35,9 +35,8 @@ struct DocumentLink {
 /// of them. `visit` may change the link with SetDocumentLink(), and must select no other page or document. The selected
 /// page is afterwards what it was.
 ///
-/// A URI action without a string for its URI is not a link: two of four viewers' engines do nothing with it, and the
-/// others do different things. Returns 0, or the LastErrorCode() of the first part that could not be read; the other
-/// parts are visited all the same.
+/// A URI action without a string for its URI is not a link: viewers do nothing with it, or different things. Returns 0,
+/// or the LastErrorCode() of the first part that could not be read; the other parts are visited all the same.
 int VisitDocumentLinks(HalvexPDFLibraryCPDylibCPP1311& library, const std::function<void(const DocumentLink&)>& visit);
 
 /// The bytes of the selected document's base URL; of most documents those of GetBaseURL().

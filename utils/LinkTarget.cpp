@@ -19,21 +19,37 @@ bool IsHexDigit(char c) {
   return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-// The text with what may stand in a URI alone (RFC 3986, clause 2 and appendix C).
+bool MayBeInUri(char c) {
+  return IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr);
+}
+
+// The text with only the characters that a URI may have (RFC 3986, clause 2 and appendix C).
 QByteArray Encoded(const QString& text) {
-  const QByteArray bytes = text.trimmed().toUtf8();
+  QByteArray bytes = text.trimmed().toUtf8();
+  if (std::all_of(bytes.cbegin(), bytes.cend(), MayBeInUri)) return bytes;  // most are
   QByteArray result;
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
     if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
     const bool escape = c == '%' && i + 2 < bytes.size() && IsHexDigit(bytes[i + 1]) && IsHexDigit(bytes[i + 2]);
-    if (escape || IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr)) {
+    if (escape || MayBeInUri(c)) {
       result += c;
     } else {
       result += '%' + QByteArray(1, c).toHex().toUpper();
     }
   }
   return result;
+}
+
+// How long the scheme at the start is, with its colon; 0 for none.
+int SchemeLength(const QByteArray& text) {
+  if (text.isEmpty() || !IsAlpha(text[0])) return 0;
+  for (int i = 1; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == ':') return i + 1;
+    if (!IsAlpha(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
+  }
+  return 0;
 }
 
 // A URI reference by its components (RFC 3986, appendix B); the optional ones with their delimiters, so that an empty
@@ -65,21 +81,11 @@ struct Reference {
     }
   }
   QByteArray Text() const { return scheme + authority + path + query + fragment; }
-
- private:
-  static int SchemeLength(const QByteArray& text) {
-    if (text.isEmpty() || !IsAlpha(text[0])) return 0;
-    for (int i = 1; i < text.size(); ++i) {
-      const char c = text[i];
-      if (c == ':') return i + 1;
-      if (!IsAlpha(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
-    }
-    return 0;
-  }
 };
 
 // RFC 3986, 5.2.4.
 QByteArray WithoutDotSegments(QByteArray input) {
+  if (!input.startsWith('.') && !input.contains("/.")) return input;
   QByteArray output;
   while (!input.isEmpty()) {
     if (input.startsWith("../")) {
@@ -142,7 +148,7 @@ QByteArray WithPlainHost(const QByteArray& authority, const QByteArray& scheme) 
 }  // namespace
 
 bool IsRelativeLink(const QString& uri) {
-  return Reference(Encoded(uri)).scheme.isEmpty();
+  return SchemeLength(Encoded(uri)) == 0;
 }
 
 std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {

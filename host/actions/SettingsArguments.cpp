@@ -16,7 +16,7 @@ using Setting = SettingsDescription::Setting;
 
 bool IsUnusableUrl(const Setting* setting, const QString& value) {
   return setting != nullptr && setting->type == SettingsDescription::Type::kUrl && !value.isEmpty() &&
-         !CheckUrl(value, setting->isBase).error.isEmpty();
+         !CheckUrl(value, setting->use).error.isEmpty();
 }
 
 }  // namespace

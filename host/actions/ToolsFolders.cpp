@@ -7,10 +7,8 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 
-namespace {
-
-// A relative folder would mean code from wherever the user happens to be.
-QStringList FoldersOfEnvironment() {
+// A relative folder would load code from whatever folder the user is in.
+QStringList ToolsFoldersOfEnvironment() {
   const QStringList folders =
       NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
   for (const QString& folder : folders) {
@@ -21,12 +19,10 @@ QStringList FoldersOfEnvironment() {
   return folders;
 }
 
-}  // namespace
-
 QStringList StandardToolsFolders() {
   const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
   // Beside a program in /usr, what "cmake --install" put into /usr/local.
   return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
                      prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         FoldersOfEnvironment();
+         ToolsFoldersOfEnvironment();
 }

@@ -3,6 +3,9 @@
 
 #include <QStringList>
 
+// The folders of the environment's VORLANE_TOOLS_PATH. Throws CommandError(kExitUsage) for a relative one.
+QStringList ToolsFoldersOfEnvironment();
+
 // The folders in which the program's action plug-ins are looked for: those installed with it, then those of the
-// environment's VORLANE_TOOLS_PATH. Throws CommandError(kExitUsage) for a relative folder there.
+// environment. Throws as ToolsFoldersOfEnvironment().
 QStringList StandardToolsFolders();

@@ -24,6 +24,15 @@ QStringList OptionsAsTyped(QStringList options) {
   return options;
 }
 
+void WarnOfMissing(const QStringList& folders) {
+  static QStringList named;  // a command may ask for its folders more than once
+  for (const QString& folder : folders) {
+    if (named.contains(folder) || QFileInfo(folder).isDir()) continue;
+    named += folder;
+    Console::Error(QStringLiteral("Warning: VORLANE_TOOLS_PATH names '%1', which is not a folder.").arg(folder));
+  }
+}
+
 }  // namespace
 
 Command::Command(const QString& name, const QString& summary) : name_(name), summary_(summary) {
@@ -39,7 +48,9 @@ QCommandLineOption Command::HelpOption() {
 void Command::Parse(const QStringList& arguments) {
   // The parser skips the first argument as the program's name.
   const bool parsed = parser_.parse(QStringList{name_} + arguments);
-  if (!OnlyHelps()) RefuseDashedNames(arguments);
+  // A name such as "-chapter.pdf" holds the letter of the help option.
+  const bool asksForHelp = arguments.contains(QLatin1String("-h")) || arguments.contains(QLatin1String("--help"));
+  if (!asksForHelp) RefuseDashedNames(arguments);
   if (!parsed) throw CommandError(kExitUsage, ParsingError());
   if (OnlyHelps()) return;
   RefuseRepeatedOptions();
@@ -161,6 +172,7 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
+  if (!IsSet("quiet")) WarnOfMissing(ToolsFoldersOfEnvironment());
   return StandardToolsFolders();
 }
 

@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/LinksCommand.h"
 
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
-#include "utils/LinkTarget.h"
 
 namespace {
 
-QString Counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
+void RequireUrl(const char* option, const QString& url) {
+  const QString error = CheckUrl(url, UrlUse::kOther).error;
+  if (error.isEmpty()) return;
+  throw CommandError(kExitUsage,
+                     QStringLiteral("Option '--%1' takes a URL, not '%2': %3.").arg(QLatin1String(option), url, error));
 }
 
 }  // namespace
@@ -37,6 +41,9 @@ LinksCommand::LinksCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("links --recursive archive/"));
+  AddExample(QStringLiteral("links --base https://example.org/manual/ manual.pdf"));
+  AddExample(QStringLiteral("links --check https://example.org/=/srv/www --recursive /srv/www"));
 }
 
 void LinksCommand::Check() {
@@ -46,13 +53,14 @@ void LinksCommand::Check() {
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    if (!Value("base").isEmpty() && IsRelativeLink(Value("base"))) {
-      throw CommandError(kExitUsage,
-                         QStringLiteral("Option '--base' takes a URL with a scheme, not '%1'.").arg(Value("base")));
-    }
-    options_.base = LinkBase{Value("base"), Value("base").toUtf8()};
+    if (!Value("base").isEmpty()) RequireUrl("base", Value("base"));
+    const QString base = UrlAsWritten(Value("base"));
+    options_.base = LinkBase{base, {base.toLatin1()}};
   }
-  for (const QString& check : parser_.values(QStringLiteral("check"))) options_.checks.emplace_back(check);
+  for (const QString& text : parser_.values(QStringLiteral("check"))) {
+    options_.checks.emplace_back(text);
+    RequireUrl("check", options_.checks.back().Url());
+  }
   options_.all = IsSet("all");
   if (IsSet("json")) options_.format = LinkListingOptions::Format::kJson;
   if (IsSet("csv")) options_.format = LinkListingOptions::Format::kCsv;
@@ -91,12 +99,15 @@ int LinksCommand::Execute() {
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text = Counted(counts.links, "link", "links") + QStringLiteral(" in ") +
-                 Counted(counts.files, "file", "files") +
-                 QStringLiteral(": %1 relative, viewers disagree on %2 of these, %3 without a base URL")
-                     .arg(counts.relative)
-                     .arg(counts.disagreeing)
-                     .arg(counts.withoutBase);
+  QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));
+  if (counts.relative > 0) {
+    text += QStringLiteral(", %1 relative; viewers disagree on %2 of these, %3 without a base URL")
+                .arg(counts.relative)
+                .arg(counts.disagreeing)
+                .arg(counts.withoutBase);
+  } else if (counts.links > 0) {
+    text += QStringLiteral(", none relative");
+  }
   if (!options_.checks.empty()) {
     text += QStringLiteral("; %1 checked, %2 missing").arg(counts.checked).arg(counts.missing);
   }

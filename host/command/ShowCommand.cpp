@@ -18,6 +18,8 @@ ShowCommand::ShowCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("show *.pdf"));
+  AddExample(QStringLiteral("show --json --recursive archive/ > facts.jsonl"));
 }
 
 void ShowCommand::Check() {

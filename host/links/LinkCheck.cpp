@@ -37,9 +37,6 @@ LinkCheck::LinkCheck(const QString& text) {
   if (folder_.empty()) {
     throw CommandError(kExitUsage, QStringLiteral("There is no folder '%1'.").arg(text.mid(text.indexOf('=') + 1)));
   }
-  if (IsRelativeLink(given_)) {
-    throw CommandError(kExitUsage, QStringLiteral("Option '--check' takes a URL with a scheme in '%1'.").arg(text));
-  }
   url_ = NormalizedLink(given_).toStdString();
   while (url_.back() == '/') url_.pop_back();
 }

@@ -10,8 +10,8 @@
 // Looks in a folder whether the pages of a web site are there.
 class LinkCheck {
  public:
-  // `text` is "URL=FOLDER": the folder holds what stands at the URL and below. Throws CommandError(kExitUsage) for
-  // anything else and for a folder that does not exist.
+  // `text` is "URL=FOLDER": the folder holds the pages at the URL and below. Throws CommandError(kExitUsage) for
+  // anything else and for a folder that does not exist. The URL is not checked.
   explicit LinkCheck(const QString& text);
 
   // As given.

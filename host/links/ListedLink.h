@@ -12,7 +12,7 @@
 // A document's base URL, or another one instead.
 struct LinkBase {
   QString text;
-  QByteArray bytes;  // the string in the file, which is what most viewers take
+  ViewerRules::Base inViewers;
 };
 
 // A link of a document with where it leads.
@@ -36,5 +36,7 @@ std::string CsvHeader();
 std::string Csv(const std::string& file, const ListedLink& link);
 // For people: one line, or one for each place where viewers disagree.
 std::string Table(const ListedLink& link);
+// The same for a link whose file is missing.
+std::string Missing(const ListedLink& link);
 
 }  // namespace LinkFormat

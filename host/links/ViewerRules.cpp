@@ -22,10 +22,13 @@ bool HasScheme(const QByteArray& text, int least) {
 }
 
 QByteArray UntilNul(const QByteArray& text) {
-  return QByteArray(text.constData());
+  const int end = text.indexOf('\0');
+  return end < 0 ? text : text.left(end);
 }
 
 bool IsUtf8(const QByteArray& bytes) {
+  const bool isAscii = std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; });
+  if (isAscii) return true;
   QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
   QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
   return state.invalidChars == 0 && state.remainingChars == 0;
@@ -72,42 +75,43 @@ QByteArray DecodedTextString(const QByteArray& bytes) {
 
 }  // namespace
 
-ViewerRules::Target ViewerRules::PdfJs(const QByteArray& uri, const std::optional<QByteArray>& base) {
+ViewerRules::Base::Base(const QByteArray& url) : bytes(url), parsed(WebUrl::Parse(Utf8OrLatin1(url), nullptr)) {}
+
+ViewerRules::Target ViewerRules::PdfJs(const QByteArray& uri, const Base& base) {
   if (uri.isEmpty()) return std::nullopt;
-  const std::optional<WebUrl> parsedBase = base ? WebUrl::Parse(Utf8OrLatin1(*base), nullptr) : std::nullopt;
   const bool isHost = uri.startsWith("www.") && uri.count('.') >= 2;
   const QByteArray text = (isHost ? "http://" : "") + Utf8OrLatin1(uri);
-  const std::optional<WebUrl> url = WebUrl::Parse(text, parsedBase ? &*parsedBase : nullptr);
+  const std::optional<WebUrl> url = WebUrl::Parse(text, base.parsed ? &*base.parsed : nullptr);
   return url ? Target(url->Href()) : std::nullopt;
 }
 
 // A colon anywhere but at the start makes the link absolute; the others are joined to the base as texts.
-ViewerRules::Target ViewerRules::Pdfium(const QByteArray& uri, const std::optional<QByteArray>& base) {
-  return uri.indexOf(':') > 0 ? uri : base.value_or(QByteArray()) + uri;
+ViewerRules::Target ViewerRules::Pdfium(const QByteArray& uri, const Base& base) {
+  return uri.indexOf(':') > 0 ? uri : base.bytes.value_or(QByteArray()) + uri;
 }
 
 // A scheme has three letters or more, so that "C:\x" is none. Without a base, a link is the name of a file.
-ViewerRules::Target ViewerRules::MuPdf(const QByteArray& uri, const std::optional<QByteArray>& base) {
+ViewerRules::Target ViewerRules::MuPdf(const QByteArray& uri, const Base& base) {
   constexpr int kShortestScheme = 3;
   const QByteArray text = UntilNul(DecodedTextString(uri));
-  return HasScheme(text, kShortestScheme) ? text : (base ? DecodedTextString(*base) : "file://") + text;
+  return HasScheme(text, kShortestScheme) ? text : (base.bytes ? DecodedTextString(*base.bytes) : "file://") + text;
 }
 
 // A colon before any slash makes the link absolute. Base and link are joined by exactly one slash, unless the base is
 // empty or ends in "?".
-ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const std::optional<QByteArray>& base) {
+ViewerRules::Target ViewerRules::Poppler(const QByteArray& uri, const Base& base) {
   QByteArray text = UntilNul(uri);
   const int colon = text.indexOf(':');
   const int slash = text.indexOf('/');
   if (colon >= 0 && (slash < 0 || colon < slash)) return text;
   if (text.startsWith("www.")) return "http://" + text;
-  if (!base) return text;
+  if (!base.bytes) return text;
   if (text.startsWith('/')) text.remove(0, 1);
-  const bool joined = base->isEmpty() || base->endsWith('/') || base->endsWith('?');
-  return UntilNul(*base + (joined ? "" : "/") + text);
+  const bool joined = base.bytes->isEmpty() || base.bytes->endsWith('/') || base.bytes->endsWith('?');
+  return UntilNul(*base.bytes + (joined ? "" : "/") + text);
 }
 
-ViewerRules::Targets ViewerRules::All(const QByteArray& uri, const std::optional<QByteArray>& base) {
+ViewerRules::Targets ViewerRules::All(const QByteArray& uri, const Base& base) {
   return {PdfJs(uri, base), Pdfium(uri, base), MuPdf(uri, base), Poppler(uri, base)};
 }
 

@@ -30,7 +30,7 @@ struct FileQuestion {
 // answers keep the order in a regular file only; elsewhere they wait at most kLongestWait for an earlier one.
 class FileQuery : public WorkerTask {
  public:
-  static constexpr std::chrono::milliseconds kLongestWait{50};
+  static constexpr std::chrono::milliseconds kLongestWait{1000};
 
   // Keeps references.
   FileQuery(const InputList& inputs, const FileQuestion& question);

@@ -37,7 +37,7 @@ std::wstring Wide(std::string_view bytes) {
   return text;
 }
 
-// What of a record has a fixed size.
+// The part of a record that has a fixed size.
 struct Numbers {
   FileRecord::Status status;
   long long microseconds;

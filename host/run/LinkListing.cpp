@@ -13,18 +13,6 @@
 
 namespace {
 
-std::string Formatted(LinkListingOptions::Format format, const std::string& file, const ListedLink& link) {
-  switch (format) {
-    case LinkListingOptions::Format::kJson:
-      return LinkFormat::Json(file, link);
-    case LinkListingOptions::Format::kCsv:
-      return LinkFormat::Csv(file, link);
-    case LinkListingOptions::Format::kTable:
-      break;
-  }
-  return LinkFormat::Table(link);
-}
-
 std::string Heading(const std::string& file, const std::optional<LinkBase>& base) {
   const std::string from = base ? "base URL " + base->text.toStdString() : "no base URL";
   return (Console::OneLine(file) + ": " + Console::OneLine(from) + '\n').toStdString();
@@ -76,21 +64,34 @@ std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string&
   if (base && base->text.isEmpty()) {
     base.reset();
   } else if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
-    base = LinkBase{QString::fromStdWString(library.GetBaseURL()), BaseUrlBytes(library)};
+    base = LinkBase{QString::fromStdWString(library.GetBaseURL()), {BaseUrlBytes(library)}};
   }
   std::string text;
   const int error = VisitDocumentLinks(library, [&](const DocumentLink& found) {
     const ListedLink link(found, base);
-    if (Count(link)) text += Formatted(options_.format, file, link);
+    if (Count(link)) text += Formatted(file, link);
   });
   counts_.files = 1;
-  // What was found is listed all the same.
+  // The links that were found are listed nevertheless.
   if (error != kErrorNone) {
     counts_.incomplete = 1;
     Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));
   }
   const bool isTable = options_.format == LinkListingOptions::Format::kTable;
-  return isTable && !text.empty() ? Heading(file, base) + text : text;
+  if (isTable && !text.empty()) text.insert(0, Heading(file, base));
+  return text;
+}
+
+std::string LinkListing::Formatted(const std::string& file, const ListedLink& link) const {
+  switch (options_.format) {
+    case LinkListingOptions::Format::kJson:
+      return LinkFormat::Json(file, link);
+    case LinkListingOptions::Format::kCsv:
+      return LinkFormat::Csv(file, link);
+    case LinkListingOptions::Format::kTable:
+      break;
+  }
+  return options_.checks.empty() ? LinkFormat::Table(link) : LinkFormat::Missing(link);
 }
 
 std::vector<QString> LinkListing::UrlsWithoutLinks() const {

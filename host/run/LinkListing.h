@@ -48,6 +48,7 @@ class LinkListing : public FileQuery {
 
  private:
   std::string Answer(PdfLibrary::Wrapper& library, const std::string& file);
+  std::string Formatted(const std::string& file, const ListedLink& link) const;
   // Counts the link; whether it is listed.
   bool Count(const ListedLink& link);
   bool IsMissing(const ListedLink& link);

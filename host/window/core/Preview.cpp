@@ -3,11 +3,11 @@
 
 #include <QJsonArray>
 
+#include "host/actions/UrlCheck.h"
 #include "host/base/ExitCode.h"
 #include "host/window/core/RecordTexts.h"
 #include "host/window/core/RunArguments.h"
 #include "host/window/core/ShownText.h"
-#include "utils/LinkTarget.h"
 
 namespace {
 
@@ -119,9 +119,14 @@ void Preview::EndDryRun(const RunnerResult& result) {
   }
   if (!data_.error.isEmpty()) return Finish();
   QStringList arguments{QStringLiteral("links"), QStringLiteral("--json")};
-  // What has no scheme leads nowhere, as if there were no base URL.
   if (data_.after != data_.before) {
-    arguments += QStringLiteral("--base=") + (IsRelativeLink(data_.after) ? QString() : data_.after);
+    const QString unusable = data_.after.isEmpty() ? QString() : CheckUrl(data_.after, UrlUse::kOther).error;
+    if (!unusable.isEmpty()) {
+      data_.warnings += tr("No viewer can use this base URL: %1.").arg(unusable);
+      return Finish();
+    }
+    // An empty one lists what the links do without any.
+    arguments += QStringLiteral("--base=") + data_.after;
   }
   Run(arguments, &Preview::TakeLinks, &Preview::EndLinks);
 }

@@ -404,6 +404,7 @@ TEST(Preview, ShowsWhatWouldBecomeOfAFile) {
   EXPECT_EQ(cleared.links.size(), 2);
   EXPECT_EQ(cleared.links[0].target, QString());
   EXPECT_EQ(PreviewOf(file, SetBaseUrl("http://old/")).wouldChange, false);
+  EXPECT_THAT(PreviewOf(file, SetBaseUrl("no scheme")).warnings.join('\n').toStdString(), HasSubstr("No viewer"));
   EXPECT_EQ(ReadFile(file), before);
 }
 

@@ -9,13 +9,32 @@
 #include <QVariant>
 #include <string>
 
+// A file name or a file's content, of any type that tests have one in.
+struct FileBytes {
+  FileBytes(const char* text) : bytes(text) {}
+  FileBytes(std::string text) : bytes(std::move(text)) {}
+  FileBytes(const QByteArray& text) : bytes(text.toStdString()) {}
+  FileBytes(const QString& name);
+
+  std::string bytes;
+};
+
 // Creates or replaces a file with that content, and the folders above it.
-void WriteFile(const QString& path, const QByteArray& content = "x");
-std::string ReadText(const QString& path);
+void WriteFile(const FileBytes& path, const FileBytes& content = "x");
+// The content in one type or the other; empty for a file that cannot be opened, which is a failure for ReadFile only.
+QByteArray ReadFile(const FileBytes& path);
+std::string ReadText(const FileBytes& path);
 // Every entry below the folder, hidden ones included, as sorted relative paths.
 QStringList Tree(const QString& folder);
 void SetTime(const QString& path, const QDateTime& time);
 QVariant IniValue(const QString& path, const QString& key);
+
+struct ToolResult {
+  int status = -1;
+  std::string output;  // standard output and standard error
+};
+// Runs a command line of the shell.
+ToolResult RunTool(const std::string& command);
 
 // Another process, started now, that runs a task when Run() is called.
 class OtherProcess {

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include "host/base/NativeName.h"
+#include "tests/support/PdfFile.h"
 
 namespace {
 
@@ -53,38 +53,20 @@ ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input) 
   return FinishProgram(*process, input);
 }
 
+void WaitForLines(const QString& file, int lines) {
+  for (int i = 0; i < 4000 && QByteArray::fromStdString(ReadText(file)).count('\n') < lines; ++i) usleep(5000);
+}
+
 QStringList ProbeRun(const QStringList& more) {
   return QStringList{"run",   "--tools-dir", QFileInfo(PROBEACTION_FILE).path(), "--action",
                      "Probe", "--set",       "baseUrlString=http://new/"} +
          more;
 }
 
-void WriteFile(const QString& name, const QByteArray& content) {
-  QFile file(name);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << name.toStdString();
-  file.write(content);
-}
-
-QByteArray ReadFile(const QString& name) {
-  QFile file(name);
-  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-  return file.readAll();
-}
-
 QByteArray MakePdf(const QByteArray& catalog, const QList<QByteArray>& objects, const QByteArray& page) {
-  QList<QByteArray> all{"<</Type/Catalog/Pages 2 0 R" + catalog + ">>", "<</Type/Pages/Kids[3 0 R]/Count 1>>",
-                        "<</Type/Page/Parent 2 0 R/MediaBox[0 0 72 72]" + page + ">>"};
-  all += objects;
-  QByteArray pdf = "%PDF-1.7\n";
-  QByteArray table = "0000000000 65535 f \n";
-  for (int i = 0; i < all.size(); ++i) {
-    table += QByteArray::number(pdf.size()).rightJustified(10, '0') + " 00000 n \n";
-    pdf += QByteArray::number(i + 1) + " 0 obj\n" + all[i] + "\nendobj\n";
-  }
-  const QByteArray size = QByteArray::number(all.size() + 1);
-  const QByteArray start = QByteArray::number(pdf.size());
-  return pdf + "xref\n0 " + size + '\n' + table + "trailer\n<</Size " + size + "/Root 1 0 R>>\nstartxref\n" + start +
-         "\n%%EOF\n";
+  PlainPdf pdf{catalog.toStdString(), page.toStdString(), {}, {}};
+  for (const QByteArray& object : objects) pdf.more.push_back(object.toStdString());
+  return QByteArray::fromStdString(pdf.Bytes());
 }
 
 QByteArray MakeSignedPdf(int certification) {
@@ -100,9 +82,8 @@ QByteArray MakeSignedPdf(int certification) {
                  {"<</FT/Sig/T(s)/Type/Annot/Subtype/Widget/Rect[0 0 0 0]/P 3 0 R/V 5 0 R>>", signature + ">>"});
 }
 
-QByteArray BreakXref(QByteArray pdf) {
-  const int at = pdf.lastIndexOf("startxref\n");
-  return pdf.left(at) + "startxref\n7\n%%EOF\n";
+QByteArray BreakXref(const QByteArray& pdf) {
+  return QByteArray::fromStdString(WithBrokenXref(pdf.toStdString()));
 }
 
 QMap<QString, QJsonObject> ReadReport(const QByteArray& report) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/utils/TestFiles.h"
+#include "tests/support/Files.h"
 
 #include <gtest/gtest.h>
 #include <linux/capability.h>
@@ -9,20 +9,40 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QSettings>
 
-void WriteFile(const QString& path, const QByteArray& content) {
-  QDir().mkpath(QFileInfo(path).path());
-  QFile file(path);
-  ASSERT_TRUE(file.open(QFile::WriteOnly)) << qPrintable(path);
-  file.write(content);
+FileBytes::FileBytes(const QString& name) : FileBytes(QFile::encodeName(name)) {}
+
+void WriteFile(const FileBytes& path, const FileBytes& content) {
+  QFile file(QFile::decodeName(path.bytes.c_str()));
+  QDir().mkpath(QFileInfo(file).path());
+  EXPECT_TRUE(file.open(QFile::WriteOnly)) << path.bytes;
+  file.write(content.bytes.data(), static_cast<qint64>(content.bytes.size()));
 }
 
-std::string ReadText(const QString& path) {
-  QFile file(path);
+QByteArray ReadFile(const FileBytes& path) {
+  QFile file(QFile::decodeName(path.bytes.c_str()));
+  EXPECT_TRUE(file.open(QFile::ReadOnly)) << path.bytes;
+  return file.readAll();
+}
+
+std::string ReadText(const FileBytes& path) {
+  QFile file(QFile::decodeName(path.bytes.c_str()));
   return file.open(QFile::ReadOnly) ? file.readAll().toStdString() : std::string();
+}
+
+ToolResult RunTool(const std::string& command) {
+  ToolResult result;
+  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return result;
+  char block[4096];
+  while (const std::size_t got = fread(block, 1, sizeof block, pipe)) result.output.append(block, got);
+  const int status = pclose(pipe);
+  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return result;
 }
 
 QStringList Tree(const QString& folder) {
@@ -69,7 +89,7 @@ void LimitFileSize(bool toNothing) {
   setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-// Whether root may write what the file's permissions forbid; nobody else may in any case.
+// Whether root may write what the file's permissions forbid.
 void LetRootOverride(bool may) {
   __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
   __user_cap_data_struct data[2]{};

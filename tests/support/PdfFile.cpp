@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/engine/quick/LargeFile.h"
+#include "tests/support/PdfFile.h"
 
 #include <zlib.h>
 
@@ -32,11 +32,16 @@ struct Entry {
 
 class Writer {
  public:
-  Writer(LargeFile::Kind kind, std::vector<std::string> objects, std::size_t root)
-      : kind_(kind), objects_(std::move(objects)), root_(root), entries_(objects_.size()) {}
+  // Object 0 is not written; `trailer` holds further entries of the trailer.
+  Writer(XrefKind kind, std::vector<std::string> objects, std::size_t root, std::string trailer = {})
+      : kind_(kind),
+        objects_(std::move(objects)),
+        root_(root),
+        trailer_(std::move(trailer)),
+        entries_(objects_.size()) {}
 
   std::string Write() {
-    if (kind_ == LargeFile::Kind::kObjectStreams) {
+    if (kind_ == XrefKind::kObjectStreams) {
       for (std::size_t first = 1; first < objects_.size(); first += kObjectsInStream) {
         PutStream(first, std::min(first + kObjectsInStream, objects_.size()));
       }
@@ -44,7 +49,7 @@ class Writer {
       for (std::size_t number = 1; number < objects_.size(); ++number) Put(number, objects_[number]);
     }
     const std::size_t xref = out_.size();
-    kind_ == LargeFile::Kind::kTable ? PutTable() : PutXrefStream();
+    kind_ == XrefKind::kTable ? PutTable() : PutXrefStream();
     return out_ + "startxref\n" + Number(xref) + "\n%%EOF\n";
   }
 
@@ -70,7 +75,9 @@ class Writer {
                     "\nendstream");
   }
 
-  std::string TrailerKeys() const { return " /Size " + Number(entries_.size()) + " /Root " + Number(root_) + " 0 R "; }
+  std::string TrailerKeys() const {
+    return " /Size " + Number(entries_.size()) + " /Root " + Number(root_) + " 0 R " + trailer_;
+  }
 
   void PutTable() {
     out_ += "xref\n0 " + Number(entries_.size()) + "\n0000000000 65535 f \n";
@@ -103,40 +110,40 @@ class Writer {
                     Number(packed.size()) + " >>\nstream\n" + packed + "\nendstream");
   }
 
-  const LargeFile::Kind kind_;
+  const XrefKind kind_;
   const std::vector<std::string> objects_;
   const std::size_t root_;
+  const std::string trailer_;
   std::vector<Entry> entries_;
-  std::string out_ = "%PDF-1.7\n%\xe2\xe3\xcf\xd3\n";
+  std::string out_ = "%PDF-1.7\n";
 };
 
 }  // namespace
 
-std::string LargeFile::Make(Kind kind, int pages, bool catalogLast) {
-  const auto count = static_cast<std::size_t>(pages);
-  // A page tree of two levels; object numbers: catalog, root of the tree, its branches, the pages.
-  const std::size_t perBranch = 100;
-  const std::size_t branches = (count + perBranch - 1) / perBranch;
-  const std::size_t root = catalogLast ? 2 + branches + count : 1;
-  const std::size_t tree = catalogLast ? 1 : 2;
-  std::vector<std::string> objects(tree + branches + count + 1);
+std::string PlainPdf::Bytes() const {
+  std::vector<std::string> objects = {"", "<< /Type /Catalog /Pages 2 0 R " + catalogEntries + " >>",
+                                      "<< /Type /Pages /Kids [ 3 0 R ] /Count 1 >>",
+                                      "<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 200 300 ] " + pageEntries + " >>"};
+  objects.insert(objects.end(), more.begin(), more.end());
+  return Writer(XrefKind::kTable, std::move(objects), 1, trailerEntries).Write();
+}
+
+std::string WithBrokenXref(std::string pdf) {
+  return pdf.insert(pdf.rfind("startxref\n") + 10, "9");
+}
+
+std::string LargePdf(XrefKind kind, int pages, bool catalogLast) {
+  // Far apart: no object stream has both the catalog and the page tree.
+  const std::size_t last = static_cast<std::size_t>(pages) + 2;
+  const std::size_t root = catalogLast ? last : 1;
+  const std::size_t tree = catalogLast ? 1 : last;
+  std::vector<std::string> objects(last + 1);
   std::string kids;
-  for (std::size_t branch = 0; branch < branches; ++branch) {
-    const std::size_t number = tree + 1 + branch;
-    kids += Number(number) + " 0 R ";
-    const std::size_t first = branch * perBranch;
-    const std::size_t end = std::min(first + perBranch, count);
-    std::string inner;
-    for (std::size_t page = first; page < end; ++page) {
-      const std::size_t pageNumber = tree + 1 + branches + page;
-      inner += Number(pageNumber) + " 0 R ";
-      objects[pageNumber] = "<< /Type /Page /Parent " + Number(number) + " 0 R /MediaBox [ 0 0 612 792 ] >>";
-    }
-    objects[number] =
-        "<< /Type /Pages /Parent " + Number(tree) + " 0 R /Count " + Number(end - first) + " /Kids [ " + inner + "] >>";
+  for (std::size_t page = 2; page < last; ++page) {
+    kids += Number(page) + " 0 R ";
+    objects[page] = "<< /Type /Page /Parent " + Number(tree) + " 0 R /MediaBox [ 0 0 612 792 ] >>";
   }
-  objects[tree] = "<< /Type /Pages /Count " + Number(count) + " /Kids [ " + kids + "] >>";
-  if (catalogLast) objects.emplace_back();
+  objects[tree] = "<< /Type /Pages /Count " + Number(last - 2) + " /Kids [ " + kids + "] >>";
   objects[root] = "<< /Type /Catalog /Pages " + Number(tree) + " 0 R /URI << /Base (http://example.org/) >> >>";
   return Writer(kind, std::move(objects), root).Write();
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Load, set, append, read again: the new base URL is there for both readers and nothing else has changed.
+// What the quick reader reads, libqpdf must read too, for files in which libqpdf finds nothing to warn of. Load, set,
+// append, read again: the new base URL is there for both readers and nothing else has changed.
 #include <cstdio>
 #include <cstdlib>
 
@@ -10,6 +11,7 @@
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
 #include "tests/engine/quick/FullParser.h"
+#include "tests/engine/quick/QuickBaseUrl.h"
 
 using engine::AppendUpdate;
 using engine::InputFile;
@@ -36,9 +38,11 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
   Require(after.compare(0, bytes.size(), bytes) == 0, "the source is a prefix");
 
   const auto again = QuickReader::Read(*InputFile::FromBytes(after));
-  Require(again && again->baseUrl == url, "the quick reader reads its own update");
+  Require(again && QuickBaseUrl(*again) == url, "the quick reader reads its own update");
   const auto before = FullParser::Read(bytes);
   if (!before || !before->Sound()) return;
+  Require(document->tail.root == before->root, "both readers find the same catalog");
+  Require(QuickBaseUrl(*document).value_or(before->baseUrl) == before->baseUrl, "both readers find the same base URL");
   const auto full = FullParser::Read(after);
   Require(full.has_value(), "the full parser opens the update");
   Require(full->baseUrl == url, "the full parser reads the new base URL");
@@ -49,6 +53,7 @@ void CheckUpdate(const std::string& bytes, const std::string& url) {
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
+  QuickReader::ReadTail(*InputFile::FromBytes(bytes));
   CheckUpdate(bytes, "http://example.net/(\\");
   CheckUpdate(bytes, "");
   return 0;

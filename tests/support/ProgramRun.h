@@ -9,6 +9,8 @@
 #include <QProcess>
 #include <QStringList>
 
+#include "tests/support/Files.h"
+
 // Runs the program as a user does, in the test's working folder.
 struct ProgramResult {
   int code = -1;  // 128 + signal when it crashed
@@ -23,18 +25,19 @@ std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
 ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());
 
+// Waits until a running program has written so many lines to the file; for 20 s at most.
+void WaitForLines(const QString& file, int lines);
+
 // "run" with the Probe action.
 QStringList ProbeRun(const QStringList& more);
 
-void WriteFile(const QString& name, const QByteArray& content);
-QByteArray ReadFile(const QString& name);
 // A one-page PDF; `catalog` and `page` hold further entries of these, `objects` further objects from number 4 on.
 QByteArray MakePdf(const QByteArray& catalog = QByteArray(), const QList<QByteArray>& objects = {},
                    const QByteArray& page = QByteArray());
 // A PDF with one signed field, with a certification of this level unless 0.
 QByteArray MakeSignedPdf(int certification = 0);
 // The same bytes with a cross-reference offset that leads nowhere.
-QByteArray BreakXref(QByteArray pdf);
+QByteArray BreakXref(const QByteArray& pdf);
 
 // The records of a report of either form, by file.
 QMap<QString, QJsonObject> ReadReport(const QByteArray& report);
