@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/backend/PageSearch.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <utility>
@@ -42,6 +43,15 @@ bool LeadsToPage(QPDFObjectHandle catalog) {
     return !found;
   });
   return found;
+}
+
+bool IsInventedKey(const std::string& key) {
+  return key.compare(0, 9, "/QPDFFake") == 0;
+}
+
+bool HasInventedKeys(QPDFObjectHandle dictionary) {
+  const std::set<std::string> keys = dictionary.isDictionary() ? dictionary.getKeys() : std::set<std::string>();
+  return std::any_of(keys.begin(), keys.end(), IsInventedKey);
 }
 
 void VisitReachable(QPDF& document, const std::function<void(QPDFObjectHandle object)>& visit) {

@@ -221,6 +221,9 @@ void QpdfDocument::Load(const std::string& password) {
     if (error.code() != kErrorDamaged) throw;
   }
   if (opened) {
+    // Readers that rebuild such a file do so with an update that continues its cross-references, too. They would not
+    // with a complete section.
+    if (!QuickReader::ReadTail(*file_)) throw EngineError(kErrorDamaged, "the cross-references are damaged");
     qpdf_ = asItIs;
     return;
   }
@@ -366,7 +369,8 @@ const std::optional<FileTail>& QpdfDocument::KnownTail() {
   if (tailKnown_) return tail_;
   if (!tail_ && recovery_ == Recovery::kOff) tail_ = FindTail();
   // An update of such a file has an object stream, which would have to be encrypted.
-  if (tail_ && tail_->headerOffset > 0 && tail_->Encrypted() && !tail_->OnlyTables()) tail_.reset();
+  const bool headerFirst = QuickReader::StartsWithHeader(*file_);
+  if (tail_ && !headerFirst && tail_->Encrypted() && !tail_->OnlyTables()) tail_.reset();
   tailKnown_ = true;
   return tail_;
 }

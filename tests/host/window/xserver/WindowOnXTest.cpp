@@ -19,7 +19,7 @@
 #include "host/window/core/FileTableModel.h"
 #include "host/window/core/RunnerProcess.h"
 #include "host/window/ui/MainWindow.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 #include "tests/support/Sandbox.h"
 #include "tests/support/XUser.h"
 
