@@ -7,6 +7,12 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 
+QStringList InstalledToolsFolders() {
+  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
+  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools")};
+}
+
 // A relative folder would load code from whatever folder the user is in.
 QStringList ToolsFoldersOfEnvironment() {
   const QStringList folders =
@@ -17,12 +23,4 @@ QStringList ToolsFoldersOfEnvironment() {
                        QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
   }
   return folders;
-}
-
-QStringList StandardToolsFolders() {
-  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
-                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         ToolsFoldersOfEnvironment();
 }

@@ -3,9 +3,9 @@
 
 #include <QStringList>
 
-// The folders of the environment's VORLANE_TOOLS_PATH. Throws CommandError(kExitUsage) for a relative one.
+// Where the action plug-ins are looked for: the folders of those installed with the program, whether they are there or
+// not.
+QStringList InstalledToolsFolders();
+// The folders of the environment's VORLANE_TOOLS_PATH, which come after these. Throws CommandError(kExitUsage) for a
+// relative one.
 QStringList ToolsFoldersOfEnvironment();
-
-// The folders in which the program's action plug-ins are looked for: those installed with it, then those of the
-// environment. Throws as ToolsFoldersOfEnvironment().
-QStringList StandardToolsFolders();

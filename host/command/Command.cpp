@@ -172,8 +172,9 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
-  if (!IsSet("quiet")) WarnOfMissing(ToolsFoldersOfEnvironment());
-  return StandardToolsFolders();
+  const QStringList others = ToolsFoldersOfEnvironment();
+  if (!IsSet("quiet")) WarnOfMissing(others);
+  return InstalledToolsFolders() + others;
 }
 
 void Command::AddLibraryOption() {

@@ -55,12 +55,12 @@ QSettings WindowSettings() {
   return QSettings(QStringLiteral("vorlane"), QStringLiteral("vorlane-actions"));
 }
 
-// A wrong folder in the environment leaves only the installed plug-ins out too; the panel says that there is none.
+// A wrong folder in the environment leaves out no more than itself.
 QStringList ToolsFolders() {
   try {
-    return StandardToolsFolders();
+    return InstalledToolsFolders() + ToolsFoldersOfEnvironment();
   } catch (const CommandError&) {
-    return {};
+    return InstalledToolsFolders();
   }
 }
 

@@ -73,10 +73,16 @@ SettingsDialogRunner::Result SettingsDialogRunner::Run(CActionInterface& action,
 }
 
 bool SettingsDialogRunner::eventFilter(QObject* object, QEvent* event) {
-  auto* const dialog = qobject_cast<QDialog*>(object);
-  if (dialog == nullptr) return false;
-  if (event->type() == QEvent::Polish) Polish(*dialog);
-  if (event->type() == QEvent::Show) Watch(dialog);
+  const QEvent::Type type = event->type();
+  if (headerDialogClosed_ && (type == QEvent::MouseButtonPress || type == QEvent::KeyPress || type == QEvent::Close)) {
+    // The settings dialog outlived its header dialog; what the user does now is an answer of its own.
+    const auto* const widget = qobject_cast<QWidget*>(object);
+    if (widget != nullptr && widget->window() == settingsDialog_) headerDialogClosed_ = false;
+  }
+  if (auto* const dialog = qobject_cast<QDialog*>(object)) {
+    if (type == QEvent::Polish) Polish(*dialog);
+    if (type == QEvent::Show) Watch(dialog);
+  }
   return false;
 }
 

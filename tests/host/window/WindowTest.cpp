@@ -24,7 +24,8 @@
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/Favorites.h"
 #include "host/window/ui/MainWindow.h"
-#include "host/window/ui/RecentSettings.h"
+#include "host/window/ui/SettingsDialogRunner.h"
+#include "plugin/CActionInterface.h"
 #include "tests/dialogs/MeetDialog.h"
 #include "tests/host/window/WindowTools.h"
 #include "utils/ActionListFile.h"
@@ -59,6 +60,31 @@ void MeetBox(const char* name, bool yes, QString* text = nullptr) {
     yes ? Click(Child<QPushButton>(dialog, "yes")) : dialog.reject();
   });
 }
+
+// An action of others, whose settings dialog stays open after its header button.
+class StayingAction : public CActionInterface {
+ public:
+  int WorkProc(WorkProcInfoStruct*) override { return 0; }
+  int ShowDialogProc(QWidget* parent, DialogLoadStruct*) override {
+    QDialog settings(parent);
+    QTimer::singleShot(0, &settings, [&settings] {
+      QDialog header(&settings);
+      header.setObjectName("saveAsCollectionDialog");
+      QTimer::singleShot(0, &header, &QDialog::reject);
+      header.exec();
+      QTest::keyClick(&settings, Qt::Key_Escape);
+    });
+    return settings.exec();
+  }
+  int PreSequenceProc(WorkProcInfoStruct*) override { return 1; }
+  int PostSequenceProc(WorkProcInfoStruct*) override { return 1; }
+  QString GetActionName() override { return "Staying"; }
+  QString GetDisplayName() override { return "Staying"; }
+  QString GetActionHelp() override { return {}; }
+  QString GetGroupName() override { return {}; }
+  int GetActionFlags() override { return 0; }
+  QString GetDefaultIcon() override { return {}; }
+};
 
 class Window : public testing::Test {
  protected:
@@ -215,6 +241,11 @@ TEST_F(Window, TheHeaderButtonsOfTheSettingsDialogKeepWhatWasEntered) {
   Choose("Set Base URL");
   EXPECT_EQ(again, "https://typed.example/");
   EXPECT_TRUE(Text("choiceDetails").remove(QChar(0x200b)).contains("then.example"));
+}
+
+TEST_F(Window, ASettingsDialogThatOutlivesItsHeaderDialogIsCancelledAsUsual) {
+  StayingAction action;
+  EXPECT_FALSE(SettingsDialogRunner(window_.get()).Run(action, {}, nullptr).accepted);
 }
 
 TEST_F(Window, AListThatCannotBeWrittenIsReported) {
