@@ -67,7 +67,7 @@ std::optional<QMap<QString, QVariant>> WithSlash(const QString& actionName, cons
   QMap<QString, QVariant> fixed = settings;
   for (const Setting& setting : description->Settings()) {
     const QString value = settings.value(setting.key).toString();
-    if (setting.isBase && LacksSlash(value)) fixed.insert(setting.key, value + QLatin1Char('/'));
+    if (setting.use != UrlUse::kOther && LacksSlash(value)) fixed.insert(setting.key, value + QLatin1Char('/'));
   }
   return fixed != settings ? std::make_optional(fixed) : std::nullopt;
 }
