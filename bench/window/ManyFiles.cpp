@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
   NativeName::InstallAsLocale();
   QApplication application(argc, argv);
   NativeName::InstallAsLocale();
-  if (argc != 3) qFatal("usage: many_files_bench FOLDER OUTPUT");
+  if (argc != 2) qFatal("usage: many_files_bench FOLDER");
   RunnerProcess::SetProgramFile(QStringLiteral(VORLANE_RUN_FILE));
   CUtils::SetAppName(QStringLiteral("vorlane-actions"));
   SetupHostFolders();
@@ -81,15 +81,12 @@ int main(int argc, char** argv) {
   ProcessUntil([&] { return !reader.IsReading() && reader.Left() == 0; });
   Report("read", clock.elapsed(), stall);
 
-  OutputChoice output;
-  output.inPlace = false;
-  output.folder = QString::fromLocal8Bit(argv[2]);
   auto& run = Part<BatchRun>(window);
   bool finished = false;
   QObject::connect(&run, &BatchRun::finished, &application, [&] { finished = true; });
   clock.restart();
   run.Start(model.Paths(), ActionChoice::Action("Set Base URL", {{"baseUrlString", "https://example.org/base/"}}),
-            output);
+            OutputChoice());
   ProcessUntil([&] { return finished; });
   Report("run", clock.elapsed(), stall);
   return model.PathsWith(FileState::kDone).size() == model.Count() ? 0 : 1;
