@@ -7,7 +7,7 @@
 #include <QStringList>
 
 #include "host/window/core/ActionChoice.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 // The program that a test starts as vorlane-run, until the end of the test: the built one, or a shell script of this
 // text that gets the same arguments.
