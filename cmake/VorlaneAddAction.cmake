@@ -40,7 +40,7 @@ function(vorlane_add_action)
     set(exports_option "LINKER:--version-script=${exports}")
   endif()
   target_link_options(${arg_NAME} PRIVATE "${exports_option}")
-  # What is missing is told by the linker and not by the host that loads the plug-in. Clang's sanitizers are missing there.
+  # The linker reports what is missing, before a host loads the plug-in. Clang's sanitizers would be reported too.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT APPLE)
     target_link_options(${arg_NAME} PRIVATE "LINKER:-z,defs")
   endif()
@@ -65,7 +65,7 @@ macro(_vorlane_add_settings)
   list(APPEND arg_RESOURCES ${settings_qrc})
 endmacro()
 
-# A mistake is told here, in the caller's words, and not by whatever it would break later.
+# Mistakes are reported here, in the caller's words, before they break something else.
 macro(_vorlane_check_action_arguments)
   set(usage "vorlane_add_action(NAME <target> SOURCES <files> [FORMS <files>] [RESOURCES <files>] [SETTINGS <file>])")
   if(arg_UNPARSED_ARGUMENTS)

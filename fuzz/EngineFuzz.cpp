@@ -137,12 +137,12 @@ class Session {
 
   // The saved file; empty when the document cannot be saved.
   std::string CheckSaved() {
-    const std::wstring planned = library_.Get(kInformationWayOfSaving);
+    const std::wstring planned = library_.Get(kInformationSaveMode);
     const std::wstring url = library_.Get(0);
     const bool encrypted = library_.Encrypted() != 0;
     std::string saved = library_.Save();
     if (saved.empty()) return saved;
-    const std::wstring mode = library_.Get(kInformationLastWay);
+    const std::wstring mode = library_.Get(kInformationLastSaveMode);
     Require(mode == planned || (planned == L"incremental" && mode == L"rewrite"), "the document is saved as planned");
     if (mode != L"rewrite") Require(saved.compare(0, source_.size(), source_) == 0, "the source is a prefix");
     CheckValues(library_, false);

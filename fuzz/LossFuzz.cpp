@@ -96,7 +96,7 @@ Outcome Save(const std::string& library, const fs::path& in, const fs::path& out
     const std::string old = Narrow(engine.GetBaseURL());
     if (engine.SetBaseURL(Wide(kUrl)) != 1) return refused("not set, error ");
     if (engine.SaveToFile(out.wstring()) != 1) return refused("not saved, error ");
-    return Narrow(engine.GetInformation(kInformationLastWay)) + '\n' + old;
+    return Narrow(engine.GetInformation(kInformationLastSaveMode)) + '\n' + old;
   };
   return RunInOwnProcess(work, kSecondsForEach);
 }

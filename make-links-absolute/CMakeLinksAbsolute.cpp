@@ -14,6 +14,14 @@
 
 namespace {
 
+// What the link is to be; nothing for a relative one without a base URL. What stays is rewritten in ASCII where viewers
+// would not read its string alike.
+std::optional<QString> NewUri(const QString& base, const DocumentLink& link) {
+  const bool stays = link.uri.startsWith('#') || !IsRelativeLink(link.uri);
+  if (!stays) return ResolvedLink(base, link.uri);
+  return link.HasOtherEncoding() ? EncodedLink(link.uri) : link.uri;
+}
+
 void Warn(HalvexPDFLibraryCPDylibCPP1311& document, int left, bool unread) {
   QStringList warnings;
   if (left > 0) {
@@ -38,21 +46,18 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
   bool anchors = false;  // links within the document; they stay, and need the base URL that they have
   std::optional<DocumentLink> failed;
   const int error = VisitDocumentLinks(document, [&](const DocumentLink& link) {
-    if (failed || link.uri.isEmpty() || !IsRelativeLink(link.uri)) return;
-    if (link.uri.startsWith('#')) {
-      anchors = true;
-      return;
-    }
-    const std::optional<QString> target = ResolvedLink(base, link.uri);
+    if (failed) return;
+    anchors = anchors || link.uri.startsWith('#');
+    const std::optional<QString> target = NewUri(base, link);
     if (!target) {
       ++left;
-    } else if (SetDocumentLink(document, link, *target) != 0) {
-      failed = link;
+    } else if (*target != link.uri || link.HasOtherEncoding()) {
+      if (SetDocumentLink(document, link, *target) != 0) failed = link;
     }
   });
   // Once more, so that the last call is the one that failed: a host sees no other sign of it.
   if (failed) {
-    SetDocumentLink(document, *failed, ResolvedLink(base, failed->uri).value_or(QString()));
+    SetDocumentLink(document, *failed, NewUri(base, *failed).value_or(QString()));
     return 0;
   }
   const bool done = left == 0 && error == 0 && !anchors;
@@ -62,6 +67,6 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
 }
 
 int CMakeLinksAbsolute::ShowDialogProc(QWidget* parent, DialogLoadStruct* info) {
-  // The document's own base URL is what an empty field stands for.
+  // An empty field means the document's own base URL.
   return ShowSettingsDialog<CMakeLinksAbsoluteDialog>(*this, parent, info, [](auto&, auto&) {});
 }

@@ -6,7 +6,8 @@
 #include "plugin/CActionInterface.h"
 
 /// The action "Make Links Absolute": gives every relative link of a document the address that it leads to (RFC 3986,
-/// 5.2), so that all viewers lead there.
+/// 5.2), so that all viewers lead there. Anchors and links with a scheme stay; those in UTF-16 or PDFDocEncoding, which
+/// viewers read differently, are rewritten in ASCII.
 class CMakeLinksAbsolute : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.halvex.vorlane.makelinksabsolute")

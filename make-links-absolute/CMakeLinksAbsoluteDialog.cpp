@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "make-links-absolute/CMakeLinksAbsoluteDialog.h"
 
+#include <QAbstractButton>
+
 #include "dialogs/CSettingsDialogUtils.h"
 
 CMakeLinksAbsoluteDialog::CMakeLinksAbsoluteDialog(QWidget* parent) : CVorlaneDialog(parent, true) {
   ui.setupUi(this);
+  // As in the other settings dialogs; the style adds icons.
+  for (QAbstractButton* const button : ui.buttonBox->buttons()) {
+    button->setIcon(QIcon());
+    button->setMinimumWidth(75);
+  }
   CSettingsDialogUtils::Complete(this, ui.main_widget);
 }
 

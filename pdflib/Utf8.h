@@ -50,4 +50,12 @@ inline Decoded Decode(std::string_view bytes) {
                                                                             : Decoded{character, length};
 }
 
+// How many characters of the text, from its start on, are ASCII.
+template <typename Text>
+std::size_t AsciiPrefix(const Text& text) {
+  std::size_t count = 0;
+  while (count < text.size() && static_cast<char32_t>(text[count]) < 0x80) ++count;
+  return count;
+}
+
 }  // namespace Utf8

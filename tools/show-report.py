@@ -22,9 +22,9 @@ def show(record):
         return
     print(f"  before  {quoted(record['baseUrlBefore'])}")
     print(f"  after   {quoted(record['baseUrlAfter'])}")
-    way = {"incremental": "the old bytes kept, the change appended", "rewrite": "written anew",
-           "unchanged": "a copy, nothing to change"}.get(record.get("way"), "")
-    print(f"  result  {shortest(record['output'])}" + (f"  ({way})" if way else ""))
+    mode = {"incremental": "the old bytes kept, the change appended", "rewrite": "written anew",
+            "unchanged": "a copy, nothing to change"}.get(record.get("saveMode"), "")
+    print(f"  result  {shortest(record['output'])}" + (f"  ({mode})" if mode else ""))
     for warning in record.get("warnings", []):
         print(f"  warning: {warning}")
 

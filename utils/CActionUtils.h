@@ -177,8 +177,8 @@ class CActionUtils {
   static double GetTextItemHeight(const QFont& font, const QString& html, double width);
 
   /// Draws plain text, black on transparent, into an image of `width` x `height` pixels (fractions cut off) and adds
-  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1, or an image that does not fit into
-  /// memory, adds nothing.
+  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1 adds nothing. An image of more than
+  /// 256 MiB is painted smaller at once.
   static void GenerateTextItemIcon(double width, double height, const QString& text, QIcon* icon);
 
   // ---- Split commands ----

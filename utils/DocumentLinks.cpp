@@ -6,6 +6,8 @@
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "pdflib/LibraryAnnotationTags.h"
+#include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/LibraryInformationKeys.h"
 
 namespace {
 
@@ -14,6 +16,12 @@ using Kind = DocumentLink::Kind;
 // /A, and the trigger events of annotations and fields (ISO 32000-2, tables 197 and 199).
 constexpr const wchar_t* kTriggers[] = {L"A",  L"E",  L"X",  L"D", L"U", L"Fo", L"Bl", L"PO",
                                         L"PC", L"PV", L"PI", L"K", L"F", L"V",  L"C"};
+
+// The bytes that the information key is about; those of the text with a library that does not know the key.
+QByteArray Bytes(HalvexPDFLibraryCPDylibCPP1311& library, int key, const QString& text) {
+  const std::wstring bytes = library.GetInformation(key);
+  return bytes.empty() ? text.toUtf8() : QString::fromStdWString(bytes).toLatin1();
+}
 
 class LinkWalk {
  public:
@@ -33,7 +41,7 @@ class LinkWalk {
  private:
   // A result of 0 may mean that the call failed.
   int Checked(int result) {
-    if (result == 0 && error_ == 0) error_ = library_.LastErrorCode();
+    if (result == 0 && error_ == kErrorNone) error_ = library_.LastErrorCode();
     return result;
   }
 
@@ -73,20 +81,33 @@ class LinkWalk {
       if (type.empty()) return;
       // A field that is its own widget has been visited on its page.
       if (kind == Kind::kField && !fieldActions_.insert(action).second) return;
-      if (type == L"URI") visit_({kind, page, action, QString::fromStdWString(library_.GetActionURL(action))});
+      if (type == L"URI") VisitUri(kind, page, action);
     }
+  }
+
+  void VisitUri(Kind kind, int page, int action) {
+    const QString uri = QString::fromStdWString(library_.GetActionURL(action));
+    if (const int error = uri.isEmpty() ? library_.LastErrorCode() : kErrorNone; error != kErrorNone) {
+      if (error != kErrorDamaged && error_ == kErrorNone) error_ = error;
+      return;
+    }
+    visit_({kind, page, action, uri, Bytes(library_, kInformationActionUriBytes + action, uri)});
   }
 
   HalvexPDFLibraryCPDylibCPP1311& library_;
   const std::function<void(const DocumentLink&)>& visit_;
   std::unordered_set<int> fieldActions_;
-  int error_ = 0;
+  int error_ = kErrorNone;
 };
 
 }  // namespace
 
 int VisitDocumentLinks(HalvexPDFLibraryCPDylibCPP1311& library, const std::function<void(const DocumentLink&)>& visit) {
   return LinkWalk(library, visit).Run();
+}
+
+QByteArray BaseUrlBytes(HalvexPDFLibraryCPDylibCPP1311& library) {
+  return Bytes(library, kInformationBaseUrlBytes, QString::fromStdWString(library.GetBaseURL()));
 }
 
 int SetDocumentLink(HalvexPDFLibraryCPDylibCPP1311& library, const DocumentLink& link, const QString& uri) {

@@ -19,21 +19,37 @@ bool IsHexDigit(char c) {
   return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-// The text with what may stand in a URI alone (RFC 3986, clause 2 and appendix C).
+bool MayBeInUri(char c) {
+  return IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr);
+}
+
+// The text with only the characters that a URI may have (RFC 3986, clause 2 and appendix C).
 QByteArray Encoded(const QString& text) {
-  const QByteArray bytes = text.trimmed().toUtf8();
+  QByteArray bytes = text.trimmed().toUtf8();
+  if (std::all_of(bytes.cbegin(), bytes.cend(), MayBeInUri)) return bytes;  // most are
   QByteArray result;
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
     if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
     const bool escape = c == '%' && i + 2 < bytes.size() && IsHexDigit(bytes[i + 1]) && IsHexDigit(bytes[i + 2]);
-    if (escape || IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr)) {
+    if (escape || MayBeInUri(c)) {
       result += c;
     } else {
       result += '%' + QByteArray(1, c).toHex().toUpper();
     }
   }
   return result;
+}
+
+// How long the scheme at the start is, with its colon; 0 for none.
+int SchemeLength(const QByteArray& text) {
+  if (text.isEmpty() || !IsAlpha(text[0])) return 0;
+  for (int i = 1; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == ':') return i + 1;
+    if (!IsAlpha(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
+  }
+  return 0;
 }
 
 // A URI reference by its components (RFC 3986, appendix B); the optional ones with their delimiters, so that an empty
@@ -65,21 +81,11 @@ struct Reference {
     }
   }
   QByteArray Text() const { return scheme + authority + path + query + fragment; }
-
- private:
-  static int SchemeLength(const QByteArray& text) {
-    if (text.isEmpty() || !IsAlpha(text[0])) return 0;
-    for (int i = 1; i < text.size(); ++i) {
-      const char c = text[i];
-      if (c == ':') return i + 1;
-      if (!IsAlpha(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
-    }
-    return 0;
-  }
 };
 
 // RFC 3986, 5.2.4.
 QByteArray WithoutDotSegments(QByteArray input) {
+  if (!input.startsWith('.') && !input.contains("/.")) return input;
   QByteArray output;
   while (!input.isEmpty()) {
     if (input.startsWith("../")) {
@@ -110,10 +116,39 @@ QByteArray Merged(const Reference& base, const QByteArray& path) {
   return base.path.left(base.path.lastIndexOf('/') + 1) + path;
 }
 
+// Percent-encodings of characters that need none are undone, the others are written in capitals (RFC 3986, 6.2.2).
+QByteArray WithPlainEncodings(const QByteArray& text) {
+  QByteArray result;
+  for (int i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      result += text[i];
+      continue;
+    }
+    const char c = QByteArray::fromHex(text.mid(i + 1, 2)).at(0);
+    const bool unreserved = IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~", c) != nullptr);
+    result += unreserved ? QByteArray(1, c) : text.mid(i, 3).toUpper();
+    i += 2;
+  }
+  return result;
+}
+
+// Host and port of an authority as they are written shortest; user information stays.
+QByteArray WithPlainHost(const QByteArray& authority, const QByteArray& scheme) {
+  const int host = std::max(authority.lastIndexOf('@') + 1, 2);
+  QByteArray result = authority.left(host) + authority.mid(host).toLower();
+  const int colon = result.lastIndexOf(':');
+  if (colon < host || result.indexOf(']', colon) >= 0) return result;
+  const QByteArray port = result.mid(colon + 1);
+  const bool isDefault = (scheme == "http:" && port == "80") || (scheme == "https:" && port == "443") ||
+                         (scheme == "ftp:" && port == "21");
+  if (port.isEmpty() || isDefault) result.truncate(colon);
+  return result;
+}
+
 }  // namespace
 
 bool IsRelativeLink(const QString& uri) {
-  return Reference(Encoded(uri)).scheme.isEmpty();
+  return SchemeLength(Encoded(uri)) == 0;
 }
 
 std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
@@ -135,4 +170,19 @@ std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
   }
   target.path = WithoutDotSegments(target.path);
   return QString::fromLatin1(target.Text());
+}
+
+QString EncodedLink(const QString& uri) {
+  return QString::fromLatin1(Encoded(uri));
+}
+
+QString NormalizedLink(const QString& uri) {
+  Reference link(WithPlainEncodings(Encoded(uri)));
+  link.scheme = link.scheme.toLower();
+  if (!link.authority.isEmpty()) {
+    link.authority = WithPlainEncodings(WithPlainHost(link.authority, link.scheme));
+    if (link.path.isEmpty()) link.path = "/";
+  }
+  if (!link.scheme.isEmpty()) link.path = WithoutDotSegments(link.path);
+  return QString::fromLatin1(link.Text());
 }

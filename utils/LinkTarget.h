@@ -15,3 +15,11 @@ bool IsRelativeLink(const QString& uri);
 /// on; RFC 3986, clause 2) are percent-encoded as UTF-8, as is a "%" without two hexadecimal digits; white space around
 /// either text is dropped. Nothing for a relative link when `base` is empty or relative itself.
 std::optional<QString> ResolvedLink(const QString& base, const QString& uri);
+
+/// The link with what no URI may hold percent-encoded as above; otherwise as it is, also when it is relative.
+QString EncodedLink(const QString& uri);
+
+/// The link in the one form of all that are equivalent to it (RFC 3986, 6.2.2 and 6.2.3): scheme and host in lower
+/// case, no empty or default port (http, https, ftp), "/" for an empty path after a host, no needless percent-encodings
+/// and the others in capitals. Encoded as above. A relative link is not resolved.
+QString NormalizedLink(const QString& uri);

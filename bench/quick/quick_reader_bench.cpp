@@ -13,7 +13,8 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
-#include "tests/engine/quick/LargeFile.h"
+#include "tests/engine/quick/QuickBaseUrl.h"
+#include "tests/support/PdfFile.h"
 
 namespace {
 
@@ -32,11 +33,11 @@ class Files {
   Files(const Files&) = delete;
   Files& operator=(const Files&) = delete;
 
-  const std::string& Path(LargeFile::Kind kind, int pages, bool catalogLast) {
+  const std::string& Path(XrefKind kind, int pages, bool catalogLast) {
     std::string& path = paths_[{static_cast<int>(kind) * 2 + (catalogLast ? 1 : 0), pages}];
     if (path.empty()) {
       path = std::string(folder_) + '/' + std::to_string(paths_.size()) + ".pdf";
-      std::ofstream(path, std::ios::binary) << LargeFile::Make(kind, pages, catalogLast);
+      std::ofstream(path, std::ios::binary) << LargePdf(kind, pages, catalogLast);
     }
     return path;
   }
@@ -48,8 +49,7 @@ class Files {
 
 const std::string& PathFor(const benchmark::State& state) {
   static Files files;
-  return files.Path(static_cast<LargeFile::Kind>(state.range(0)), static_cast<int>(state.range(2)),
-                    state.range(1) != 0);
+  return files.Path(static_cast<XrefKind>(state.range(0)), static_cast<int>(state.range(2)), state.range(1) != 0);
 }
 
 void QuickReader(benchmark::State& state) {
@@ -58,7 +58,7 @@ void QuickReader(benchmark::State& state) {
   for ([[maybe_unused]] auto _ : state) {
     const auto input = engine::InputFile::Open(path);
     const auto document = engine::QuickReader::Read(*input);
-    if (!document || document->baseUrl != kBaseUrl) state.SkipWithError("not read");
+    if (!document || QuickBaseUrl(*document) != kBaseUrl) state.SkipWithError("not read");
     read = input->BytesRead();
   }
   state.counters["bytes_read"] = static_cast<double>(read);

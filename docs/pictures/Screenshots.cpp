@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Screenshots FOLDER SUFFIX EXAMPLE: opens the windows of the plug-in and of the example's, the file EXAMPLE, one after
-// the other and saves what the screen shows of each as <window><suffix>.png. Run it through
+// Screenshots FOLDER SUFFIX EXAMPLE: opens the windows of the plug-ins and of the example's, the file EXAMPLE, one
+// after the other and saves what the screen shows of each as <window><suffix>.png. Run it through
 // docs/pictures/make-screenshots.
 #include <QApplication>
 #include <QDialog>
@@ -23,7 +23,7 @@ struct Picture {
   const char* context;
   const char* toolbarButton;  // null: the settings dialog itself
   const char* nameField;
-  bool example = false;
+  const char* plugin = SETBASEURL_FILE;  // null: the example's
 };
 
 constexpr Picture kPictures[] = {
@@ -32,7 +32,8 @@ constexpr Picture kPictures[] = {
     {"settings-standalone", "", nullptr, nullptr},
     {"add-to-action", "VorlaneClass", "VDtoolbarAddToActionListButton", "actionListNameLineEdit"},
     {"add-to-favorites", "VorlaneClass", "VDtoolbarAddToCollectionsButton", "collectionNameLineEdit"},
-    {"set-title", "", nullptr, nullptr, true},
+    {"make-links-absolute", "VorlaneClass", nullptr, nullptr, MAKELINKSABSOLUTE_FILE},
+    {"set-title", "", nullptr, nullptr, nullptr},
 };
 
 // Waits for the window that the picture is of, opening it from the settings dialog if need be.
@@ -74,7 +75,7 @@ class Photographer : public QObject {
 
 int takeAll(const QString& folder, const QString& suffix, const QString& example) {
   for (const Picture& picture : kPictures) {
-    QPluginLoader loader(picture.example ? example : QStringLiteral(SETBASEURL_FILE));
+    QPluginLoader loader(picture.plugin != nullptr ? QString::fromUtf8(picture.plugin) : example);
     auto* action = qobject_cast<CActionInterface*>(loader.instance());
     if (!action) {
       QTextStream(stderr) << loader.errorString() << '\n';
@@ -83,6 +84,7 @@ int takeAll(const QString& folder, const QString& suffix, const QString& example
     QWidget window;
     window.setObjectName(QLatin1String(picture.context));
     QMap<QString, QVariant> settings{{"baseUrlString", "https://www.example.org/manuals/"},
+                                     {"base", "https://www.example.org/manuals/"},
                                      {"titleString", "Spring tide"}};
     DialogLoadStruct info{};
     info.settings = &settings;

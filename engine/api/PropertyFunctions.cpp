@@ -48,9 +48,16 @@ std::string InformationKey(int key) {
   return kInformationKeys[key];
 }
 
+// One character for each byte.
+std::wstring WideFromBytes(const std::string& bytes) {
+  std::wstring text(bytes.size(), L'\0');
+  std::transform(bytes.begin(), bytes.end(), text.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
+  return text;
+}
+
 std::string Fact(Document& document, int key) {
   switch (key) {
-    case kInformationWayOfSaving:
+    case kInformationSaveMode:
       return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
       return document.Plan().reason;
@@ -60,7 +67,7 @@ std::string Fact(Document& document, int key) {
       const int level = document.Signatures().certificationLevel;
       return level > 0 ? std::to_string(level) : std::string();
     }
-    case kInformationLastWay:
+    case kInformationLastSaveMode:
       return document.LastSaved() ? NameOf(*document.LastSaved()) : "";
     case kInformationHasBaseUrl:
       return document.HasBaseUrl() ? "1" : "0";
@@ -107,7 +114,12 @@ wchar_t* HPLGetBaseURL(int instance) {
 }
 
 wchar_t* HPLGetInformation(int instance, int key) {
-  return Guarded<wchar_t*>(instance, [&](Call& call) { return WideFromUtf8(Fact(call.Selected(), key)); });
+  return Guarded<wchar_t*>(instance, [&](Call& call) {
+    Document& document = call.Selected();
+    if (key == kInformationBaseUrlBytes) return WideFromBytes(document.BaseUrl());
+    if (key <= kInformationActionUriBytes) return WideFromUtf8(Fact(document, key));
+    return WideFromBytes(document.Links().ActionUri(key - kInformationActionUriBytes));
+  });
 }
 
 int HPLSetInformation(int instance, int key, void* value) {

@@ -34,7 +34,7 @@ qpdf_offset_t BackendInputSource::Size() const {
   return static_cast<qpdf_offset_t>(view_.End() + view_.appended.size());
 }
 
-// What stands at the position, without moving on.
+// The bytes at the position; the position stays.
 std::size_t BackendInputSource::ReadFile(char* target, std::size_t length) const {
   const auto fileEnd = static_cast<qpdf_offset_t>(view_.End());
   const auto inFile = static_cast<std::size_t>(std::max<qpdf_offset_t>(fileEnd - position_, 0));

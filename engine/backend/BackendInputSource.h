@@ -11,8 +11,8 @@
 
 namespace engine {
 
-// What the parser made of a file so far would take far more memory than files have reason to ask for. Not a standard
-// exception: the parser would take those for damage and go on.
+// The parser's objects would take far more memory than files of this size need. Not a standard exception: the parser
+// would take that for damage and go on.
 struct TooManyTokens {};
 
 // A file as the parser reads it: in blocks, since it asks for a few bytes at a time.

@@ -39,8 +39,8 @@ void AppendBigEndian(std::string& bytes, std::uint64_t value, int width) {
   for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) bytes += static_cast<char>((value >> shift) & 0xFF);
 }
 
-// A cross-reference stream (ISO 32000-1, 7.5.8) with its "startxref", to stand at `position`. It has no entry of its
-// own, so that the document has no object more than the file.
+// A cross-reference stream (ISO 32000-1, 7.5.8) with its "startxref", to be written at `position`. It has no entry of
+// its own, so that the document has no object more than the file.
 std::string Section(const std::vector<FileTail::KeptObject>& objects, std::uint32_t number, const std::string& entries,
                     std::uint64_t position) {
   std::string rows;
@@ -235,7 +235,7 @@ std::string FileRepair::MixedDocuments() {
   return HoldsTwoDocuments() ? "the file holds two documents" : "";
 }
 
-// Whether a header stands between objects.
+// Whether there is a header between objects.
 bool FileRepair::HoldsTwoDocuments() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   const std::vector<std::uint64_t>& headers = Scan().headers;
@@ -253,7 +253,7 @@ View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::strin
   return view;
 }
 
-// With the objects in object streams. Of an object that stands in several places the last one of the file counts.
+// With the objects in object streams. Of several objects of one number the last one in the file counts.
 FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
   std::map<std::uint32_t, FileTail::KeptObject> all;
   std::map<std::uint32_t, std::uint64_t> places;
@@ -268,7 +268,7 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
     const std::uint64_t place = object.offset - headerOffset;
     const std::vector<std::uint32_t> members = streams.Members(ObjectOf(document, object.id));
     if (members.empty() && !document.isEncrypted()) {
-      // Nobody knows whether it is encrypted.
+      // It may be encrypted or not.
       throw CannotRepair("an object stream cannot be read");
     }
     for (std::uint32_t index = 0; index < members.size(); ++index) {
@@ -320,7 +320,7 @@ void FileRepair::CheckMembers(QPDF& document, const Kept& kept) const {
 }
 
 // The newest catalog of a trailer that leads to a page, otherwise any that does, otherwise one that leads to none:
-// other readers may find more behind it.
+// other readers may find more through it.
 std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
   std::optional<ObjectId> empty;
   const auto leads = [&](ObjectId id) {
@@ -362,7 +362,7 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   tail.headerOffset = QuickReader::HeaderOffset(*file_);
   tail.root = root;
   tail.size = 1;
-  // Numbers of objects that are not kept are not given away either.
+  // Numbers of objects that are not kept are not given to new ones either.
   if (!Newest().empty()) tail.size = std::max(tail.size, Newest().back().id.number + 1);
   if (!kept.empty()) tail.size = std::max(tail.size, kept.back().id.number + 1);
   const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
@@ -379,8 +379,8 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   return tail;
 }
 
-// The stream as it has to stand in the file, when its /Length does not lead to its end: readers believe it once the
-// cross-references are sound. Its data stay as they are, encrypted or not. No value when nothing has to change.
+// The stream with the right /Length, when its own does not lead to its end: with sound cross-references, readers trust
+// /Length. Its data stay as they are, encrypted or not. No value when the /Length is right.
 std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
                                                   FileWindow& window) const {
   const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
@@ -410,7 +410,7 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
   }
 }
 
-// The object whose number stands at the offset; null when the scan found none there.
+// The object whose number is at the offset; null when the scan found none there.
 const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   const auto found =
@@ -519,7 +519,7 @@ std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& 
   return OpenRecovering(view, password);
 }
 
-// What the file's own cross-references lead to is what they say, whatever else has its number.
+// Objects to which the file's own cross-references lead replace others of the same number.
 void FileRepair::PutPreferred(Kept& kept) const {
   for (const FileTail::KeptObject& object : preferred_) {
     const auto at =
@@ -545,7 +545,7 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
       if (!LeadsToPage(document->getRoot())) continue;
       std::optional<FileTail> tail = CompleteTail(*document, *file_);
       if (!tail) continue;
-      // Numbers that stand in the rest of the file are not given away.
+      // Numbers in the rest of the file are not given to new objects.
       if (!Newest().empty()) tail->size = std::max(tail->size, Newest().back().id.number + 1);
       return Version{*end, std::move(*tail), std::move(document)};
     } catch (const std::exception&) {

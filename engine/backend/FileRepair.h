@@ -18,7 +18,7 @@ namespace engine {
 
 class FileWindow;
 
-// The damage is of a kind that nobody can repair without loss (kErrorDamaged).
+// Damage that cannot be repaired without loss (kErrorDamaged).
 class CannotRepair : public EngineError {
  public:
   explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
@@ -28,8 +28,8 @@ class CannotRepair : public EngineError {
 // object of its own.
 std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file);
 
-// Makes a damaged file readable by adding one complete cross-reference section for every object that stands in it. The
-// parser then sees the file's bytes and that section, which is what a save appends.
+// Makes a damaged file readable by adding one complete cross-reference section for every object in it. The parser then
+// sees the file's bytes and that section, which is what a save appends.
 class FileRepair {
  public:
   struct Result {
@@ -40,12 +40,12 @@ class FileRepair {
 
   explicit FileRepair(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
 
-  // What stands in the file; read on first use.
+  // The objects in the file; read on first use.
   const FileScan& Scan();
   // Whether the file has the object, outside of object streams.
   bool Finds(ObjectId id);
 
-  // Objects that take the place of whatever has their numbers otherwise.
+  // Objects that replace others of the same number.
   void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
 
   // The repaired file. `document` is null when the password does not fit. Throws EngineError kErrorDamaged when no

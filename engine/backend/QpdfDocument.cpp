@@ -60,7 +60,7 @@ auto Translated(Body&& body) {
   }
 }
 
-// ISO 32000-1, annex H.3, note 13: the header stands within the first 1024 bytes.
+// ISO 32000-1, annex H.3, note 13: the header is within the first 1024 bytes.
 bool HasHeader(const InputFile& file) {
   return file.ReadAt(0, 1024).find("%PDF-") != std::string::npos;
 }
@@ -335,7 +335,7 @@ bool QpdfDocument::Repaired() {
 
 std::optional<std::string> QpdfDocument::ObjectText(ObjectId id) {
   return Ask([&]() -> std::optional<std::string> {
-    // The parser keeps every object that it was asked for. And it tells nobody where it found those of a file that it
+    // The parser keeps every object that it was asked for, and does not report where it found those of a file that it
     // rebuilt.
     if (recovery_ != Recovery::kOn) {
       if (raw_ == nullptr) raw_ = std::make_unique<RawObjects>(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
@@ -472,7 +472,7 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
       trailer.replaceKey("/Encrypt", encrypt);
     }
     EscapeNames(*copy);
-    // The writer would inflate metadata, whatever comes out of it.
+    // The writer would inflate metadata without a limit.
     for (QPDFObjectHandle& object : copy->getAllObjects()) {
       if (object.isStream()) object.setFilterOnWrite(false);
     }

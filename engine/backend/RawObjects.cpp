@@ -27,7 +27,7 @@ std::optional<std::string> RawObjects::Text(ObjectId id) {
     std::optional<std::string> text;
     if (entry.getType() == kInStream) text = TextInStream(id, entry.getObjStreamNumber());
     if (entry.getType() == kInFile) text = TextInFile(id, static_cast<std::uint64_t>(entry.getOffset()));
-    // A dictionary with a value too many is no plain syntax either.
+    // Nor is a dictionary with a value too many plain syntax.
     if (text && text->compare(0, 2, "<<") == 0 && !DictionaryText::Parse(*text)) return std::nullopt;
     return text;
   } catch (const PdfSyntaxError&) {

@@ -16,7 +16,7 @@ namespace engine {
 
 class InputFile;
 
-// The texts of a document's objects as they stand in the file, by the parser's cross-reference. Strings come decrypted.
+// The texts of a document's objects as in the file, found by the parser's cross-reference. Strings are decrypted.
 class RawObjects {
  public:
   // Offsets count from the header. `document` and `file` must outlive this object.

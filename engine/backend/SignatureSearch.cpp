@@ -41,7 +41,7 @@ class Search {
     bool signature;  // the field type inherited
   };
 
-  // A reference to nothing: whatever stood there may have been a signature.
+  // A reference to nothing: the lost object may have been a signature.
   void NoteUnreadable(QPDFObjectHandle object) {
     if (everywhere_ && object.isIndirect() && object.isNull()) ++count_;
   }

@@ -62,7 +62,7 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
                      [&](const Place& place) { return StandsAt(window, place) || !repair.Finds(place.id); });
 }
 
-// Whether the object has a reference to one that has no entry but stands in the file.
+// Whether the object refers to one that has no entry but is in the file.
 bool Dangles(QPDFObjectHandle object, const XrefTable& table, FileRepair& repair) {
   const auto lost = [&](const QPDFObjectHandle& value) {
     const QPDFObjGen id = value.getObjGen();

@@ -66,7 +66,8 @@ std::string WithoutEscapes(std::string_view text) {
   return plain;
 }
 
-// Compressed data inside other data: no producer writes such sections, and no size tells what comes out of them.
+// Compressed data inside other data: no producer writes such sections, and their size does not limit what they inflate
+// to.
 bool IsFilteredTwice(std::string_view dictionary) {
   constexpr std::string_view kFilters[] = {"/Fl", "/ASCII", "/AHx", "/A85", "/RunLength", "/RL", "/LZW"};
   std::size_t filters = 0;
@@ -89,12 +90,12 @@ bool HasHugeRows(std::string_view dictionary) {
 }
 
 struct Place {
-  std::size_t stream;  // where the keyword stands; npos when the object is no stream
+  std::size_t stream;  // the keyword's place; npos when the object is not a stream
   std::size_t looked;  // bytes read for that
-  bool sound;          // whether a readable value stands before it
+  bool sound;          // whether a readable value comes before it
 };
 
-// For the object whose value starts here. Behind what cannot be read as a value the next keyword counts.
+// For the object whose value starts here. After what cannot be read as a value the next keyword counts.
 Place FindStream(std::string_view object) {
   PdfLexer lexer(object);
   try {
@@ -135,7 +136,7 @@ void GuardXrefStreams(const InputFile& file) {
     const std::size_t data = object.find_first_not_of("\r\n", stream + kStream.size());
     if (data == std::string_view::npos) continue;
     inflated += InflatedSize(object.substr(data), limit);
-    // Of an unreadable value nobody knows which filters are the stream's.
+    // With an unreadable value the stream's filters are unknown.
     if (inflated > limit || (sound && IsFilteredTwice(dictionary)) || HasHugeRows(dictionary)) Refuse();
   }
 }

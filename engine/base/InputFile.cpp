@@ -70,15 +70,18 @@ InputFile::~InputFile() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
+// Whether the file is in memory now.
+bool InputFile::KeepIfSmall() const {
+  if (cached_ || Size() > kKeptSize) return cached_;
+  bytes_.resize(static_cast<std::size_t>(Size()));
+  ReadFromDisk(0, bytes_.data(), bytes_.size());
+  return cached_ = true;
+}
+
 std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const {
   if (offset >= Size()) return 0;
   count = static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset));
-  if (!cached_ && Size() <= kKeptSize) {
-    bytes_.resize(static_cast<std::size_t>(Size()));
-    ReadFromDisk(0, bytes_.data(), bytes_.size());
-    cached_ = true;
-  }
-  if (cached_) {
+  if (KeepIfSmall()) {
     std::memcpy(buffer, bytes_.data() + offset, count);
   } else {
     ReadFromDisk(offset, static_cast<char*>(buffer), count);
@@ -92,6 +95,14 @@ std::string InputFile::ReadAt(std::uint64_t offset, std::size_t count) const {
   std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, Size() - offset)), '\0');
   ReadAt(offset, bytes.data(), bytes.size());
   return bytes;
+}
+
+std::string_view InputFile::ViewAt(std::uint64_t offset, std::size_t count, std::string& storage) const {
+  if (offset >= Size()) return {};
+  if (!KeepIfSmall()) return storage = ReadAt(offset, count);
+  const std::string_view view = std::string_view(bytes_).substr(static_cast<std::size_t>(offset), count);
+  bytesRead_ += view.size();
+  return view;
 }
 
 void InputFile::ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const {

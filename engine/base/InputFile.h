@@ -9,6 +9,7 @@
 #include <ctime>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace engine {
 
@@ -55,6 +56,8 @@ class InputFile : public std::enable_shared_from_this<InputFile> {
   // as in /sys, because its size was never true.
   std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const;
   std::string ReadAt(std::uint64_t offset, std::size_t count) const;
+  // The same bytes where they are: in this object or, if they had to be read, in `storage`.
+  std::string_view ViewAt(std::uint64_t offset, std::size_t count, std::string& storage) const;
 
   // The whole file when it is in memory already (small files are, once read), otherwise null.
   const std::string* Bytes() const { return cached_ ? &bytes_ : nullptr; }
@@ -68,6 +71,7 @@ class InputFile : public std::enable_shared_from_this<InputFile> {
 
  private:
   InputFile() = default;
+  bool KeepIfSmall() const;
   void ReadFromDisk(std::uint64_t offset, char* buffer, std::size_t count) const;
 
   std::string path_;

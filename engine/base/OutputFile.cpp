@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
@@ -37,6 +38,10 @@ bool IsFull(int error) {
 std::string FolderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+}
+
+bool EndsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 // An unnamed file gets its name through its entry there.
@@ -235,14 +240,14 @@ void OutputFile::CopyFrom(const InputFile& source) {
   } else {
     CopyWithHoles(source);
   }
-  NoteLoaded(source);
+  if (InMemory()) source.CheckUnchanged();
 }
 
 // In this order: a target that is the source, replaced by now, is noticed by the check.
 void OutputFile::NoteLoaded(const InputFile& loaded) {
   struct stat target = {};
-  if (!InMemory() && !loaded.InMemory() && stat(target_.c_str(), &target) == 0 &&
-      target.st_dev == loaded.GetIdentity().device && target.st_ino == loaded.GetIdentity().inode) {
+  if (!loaded.InMemory() && stat(target_.c_str(), &target) == 0 && target.st_dev == loaded.GetIdentity().device &&
+      target.st_ino == loaded.GetIdentity().inode) {
     loaded_ = loaded.shared_from_this();
   }
   loaded.CheckUnchanged();
@@ -285,6 +290,7 @@ void OutputFile::CopyInKernel(const InputFile& source, std::uint64_t end) {
 
 // Looks at all of it where it was copied by hand, otherwise at the size and both ends.
 void OutputFile::CheckBeginsWith(const InputFile& source) const {
+  if (IsSmallAndBeginsWith(source)) return;
   const std::uint64_t size = source.Size();
   struct stat status = {};
   bool equal = fstat(descriptor_, &status) == 0 && static_cast<std::uint64_t>(status.st_size) == written_;
@@ -302,6 +308,15 @@ void OutputFile::CheckBeginsWith(const InputFile& source) const {
   if (equal) return;
   source.CheckUnchanged();
   throw EngineError(kErrorCannotWrite, target_ + ": what was written does not begin with the loaded file");
+}
+
+// By one call. False where that does not show it.
+bool OutputFile::IsSmallAndBeginsWith(const InputFile& source) const {
+  const std::string* const bytes = source.Bytes();
+  if (bytes == nullptr || written_ > kBufferSize) return false;
+  std::string block(static_cast<std::size_t>(written_) + 1, '\0');  // so that a longer file shows
+  return pread(descriptor_, block.data(), block.size(), 0) == static_cast<ssize_t>(written_) &&
+         block.compare(0, bytes->size(), *bytes) == 0;
 }
 
 bool OutputFile::EqualsAt(const InputFile& source, std::uint64_t offset, std::uint64_t count) const {
@@ -327,13 +342,19 @@ void OutputFile::Commit(const InputFile* loaded) {
   if (InMemory()) return;
   Flush();
   if (source_ != nullptr) CheckBeginsWith(*source_);
-  if (loaded != nullptr && loaded != source_.get()) NoteLoaded(*loaded);
+  std::vector<const InputFile*> sources;
+  if (source_ != nullptr) sources.push_back(source_.get());
+  if (loaded != nullptr && loaded != source_.get()) sources.push_back(loaded);
+  // Most targets are new. One that is there is noticed as the file gets its name, and only then looked at.
+  const auto mayBeTarget = [&](const InputFile* source) { return EndsWith(source->Path(), target_); };
   const bool unnamed = temporary_.empty();
-  if (unnamed && loaded_ == nullptr) {
+  if (unnamed && std::none_of(sources.begin(), sources.end(), mayBeTarget)) {
+    for (const InputFile* const source : sources) source->CheckUnchanged();
     if (Name(descriptor_, target_)) return Close();
     if (errno != EEXIST) ThrowWriteError(errno);
   }
   if (unnamed) ResolveTarget();
+  for (const InputFile* const source : sources) NoteLoaded(*source);
   Replace();
 }
 
@@ -387,7 +408,7 @@ void OutputFile::CheckIsLoaded(const std::string& path, const struct stat& old) 
 }
 
 // Undoes an exchange that took another program's save out of its place. When that place then held anything but what was
-// put there, somebody has saved once more meanwhile, and the newest save has to stay.
+// put there, another program has saved once more meanwhile, and the newest save has to stay.
 void OutputFile::PutBack() {
   struct stat own = {};
   fstat(descriptor_, &own);

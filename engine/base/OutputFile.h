@@ -40,8 +40,8 @@ class OutputFile {
   void Write(const std::string& bytes) { Write(bytes.data(), bytes.size()); }
 
   // Writes the whole source, before anything else: shared blocks where the file system has them, copied inside the
-  // kernel where it can, holes kept. Throws kErrorSourceChanged when the source is no longer what was opened. Commit()
-  // checks that the file begins with the source.
+  // kernel where it can, holes kept. Throws kErrorSourceChanged when the source ends too early. Commit() checks that
+  // the source is still what was opened and that the file begins with it; in memory the first is checked here.
   void CopyFrom(const InputFile& source);
 
   // Bytes written so far.
@@ -80,6 +80,7 @@ class OutputFile {
   void CopyWithHoles(const InputFile& source);
   void NoteLoaded(const InputFile& loaded);
   void CheckBeginsWith(const InputFile& source) const;
+  bool IsSmallAndBeginsWith(const InputFile& source) const;
   bool EqualsAt(const InputFile& source, std::uint64_t offset, std::uint64_t count) const;
   void PrepareReplacement(const struct stat& old);
   void CheckGroupIsNoMatter(const struct stat& old) const;

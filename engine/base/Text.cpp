@@ -25,11 +25,17 @@ void AppendCharacter(std::string& bytes, std::uint32_t unit) {
   Utf8::Append(bytes, IsCharacter(unit) ? unit : kReplacement);
 }
 
+// The ASCII characters that the text starts with: nearly always all of it.
+std::string PlainStart(std::wstring_view text) {
+  return std::string(text.begin(), text.begin() + Utf8::AsciiPrefix(text));
+}
+
 // `malformed` maps each byte that is no UTF-8 to a unit.
 template <typename Malformed>
 std::wstring Decode(std::string_view bytes, Malformed malformed) {
-  std::wstring text;
-  text.reserve(bytes.size());
+  const std::size_t plain = Utf8::AsciiPrefix(bytes);
+  std::wstring text(bytes.begin(), bytes.begin() + plain);
+  bytes.remove_prefix(plain);
   while (!bytes.empty()) {
     const Utf8::Decoded next = Utf8::Decode(bytes);
     text.push_back(
@@ -40,6 +46,7 @@ std::wstring Decode(std::string_view bytes, Malformed malformed) {
 }
 
 bool IsUtf8(std::string_view bytes) {
+  bytes.remove_prefix(Utf8::AsciiPrefix(bytes));
   while (!bytes.empty()) {
     const std::size_t length = Utf8::Decode(bytes).length;
     if (length == 0) return false;
@@ -76,9 +83,8 @@ bool StartsWith(std::string_view bytes, std::string_view start) {
 }  // namespace
 
 std::string Utf8FromWide(std::wstring_view text) {
-  std::string bytes;
-  bytes.reserve(text.size());
-  for (const wchar_t unit : text) AppendCharacter(bytes, CharacterOf(unit));
+  std::string bytes = PlainStart(text);
+  for (const wchar_t unit : text.substr(bytes.size())) AppendCharacter(bytes, CharacterOf(unit));
   return bytes;
 }
 
@@ -87,9 +93,8 @@ std::wstring WideFromUtf8(std::string_view bytes) {
 }
 
 std::string RawFromWide(std::wstring_view text) {
-  std::string bytes;
-  bytes.reserve(text.size());
-  for (const wchar_t unit : text) {
+  std::string bytes = PlainStart(text);
+  for (const wchar_t unit : text.substr(bytes.size())) {
     const std::uint32_t character = CharacterOf(unit);
     if (character >= kFirstRawByte && character <= kLastRawByte) {
       bytes += static_cast<char>(character - kFirstRawByte + 0x80);
@@ -106,10 +111,9 @@ std::wstring WideFromRaw(std::string_view bytes) {
 
 std::string UrlFromWide(std::wstring_view url) {
   constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string bytes;
-  bytes.reserve(url.size());
+  std::string bytes = PlainStart(url);
   std::string encoded;
-  for (const wchar_t unit : url) {
+  for (const wchar_t unit : url.substr(bytes.size())) {
     const std::uint32_t character = CharacterOf(unit);
     if (character < 0x80) {
       bytes.push_back(static_cast<char>(character));

@@ -10,7 +10,7 @@ namespace engine {
 
 // UTF-8; units that are no characters (surrogates, above U+10FFFF) become U+FFFD.
 std::string Utf8FromWide(std::wstring_view text);
-// Bytes that are no UTF-8 become U+FFFD.
+// Bytes that are not UTF-8 become U+FFFD.
 std::wstring WideFromUtf8(std::string_view bytes);
 
 // File names and passwords may hold any bytes: the bytes 0x80 to 0xFF outside well-formed UTF-8 are the units U+DC80 to
@@ -21,7 +21,7 @@ std::wstring WideFromRaw(std::string_view bytes);
 // A base URL as a PDF file holds it: characters outside ASCII percent-encoded as UTF-8 (RFC 3986, 2.1), the others as
 // they are.
 std::string UrlFromWide(std::wstring_view url);
-// The text of a base URL in a file. One that is no ASCII, against the standard, is read as UTF-16 or UTF-8 when it has
+// The text of a base URL in a file. One that is not ASCII, against the standard, is read as UTF-16 or UTF-8 when it has
 // their byte order mark, as UTF-8 when it is well-formed, and otherwise byte by byte.
 std::wstring WideFromUrl(std::string_view bytes);
 

@@ -37,7 +37,8 @@ LoadedFile& Document::File() {
 }
 
 std::string Document::BaseUrl() {
-  return BaseUrlOf(File(), AllEdits());
+  if (!baseUrl_) baseUrl_ = BaseUrlOf(File(), edits_);
+  return *baseUrl_;
 }
 
 bool Document::HasBaseUrl() {
@@ -50,6 +51,7 @@ std::string Document::PdfVersion() {
 
 void Document::SetBaseUrl(const std::string& url) {
   engine::SetBaseUrl(File(), AllEdits(), url);
+  baseUrl_ = url;
 }
 
 std::string Document::Information(const std::string& key) {
@@ -99,6 +101,7 @@ void Document::SaveToFile(const std::string& path) {
   if (!output->Replaced(source.device, source.inode) || file_->IsAt(absolutePath_)) return;
   links_.reset();
   file_.reset();
+  baseUrl_.reset();
   edits_ = Edits();
 }
 

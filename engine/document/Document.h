@@ -79,6 +79,7 @@ class Document {
   std::string password_;
   std::optional<LoadedFile> file_;
   Edits edits_;
+  std::optional<std::string> baseUrl_;  // once it was asked for or set
   std::unique_ptr<DocumentLinks> links_;
   std::optional<SaveMode> lastSaved_;
   int selectedPage_ = 1;

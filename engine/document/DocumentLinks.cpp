@@ -168,20 +168,24 @@ std::string DocumentLinks::ActionType(int id) {
   return action.type != nullptr ? *action.type : std::string();
 }
 
-std::string DocumentLinks::UriBytes(const ActionTable::Action& action) {
-  if (!IsReference(action.uri)) return StringBytes(action.uri);
-  return StringBytes(Resolve(*this, {action.holder, *action.path, {}}, action.uri, "/URI").text);
+std::optional<std::string> DocumentLinks::UriBytes(const ActionTable::Action& action) {
+  if (IsString(action.uri)) return StringBytes(action.uri);
+  if (!IsReference(action.uri)) return std::nullopt;
+  const LocatedValue value = Resolve(*this, {action.holder, *action.path, {}}, action.uri, "/URI");
+  return IsString(value.text) ? std::optional(StringBytes(value.text)) : std::nullopt;
 }
 
 std::string DocumentLinks::ActionUri(int id) {
   const ActionTable::Action action = actions_.Find(id);
-  if (action.type == nullptr) return {};
+  if (action.type == nullptr || *action.type != kUriType) return {};
   const auto changed = changes_.find(action.holder);
   if (changed != changes_.end()) {
     const auto uri = changed->second.find(*action.path);
     if (uri != changed->second.end() && uri->second != action.uri) return StringBytes(uri->second);
   }
-  return UriBytes(action);
+  std::optional<std::string> uri = UriBytes(action);
+  if (!uri) throw EngineError(kErrorDamaged, "the action has no URI");
+  return *std::move(uri);
 }
 
 void DocumentLinks::SetActionUri(int id, const std::string& uri) {
@@ -190,9 +194,8 @@ void DocumentLinks::SetActionUri(int id, const std::string& uri) {
     throw EngineError(kErrorBadArgument, "this is not a URI action");
   }
   if (!file_.IsInFile(action.holder)) throw EngineError(kErrorDamaged, "the action's object is not in the file");
-  // What the file holds is taken as it is there, however it is written.
-  const bool asInFile = IsString(action.uri) || IsReference(action.uri);
-  const bool same = asInFile && UrlFromWide(WideFromUrlString(UriBytes(action))) == uri;
+  // A string of the same bytes stays as it is written.
+  const bool same = UriBytes(action) == uri;
   changes_[action.holder][*action.path] = same ? std::string(action.uri) : LiteralString(uri);
   unstored_.insert(action.holder);
 }

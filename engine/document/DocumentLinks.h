@@ -45,7 +45,7 @@ class DocumentLinks final : private ObjectTexts {
   // UTF-8.
   std::string OutlineTitle(int id);
   int OutlineAction(int id);
-  // The bytes of the URI; empty when the item has no URI action.
+  // The bytes of the URI; empty when the item has no URI action. Throws as ActionUri().
   std::string OutlineUri(int id);
   // Gives the item a URI action in place of any other one and of a destination. `uri` is ASCII.
   void SetOutlineUri(int id, const std::string& uri);
@@ -56,7 +56,7 @@ class DocumentLinks final : private ObjectTexts {
 
   // Without slash; empty for an ID that is not an action.
   std::string ActionType(int id);
-  // The bytes of a URI action's /URI; empty for other actions.
+  // The bytes of a URI action's /URI; empty for other actions. Throws kErrorDamaged as well when it is not a string.
   std::string ActionUri(int id);
   // `uri` is ASCII. Throws kErrorBadArgument as well for an action of another type.
   void SetActionUri(int id, const std::string& uri);
@@ -80,7 +80,8 @@ class DocumentLinks final : private ObjectTexts {
   const std::vector<ObjectId>& Outlines();
   LocatedValue Outline(int id);
   const std::vector<FormField>& Fields();
-  std::string UriBytes(const ActionTable::Action& action);
+  // No value for what is not a string.
+  std::optional<std::string> UriBytes(const ActionTable::Action& action);
 
   LoadedFile& file_;
   Edits& edits_;

@@ -24,14 +24,9 @@ constexpr char kBase[] = "/Base";
 constexpr char kVersion[] = "/Version";
 constexpr std::size_t kHeaderSearch = 1024;  // where readers look for the header
 
-std::optional<ObjectId> ReferenceIn(std::string_view value) {
-  // Most values are none, and an exception costs time.
-  if (value.empty() || value.back() != 'R') return std::nullopt;
-  try {
-    return PdfLexer::ToReference(value);
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
+const DictionaryText& OrEmpty(const LoadedFile::TrailerEntry& entry) {
+  static const DictionaryText kEmpty;
+  return entry.dictionary ? *entry.dictionary : kEmpty;
 }
 
 // The objects of a file with its edits.
@@ -39,13 +34,9 @@ class EditedFile {
  public:
   EditedFile(LoadedFile& file, const Edits& edits) : file_(file), edits_(edits) {}
 
-  std::string TrailerValue(const std::string& key) const {
-    const std::string* const edited = edits_.FindTrailer(key);
-    return edited != nullptr ? *edited : file_.TrailerValue(key);
-  }
   // The text of a value, or of the object that it refers to. Empty for a stream.
   std::string Resolve(std::string_view value) const {
-    const std::optional<ObjectId> id = ReferenceIn(value);
+    const std::optional<ObjectId> id = PdfLexer::FindReference(value);
     if (!id) return std::string(value);
     const std::string* const edited = edits_.Find(*id);
     return edited != nullptr ? *edited : file_.ObjectText(*id).value_or("");
@@ -54,24 +45,31 @@ class EditedFile {
   std::optional<DictionaryText> Dictionary(std::string_view value) const {
     return DictionaryText::Parse(Resolve(value));
   }
-  // A dictionary that the trailer names; an empty one when there is none.
-  DictionaryText Named(const std::string& trailerKey) const {
-    return Dictionary(TrailerValue(trailerKey)).value_or(DictionaryText());
+  // What the trailer names. Valid until the edits change.
+  const LoadedFile::TrailerEntry& Named(const std::string& trailerKey) {
+    const LoadedFile::TrailerEntry& stored = file_.Trailer(trailerKey);
+    if (const std::string* const value = edits_.FindTrailer(trailerKey)) {
+      return named_ = {PdfLexer::FindReference(*value), Dictionary(*value)};
+    }
+    const std::string* const text = stored.id ? edits_.Find(*stored.id) : nullptr;
+    if (text == nullptr) return stored;
+    return named_ = {stored.id, DictionaryText::Parse(*text)};
   }
   // The bytes of a string entry; nothing for anything else.
-  std::optional<std::string> FindString(const DictionaryText& dictionary, const std::string& key) const {
+  std::optional<std::string> FindString(const DictionaryText& dictionary, std::string_view key) const {
     const std::optional<std::string_view> value = dictionary.Find(key);
     if (!value) return std::nullopt;
     const std::string text = Resolve(*value);
     const bool isString = !text.empty() && (text[0] == '(' || (text[0] == '<' && text.compare(0, 2, "<<") != 0));
     return isString ? std::optional(PdfLexer::ToBytes(text)) : std::nullopt;
   }
-  std::string String(const DictionaryText& dictionary, const std::string& key) const {
+  std::string String(const DictionaryText& dictionary, std::string_view key) const {
     return FindString(dictionary, key).value_or("");
   }
   // The base URL's dictionary in a catalog; an empty one when there is none.
   DictionaryText Uri(const DictionaryText& catalog) const {
-    return Dictionary(catalog.Find(kUri).value_or("")).value_or(DictionaryText());
+    const std::optional<std::string_view> value = catalog.Find(kUri);
+    return value ? Dictionary(*value).value_or(DictionaryText()) : DictionaryText();
   }
   std::string BaseUrl(const DictionaryText& catalog) const { return String(Uri(catalog), kBase); }
   std::string Information(const DictionaryText& information, const std::string& entry) const {
@@ -81,6 +79,7 @@ class EditedFile {
  private:
   LoadedFile& file_;
   const Edits& edits_;
+  LoadedFile::TrailerEntry named_;
 };
 
 // The version that follows the mark, "1.7"; empty when it does not read so.
@@ -93,7 +92,7 @@ std::string VersionAfter(std::string_view text, std::string_view mark) {
   return valid ? std::string(version) : std::string();
 }
 
-void SetOrRemove(DictionaryText& dictionary, const std::string& key, const std::optional<std::string>& value) {
+void SetOrRemove(DictionaryText& dictionary, std::string_view key, const std::optional<std::string>& value) {
   if (value) {
     dictionary.Set(key, *value);
   } else {
@@ -109,16 +108,11 @@ void EditEntry(LoadedFile& file, Edits& edits, const std::string& trailerKey, co
                IsAsStored isAsStored, NewValue newValue) {
   const Edits none;
   const EditedFile original(file, none);
-  const EditedFile edited(file, edits);
-  const std::optional<DictionaryText> found = original.Dictionary(original.TrailerValue(trailerKey));
-  const DictionaryText stored = found.value_or(DictionaryText());
-
-  const std::string value = edited.TrailerValue(trailerKey);
-  std::optional<ObjectId> id = ReferenceIn(value);
-  const bool isEdited = edits.FindTrailer(trailerKey) != nullptr || (id && edits.Find(*id) != nullptr);
-  const std::optional<DictionaryText> current = isEdited ? edited.Dictionary(value) : found;
-  if (!current) id.reset();
-  DictionaryText dictionary = current.value_or(DictionaryText());
+  EditedFile edited(file, edits);
+  const DictionaryText& stored = OrEmpty(file.Trailer(trailerKey));
+  const LoadedFile::TrailerEntry& current = edited.Named(trailerKey);
+  std::optional<ObjectId> id = current.dictionary ? current.id : std::nullopt;
+  DictionaryText dictionary = OrEmpty(current);
 
   if (isAsStored(original, stored)) {
     SetOrRemove(dictionary, entry, std::optional<std::string>(stored.Find(entry)));
@@ -144,20 +138,19 @@ void EditEntry(LoadedFile& file, Edits& edits, const std::string& trailerKey, co
 }  // namespace
 
 std::string BaseUrlOf(LoadedFile& file, const Edits& edits) {
-  const EditedFile edited(file, edits);
-  return edited.BaseUrl(edited.Named(kRoot));
+  EditedFile edited(file, edits);
+  return edited.BaseUrl(OrEmpty(edited.Named(kRoot)));
 }
 
 bool HasBaseUrl(LoadedFile& file, const Edits& edits) {
-  const EditedFile edited(file, edits);
-  return edited.FindString(edited.Uri(edited.Named(kRoot)), kBase).has_value();
+  EditedFile edited(file, edits);
+  return edited.FindString(edited.Uri(OrEmpty(edited.Named(kRoot))), kBase).has_value();
 }
 
 std::string PdfVersionOf(LoadedFile& file, const Edits& edits) {
   const std::string header = VersionAfter(file.Source().ReadAt(0, kHeaderSearch), "%PDF-");
-  const EditedFile edited(file, edits);
-  const DictionaryText catalog = edited.Named(kRoot);
-  const std::optional<std::string_view> entry = catalog.Find(kVersion);
+  EditedFile edited(file, edits);
+  const std::optional<std::string_view> entry = OrEmpty(edited.Named(kRoot)).Find(kVersion);
   return std::max(header, entry ? VersionAfter(edited.Resolve(*entry), "/") : std::string());
 }
 
@@ -175,8 +168,8 @@ void SetBaseUrl(LoadedFile& file, Edits& edits, const std::string& url) {
 }
 
 std::string InformationOf(LoadedFile& file, const Edits& edits, const std::string& key) {
-  const EditedFile edited(file, edits);
-  return edited.Information(edited.Named(kInfo), '/' + key);
+  EditedFile edited(file, edits);
+  return edited.Information(OrEmpty(edited.Named(kInfo)), '/' + key);
 }
 
 void SetInformation(LoadedFile& file, Edits& edits, const std::string& key, const std::string& value) {

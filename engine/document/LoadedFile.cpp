@@ -118,6 +118,15 @@ std::string LoadedFile::TrailerValue(const std::string& key) {
   return key == "/Root" ? quick_->tail.root.Reference() : quick_->tail.Value(key);
 }
 
+const LoadedFile::TrailerEntry& LoadedFile::Trailer(const std::string& key) {
+  const auto known = trailer_.find(key);
+  if (known != trailer_.end()) return known->second;
+  std::string text = TrailerValue(key);
+  const std::optional<ObjectId> id = PdfLexer::FindReference(text);
+  if (id) text = ObjectText(*id).value_or("");
+  return trailer_[key] = {id, DictionaryText::Parse(std::move(text))};
+}
+
 const std::vector<ObjectId>& LoadedFile::Pages() {
   if (pages_) return *pages_;
   if (QuickObjects* const objects = Objects()) {

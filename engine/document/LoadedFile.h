@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "engine/document/SaveMode.h"
 #include "engine/links/QuickObjects.h"
 #include "engine/quick/QuickDocument.h"
+#include "engine/syntax/DictionaryText.h"
 
 namespace engine {
 
@@ -49,6 +51,12 @@ class LoadedFile {
   // See BackendDocument.
   std::optional<std::string> ObjectText(ObjectId id);
   std::string TrailerValue(const std::string& key);
+  // What an entry of the trailer is or refers to, as far as it is a dictionary. Valid while this object lives.
+  struct TrailerEntry {
+    std::optional<ObjectId> id;
+    std::optional<DictionaryText> dictionary;
+  };
+  const TrailerEntry& Trailer(const std::string& key);
   // Whether a save can change the object.
   bool IsInFile(ObjectId id);
   std::uint32_t FirstFreeNumber() { return Full().FirstFreeNumber(); }
@@ -83,6 +91,7 @@ class LoadedFile {
   std::optional<QuickDocument> quick_;
   std::unique_ptr<QuickObjects> objects_;
   bool objectsLeftToParser_ = false;
+  std::map<std::string, TrailerEntry> trailer_;  // the entries that were asked for
   std::optional<std::vector<ObjectId>> pages_;
   std::unique_ptr<BackendDocument> full_;
   std::optional<BackendDocument::Signatures> signatures_;

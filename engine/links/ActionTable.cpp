@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/links/ActionTable.h"
 
-#include <limits>
-#include <new>
 #include <set>
 
+#include "engine/base/EngineError.h"
 #include "engine/links/DictionaryView.h"
+#include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfName.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
 namespace {
-
-// Far longer than chains that anybody made on purpose.
-constexpr std::size_t kLongestChain = 1000;
 
 // The action in a slot, or something else where there is none.
 LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
@@ -21,6 +19,18 @@ LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
   const std::size_t second = path.find('/', 1);
   const LocatedValue value = Entry(objects, slot.owner, path.substr(0, second));
   return second == std::string_view::npos ? value : Entry(objects, value, path.substr(second));
+}
+
+// A value of /Next, or an element of it. What it refers to is loaded when it is its turn.
+LocatedValue Unloaded(const LocatedValue& parent, std::string_view value, const std::string& step) {
+  if (IsReference(value)) {
+    try {
+      return {PdfLexer::ToReference(value), {}, {}};
+    } catch (const PdfSyntaxError&) {
+      value = "null";
+    }
+  }
+  return {parent.holder, parent.path + step, std::string(value)};
 }
 
 }  // namespace
@@ -49,33 +59,38 @@ int ActionTable::Register(ObjectTexts& objects, const std::vector<Slot>& slots) 
 }
 
 void ActionTable::AddChain(ObjectTexts& objects, LocatedValue first) {
-  std::set<ObjectId> visited;
+  std::set<ObjectId> visited;  // indirect actions and arrays of them: a chain can only return to one of these
   std::vector<LocatedValue> following = {std::move(first)};
-  for (std::size_t count = 0; !following.empty() && count < kLongestChain; ++count) {
-    const LocatedValue action = std::move(following.back());
+  while (!following.empty()) {
+    LocatedValue action = std::move(following.back());
     following.pop_back();
-    if (action.path.empty() && !visited.insert(action.holder).second) continue;
-    const DictionaryView dictionary(action.text);
+    if (action.path.empty()) {
+      if (!visited.insert(action.holder).second) continue;
+      const ObjectId named = action.holder;
+      if (action.text.empty()) action = LoadObject(objects, named);
+      if (action.holder != named && !visited.insert(action.holder).second) continue;
+    }
     const std::string type = NameText(Entry(objects, action, "/S").text);
     if (type.empty()) continue;
     Add(action, type);
-    const std::string_view next = dictionary.Find("/Next");
+    const std::string_view next = DictionaryView(action.text).Find("/Next");
     if (next.empty()) continue;
-    LocatedValue value = Resolve(objects, action, next, "/Next");
+    LocatedValue value = Unloaded(action, next, "/Next");
+    if (visited.count(value.holder) == 0 && value.text.empty()) value = LoadObject(objects, value.holder);
     if (!IsArray(value.text)) {
       following.push_back(std::move(value));
       continue;
     }
-    std::vector<std::string_view> elements = ArrayElements(value.text);
-    if (elements.size() > kLongestChain) elements.resize(kLongestChain);
+    if (value.path.empty() && !visited.insert(value.holder).second) continue;
+    const std::vector<std::string_view> elements = ArrayElements(value.text);
     for (std::size_t i = elements.size(); i-- > 0;) {
-      following.push_back(Resolve(objects, value, elements[i], ElementStep(i)));
+      following.push_back(Unloaded(value, elements[i], ElementStep(i)));
     }
   }
 }
 
 void ActionTable::Add(const LocatedValue& action, std::string_view type) {
-  if (records_.size() + 2 > std::size_t{std::numeric_limits<int>::max()}) throw std::bad_alloc();
+  if (records_.size() >= most_) throw EngineError(kErrorFileTooLarge, "the document has too many actions");
   Record record{action.holder, Kept(action.path), Kept(type)};
   if (type == "URI") {
     const std::string_view uri = DictionaryView(action.text).Find("/URI");

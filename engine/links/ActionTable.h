@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -30,8 +31,12 @@ class ActionTable {
     std::string path;  // "/A" or "/AA/E"
   };
 
+  // `most` bounds the actions of all places together: a place of a damaged document can lead to every other action.
+  explicit ActionTable(std::size_t most = 4'000'000) : most_(most) {}
+
   // The ID of the first action in these slots, which stay together; 0 when they have none. Slots that have IDs already
-  // keep them: when all have, that of the first is returned.
+  // keep them: when all have, that of the first is returned. Throws EngineError(kErrorFileTooLarge) when there are more
+  // actions than the bound; no further place has actions then.
   int Register(ObjectTexts& objects, const std::vector<Slot>& slots);
   // Forgets the slot: its IDs stay given, but are no actions any more.
   void Forget(ObjectId owner, const std::string& path);
@@ -52,6 +57,7 @@ class ActionTable {
   void Add(const LocatedValue& action, std::string_view type);
   const std::string* Kept(std::string_view text);
 
+  const std::size_t most_;
   std::vector<Record> records_;
   std::string uris_;
   std::unordered_set<std::string> texts_;  // paths and types, each once

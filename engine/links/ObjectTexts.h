@@ -12,8 +12,7 @@ class ObjectTexts {
  public:
   virtual ~ObjectTexts() = default;
 
-  // What stands between "obj" and "endobj", strings in the clear. "null" when there is no such object, and for a
-  // stream.
+  // The text between "obj" and "endobj", strings in the clear. "null" when there is no such object, and for a stream.
   virtual std::string Text(ObjectId id) = 0;
 };
 

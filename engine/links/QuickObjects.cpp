@@ -107,7 +107,7 @@ QuickObjects::ObjectStream QuickObjects::ReadStream(std::uint32_t number) {
   if (place.type != Type::kOffset || place.detail != 0) throw PdfSyntaxError();
   const PdfFileText file(file_);
   const PdfFileText::Object object = file.ReadObject(place.where);
-  const RawDictionary dictionary(object.dictionary);
+  const RawDictionary& dictionary = object.dictionary;
   if (object.id != ObjectId{number, 0} || dictionary.Text("/Type") != "/ObjStm") throw PdfSyntaxError();
   const std::uint64_t length = StreamLength(dictionary.Text("/Length"));
   file.CheckStreamEnd(object, length);

@@ -24,7 +24,7 @@ class QuickObjects {
   // The file begins with its header. It must outlive this object.
   QuickObjects(const InputFile& file, std::uint64_t startXref);
 
-  // What stands between "obj" and "endobj"; "null" when there is no such object, no value for a stream.
+  // The text between "obj" and "endobj"; "null" when there is no such object, no value for a stream.
   std::optional<std::string> Text(ObjectId id);
   // Whether there is an object of that number and generation at all.
   bool Exists(ObjectId id) const;

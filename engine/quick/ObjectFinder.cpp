@@ -5,7 +5,6 @@
 
 #include "engine/quick/StreamDecoder.h"
 #include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 
@@ -41,7 +40,7 @@ std::uint64_t OffsetInStream(std::string_view directory, std::uint64_t count, st
   return *found;
 }
 
-std::string DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
+RawDictionary DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
   if (offset > kLongestObject) throw PdfSyntaxError();
   const auto begin = static_cast<std::size_t>(offset);
   for (std::size_t window = 1024; window <= kLongestObject; window *= 4) {
@@ -51,7 +50,7 @@ std::string DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
     try {
       PdfLexer lexer(text);
       lexer.SkipSpace();
-      return std::string(RawDictionary(text.substr(lexer.Position())).Text());
+      return RawDictionary(text.substr(lexer.Position())).Kept();
     } catch (const PdfSyntaxError& error) {
       if (!error.truncated() || text.size() < window) throw PdfSyntaxError();
     }
@@ -61,7 +60,7 @@ std::string DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
 
 }  // namespace
 
-std::string ObjectFinder::ReadDictionary(ObjectId object) const {
+RawDictionary ObjectFinder::ReadDictionary(ObjectId object) const {
   const XrefSection::Entry entry = chain_.Find(object.number);
   if (entry.type == Type::kInStream) return ReadFromStream(object, entry);
   PdfFileText::Object found = file_.ReadObject(OffsetOf(entry, object));
@@ -97,10 +96,10 @@ std::uint64_t ObjectFinder::StreamLength(std::string_view text) const {
   return length;
 }
 
-std::string ObjectFinder::ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const {
+RawDictionary ObjectFinder::ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const {
   if (object.generation != 0 || entry.streamNumber == object.number) throw PdfSyntaxError();
   const PdfFileText::Object stream = file_.ReadObject(StreamOffset(entry));
-  const RawDictionary dictionary(stream.dictionary);
+  const RawDictionary& dictionary = stream.dictionary;
   if (stream.id != ObjectId{entry.streamNumber, 0} || dictionary.Text("/Type") != "/ObjStm") throw PdfSyntaxError();
   const std::uint64_t length = StreamLength(dictionary.Text("/Length"));
   file_.CheckStreamEnd(stream, length);

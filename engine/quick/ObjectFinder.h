@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <string>
-
 #include "engine/quick/PdfFileText.h"
 #include "engine/quick/XrefChain.h"
 #include "engine/syntax/ObjectId.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 
@@ -16,13 +15,12 @@ class ObjectFinder {
   // Both must outlive this object.
   ObjectFinder(const PdfFileText& file, const XrefChain& chain) : file_(file), chain_(chain) {}
 
-  // The text of the dictionary, "<<" to ">>".
-  std::string ReadDictionary(ObjectId object) const;
+  RawDictionary ReadDictionary(ObjectId object) const;
   // Throws unless there is such an object, as far as that can be seen without reading it.
   void CheckExists(ObjectId object) const;
 
  private:
-  std::string ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const;
+  RawDictionary ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const;
   std::uint64_t StreamOffset(const XrefSection::Entry& entry) const;
   std::uint64_t StreamLength(std::string_view text) const;
 

@@ -2,7 +2,6 @@
 #include "engine/quick/PdfFileText.h"
 
 #include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 
@@ -17,20 +16,20 @@ PdfFileText::PdfFileText(const InputFile& file, std::uint64_t headerOffset)
   if (headerOffset > file.Size()) throw PdfSyntaxError();
 }
 
-std::string PdfFileText::Read(std::uint64_t offset, std::size_t count) const {
+std::string_view PdfFileText::View(std::uint64_t offset, std::size_t count, std::string& storage) const {
   if (offset > Size() || file_.BytesRead() - readBefore_ > kMostRead) throw PdfSyntaxError();
-  return file_.ReadAt(headerOffset_ + offset, count);
+  return file_.ViewAt(headerOffset_ + offset, count, storage);
 }
 
 PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
   return ParseAt(offset, [offset](std::string_view text) {
     PdfLexer lexer(text);
-    Object object;
-    object.id = lexer.ReadObjectHeader();
+    const ObjectId id = lexer.ReadObjectHeader();
     lexer.SkipSpace();
-    object.dictionary = RawDictionary(text.substr(lexer.Position())).Text();
-    lexer = PdfLexer(text, lexer.Position() + object.dictionary.size());
+    const RawDictionary dictionary(text.substr(lexer.Position()));
+    lexer = PdfLexer(text, lexer.Position() + dictionary.Text().size());
     lexer.SkipSpace();
+    Object object{id, dictionary.Kept()};
     if (lexer.Accept("endobj")) return object;
     lexer.Expect("stream");
     const std::size_t end = lexer.Position();
@@ -46,17 +45,18 @@ PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
   });
 }
 
-std::string PdfFileText::ReadTrailer(std::uint64_t offset) const {
+RawDictionary PdfFileText::ReadTrailer(std::uint64_t offset) const {
   return ParseAt(offset, [](std::string_view text) {
     PdfLexer lexer(text);
     lexer.Expect("trailer");
     lexer.SkipSpace();
-    return std::string(RawDictionary(text.substr(lexer.Position())).Text());
+    return RawDictionary(text.substr(lexer.Position())).Kept();
   });
 }
 
 void PdfFileText::CheckObject(std::uint64_t offset, ObjectId id) const {
-  const std::string text = Read(offset, 64);
+  std::string storage;
+  const std::string_view text = View(offset, 64, storage);
   PdfLexer lexer(text);
   if (lexer.ReadObjectHeader() != id) throw PdfSyntaxError();
   lexer.SkipSpace();

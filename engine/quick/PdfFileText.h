@@ -8,6 +8,7 @@
 #include "engine/base/InputFile.h"
 #include "engine/syntax/ObjectId.h"
 #include "engine/syntax/PdfSyntaxError.h"
+#include "engine/syntax/RawDictionary.h"
 
 namespace engine {
 
@@ -17,7 +18,7 @@ class PdfFileText {
   // A dictionary object, or the dictionary of a stream and where its data begin.
   struct Object {
     ObjectId id;
-    std::string dictionary;
+    RawDictionary dictionary;
     std::uint64_t dataOffset = 0;  // 0 when it is not a stream
   };
 
@@ -29,16 +30,21 @@ class PdfFileText {
   std::uint64_t HeaderOffset() const { return headerOffset_; }
   const InputFile& File() const { return file_; }
 
-  // Throws PdfSyntaxError after so many bytes that something must be wrong with the file.
-  std::string Read(std::uint64_t offset, std::size_t count) const;
+  // See InputFile::ViewAt. Throws PdfSyntaxError after so many bytes that something must be wrong with the file.
+  std::string_view View(std::uint64_t offset, std::size_t count, std::string& storage) const;
+  std::string Read(std::uint64_t offset, std::size_t count) const {
+    std::string storage;
+    return std::string(View(offset, count, storage));
+  }
 
   // Hands parse() the text from `offset` on, a longer one each time that it throws a truncated PdfSyntaxError.
   template <typename Parse>
   auto ParseAt(std::uint64_t offset, Parse parse) const {
+    std::string storage;
     for (std::size_t window = kFirstWindow;; window *= 4) {
-      const std::string text = Read(offset, window);
+      const std::string_view text = View(offset, window, storage);
       try {
-        return parse(std::string_view(text));
+        return parse(text);
       } catch (const PdfSyntaxError& error) {
         if (!error.truncated() || text.size() < window || window >= kLastWindow) throw PdfSyntaxError();
       }
@@ -48,7 +54,7 @@ class PdfFileText {
   // The object that starts at the offset exactly.
   Object ReadObject(std::uint64_t offset) const;
   // The dictionary after the word "trailer", which starts at the offset.
-  std::string ReadTrailer(std::uint64_t offset) const;
+  RawDictionary ReadTrailer(std::uint64_t offset) const;
   // Throws unless that object starts at the offset and is a dictionary or stream.
   void CheckObject(std::uint64_t offset, ObjectId id) const;
   // Throws unless "endstream" follows the stream's data.

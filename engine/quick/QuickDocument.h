@@ -12,8 +12,6 @@ struct QuickDocument {
   FileTail tail;
   // The document catalog, object tail.root, as its dictionary is in the file ("<<" to ">>").
   std::string catalog;
-  // The bytes of /Base in the catalog's /URI dictionary; empty when there is none.
-  std::string baseUrl;
   // Whether the catalog has these entries. A document with neither is not signed.
   bool hasAcroForm = false;
   bool hasPerms = false;

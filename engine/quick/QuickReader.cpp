@@ -45,7 +45,11 @@ bool IsHeader(std::string_view text) {
 // The number after the last "startxref". A file that ends right there is cut off, but can be continued.
 std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   const std::size_t window = static_cast<std::size_t>(std::min<std::uint64_t>(kTailWindow, file.Size()));
-  const std::string text = file.Read(file.Size() - window, window) + '\n';
+  std::string text;
+  text.reserve(window + 1);
+  std::string storage;
+  text += file.View(file.Size() - window, window, storage);
+  text += '\n';
   const std::size_t begin = text.rfind("startxref");
   if (begin == std::string::npos || begin == 0 || !PdfLexer::IsSpace(text[begin - 1])) throw PdfSyntaxError();
   PdfLexer lexer(text, begin);
@@ -59,8 +63,7 @@ std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   return offset;
 }
 
-FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::string& trailerText, bool stream) {
-  const RawDictionary trailer(trailerText);
+FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const RawDictionary& trailer, bool stream) {
   FileTail tail;
   tail.headerOffset = file.HeaderOffset();
   tail.startXref = startXref;
@@ -77,27 +80,9 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const std::s
   return tail;
 }
 
-std::string ReadBaseUrl(const RawDictionary& catalog) {
-  const RawDictionary::Entry* uri = catalog.Find("/URI");
-  if (uri == nullptr) return {};
-  if (uri->value.kind == PdfLexer::Kind::kReference) throw PdfSyntaxError();
-  if (uri->value.kind != PdfLexer::Kind::kDictionary) return {};
-  const RawDictionary uriDictionary(catalog.Text(*uri));
-  const RawDictionary::Entry* base = uriDictionary.Find("/Base");
-  if (base == nullptr) return {};
-  switch (base->value.kind) {
-    case PdfLexer::Kind::kReference:
-      throw PdfSyntaxError();
-    case PdfLexer::Kind::kString:
-    case PdfLexer::Kind::kHexString:
-      return PdfLexer::ToBytes(uriDictionary.Text(*base));
-    default:
-      return {};
-  }
-}
-
 QuickDocument ReadDocument(const InputFile& input) {
-  if (!IsHeader(input.ReadAt(0, 16))) throw PdfSyntaxError();
+  std::string storage;
+  if (!IsHeader(input.ViewAt(0, 16, storage))) throw PdfSyntaxError();
   const PdfFileText file(input);
   const std::uint64_t startXref = ReadStartXref(file, true);
   const XrefChain chain(file, startXref);
@@ -106,12 +91,11 @@ QuickDocument ReadDocument(const InputFile& input) {
   if (document.tail.Encrypted()) throw PdfSyntaxError();
 
   const ObjectFinder finder(file, chain);
-  document.catalog = finder.ReadDictionary(document.tail.root);
-  const RawDictionary catalog(document.catalog);
+  const RawDictionary catalog = finder.ReadDictionary(document.tail.root);
+  document.catalog = catalog.Text();
   if (catalog.Text("/Type") != "/Catalog") throw PdfSyntaxError();
   // Sections whose offsets or numbers are shifted show here, if not at the catalog itself.
   finder.CheckExists(catalog.Reference("/Pages"));
-  document.baseUrl = ReadBaseUrl(catalog);
   document.hasAcroForm = catalog.Has("/AcroForm");
   document.hasPerms = catalog.Has("/Perms");
   return document;
@@ -139,7 +123,7 @@ FileTail ReadTailOf(const InputFile& input) {
   startXref += begin;
   if (start.compare(begin, 4, "xref") != 0) {
     const PdfFileText::Object object = file.ReadObject(startXref);
-    if (RawDictionary(object.dictionary).Text("/Type") != "/XRef") throw PdfSyntaxError();
+    if (object.dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
     return MakeTail(file, startXref, object.dictionary, true);
   }
   return MakeTail(file, startXref, file.ReadTrailer(FindTrailer(file, startXref + 4)), false);

@@ -23,7 +23,7 @@ XrefChain::XrefChain(const PdfFileText& file, std::uint64_t startXref) {
   std::uint64_t size = 0;
   for (std::uint64_t offset = startXref;;) {
     XrefSection section = visit(offset);
-    const RawDictionary trailer(section.Trailer());
+    const RawDictionary& trailer = section.Trailer();
     if (links_.empty()) size = trailer.Unsigned("/Size");
     // An object beyond /Size does not exist for some readers, and its number would be given away a second time.
     if (trailer.Unsigned("/Size") > size || section.EndNumber() > size) throw PdfSyntaxError();

@@ -23,7 +23,8 @@ bool IsTable(std::string_view text) {
 }  // namespace
 
 XrefSection::XrefSection(const PdfFileText& file, std::uint64_t offset) : file_(file) {
-  if (IsTable(file.Read(offset, 4))) {
+  std::string storage;
+  if (IsTable(file.View(offset, 4, storage))) {
     ReadTable(file, offset + 4);
   } else {
     ReadStream(file, offset);
@@ -36,8 +37,9 @@ void XrefSection::AddSubsection(std::uint64_t first, std::uint64_t count, std::u
 }
 
 void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
+  std::string storage;
   for (;;) {
-    const std::string text = file.Read(offset, 64);
+    const std::string_view text = file.View(offset, 64, storage);
     std::size_t begin = 0;
     while (begin < text.size() && PdfLexer::IsSpace(text[begin])) ++begin;
     PdfLexer lexer(text, begin);
@@ -62,10 +64,9 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
 }
 
 void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
-  const PdfFileText::Object object = file.ReadObject(offset);
-  trailer_ = object.dictionary;
+  PdfFileText::Object object = file.ReadObject(offset);
   streamNumber_ = object.id.number;
-  const RawDictionary dictionary(trailer_);
+  const RawDictionary& dictionary = trailer_.emplace(std::move(object.dictionary));
   if (dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
   const std::uint64_t length = dictionary.Unsigned("/Length");
   file.CheckStreamEnd(object, length);
@@ -127,7 +128,8 @@ void XrefSection::CheckOverlaps() const {
 }
 
 XrefSection::Entry XrefSection::ReadTableEntry(std::uint64_t offset) const {
-  return ParseTableEntry(file_.Read(offset, kTableEntrySize));
+  std::string storage;
+  return ParseTableEntry(file_.View(offset, kTableEntrySize, storage));
 }
 
 // A block of a subsection's entries from the first one on.

@@ -32,7 +32,7 @@ class XrefSection {
   // The number of the stream object; 0 for a table.
   std::uint32_t StreamNumber() const { return streamNumber_; }
   // The dictionary of the trailer or of the stream.
-  const std::string& Trailer() const { return trailer_; }
+  const RawDictionary& Trailer() const { return *trailer_; }
   // One more than the highest object number with an entry here.
   std::uint64_t EndNumber() const;
   std::size_t SubsectionCount() const { return subsections_.size(); }
@@ -79,7 +79,7 @@ class XrefSection {
   Entry ReadStreamEntry(std::uint64_t row) const;
 
   const PdfFileText& file_;
-  std::string trailer_;
+  std::optional<RawDictionary> trailer_;
   std::vector<Subsection> subsections_;
   std::uint32_t streamNumber_ = 0;
   std::size_t widths_[3] = {};

@@ -12,7 +12,7 @@ namespace engine {
 class FileWindow;
 class InputFile;
 
-// What stands in a file, found without its cross-references.
+// The objects of a file, found without its cross-references.
 struct FileScan {
   enum class Kind : unsigned char { kPlain, kCatalog, kStream, kObjectStream, kXrefStream };
   struct Object {
@@ -41,7 +41,7 @@ struct FileScan {
   bool damagedAtEnd = false;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
-  // Where headers "%PDF-" stand outside of objects, in the order of the file.
+  // The offsets of headers "%PDF-" outside of objects, in the order of the file.
   std::vector<std::uint64_t> headers;
 
   // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams

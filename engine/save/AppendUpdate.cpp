@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <unordered_set>
 
@@ -18,6 +17,7 @@ namespace {
 
 // The offset field of a cross-reference table has ten digits.
 constexpr std::uint64_t kLastTableOffset = 9999999999;
+constexpr std::size_t kUsualSize = 512;
 
 // An entry of a cross-reference section; the type and its fields as in a stream (ISO 32000-1, table 18).
 struct XrefEntry {
@@ -31,6 +31,12 @@ struct XrefEntry {
 
 std::string Header(ObjectId id) {
   return std::to_string(id.number) + ' ' + std::to_string(id.generation) + " obj\n";
+}
+
+// The number with zeros before it.
+void AppendDigits(std::string& text, std::uint64_t number, std::size_t width) {
+  const std::string digits = std::to_string(number);
+  text.append(width - std::min(width, digits.size()), '0').append(digits);
 }
 
 // How many bytes the value takes, at least `least`.
@@ -54,11 +60,15 @@ void ForEachRun(const std::vector<XrefEntry>& entries, Visit visit) {
 class Update {
  public:
   Update(const InputFile& source, const FileTail& tail)
-      : tail_(tail), base_(source.Size() - tail.headerOffset), headerFirst_(QuickReader::StartsWithHeader(source)) {
-    const std::string last = source.Size() > 0 ? source.ReadAt(source.Size() - 1, 1) : std::string();
+      : tail_(tail),
+        base_(source.Size() - tail.headerOffset),
+        usesObjectStream_(!tail.OnlyTables() && !QuickReader::StartsWithHeader(source)) {
+    char last = '\0';
+    text_.reserve(kUsualSize);
+    if (source.Size() > 0) source.ReadAt(source.Size() - 1, &last, 1);
     if (!tail.repaired.empty()) {
       text_ = tail.repaired;
-    } else if (last != "\n" && last != "\r") {
+    } else if (last != '\n' && last != '\r') {
       text_ = '\n';
     }
   }
@@ -66,12 +76,12 @@ class Update {
   void AddObjects(const std::vector<ChangedObject>& changes) {
     std::vector<const ChangedObject*> members;
     for (const ChangedObject& change : changes) {
-      if (UsesObjectStream() && change.id.generation == 0) {
+      if (usesObjectStream_ && change.id.generation == 0) {
         members.push_back(&change);
         continue;
       }
       entries_.push_back({change.id.number, XrefEntry::kOffset, Position(), change.id.generation});
-      text_ += Header(change.id) + change.body + "\nendobj\n";
+      text_.append(Header(change.id)).append(change.body).append("\nendobj\n");
     }
     if (!members.empty()) AddObjectStream(members);
     if (tail_.kept) AddKept(*tail_.kept);
@@ -95,10 +105,6 @@ class Update {
 
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
-
-  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object
-  // of an object stream for newer than any other. A changed object has to be in an object stream to take its place.
-  bool UsesObjectStream() const { return !headerFirst_ && !tail_.OnlyTables(); }
 
   // ISO 32000-1, 7.5.7.
   void AddObjectStream(const std::vector<const ChangedObject*>& members) {
@@ -162,10 +168,10 @@ class Update {
     ForEachRun(entries_, [this](auto first, auto end) {
       text_ += std::to_string(first->number) + ' ' + std::to_string(end - first) + '\n';
       for (auto entry = first; entry != end; ++entry) {
-        char line[32];
-        std::snprintf(line, sizeof line, "%010llu %05u %c \n", static_cast<unsigned long long>(entry->place),
-                      entry->detail, entry->type == XrefEntry::kFree ? 'f' : 'n');
-        text_ += line;
+        AppendDigits(text_, entry->place, 10);
+        text_ += ' ';
+        AppendDigits(text_, entry->detail, 5);
+        text_ += entry->type == XrefEntry::kFree ? " f \n" : " n \n";
       }
     });
     text_ += "trailer\n<<";
@@ -204,14 +210,16 @@ class Update {
   void AddTrailerEntries() {
     text_ += " /Size " + std::to_string(size_) + " /Root " + tail_.root.Reference();
     for (const FileTail::Entry& entry : tail_.entries) {
-      text_ += ' ' + entry.key + ' ' + (entry.key == "/ID" ? identifier_ : entry.value);
+      text_.append(" ").append(entry.key).append(" ").append(entry.key == "/ID" ? identifier_ : entry.value);
     }
     if (!tail_.kept) text_ += " /Prev " + std::to_string(tail_.startXref);
   }
 
   const FileTail& tail_;
   const std::uint64_t base_;
-  const bool headerFirst_;
+  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object
+  // of an object stream for newer than any other. A changed object has to be in an object stream to take its place.
+  const bool usesObjectStream_;
   std::string text_;
   std::vector<XrefEntry> entries_;
   std::uint32_t size_ = 0;

@@ -10,6 +10,12 @@
 
 namespace engine {
 
+namespace {
+
+constexpr std::size_t kUsualEntries = 8;
+
+}  // namespace
+
 std::optional<DictionaryText> DictionaryText::Parse(std::string text) {
   if (text.compare(0, 2, "<<") != 0) return std::nullopt;
   try {
@@ -21,6 +27,7 @@ std::optional<DictionaryText> DictionaryText::Parse(std::string text) {
 
 DictionaryText::DictionaryText(std::string text) : text_(std::move(text)) {
   PdfLexer lexer(text_);
+  entries_.reserve(kUsualEntries);
   lexer.ReadEntries([&](const PdfLexer::Value& key, const PdfLexer::Value& value) {
     entries_.push_back({UnescapedName(lexer.Text(key)), key.begin, value.begin, value.end});
   });
@@ -28,7 +35,7 @@ DictionaryText::DictionaryText(std::string text) : text_(std::move(text)) {
   close_ = text_.size() - 2;
 }
 
-void DictionaryText::Replace(std::size_t begin, std::size_t end, const std::string& text) {
+void DictionaryText::Replace(std::size_t begin, std::size_t end, std::string_view text) {
   text_.replace(begin, end - begin, text);
   const auto move = [&](std::size_t& position) {
     if (position >= end) position += begin + text.size() - end;
@@ -47,14 +54,14 @@ void DictionaryText::Erase(std::size_t index) {
   Replace(entry.keyBegin, entry.end, "");
 }
 
-std::optional<std::string_view> DictionaryText::Find(const std::string& key) const {
+std::optional<std::string_view> DictionaryText::Find(std::string_view key) const {
   for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
     if (entry->key == key) return ValueOf(*entry);
   }
   return std::nullopt;
 }
 
-void DictionaryText::Set(const std::string& key, const std::string& value) {
+void DictionaryText::Set(std::string_view key, std::string_view value) {
   bool found = false;
   for (std::size_t i = entries_.size(); i-- > 0;) {
     const Entry& entry = entries_[i];
@@ -71,12 +78,12 @@ void DictionaryText::Set(const std::string& key, const std::string& value) {
   }
   if (found) return;
   const std::string name = EscapedName(key) + ' ';
-  text_.insert(close_, name + value);
+  text_.insert(close_, value).insert(close_, name);
   const std::size_t begin = std::exchange(close_, close_ + name.size() + value.size());
-  entries_.push_back({key, begin, begin + name.size(), close_});
+  entries_.push_back({std::string(key), begin, begin + name.size(), close_});
 }
 
-void DictionaryText::Remove(const std::string& key) {
+void DictionaryText::Remove(std::string_view key) {
   for (std::size_t i = entries_.size(); i-- > 0;) {
     if (entries_[i].key == key) Erase(i);
   }

@@ -22,9 +22,9 @@ class DictionaryText {
   const std::string& Text() const { return text_; }
   bool Empty() const { return entries_.empty(); }
   // Valid until the dictionary is changed.
-  std::optional<std::string_view> Find(const std::string& key) const;
-  void Set(const std::string& key, const std::string& value);
-  void Remove(const std::string& key);
+  std::optional<std::string_view> Find(std::string_view key) const;
+  void Set(std::string_view key, std::string_view value);
+  void Remove(std::string_view key);
   // Whether the other one has the same keys with the same texts, in any order.
   bool SameEntries(const DictionaryText& other) const;
 
@@ -37,7 +37,7 @@ class DictionaryText {
   };
 
   // Replaces a part of the text and moves the entries after it.
-  void Replace(std::size_t begin, std::size_t end, const std::string& text);
+  void Replace(std::size_t begin, std::size_t end, std::string_view text);
   void Erase(std::size_t index);
   std::string_view ValueOf(const Entry& entry) const {
     return std::string_view(text_).substr(entry.valueBegin, entry.end - entry.valueBegin);

@@ -118,28 +118,6 @@ ObjectId MakeId(std::uint64_t number, std::uint64_t generation) {
 
 }  // namespace
 
-bool PdfLexer::IsSpace(char c) {
-  return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\f' || c == '\0';
-}
-
-bool PdfLexer::IsDelimiter(char c) {
-  switch (c) {
-    case '(':
-    case ')':
-    case '<':
-    case '>':
-    case '[':
-    case ']':
-    case '{':
-    case '}':
-    case '/':
-    case '%':
-      return true;
-    default:
-      return IsSpace(c);
-  }
-}
-
 char PdfLexer::Peek() const {
   if (AtEnd()) throw PdfSyntaxError(true);
   return text_[position_];
@@ -218,6 +196,16 @@ ObjectId PdfLexer::ToReference(std::string_view text) {
   lexer.SkipSpace();
   if (text.substr(lexer.Position()) != "R") throw PdfSyntaxError();
   return MakeId(number, generation);
+}
+
+std::optional<ObjectId> PdfLexer::FindReference(std::string_view text) {
+  // Most values are none, and an exception costs time.
+  if (text.empty() || text.back() != 'R') return std::nullopt;
+  try {
+    return ToReference(text);
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
 }
 
 std::vector<std::uint64_t> PdfLexer::ToUnsignedArray(std::string_view text) {

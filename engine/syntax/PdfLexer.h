@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +15,7 @@
 namespace engine {
 
 // Reads PDF tokens and objects from a text (ISO 32000-1, 7.2 and 7.3) without building them: what is wanted is their
-// extent. Strict: whatever readers are known to take differently throws PdfSyntaxError. Needs no recursion.
+// extent. Strict: what readers are known to take differently throws PdfSyntaxError. Needs no recursion.
 class PdfLexer {
  public:
   enum class Kind {
@@ -63,6 +65,8 @@ class PdfLexer {
   ObjectId ReadObjectHeader();
   // "N G R" and nothing else.
   static ObjectId ToReference(std::string_view text);
+  // The same; no value for anything else.
+  static std::optional<ObjectId> FindReference(std::string_view text);
   // Digits and nothing else.
   static std::uint64_t ToUnsigned(std::string_view text);
   // "[ 1 2 3 ]"
@@ -70,10 +74,25 @@ class PdfLexer {
   // The bytes of a literal or hexadecimal string object.
   static std::string ToBytes(std::string_view text);
 
-  static bool IsSpace(char c);
-  static bool IsDelimiter(char c);
+  static bool IsSpace(char c) { return ClassOf(c) == Class::kSpace; }
+  static bool IsDelimiter(char c) { return ClassOf(c) != Class::kRegular; }
 
  private:
+  // ISO 32000-1, 7.2.2.
+  enum class Class : unsigned char { kRegular, kSpace, kDelimiter };
+  static constexpr std::array<Class, 256> MakeClasses() {
+    std::array<Class, 256> classes = {};
+    for (const char c : {' ', '\n', '\r', '\t', '\f', '\0'}) classes[static_cast<unsigned char>(c)] = Class::kSpace;
+    for (const char c : {'(', ')', '<', '>', '[', ']', '{', '}', '/', '%'}) {
+      classes[static_cast<unsigned char>(c)] = Class::kDelimiter;
+    }
+    return classes;
+  }
+  static Class ClassOf(char c) {
+    static constexpr std::array<Class, 256> kClasses = MakeClasses();
+    return kClasses[static_cast<unsigned char>(c)];
+  }
+
   char Peek() const;
   bool AcceptBrackets(std::string_view brackets);
   bool AtEnd() const { return position_ >= text_.size(); }

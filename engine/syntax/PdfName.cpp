@@ -16,6 +16,7 @@ bool IsHexDigit(char c) {
 }  // namespace
 
 std::string UnescapedName(std::string_view name) {
+  if (name.find('#') == std::string_view::npos) return std::string(name);
   std::string bytes;
   bytes.reserve(name.size());
   for (std::size_t i = 0; i < name.size(); ++i) {

@@ -9,11 +9,13 @@ namespace {
 
 // Far more than catalogs and trailers have; keeps the search for a key that occurs twice cheap.
 constexpr std::size_t kMostEntries = 1000;
+constexpr std::size_t kUsualEntries = 8;
 
 }  // namespace
 
 RawDictionary::RawDictionary(std::string_view text) {
   PdfLexer lexer(text);
+  entries_.reserve(kUsualEntries);
   lexer.ReadEntries([&](const PdfLexer::Value& key, const PdfLexer::Value& value) {
     const std::string_view name = lexer.Text(key);
     if (name.find('#') != std::string_view::npos || Has(name) || entries_.size() >= kMostEntries) {
@@ -22,6 +24,17 @@ RawDictionary::RawDictionary(std::string_view text) {
     entries_.push_back({name, value});
   });
   text_ = text.substr(0, lexer.Position());
+}
+
+RawDictionary RawDictionary::Kept() const {
+  RawDictionary kept;
+  kept.kept_ = std::make_unique<const std::string>(text_);
+  kept.text_ = *kept.kept_;
+  kept.entries_ = entries_;
+  for (Entry& entry : kept.entries_) {
+    entry.key = kept.text_.substr(static_cast<std::size_t>(entry.key.data() - text_.data()), entry.key.size());
+  }
+  return kept;
 }
 
 const RawDictionary::Entry* RawDictionary::Find(std::string_view key) const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +10,7 @@
 
 namespace engine {
 
-// The entries of a dictionary object as they are in its text, which must outlive this object.
+// The entries of a dictionary object as they are in its text, which must outlive this object unless it is Kept().
 class RawDictionary {
  public:
   struct Entry {
@@ -20,6 +21,8 @@ class RawDictionary {
   // `text` starts with "<<"; what follows the dictionary is left alone. Throws PdfSyntaxError, also for a
   // key that occurs twice or is written with "#": readers differ there.
   explicit RawDictionary(std::string_view text);
+  // The same dictionary with a text of its own.
+  RawDictionary Kept() const;
 
   // "<<" to ">>".
   std::string_view Text() const { return text_; }
@@ -35,6 +38,9 @@ class RawDictionary {
   ObjectId Reference(std::string_view key) const { return PdfLexer::ToReference(Text(key)); }
 
  private:
+  RawDictionary() = default;
+
+  std::unique_ptr<const std::string> kept_;
   std::string_view text_;
   std::vector<Entry> entries_;
 };

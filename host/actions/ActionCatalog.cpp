@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/actions/ActionCatalog.h"
 
+#include <algorithm>
 #include <QDir>
 #include <QLibrary>
 #include <QPluginLoader>
+#include <QSet>
 
 #include "host/base/CommandError.h"
 #include "host/base/Suggestion.h"
@@ -20,8 +22,7 @@ CActionInterface* ActionCatalog::Find(const QString& actionName) {
 CActionInterface& ActionCatalog::Get(const QString& actionName) {
   CActionInterface* const action = Find(actionName);
   if (action != nullptr) return *action;
-  QString message = QStringLiteral("Unknown action '%1': no plug-in in %2 has it.")
-                        .arg(actionName, folders_.join(QStringLiteral(" or ")));
+  QString message = QStringLiteral("Unknown action '%1': no plug-in in %2 has it.").arg(actionName, FolderNames());
   QStringList known;
   for (const Entry& entry : entries_) known += entry.action->GetActionName();
   const QString suggestion = Suggestion(actionName, known);
@@ -34,6 +35,12 @@ CActionInterface& ActionCatalog::Get(const QString& actionName) {
   throw CommandError(kExitNotLoaded, message);
 }
 
+QString ActionCatalog::FolderNames() const {
+  QStringList names;
+  for (const QString& folder : folders_) names += QDir::cleanPath(folder);
+  return names.join(QStringLiteral(" or "));
+}
+
 const std::vector<ActionCatalog::Entry>& ActionCatalog::All() {
   while (LoadNext()) {
   }
@@ -41,8 +48,11 @@ const std::vector<ActionCatalog::Entry>& ActionCatalog::All() {
 }
 
 void ActionCatalog::ListFiles() {
+  QSet<QString> met;
   for (const QString& folder : folders_) {
-    const QDir dir(folder);
+    const QDir dir(QDir::cleanPath(folder));
+    if (!dir.exists() || met.contains(dir.canonicalPath())) continue;
+    met += dir.canonicalPath();
     for (const QString& name : dir.entryList(QDir::Files, QDir::Name)) {
       if (QLibrary::isLibrary(name)) files_ += dir.absoluteFilePath(name);
     }
@@ -58,10 +68,21 @@ bool ActionCatalog::LoadNext() {
   QPluginLoader loader(file);
   CActionInterface* const action = qobject_cast<CActionInterface*>(loader.instance());
   if (action != nullptr) {
-    entries_.push_back({file, action});
+    Add({file, action});
+  } else if (loader.isLoaded()) {
+    problems_ += QStringLiteral("%1: not an action plug-in").arg(file);
   } else {
-    problems_ += loader.isLoaded() ? QStringLiteral("%1: not an action plug-in").arg(file)
-                                   : QStringLiteral("%1: %2").arg(file, loader.errorString());
+    const QString error = loader.errorString();
+    problems_ += error.contains(file) ? error : QStringLiteral("%1: %2").arg(file, error);
   }
   return true;
+}
+
+void ActionCatalog::Add(const Entry& entry) {
+  const QString name = entry.action->GetActionName();
+  const auto same = std::find_if(entries_.begin(), entries_.end(),
+                                 [&](const Entry& other) { return other.action->GetActionName() == name; });
+  if (same == entries_.end()) return entries_.push_back(entry);
+  warnings_ +=
+      QStringLiteral("Two plug-ins have the action '%1': %2 is used, not %3.").arg(name, same->file, entry.file);
 }

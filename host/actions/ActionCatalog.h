@@ -7,8 +7,8 @@
 
 #include "plugin/CActionInterface.h"
 
-// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name. Of two actions of one
-// name the first one met counts. Loaded plug-ins stay loaded until the process ends.
+// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name. Of two actions with
+// the same name the first counts, and a warning names the other. Loaded plug-ins stay loaded until the process ends.
 class ActionCatalog {
  public:
   explicit ActionCatalog(const QStringList& folders) : folders_(folders) {}
@@ -23,11 +23,16 @@ class ActionCatalog {
     CActionInterface* action;
   };
   const std::vector<Entry>& All();
+  // For messages: "/a/Tools or /b/Tools".
+  QString FolderNames() const;
   // One line for each file among the plug-ins that could not be loaded or holds no action.
   const QStringList& Problems() const { return problems_; }
+  // Sentences about plug-ins that were met so far.
+  const QStringList& Warnings() const { return warnings_; }
 
  private:
   bool LoadNext();
+  void Add(const Entry& entry);
   void ListFiles();
 
   QStringList folders_;
@@ -36,4 +41,5 @@ class ActionCatalog {
   int next_ = 0;
   std::vector<Entry> entries_;
   QStringList problems_;
+  QStringList warnings_;
 };

@@ -14,7 +14,7 @@ QString FileMessage(const QString& file, const QString& reason) {
   return QStringLiteral("Cannot use the action list '%1': %2").arg(file, reason);
 }
 
-// Reading does not tell a missing or unreadable file from an empty one.
+// To the reader a missing or unreadable file is the same as an empty one.
 void CheckReadable(const QString& file) {
   const auto refuse = [&](const QString& reason) { throw CommandError(kExitNotLoaded, FileMessage(file, reason)); };
   const QFileInfo info(file);

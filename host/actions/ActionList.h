@@ -12,7 +12,7 @@
 // The action-list files as commands use them. All functions throw CommandError(kExitNotLoaded).
 namespace ActionList {
 
-// Reads a list of at least one action. Throws when the file cannot be read, is no action list, or when an action's
+// Reads a list of at least one action. Throws when the file cannot be read, is not an action list, or when an action's
 // settings are damaged. Adds to `warnings` what of the file is left out.
 ActionListFile Read(const QString& file, QStringList* warnings = nullptr);
 // The file that `name` means: a path, or a list of the sequence folder by its own name or by its file name. Throws when

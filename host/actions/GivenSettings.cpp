@@ -29,7 +29,7 @@ const Setting& FindKey(const SettingsDescription& description, const QString& ke
 
 QVariant CheckedUrl(const Setting& setting, const QString& value, bool unchecked, QStringList& warnings) {
   if (unchecked) return value;
-  const UrlCheck check = CheckUrl(value, setting.isBase);
+  const UrlCheck check = CheckUrl(value, setting.use);
   if (!check.error.isEmpty()) {
     Refuse(QStringLiteral("The setting '%1' cannot be '%2': %3. Use --unchecked to take it all the same.")
                .arg(setting.key, value, check.error));
@@ -58,16 +58,6 @@ QVariant CheckedSwitch(const Setting& setting, const QString& value) {
 
 void CheckClearing(const Setting& setting) {
   if (setting.empty.isEmpty()) Refuse(QStringLiteral("The setting '%1' cannot be empty.").arg(setting.key));
-}
-
-// A sentence for each key of stored settings that the description does not know, apart from those that dialogs add.
-QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
-  QStringList unknown;
-  for (const QString& key : settings.keys()) {
-    if (StoredSettings::KeysOfDialogs().contains(key) || description.Find(key) != nullptr) continue;
-    unknown += UnknownKey(description, key);
-  }
-  return unknown;
 }
 
 }  // namespace
@@ -101,14 +91,27 @@ PathTemplate::Encoding EncodingOf(const Setting& setting) {
   return setting.type == Type::kUrl ? PathTemplate::Encoding::kUrl : PathTemplate::Encoding::kPlain;
 }
 
-// A template is checked by what it makes of a plain path.
+// A template is checked by what it makes of a path; messages show the template and its places instead.
 PathTemplate CheckedTemplate(const Setting& setting, const QString& text, bool uncheckedUrls, QStringList& warnings) {
   if (setting.type != Type::kUrl && setting.type != Type::kText) {
     Refuse(QStringLiteral("The setting '%1' cannot have a value for each file: only texts and URLs can.")
                .arg(setting.key));
   }
   PathTemplate filler(text, EncodingOf(setting));
-  CheckedValue(setting, filler.Fill("folder/name.pdf"), uncheckedUrls, warnings);
+  const QString sample = filler.Fill("vorlane-folder/vorlane-stem.pdf");
+  const auto inItsWords = [&](QString message) {
+    return message.replace(sample, text)
+        .replace(QLatin1String("vorlane-stem.pdf"), QLatin1String("{name}"))
+        .replace(QLatin1String("vorlane-stem"), QLatin1String("{stem}"))
+        .replace(QLatin1String("vorlane-folder"), QLatin1String("{folder}"));
+  };
+  QStringList found;
+  try {
+    CheckedValue(setting, sample, uncheckedUrls, found);
+  } catch (const CommandError& error) {
+    throw CommandError(error.Code(), inItsWords(error.Message()));
+  }
+  for (const QString& warning : found) warnings += inItsWords(warning);
   return filler;
 }
 
@@ -201,6 +204,12 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
   return checked;
 }
 
+void CheckKeys(const SettingsDescription& description, const GivenSettings& given) {
+  for (const auto& [key, value] : given.values) FindKey(description, key);
+  for (const QString& key : given.cleared) FindKey(description, key);
+  for (const auto& [key, text] : given.forEachFile) FindKey(description, key);
+}
+
 QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
                                       const GivenSettings& given) {
   QMap<QString, QVariant> settings = given.stored;
@@ -215,23 +224,29 @@ QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& 
   return settings;
 }
 
-QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
-  QStringList warnings = UnknownKeys(description, settings);
-  for (const Setting& setting : description.Settings()) {
-    if (!setting.required || settings.contains(setting.key)) continue;
-    warnings += QStringLiteral("the action '%1' lacks the setting '%2', which %3")
-                    .arg(description.ActionName(), setting.key,
-                         setting.empty.isEmpty() ? QStringLiteral("it needs") : setting.empty);
+QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings) {
+  QStringList unknown;
+  for (const QString& key : settings.keys()) {
+    if (StoredSettings::KeysOfDialogs().contains(key) || description.Find(key) != nullptr) continue;
+    unknown += UnknownKey(description, key);
   }
-  return warnings;
+  return unknown;
 }
 
 void CheckRequired(const SettingsDescription& description, const QMap<QString, QVariant>& settings,
                    const QString& list) {
-  const QStringList unknown = UnknownKeys(description, settings);
   for (const Setting& setting : description.Settings()) {
-    if (!setting.required || settings.contains(setting.key) || unknown.isEmpty()) continue;
-    Refuse(QStringLiteral("The action list '%1': the action '%2' lacks the setting '%3'. %4")
-               .arg(list, description.ActionName(), setting.key, unknown.join(QStringLiteral(" "))));
+    if (!setting.required || settings.contains(setting.key)) continue;
+    QString why;
+    if (!setting.empty.isEmpty()) {
+      why = QStringLiteral(
+                " An action would take it for an empty one, which %1; a list for that is made by 'lists add "
+                "NAME --action \"%2\" --clear %3'.")
+                .arg(setting.empty, description.ActionName(), setting.key);
+    }
+    const QStringList unknown = UnknownKeys(description, settings);
+    Refuse(QStringLiteral("The action list '%1': the action '%2' lacks the setting '%3'.%4")
+               .arg(list, description.ActionName(), setting.key,
+                    unknown.isEmpty() ? why : QLatin1Char(' ') + unknown.join(QLatin1Char(' '))));
   }
 }

@@ -11,7 +11,7 @@
 #include "host/actions/SettingsDescription.h"
 #include "host/files/PathTemplate.h"
 
-// Settings as a user gave them on a command line, before they are held against the action's description.
+// Settings as a user gave them on a command line, before they are checked against the action's description.
 struct GivenSettings {
   QVector<QPair<QString, QString>> values;       // by key, each key once
   QStringList cleared;                           // keys that shall be empty
@@ -40,13 +40,16 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
 QVariant CheckedValue(const SettingsDescription::Setting& setting, const QString& value, bool uncheckedUrls,
                       QStringList& warnings);
 
+// Throws CommandError(kExitUsage) for a key that the description does not know, apart from those that are stored.
+void CheckKeys(const SettingsDescription& description, const GivenSettings& given);
+
 // The settings with which a dialog starts: nothing has to be there yet. Throws CommandError(kExitUsage) for an unknown
 // key and a value that is not of its key's type.
 QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
                                       const GivenSettings& given);
 
-// What the description has against the settings of an action list, which are run all the same.
-QStringList ListWarnings(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
+// A sentence for each key of stored settings that the description does not know, apart from those that dialogs add.
+QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
 
 // Throws CommandError(kExitUsage) when stored settings of a list lack a required key: an action would take it for an
 // empty value.

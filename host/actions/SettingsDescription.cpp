@@ -27,7 +27,7 @@ constexpr TypeWord kTypes[] = {{Type::kText, "text", "TEXT"},
                                {Type::kChoice, "choice", "CHOICE"},
                                {Type::kSwitch, "switch", "true|false"}};
 
-// Reads the members of an object and in the end refuses what nobody has read.
+// Reads the members of an object and at the end refuses those that were not read.
 class Members {
  public:
   Members(const QJsonObject& object, const QString& origin) : object_(object), origin_(origin) {}
@@ -41,6 +41,16 @@ class Members {
     const QJsonValue value = Take(name);
     if (!value.isUndefined() && !value.isBool()) Refuse(QStringLiteral("'%1' must be true or false").arg(name));
     return value.toBool();
+  }
+  // `true` or a word.
+  UrlUse Use(const char* name) {
+    const QJsonValue value = Take(name);
+    if (value.isUndefined() || value == QJsonValue(false)) return UrlUse::kOther;
+    if (value == QJsonValue(true)) return UrlUse::kBaseOfViewers;
+    if (value != QJsonValue(QStringLiteral("action"))) {
+      Refuse(QStringLiteral("'%1' must be true, false or \"action\"").arg(name));
+    }
+    return UrlUse::kBaseOfAction;
   }
   std::optional<double> Number(const char* name) {
     const QJsonValue value = Take(name);
@@ -89,7 +99,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   if (members.Has("default")) setting.standard = members.Text("default");
   setting.required = members.Truth("required");
   setting.empty = members.Text("empty");
-  setting.isBase = members.Truth("base");
+  setting.use = members.Use("base");
   for (const QJsonValue& choice : members.Array("choices", setting.type == Type::kChoice)) {
     setting.choices += choice.toString();
   }
@@ -101,7 +111,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   return setting;
 }
 
-// Every plug-in puts its file below one folder; the action's name inside tells whose it is.
+// Every plug-in puts its file below one folder; the action's name inside shows whose it is.
 const QMap<QString, QString>& FilesByAction() {
   static QMap<QString, QString> files;
   const QDir folder(QStringLiteral(":/Vorlane/Settings"));

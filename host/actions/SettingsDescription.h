@@ -8,6 +8,8 @@
 #include <QVariant>
 #include <vector>
 
+#include "host/actions/UrlCheck.h"
+
 // What an action says of its settings, in a JSON file among its plug-in's resources (":/Vorlane/Settings/"). The guide
 // for authors documents the file.
 class SettingsDescription {
@@ -20,8 +22,8 @@ class SettingsDescription {
     QString help;
     std::optional<QString> standard;  // the value when none is given
     bool required = false;
-    QString empty;  // what an empty value does; an empty text: the value cannot be empty
-    bool isBase = false;
+    QString empty;                // what an empty value does; an empty text: the value cannot be empty
+    UrlUse use = UrlUse::kOther;  // of a URL
     QStringList choices;
     std::optional<double> least;
     std::optional<double> most;
@@ -44,7 +46,7 @@ class SettingsDescription {
   const std::vector<Setting>& Settings() const { return settings_; }
   const Setting* Find(const QString& key) const;
   QStringList Keys() const;
-  // The description as it stands in the plug-in.
+  // The description as the plug-in has it.
   const QJsonObject& Json() const { return json_; }
   // For users: a heading and a paragraph for each setting.
   QString HelpText() const;

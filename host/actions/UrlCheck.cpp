@@ -50,7 +50,40 @@ QString UrlAsWritten(const QString& url) {
   return QString::fromLatin1(written);
 }
 
-UrlCheck CheckUrl(const QString& url, bool isBase) {
+namespace {
+
+// What is usable, but not what most people mean.
+QStringList OddParts(const QString& url) {
+  static const QStringList usual{QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("file"),
+                                 QStringLiteral("ftp")};
+  const QUrl parsed(url);
+  QStringList odd;
+  if (!usual.contains(parsed.scheme())) {
+    odd += QStringLiteral("not every viewer follows links with the scheme '%1:'").arg(parsed.scheme());
+  }
+  if (!parsed.password().isEmpty()) odd += QStringLiteral("it has a password, which every reader of the file can see");
+  return odd;
+}
+
+QStringList OddBase(const QString& url, UrlUse use) {
+  const QString last = url.section(QLatin1Char('/'), -1);
+  const bool hasQuery = url.contains(QLatin1Char('?')) || url.contains(QLatin1Char('#'));
+  if (use == UrlUse::kOther || (last.isEmpty() && !hasQuery)) return {};
+  if (use == UrlUse::kBaseOfAction) {
+    const QString resolved = QUrl(url).resolved(QUrl(QStringLiteral("ch.html"))).toString();
+    return {QStringLiteral("it does not end in \"/\": \"ch.html\" becomes \"%1\"").arg(resolved)};
+  }
+  if (hasQuery) {
+    return {QStringLiteral("a base URL should have no '?' and no '#': viewers differ in what they make of it")};
+  }
+  return {QStringLiteral("it does not end in \"/\": Chrome and MuPDF join the texts, so \".../%1\" and "
+                         "\"ch.html\" become \".../%1ch.html\"; Firefox drops \"%1\"")
+              .arg(last)};
+}
+
+}  // namespace
+
+UrlCheck CheckUrl(const QString& url, UrlUse use) {
   UrlCheck check{FindError(url), {}};
   if (!check.error.isEmpty()) return check;
   if (!IsAscii(url)) check.warnings += QStringLiteral("it is written as %1").arg(UrlAsWritten(url));
@@ -58,16 +91,6 @@ UrlCheck CheckUrl(const QString& url, bool isBase) {
     check.warnings += QStringLiteral("not every viewer understands a host outside ASCII; %1 is safer")
                           .arg(QString::fromLatin1(QUrl(url).toEncoded()));
   }
-  if (!isBase) return check;
-  const QString last = url.section(QLatin1Char('/'), -1);
-  if (url.contains(QLatin1Char('?')) || url.contains(QLatin1Char('#'))) {
-    check.warnings +=
-        QStringLiteral("a base URL should have no '?' and no '#': viewers differ in what they make of it");
-  } else if (!last.isEmpty()) {
-    check.warnings += QStringLiteral(
-                          "it does not end in \"/\": Chrome and MuPDF join the texts, so \".../%1\" and "
-                          "\"ch.html\" become \".../%1ch.html\"; Firefox drops \"%1\"")
-                          .arg(last);
-  }
+  check.warnings += OddParts(url) + OddBase(url, use);
   return check;
 }

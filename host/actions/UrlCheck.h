@@ -10,9 +10,15 @@ struct UrlCheck {
   QStringList warnings;  // what works in some viewers only, or is written in another form
 };
 
-// Looks at an absolute URL (RFC 3986, 4.3) as it was typed. `isBase`: relative links are resolved against it, so a
-// missing slash at its end is warned about.
-UrlCheck CheckUrl(const QString& url, bool isBase);
+// What relative links have to do with a URL.
+enum class UrlUse {
+  kOther,          // nothing
+  kBaseOfViewers,  // viewers resolve links against it, each in its own way
+  kBaseOfAction    // the action resolves links against it (RFC 3986, 5)
+};
 
-// The URL as it stands in a document: characters outside ASCII as percent-encoded UTF-8 (RFC 3986, 2.5).
+// Looks at an absolute URL (RFC 3986, 4.3) as it was typed.
+UrlCheck CheckUrl(const QString& url, UrlUse use);
+
+// The URL as it is written into a document: characters outside ASCII as percent-encoded UTF-8 (RFC 3986, 2.5).
 QString UrlAsWritten(const QString& url);

@@ -8,8 +8,8 @@
 // The program's two outputs. Written unbuffered, so nothing is pending when worker processes are forked.
 namespace Console {
 
-// Opens those of the three standard descriptors that are closed, so that no file of the program gets their numbers;
-// using one of these still is an error. Call before anything is opened.
+// Opens the standard descriptors that are closed, so that no file of the program gets their numbers. Reading or writing
+// one of them is still an error. Call before anything is opened.
 void OpenMissingDescriptors();
 
 // Writes to the standard output; false when it cannot be written (a closed pipe, a full disk).
@@ -22,7 +22,7 @@ void ErrorAbout(std::string_view subject, std::string_view message);
 
 // The text with control characters as "\xNN", so that a file's name cannot break a line or drive a terminal.
 QByteArray OneLine(std::string_view text);
-// Writes all bytes, whatever interrupts; false on an error.
+// Writes all bytes, also after interruptions; false on an error.
 bool WriteAll(int descriptor, std::string_view bytes);
 
 }  // namespace Console

@@ -59,7 +59,7 @@ void Interruption::Install() {
   Handle(SIGTERM, Note);
   Handle(SIGALRM, EndByForce);
   Handle(SIGPIPE, SIG_IGN);
-  // Workers are waited for, whatever the caller has set.
+  // Workers are waited for, also where the caller ignores the end of children.
   Handle(SIGCHLD, SIG_DFL);
 }
 

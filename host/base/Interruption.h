@@ -9,20 +9,20 @@ namespace Interruption {
 
 // Catches SIGINT and SIGTERM from now on and ignores SIGPIPE.
 void Install();
-// In a process that works alone: a second signal ends it, whatever it holds.
+// In a process that works alone: a second signal ends it, also in the middle of a file.
 void EndAtSecond();
 // In a worker process: the main process alone decides when to stop, and takes the worker along when it dies.
 void LeaveToParent(int parent);
 // The signal that came first, or 0.
 int Signal();
-// How many came. After a second one nothing is waited for; should the program still wait somewhere, it is ended by
-// force two seconds later.
+// How many came. After a second one nothing is waited for; a program that still waits somewhere is killed two seconds
+// later.
 int Count();
 // Throws CommandError with the signal's exit code when one came. For the time before any document is touched.
 void Check();
 
-// Waits until the descriptor is ready for poll()'s `events`, or broken. Once a signal came it waits no longer than
-// `grace`, after a second one not at all; false when the descriptor is not ready then.
+// Waits until the descriptor is ready for poll()'s `events`, or broken. After a first signal it waits `grace` at most,
+// after a second one not at all. Returns false when the descriptor is still not ready.
 bool WaitFor(int descriptor, short events, std::chrono::milliseconds grace = {});
 // Waits for that long, or until a signal comes.
 void Sleep(std::chrono::milliseconds time);

@@ -11,7 +11,7 @@ void AppendUnit(std::string& json, char32_t unit) {
   if (unit == '"' || unit == '\\') {
     json += '\\';
     json += static_cast<char>(unit);
-  } else if (unit < 0x20 || unit == 0x7F || (unit >= 0xD800 && unit < 0xE000)) {
+  } else if (unit < 0x20 || unit == 0x7F || unit == 0xFEFF || (unit >= 0xD800 && unit < 0xE000)) {
     char escape[8];
     std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
     json += escape;

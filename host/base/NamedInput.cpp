@@ -54,6 +54,10 @@ std::string NamedInput::ReadAll(const std::string& name, const char* what) {
 
 void NamedInput::ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each) {
   const std::string content = ReadAll(name, what);
+  if (content.compare(0, 5, "%PDF-") == 0) {
+    throw CommandError(
+        kExitUsage, QStringLiteral("'%1' is a PDF file, not a %2.").arg(NativeName::ToText(name), QLatin1String(what)));
+  }
   const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
   const std::size_t ending = separator == '\n' && EveryLineEndsInCr(content) ? 1 : 0;
   for (std::size_t begin = 0; begin < content.size();) {

@@ -8,12 +8,12 @@
 // for a pipe's writer.
 namespace NamedInput {
 
-// `what` is for the message, as in "password file". Throws CommandError(kExitUsage) when it cannot be read, and as
-// Interruption::Check does.
+// `what` is for the message, as in "password file". Throws CommandError(kExitUsage) when it cannot be read, and what
+// Interruption::Check throws.
 std::string ReadAll(const std::string& name, const char* what);
 
 // Calls `each` for the names of a list: separated by NUL if one occurs, else by newlines, or by CR and LF if every line
-// ends so; empty names are left out.
+// ends so; empty names are left out. Throws as ReadAll does, also for a PDF file.
 void ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each);
 
 }  // namespace NamedInput

@@ -19,12 +19,6 @@ void Decode(std::string_view bytes, Sink sink) {
   }
 }
 
-// Most names are ASCII and nothing else.
-std::size_t PlainPrefix(std::string_view bytes) {
-  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-  return static_cast<std::size_t>(std::find_if_not(bytes.begin(), bytes.end(), isPlain) - bytes.begin());
-}
-
 bool IsEscape(QChar unit) {
   return unit.unicode() >= kEscape + 0x80 && unit.unicode() <= kEscape + 0xFF;
 }
@@ -46,7 +40,7 @@ class NativeCodec : public QTextCodec {
 }  // namespace
 
 QString NativeName::ToText(std::string_view bytes) {
-  const std::size_t plain = PlainPrefix(bytes);
+  const std::size_t plain = Utf8::AsciiPrefix(bytes);  // nearly always all
   QString text = QString::fromLatin1(bytes.data(), static_cast<int>(plain));
   Decode(bytes.substr(plain), [&](char32_t codePoint) {
     if (codePoint < 0x10000) {
@@ -78,9 +72,9 @@ QByteArray NativeName::ToBytes(const QString& text) {
 }
 
 std::wstring NativeName::ToWide(std::string_view bytes) {
-  std::wstring wide;
-  wide.reserve(bytes.size());
-  Decode(bytes, [&](char32_t codePoint) { wide.push_back(static_cast<wchar_t>(codePoint)); });
+  const std::size_t plain = Utf8::AsciiPrefix(bytes);
+  std::wstring wide(bytes.begin(), bytes.begin() + plain);
+  Decode(bytes.substr(plain), [&](char32_t codePoint) { wide.push_back(static_cast<wchar_t>(codePoint)); });
   return wide;
 }
 

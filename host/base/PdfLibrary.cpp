@@ -13,6 +13,7 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 #include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/Utf8.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ std::string PdfLibrary::LoadDocument(Wrapper& library, const std::string& file,
   const std::wstring name = NativeName::ToWide(file);
   const std::vector<std::wstring> none(1);
   int error = kErrorNone;
-  // Many files need no password for reading, whatever those that were given for others.
+  // Many files need no password for reading; the given ones may be for others.
   for (const auto* tried : {&passwords, &none}) {
     for (const std::wstring& password : *tried) {
       if (library.LoadFromFile(name, password) != 0) return {};
@@ -76,7 +77,8 @@ std::string PdfLibrary::SavingMessage(int errorCode, const std::string& output) 
 }
 
 std::string PdfLibrary::ToUtf8(const std::wstring& text) {
-  return QString::fromStdWString(text).toUtf8().toStdString();
+  return Utf8::AsciiPrefix(text) == text.size() ? std::string(text.begin(), text.end())
+                                                : QString::fromStdWString(text).toUtf8().toStdString();
 }
 
 const char* PdfLibrary::ErrorMessage(int errorCode) {

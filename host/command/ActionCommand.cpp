@@ -59,29 +59,42 @@ void ActionCommand::FindAction() {
         kExitUsage,
         QStringLiteral("Unknown command '%1'; see 'vorlane-run --help'.%2").arg(Name(), Suggestion(Name(), known)));
   }
-  const Setting* const first = description_->First();
   parser_.setApplicationDescription(
       QStringLiteral("Runs the action '%1' over PDF files.").arg(description_->ActionName()));
-  if (first != nullptr) {
+  if (const Setting* const first = description_->First()) {
     parser_.addPositionalArgument(first->TypeName(), QStringLiteral("%1 (%2)").arg(first->help, first->key));
-    const QString value = first->type == SettingsDescription::Type::kUrl ? QStringLiteral("https://example.org/manual/")
-                                                                         : QStringLiteral("VALUE");
-    AddExample(QStringLiteral("%1 %2 --in-place *.pdf").arg(Name(), value));
-    AddExample(QStringLiteral("%1 %2 -o new.pdf old.pdf").arg(Name(), value));
-    AddExample(QStringLiteral("%1 --set-each %2='%3{folder}/' --recursive --in-place site/")
-                   .arg(Name(), first->key, value == QLatin1String("VALUE") ? QString() : value));
-    if (!first->empty.isEmpty()) {
-      AddExample(QStringLiteral("%1 --clear %2 -d out *.pdf   # %3").arg(Name(), first->key, first->empty));
-    }
   }
   AddFileArgument();
+  AddExamples();
+}
+
+void ActionCommand::AddExamples() {
+  const auto isUrl = [](const Setting& setting) { return setting.type == SettingsDescription::Type::kUrl; };
+  const QString url = QStringLiteral("https://example.org/manual/");
+  const Setting* const first = description_->First();
+  if (first == nullptr) {
+    AddExample(QStringLiteral("%1 --in-place *.pdf").arg(Name()));
+    AddExample(QStringLiteral("%1 -o new.pdf old.pdf").arg(Name()));
+    for (const Setting& setting : description_->Settings()) {
+      if (isUrl(setting)) AddExample(QStringLiteral("%1 --set %2=%3 -d out *.pdf").arg(Name(), setting.key, url));
+    }
+    return;
+  }
+  const QString value = isUrl(*first) ? url : QStringLiteral("VALUE");
+  AddExample(QStringLiteral("%1 %2 --in-place *.pdf").arg(Name(), value));
+  AddExample(QStringLiteral("%1 %2 -o new.pdf old.pdf").arg(Name(), value));
+  AddExample(QStringLiteral("%1 --set-each %2='%3{folder}/' --recursive --in-place site/")
+                 .arg(Name(), first->key, isUrl(*first) ? url : QString()));
+  if (!first->empty.isEmpty()) {
+    AddExample(QStringLiteral("%1 --clear %2 -d out *.pdf   # %3").arg(Name(), first->key, first->empty));
+  }
 }
 
 QString ActionCommand::HelpText() const {
   return RunCommand::HelpText() + QLatin1Char('\n') + description_->HelpText();
 }
 
-// The command's name says it. In the way are values that are no values.
+// Nothing to check: the command's name says which action.
 void ActionCommand::CheckAction() const {
   CheckArguments();
 }
@@ -98,6 +111,7 @@ bool ActionCommand::TakesValue() const {
 }
 
 void ActionCommand::CheckArguments() const {
+  CheckKeys(*description_, Given(StoredSettings()));
   const Setting* const first = description_->First();
   const QStringList arguments = parser_.positionalArguments();
   if (first == nullptr) {

@@ -25,6 +25,7 @@ class ActionCommand : public RunCommand {
 
  private:
   void FindAction();
+  void AddExamples();
   // Whether the first argument is the value of the description's first key.
   bool TakesValue() const;
   void CheckArguments() const;

@@ -16,19 +16,15 @@
 
 namespace {
 
-// The help page and the images that the action names and that are nowhere in the resources.
-QStringList MissingResources(CActionInterface& action) {
-  QStringList files;
-  if (!action.GetActionHelp().isEmpty()) files += QStringLiteral("HelpFiles/") + action.GetActionHelp();
-  for (const QString& image : action.GetDefaultIcon().split(QLatin1Char('#'), Qt::SkipEmptyParts)) {
-    files += QStringLiteral("Tools/") + image;
-  }
-  QStringList missing;
-  for (const QString& file : files) {
-    const QString path = QStringLiteral(":/Vorlane/Resources/") + file;
-    if (!QFile::exists(path)) missing += path;
-  }
-  return missing;
+QStringList HelpPages(CActionInterface& action) {
+  const QString page = action.GetActionHelp();
+  return page.isEmpty() ? QStringList() : QStringList(QStringLiteral(":/Vorlane/Resources/HelpFiles/") + page);
+}
+
+QStringList Icons(CActionInterface& action) {
+  QStringList icons = action.GetDefaultIcon().split(QLatin1Char('#'), Qt::SkipEmptyParts);
+  for (QString& icon : icons) icon.prepend(QStringLiteral(":/Vorlane/Resources/Tools/"));
+  return icons;
 }
 
 // A description that does not follow the schema is an error of this action alone.
@@ -48,6 +44,8 @@ ActionsCommand::ActionsCommand()
               QStringLiteral("Lists the actions: name, group, flags, help page, command and settings.")) {
   AddToolsOption();
   AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON array."));
+  AddExample(QStringLiteral("actions"));
+  AddExample(QStringLiteral("actions --json --tools-dir ~/my-actions"));
 }
 
 int ActionsCommand::Execute() {
@@ -58,23 +56,29 @@ int ActionsCommand::Execute() {
   for (const ActionCatalog::Entry& entry : catalog.All()) {
     CActionInterface& action = *entry.action;
     const std::optional<SettingsDescription> description = DescriptionOf(action);
-    QJsonObject object{
-        {QStringLiteral("name"), action.GetActionName()}, {QStringLiteral("displayName"), action.GetDisplayName()},
-        {QStringLiteral("group"), action.GetGroupName()}, {QStringLiteral("flags"), action.GetActionFlags()},
-        {QStringLiteral("help"), action.GetActionHelp()}, {QStringLiteral("file"), entry.file}};
+    QJsonObject object{{QStringLiteral("name"), action.GetActionName()},
+                       {QStringLiteral("displayName"), action.GetDisplayName()},
+                       {QStringLiteral("group"), action.GetGroupName()},
+                       {QStringLiteral("flags"), action.GetActionFlags()},
+                       {QStringLiteral("help"), action.GetActionHelp()},
+                       {QStringLiteral("file"), entry.file},
+                       {QStringLiteral("helpPage"), HelpPages(action).value(0)},
+                       {QStringLiteral("icons"), QJsonArray::fromStringList(Icons(action))}};
     if (description) object.insert(QStringLiteral("description"), description->Json());
     array += object;
     text += QStringLiteral("%1\t%2\t%3\t%4\t%5\t%6\n")
                 .arg(action.GetActionName(), action.GetGroupName(), QString::number(action.GetActionFlags()),
                      action.GetActionHelp(), description ? description->CommandName() : QString(),
                      description ? description->Keys().join(QLatin1Char(' ')) : QString());
-    for (const QString& path : MissingResources(action)) {
+    for (const QString& path : HelpPages(action) + Icons(action)) {
+      if (QFile::exists(path)) continue;
       Console::Error(QStringLiteral("%1: %2 is not in the plug-in's resources.").arg(action.GetActionName(), path));
     }
   }
+  for (const QString& warning : catalog.Warnings()) Console::Error(QStringLiteral("Warning: ") + warning);
   for (const QString& problem : catalog.Problems()) Console::Error(problem);
   if (array.isEmpty() && catalog.Problems().isEmpty()) {
-    Console::Error(QStringLiteral("No plug-in is in %1.").arg(ToolsFolders().join(QStringLiteral(" or "))));
+    Console::Error(QStringLiteral("No plug-in is in %1.").arg(catalog.FolderNames()));
   }
   const bool printed = IsSet("json") ? Console::Print(QJsonDocument(array).toJson()) : Console::Print(text);
   if (array.isEmpty() || !catalog.Problems().isEmpty()) return kExitNotLoaded;

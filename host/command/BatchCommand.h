@@ -16,7 +16,7 @@ class BatchCommand : public SettingsCommand {
 
   // --files-from, --recursive.
   void AddInputOptions();
-  // FILE, which stands last among the arguments.
+  // FILE, the last of the arguments.
   void AddFileArgument();
   virtual QStringList FileArguments() const { return parser_.positionalArguments(); }
   void CheckInputOptions() const;

@@ -21,6 +21,7 @@ CleanCommand::CleanCommand()
   AddOption(QStringLiteral("recursive"), QStringLiteral("Also in the folders below."));
   parser_.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("Folders of documents."),
                                 QStringLiteral("FOLDER..."));
+  AddExample(QStringLiteral("clean --recursive archive/ out/"));
 }
 
 void CleanCommand::Check() {

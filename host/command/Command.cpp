@@ -3,11 +3,10 @@
 
 #include <unistd.h>
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QSet>
 
+#include "host/actions/ToolsFolders.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NamedInput.h"
@@ -25,16 +24,13 @@ QStringList OptionsAsTyped(QStringList options) {
   return options;
 }
 
-// A relative folder would mean code from wherever the user happens to be.
-QStringList FoldersOfEnvironment() {
-  const QStringList folders =
-      NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
+void WarnOfMissing(const QStringList& folders) {
+  static QStringList named;  // a command may ask for its folders more than once
   for (const QString& folder : folders) {
-    if (QDir::isAbsolutePath(folder)) continue;
-    throw CommandError(kExitUsage,
-                       QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
+    if (named.contains(folder) || QFileInfo(folder).isDir()) continue;
+    named += folder;
+    Console::Error(QStringLiteral("Warning: VORLANE_TOOLS_PATH names '%1', which is not a folder.").arg(folder));
   }
-  return folders;
 }
 
 }  // namespace
@@ -52,7 +48,9 @@ QCommandLineOption Command::HelpOption() {
 void Command::Parse(const QStringList& arguments) {
   // The parser skips the first argument as the program's name.
   const bool parsed = parser_.parse(QStringList{name_} + arguments);
-  if (!OnlyHelps()) RefuseDashedNames(arguments);
+  // A name such as "-chapter.pdf" holds the letter of the help option.
+  const bool asksForHelp = arguments.contains(QLatin1String("-h")) || arguments.contains(QLatin1String("--help"));
+  if (!asksForHelp) RefuseDashedNames(arguments);
   if (!parsed) throw CommandError(kExitUsage, ParsingError());
   if (OnlyHelps()) return;
   RefuseRepeatedOptions();
@@ -174,11 +172,9 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
-  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
-                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         FoldersOfEnvironment();
+  const QStringList others = ToolsFoldersOfEnvironment();
+  if (!IsSet("quiet")) WarnOfMissing(others);
+  return InstalledToolsFolders() + others;
 }
 
 void Command::AddLibraryOption() {

@@ -13,25 +13,26 @@
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
+#include "host/actions/SettingsArguments.h"
 #include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
 #include "host/base/PdfLibrary.h"
+#include "host/base/ShellLine.h"
 #include "host/command/ActionCommand.h"
-#include "host/command/SettingsArguments.h"
 #include "host/files/HostFolders.h"
 #include "plugin/DialogLoadStruct.h"
 
 namespace {
 
-// The window by whose object name dialogs know where they are shown; none for a dialog of its own.
+// The parent window, whose object name shows dialogs their context; null for a stand-alone dialog.
 std::unique_ptr<QWidget> MakeParent(const QString& context) {
   if (context == QLatin1String("standalone")) return nullptr;
   auto parent = std::make_unique<QWidget>();
   const bool isMain = context == QLatin1String("main");
   parent->setObjectName(isMain ? QStringLiteral("VorlaneClass") : QStringLiteral("VorlanePreviewClass"));
-  // It is never shown: dialogs ask for its name and where it is.
+  // Never shown: dialogs only ask for its name and position.
   parent->setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
   return parent;
 }
@@ -99,7 +100,7 @@ void EditCommand::PrepareWindowSystem() const {
     throw CommandError(kExitNotLoaded, QStringLiteral("There is no display to show the dialog on."));
   }
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-  // The dialogs' style sheets make Qt warn many times over about things that are meant so.
+  // The dialogs' style sheets make Qt warn many times about what is intended.
   if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
   }
@@ -153,7 +154,7 @@ bool EditCommand::ShowDialog(Session& session) const {
   std::unique_ptr<PdfLibrary::Wrapper> document;
   if (IsSet("document")) document = OpenDocument(LibraryFile(), BytesOf("document").toStdString(), Passwords());
   const std::unique_ptr<QWidget> parent = MakeParent(IsSet("context") ? Value("context") : QStringLiteral("main"));
-  // Settings that were stored or given are what the user edits; only from nothing does the document's value come in.
+  // The user edits the settings that were stored or given. Without any, the dialog starts with the document's value.
   DialogLoadStruct info{};
   info.document = document.get();
   info.settings = &session.settings;

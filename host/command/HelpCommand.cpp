@@ -9,6 +9,7 @@
 #include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Suggestion.h"
 
 namespace {
 
@@ -24,13 +25,16 @@ QString PageOf(CActionInterface& action) {
 
 }  // namespace
 
-HelpCommand::HelpCommand(std::function<QString(const QString&)> helpOf)
+HelpCommand::HelpCommand(std::function<QString(const QString&)> helpOf, const QStringList& commands)
     : Command(QStringLiteral("help"),
               QStringLiteral("Shows the help of a command, or of an action with its settings.")),
-      helpOf_(std::move(helpOf)) {
+      helpOf_(std::move(helpOf)),
+      commands_(commands) {
   AddToolsOption();
   parser_.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("A command, or an action's name."),
                                 QStringLiteral("[NAME]"));
+  AddExample(QStringLiteral("help run"));
+  AddExample(QStringLiteral("help \"Set Base URL\""));
 }
 
 void HelpCommand::PrepareWindowSystem() const {
@@ -55,11 +59,18 @@ int HelpCommand::Execute() {
 QString HelpCommand::HelpOfAction(const QString& name) const {
   ActionCatalog catalog(ToolsFolders());
   CActionInterface* action = catalog.Find(name);
+  QStringList known = commands_;
   for (const ActionCatalog::Entry& entry : catalog.All()) {
     const auto description = SettingsDescription::Of(entry.action->GetActionName());
     if (action == nullptr && description && description->CommandName() == name) action = entry.action;
+    known += entry.action->GetActionName();
+    if (description) known += description->CommandName();
   }
-  if (action == nullptr) action = &catalog.Get(name);
+  if (action == nullptr) {
+    QString message = QStringLiteral("There is no command and no action '%1'.").arg(name) + Suggestion(name, known);
+    for (const QString& problem : catalog.Problems()) message += QStringLiteral(" Not loaded: ") + problem;
+    throw CommandError(kExitUsage, message);
+  }
   const auto description = SettingsDescription::Of(action->GetActionName());
   QString text = PageOf(*action) + QStringLiteral("\n\n");
   if (!description) return text + QStringLiteral("The action does not describe its settings.\n");

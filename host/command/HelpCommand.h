@@ -11,7 +11,8 @@ class CActionInterface;
 class HelpCommand : public Command {
  public:
   // `helpOf` returns the help of a command, and of the program for an empty name; an empty text when there is none.
-  explicit HelpCommand(std::function<QString(const QString&)> helpOf);
+  // `commands` are the other commands, for suggestions.
+  HelpCommand(std::function<QString(const QString&)> helpOf, const QStringList& commands);
 
   // The page of an action is a text document, whose fonts need a platform; none is shown.
   bool NeedsWindowSystem() const override { return true; }
@@ -26,4 +27,5 @@ class HelpCommand : public Command {
   QString HelpOfAction(const QString& name) const;
 
   std::function<QString(const QString&)> helpOf_;
+  QStringList commands_;
 };

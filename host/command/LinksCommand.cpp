@@ -1,26 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/command/LinksCommand.h"
 
+#include "host/actions/UrlCheck.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/WorkerPool.h"
-#include "utils/LinkTarget.h"
 
 namespace {
 
-QString Counted(std::size_t count, const char* one, const char* many) {
-  return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
+void RequireUrl(const char* option, const QString& url) {
+  const QString error = CheckUrl(url, UrlUse::kOther).error;
+  if (error.isEmpty()) return;
+  throw CommandError(kExitUsage,
+                     QStringLiteral("Option '--%1' takes a URL, not '%2': %3.").arg(QLatin1String(option), url, error));
 }
 
 }  // namespace
 
 LinksCommand::LinksCommand()
-    : BatchCommand(QStringLiteral("links"), QStringLiteral("Lists relative links and where viewers lead for them.")) {
-  AddOption(QStringLiteral("all"), QStringLiteral("Also lists links that have a scheme."));
-  AddOption(QStringLiteral("base"), QStringLiteral("Shows what this base URL would do instead of the files' own."),
-            QStringLiteral("URL"));
+    : BatchCommand(
+          QStringLiteral("links"),
+          QStringLiteral(
+              "Lists the relative links of annotations, outlines and forms, and where viewers lead for them.")) {
+  AddOption(QStringLiteral("all"),
+            QStringLiteral("Also lists links that have a scheme; '--check' looks all links up."));
+  AddOption(
+      QStringLiteral("base"),
+      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
+      QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),
@@ -35,21 +45,26 @@ LinksCommand::LinksCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("links --recursive archive/"));
+  AddExample(QStringLiteral("links --base https://example.org/manual/ manual.pdf"));
+  AddExample(QStringLiteral("links --check https://example.org/=/srv/www --recursive /srv/www"));
 }
 
 void LinksCommand::Check() {
   CheckPasswordOptions();
   Exclude("json", "csv");
+  Exclude("all", "check");
   CheckInputOptions();
   CheckWorkerOptions();
   if (IsSet("base")) {
-    if (IsRelativeLink(Value("base"))) {
-      throw CommandError(kExitUsage,
-                         QStringLiteral("Option '--base' takes a URL with a scheme, not '%1'.").arg(Value("base")));
-    }
-    options_.base = Value("base");
+    if (!Value("base").isEmpty()) RequireUrl("base", Value("base"));
+    const QString base = UrlAsWritten(Value("base"));
+    options_.base = LinkBase{base, base.isEmpty() ? ViewerRules::Base() : ViewerRules::Base(base.toLatin1())};
   }
-  for (const QString& check : parser_.values(QStringLiteral("check"))) options_.checks.emplace_back(check);
+  for (const QString& text : parser_.values(QStringLiteral("check"))) {
+    options_.checks.emplace_back(text);
+    RequireUrl("check", options_.checks.back().Url());
+  }
   options_.all = IsSet("all");
   if (IsSet("json")) options_.format = LinkListingOptions::Format::kJson;
   if (IsSet("csv")) options_.format = LinkListingOptions::Format::kCsv;
@@ -60,6 +75,7 @@ int LinksCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;
@@ -78,18 +94,24 @@ int LinksCommand::Execute() {
   const bool strictlyWrong = IsSet("strict") && counts.disagreeing + counts.withoutBase > 0;
   const bool complete = listing.IsComplete() && counts.incomplete == 0;
   const bool printed = PrintSummary(counts);
+  for (const QString& url : listing.UrlsWithoutLinks()) {
+    Console::Error(QStringLiteral("No link leads to '%1' or below.").arg(url));
+  }
   return printed && complete && counts.missing == 0 && !strictlyWrong ? kExitDone : kExitSomeFailed;
 }
 
 // With the table only: the other forms hold nothing but links.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
-  QString text = Counted(counts.links, "link", "links") + QStringLiteral(" in ") +
-                 Counted(counts.files, "file", "files") +
-                 QStringLiteral(": %1 relative, viewers disagree on %2 of these, %3 without a base URL")
-                     .arg(counts.relative)
-                     .arg(counts.disagreeing)
-                     .arg(counts.withoutBase);
+  QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));
+  if (counts.relative > 0) {
+    text += QStringLiteral(", %1 relative; viewers ").arg(counts.relative) +
+            (counts.disagreeing > 0 ? QStringLiteral("disagree on %1 of these").arg(counts.disagreeing)
+                                    : QStringLiteral("agree on these"));
+    if (counts.withoutBase > 0) text += QStringLiteral(", %1 without a base URL").arg(counts.withoutBase);
+  } else if (counts.links > 0) {
+    text += QStringLiteral(", none relative");
+  }
   if (!options_.checks.empty()) {
     text += QStringLiteral("; %1 checked, %2 missing").arg(counts.checked).arg(counts.missing);
   }

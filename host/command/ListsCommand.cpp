@@ -74,6 +74,7 @@ void ListsCommand::Check() {
     if (verb_ == Verb::kAdd || !IsSet(option)) continue;
     Refuse(QStringLiteral("Option '--%1' is for 'lists add'.").arg(QLatin1String(option)));
   }
+  if (IsSet("category") && IsBlank(Value("category"))) Refuse(QStringLiteral("Option '--category' needs a name."));
   if (verb_ != Verb::kShow && IsSet("json")) Refuse(QStringLiteral("Option '--json' is for showing lists."));
   if (verb_ == Verb::kAdd && !IsSet("action") && !IsSet("settings")) {
     Refuse(QStringLiteral("'lists add' needs '--action'."));

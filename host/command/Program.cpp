@@ -5,6 +5,7 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Suggestion.h"
 #include "host/command/ActionCommand.h"
 #include "host/command/ActionsCommand.h"
 #include "host/command/CleanCommand.h"
@@ -28,7 +29,7 @@ Program::Program() {
   commands_.push_back(std::make_unique<CleanCommand>());
   commands_.push_back(std::make_unique<ListsCommand>());
   commands_.push_back(std::make_unique<EditCommand>());
-  commands_.push_back(std::make_unique<HelpCommand>([this](const QString& name) { return HelpOf(name); }));
+  commands_.push_back(std::make_unique<HelpCommand>([this](const QString& name) { return HelpOf(name); }, Names()));
   parser_.setApplicationDescription(QStringLiteral("Runs action plug-ins over PDF files."));
   parser_.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
   parser_.addOption(Command::HelpOption());
@@ -39,7 +40,11 @@ Program::Program() {
 
 void Program::Parse(const QStringList& arguments) {
   if (!parser_.parse(QStringList{QStringLiteral("vorlane-run")} + arguments)) {
-    throw CommandError(kExitUsage, parser_.errorText() + QStringLiteral(" See 'vorlane-run --help'."));
+    const auto isOption = [](const QString& argument) { return argument.startsWith(QLatin1Char('-')); };
+    const QString typed = *std::find_if(arguments.begin(), arguments.end(), isOption);
+    throw CommandError(kExitUsage,
+                       QStringLiteral("Unknown option '%1'; see 'vorlane-run --help'.%2")
+                           .arg(typed, Suggestion(typed, {QStringLiteral("--help"), QStringLiteral("--version")})));
   }
   if (parser_.isSet(QStringLiteral("help")) || parser_.isSet(QStringLiteral("version"))) return;
   QStringList rest = parser_.positionalArguments();

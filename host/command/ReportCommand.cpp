@@ -17,11 +17,16 @@ ReportCommand::ReportCommand()
   AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each file."));
   parser_.addPositionalArgument(QStringLiteral("REPORT"), QStringLiteral("Reports of both forms, or '-'."),
                                 QStringLiteral("REPORT..."));
+  AddExample(QStringLiteral("report r.jsonl"));
+  AddExample(QStringLiteral("report --files-from files.txt part-*.jsonl"));
+  AddExample(QStringLiteral("report --csv r.jsonl > r.csv"));
 }
 
 void ReportCommand::Check() {
   Exclude("json", "csv");
   if (parser_.positionalArguments().isEmpty()) throw CommandError(kExitUsage, QStringLiteral("No report is given."));
+  const int readers = parser_.positionalArguments().count(QStringLiteral("-")) + (Value("files-from") == "-" ? 1 : 0);
+  if (readers > 1) throw CommandError(kExitUsage, QStringLiteral("The standard input can be read once only."));
 }
 
 int ReportCommand::Execute() {
@@ -34,5 +39,8 @@ int ReportCommand::Execute() {
   summary.Finish();
   const std::string text = IsSet("json") ? summary.ToJson() : IsSet("csv") ? summary.ToCsv() : summary.ToText();
   const bool printed = Console::Print(QByteArray::fromStdString(text));
+  if (summary.IsTornOnly()) {
+    Console::Error(QStringLiteral("No record is whole: a crash cut off all that the reports have."));
+  }
   return printed && summary.IsAllDone() ? kExitDone : kExitSomeFailed;
 }

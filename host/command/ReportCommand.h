@@ -3,7 +3,7 @@
 
 #include "host/command/Command.h"
 
-// Merges the reports of runs and says what is left to look at.
+// Merges the reports of runs and prints what failed, what was warned of and what is missing.
 class ReportCommand : public Command {
  public:
   ReportCommand();

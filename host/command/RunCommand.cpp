@@ -8,6 +8,7 @@
 #include <optional>
 #include <QFile>
 #include <QFileInfo>
+#include <set>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
@@ -16,8 +17,10 @@
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
 #include "host/base/NativeName.h"
+#include "host/base/Suggestion.h"
 #include "host/files/FileLookup.h"
 #include "host/files/InputList.h"
+#include "host/files/LeftoverFiles.h"
 #include "host/files/ProtectedFiles.h"
 #include "host/run/DocumentRun.h"
 #include "host/run/JobDigest.h"
@@ -33,6 +36,11 @@ namespace {
 std::optional<FileIdentity> IdentityOf(const std::string& path) {
   const std::optional<FileStatus> status = FileLookup().Get(path);
   return status ? std::optional(status->identity) : std::nullopt;
+}
+
+// With its slash; empty for the current one.
+std::string FolderOf(const std::string& path) {
+  return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
 }
 
 // Once before and once after all documents, for each action.
@@ -121,19 +129,23 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : BatchComma
   AddTemplateOptions();
   AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
             QStringLiteral("FILE"));
-  AddOption(QStringLiteral("d|output-dir"), QStringLiteral("Writes the results to this folder; it is made if missing."),
+  AddOption(QStringLiteral("force"), QStringLiteral("With --output, replaces a file that is there."));
+  AddOption(QStringLiteral("d|output-dir"),
+            QStringLiteral("Writes the results to this folder, which is made if missing. Files of their names that are "
+                           "there are replaced, unless they are inputs."),
             QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddInputOptions();
   AddOption(QStringLiteral("dry-run"),
-            QStringLiteral("Does all but save: nothing is written but the report, which says what would be."));
+            QStringLiteral("Does all but save: prints for each file what would be; nothing is written but the "
+                           "report."));
   AddOption(QStringLiteral("backup"),
             QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
                            "backup stays: the next one is numbered."),
             QStringLiteral("SUFFIX"));
   AddOption(QStringLiteral("only-if"),
-            QStringLiteral("Touches only files without a base URL ('none'), those whose base URL would change "
-                           "('differs'), or those with this one."),
+            QStringLiteral("Touches only files without a base URL ('none'), those that the actions would change "
+                           "('differs'), or those with this base URL."),
             QStringLiteral("none|differs|URL"));
   AddPasswordOptions();
   AddOption(
@@ -176,7 +188,7 @@ void RunCommand::Check() {
   if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
     refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
   }
-  RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup", "only-if"});
+  RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup"});
   CheckInputOptions();
   CheckStandardInput({"files-from", "password-file", "settings"});
   CheckOutputOptions();
@@ -189,6 +201,8 @@ void RunCommand::CheckOutputOptions() const {
   if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
     refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
   }
+  if (IsSet("force") && !IsSet("output")) refuse("Option '--force' needs '--output'.");
+  CheckCondition();
   if (!IsSet("backup")) return;
   if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
   const QString suffix = Value("backup");
@@ -196,6 +210,16 @@ void RunCommand::CheckOutputOptions() const {
   if (suffix.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
     refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
   }
+}
+
+// A mistyped word would silently match no file.
+void RunCommand::CheckCondition() const {
+  const QString condition = Value("only-if");
+  const QStringList words{QStringLiteral("none"), QStringLiteral("differs")};
+  const bool isUrl = condition.contains(QLatin1Char(':')) || condition.contains(QLatin1Char('/'));
+  if (!IsSet("only-if") || words.contains(condition) || isUrl) return;
+  throw CommandError(kExitUsage, QStringLiteral("Option '--only-if' takes none, differs or a URL, not '%1'.%2")
+                                     .arg(condition, Suggestion(condition, words)));
 }
 
 // A connection to a display does not survive in forked workers.
@@ -221,7 +245,7 @@ std::vector<ConfiguredAction> RunCommand::LoadList(ActionCatalog& catalog, QStri
     const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.actionName);
     if (!description) continue;
     CheckRequired(*description, entry.settings, file);
-    for (const QString& warning : ListWarnings(*description, entry.settings)) {
+    for (const QString& warning : UnknownKeys(*description, entry.settings)) {
       warnings += QStringLiteral("Warning: the action list '%1': %2").arg(file, warning);
     }
   }
@@ -313,6 +337,7 @@ ProcessingOptions RunCommand::Processing() const {
   options.passwords = Passwords();
   options.allowBreakingSignatures = IsSet("allow-breaking-signatures");
   options.dryRun = IsSet("dry-run");
+  options.forReport = IsSet("report");
   options.backupSuffix = BytesOf("backup").toStdString();
   if (!IsSet("only-if")) return options;
   const QString condition = Value("only-if");
@@ -353,6 +378,42 @@ void RunCommand::WarnOfRedone(const RunPlan& plan) const {
   warn(plan.ChangedSince(), "they were changed or removed since");
 }
 
+// A shell makes "-o a.pdf b.pdf" of "-o *.pdf".
+void RunCommand::RefuseToReplaceOutput(const InputList& inputs, const ResumedReport& resumed) const {
+  if (!IsSet("output")) return;
+  const std::string output = BytesOf("output").toStdString();
+  const std::optional<FileStatus> existing = FileLookup().Get(output);
+  if (!existing) return;
+  const auto refuse = [&](const char* why) {
+    throw CommandError(kExitUsage, QStringLiteral("The output '%1' %2").arg(Value("output"), QLatin1String(why)));
+  };
+  if (S_ISDIR(existing->mode)) refuse("is a folder; use '--output-dir'.");
+  if (inputs.Holds(existing->identity)) refuse("is the input; use '--in-place' to replace it.");
+  if (IsSet("force") || resumed.Find(inputs.File(0), output) != nullptr) return;
+  refuse("is there already; use '--force' to replace it.");
+}
+
+// Where this run has read and written, those of earlier runs are the user's to remove.
+void RunCommand::NameLeftovers(const InputList& inputs, const RunPlan& plan) const {
+  constexpr std::size_t kMostNames = 5;
+  std::set<std::string> folders(inputs.FoldersOfNames().begin(), inputs.FoldersOfNames().end());
+  for (const std::string& folder : plan.OutputFolders()) folders.insert(folder + '/');
+  if (IsSet("output")) folders.insert(FolderOf(BytesOf("output").toStdString()));
+  std::set<std::string> names(inputs.Leftovers().begin(), inputs.Leftovers().end());
+  for (const std::string& folder : folders) {
+    for (const std::string& name : LeftoverFiles::Find(folder)) names.insert(name);
+  }
+  if (names.empty()) return;
+  QStringList shown;
+  for (auto name = names.begin(); name != names.end() && shown.size() < static_cast<int>(kMostNames); ++name) {
+    shown += NativeName::ToText(*name);
+  }
+  const QString more = names.size() > kMostNames ? QStringLiteral(" and %1 more").arg(names.size() - kMostNames) : "";
+  Console::Error(QStringLiteral("Temporary files of killed or running runs: %1%2. 'vorlane-run clean FOLDER' removes "
+                                "those that are older than a day.")
+                     .arg(shown.join(QStringLiteral(", ")), more));
+}
+
 int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
                         const RunSettings& settings) const {
   const bool dryRun = options.dryRun;
@@ -365,6 +426,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
   }
   const bool append = sameFile && ReportFile::IsLines(reportName);
   ResumedReport resumed = ReadEarlierReport(sameFile);
+  RefuseToReplaceOutput(inputs, resumed);
   if (const std::string& folder = options.outputFolder; !folder.empty()) {
     dryRun ? CheckOutputFolder(folder) : MakeOutputFolder(folder);
   }
@@ -379,7 +441,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
     });
   }
 
-  // Only now: an error before is the one line that counts.
+  // Only now: after an error, that line alone is printed.
   for (const QString& warning : warnings_) {
     if (!IsSet("quiet")) Console::Error(warning);
   }
@@ -395,11 +457,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
   }
   const int signal = Interruption::Signal();
   const bool reported = reporter.Finish(signal != 0);
-  if (inputs.Leftovers() > 0 && !IsSet("quiet")) {
-    Console::Error(QStringLiteral("Temporary files (.vorlane-*.tmp) of killed or running runs in the folders: %1. "
-                                  "'vorlane-run clean' removes those that are older than a day.")
-                       .arg(inputs.Leftovers()));
-  }
+  if (!IsSet("quiet")) NameLeftovers(inputs, plan);
   CallSequenceProc(settings.actions, &CActionInterface::PostSequenceProc, "after");
   if (signal != 0) return kExitSignalBase + signal;
   return reported && (reporter.Failed() == 0 || IsSet("exit-zero")) ? kExitDone : kExitSomeFailed;

@@ -42,9 +42,12 @@ class RunCommand : public BatchCommand {
   void CheckReport(const InputList& inputs, const ProtectedFiles& others) const;
   ResumedReport ReadEarlierReport(bool isSameFile) const;
   void CheckOutputOptions() const;
+  void CheckCondition() const;
+  void RefuseToReplaceOutput(const InputList& inputs, const ResumedReport& resumed) const;
   ProcessingOptions Processing() const;
   void WarnOfRedone(const RunPlan& plan) const;
   PlanOptions Plan(const InputList& inputs, const std::vector<ConfiguredAction>& actions) const;
+  void NameLeftovers(const InputList& inputs, const RunPlan& plan) const;
   int RunOver(const InputList& inputs, const PlanOptions& options, ProtectedFiles& protectedFiles,
               const RunSettings& settings) const;
 

@@ -17,7 +17,7 @@ class SettingsCommand : public Command {
   void AddSettingsOptions();
   void AddUncheckedOption();
   void AddTemplateOptions();
-  // Throws CommandError for what is wrong with these options whatever the action is.
+  // Throws CommandError for mistakes in these options that do not depend on the action.
   void CheckSettingsOptions() const;
   // Whether one of the options that name an action or settings is there.
   bool HasSettings() const;
@@ -37,5 +37,5 @@ class SettingsCommand : public Command {
   QVector<QPair<QString, QString>> Pairs(const char* option, const char* form) const;
 };
 
-// The action with its settings held against its description. Adds to `warnings`. Throws CommandError(kExitUsage).
+// The action with its settings, checked against its description. Adds to `warnings`. Throws CommandError(kExitUsage).
 ConfiguredAction ConfigureAction(CActionInterface& action, const GivenSettings& given, QStringList& warnings);

@@ -18,6 +18,8 @@ ShowCommand::ShowCommand()
   AddPasswordOptions();
   AddWorkerOptions();
   AddLibraryOption();
+  AddExample(QStringLiteral("show *.pdf"));
+  AddExample(QStringLiteral("show --json --recursive archive/ > facts.jsonl"));
 }
 
 void ShowCommand::Check() {
@@ -31,6 +33,7 @@ int ShowCommand::Execute() {
   question.libraryFile = LibraryFile();
   question.passwords = Passwords();
   question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
   if (IsSet("json")) {
     question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
       return DocumentFacts::ToJson(library, file) + '\n';

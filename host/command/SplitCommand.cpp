@@ -8,6 +8,7 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 #include "host/base/NativeName.h"
 #include "host/files/FileLookup.h"
@@ -81,6 +82,8 @@ SplitCommand::SplitCommand()
   parser_.addPositionalArgument(QStringLiteral("N"), QStringLiteral("The number of parts."), QStringLiteral("N"));
   parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
                                 QStringLiteral("FILE..."));
+  AddExample(QStringLiteral("split 100 --files-from files.txt"));
+  AddExample(QStringLiteral("split 8 --recursive --output-dir out --prefix lists/part- archive/"));
 }
 
 void SplitCommand::Check() {
@@ -150,5 +153,9 @@ int SplitCommand::Execute() {
                QByteArray::number(static_cast<qulonglong>(parts[part].bytes)) + '\n';
   }
   WriteParts(prefix, names, nul);
+  if (files.size() < parts.size()) {
+    Console::Error(QString::fromStdString("There are more parts than files (" + Counted(parts.size(), "part") + ", " +
+                                          Counted(files.size(), "file") + "): the last ones are empty."));
+  }
   return Console::Print(listing) ? kExitDone : kExitSomeFailed;
 }

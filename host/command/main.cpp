@@ -37,12 +37,12 @@ std::unique_ptr<QCoreApplication> ConnectToDisplay(int& argc, char** argv) {
 int main(int argc, char** argv) {
   Console::OpenMissingDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
-  // A file that grows beyond the limit is a full disk, not a reason to die.
+  // A file that grows beyond the limit is an error like a full disk; the signal would end the program.
   std::signal(SIGXFSZ, SIG_IGN);
   NativeName::InstallAsLocale();
   QStringList arguments;
   for (int i = 1; i < argc; ++i) arguments += NativeName::ToText(argv[i]);
-  // The application classes would take options of their own out of the command's.
+  // The application classes would remove options that they know from the command's arguments.
   int applicationArguments = argc > 0 ? 1 : 0;
   try {
     Program program;

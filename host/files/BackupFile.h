@@ -9,10 +9,10 @@ class BackupFile {
  public:
   // No backup.
   BackupFile() = default;
-  // Makes the backup: whole and on the disk when this returns. It is another name of the same file, for the new file is
-  // a file of its own; a copy where the file has other names already, through which it could be changed, or where the
-  // file system has no hard links. A copy keeps mode and time, and the owner as far as the process may set it. An
-  // earlier backup that is this very file serves again. Throws std::runtime_error.
+  // Makes the backup, and returns when it is on the disk. It is a hard link, since a save writes a new file and leaves
+  // the old one alone. It is a copy where the file has other names, through which it could be changed, or where the
+  // file system has no hard links. A copy keeps mode and time, and the owner if the process may set it. An earlier
+  // backup that is the same file is used again. Throws std::runtime_error.
   BackupFile(const std::string& file, const std::string& suffix);
   ~BackupFile();
   BackupFile(const BackupFile&) = delete;

@@ -9,7 +9,7 @@
 
 #include "host/base/Descriptor.h"
 
-// A file or folder as the system identifies it, whatever its names.
+// The system's identity of a file or folder, the same for all its names.
 struct FileIdentity {
   dev_t device;
   ino_t inode;

@@ -14,8 +14,8 @@ struct Part {
   std::uint64_t bytes = 0;
 };
 
-// Distributes files of these sizes: the largest first, each to the part that is the lightest then, of several that are
-// to the one with the fewest files. `count` is at least 1.
+// Distributes files of these sizes: the largest first, each to the part with the fewest bytes so far, and among equal
+// ones to the part with the fewest files. `count` is at least 1.
 std::vector<Part> Balance(const std::vector<std::uint64_t>& sizes, std::size_t count);
 
 // The name of a part's list: "PREFIX0007.part". The number has four digits, or as many as the last one of `count`

@@ -59,9 +59,9 @@ void InputList::Add(const std::string& name) {
   const std::optional<FileStatus> status = lookup_.Get(name);
   const bool isFolder = status && S_ISDIR(status->mode);
   if (recursive_ && isFolder) return AddFolder(name.back() == '/' ? name : name + '/');
-  const std::size_t slash = name.rfind('/');
-  AddFile(name, slash == std::string::npos ? 0 : slash + 1, status,
-          isFolder ? "is a folder (use --recursive for the files below it)" : "");
+  const std::size_t base = name.rfind('/') + 1;  // npos + 1 is 0
+  foldersOfNames_.insert(name.substr(0, base));
+  AddFile(name, base, status, isFolder ? "is a folder (use --recursive for the files below it)" : "");
 }
 
 void InputList::AddFrom(const std::string& listFile) {
@@ -74,8 +74,7 @@ void InputList::AddFolder(const std::string& folder) {
   const auto wanted = [](std::string_view name) { return IsPdfName(name) || LeftoverFiles::IsName(name); };
   WalkFolder(folder, {wanted, leaveOut_}, [&](const FolderEntry& entry) {
     if (LeftoverFiles::IsName(std::string_view(entry.path).substr(entry.path.rfind('/') + 1))) {
-      ++leftovers_;
-      return;
+      return leftovers_.push_back(entry.path);
     }
     const char* const what = entry.path.back() == '/' ? "cannot read the folder: " : "cannot be looked up: ";
     AddFile(entry.path, folder.size(), entry.status, entry.error != 0 ? what + ErrorText(entry.error) : "");

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/files/FileLookup.h"
@@ -29,9 +30,9 @@ class InputList {
   std::string File(std::size_t index) const { return std::string(NameOf(index)); }
   // The part of the name that an output folder repeats: below a given folder the path from there, else the base name.
   std::string Relative(std::size_t index) const;
-  // The path that values for this file are made of: from `root`, a real path that ends in a slash, or, without one,
-  // from the given folder. Nothing when the file is not below them; a file that is named by itself is below the current
-  // folder only.
+  // The path from which values for this file are made: relative to `root`, a real path that ends in a slash, or without
+  // a root to the given folder. No value when the file is not below it. A file that was given itself counts as below
+  // the current folder.
   std::optional<std::string> PathBelow(const std::string& root, std::size_t index) const;
   // Why this entry cannot be processed, or an empty text. Whether a file can be opened shows later.
   std::string Problem(std::size_t index) const;
@@ -39,8 +40,10 @@ class InputList {
   long SameFileAs(std::size_t index) const { return entries_[index].sameAs; }
   // The folders below which nothing was found, readable or not.
   const std::vector<std::string>& EmptyFolders() const { return emptyFolders_; }
-  // How many files of LeftoverFiles the walked folders hold.
-  std::size_t Leftovers() const { return leftovers_; }
+  // The files of LeftoverFiles in the walked folders.
+  const std::vector<std::string>& Leftovers() const { return leftovers_; }
+  // The folders, with a slash at their ends, of the files that were named one by one; empty for the current one.
+  const std::unordered_set<std::string>& FoldersOfNames() const { return foldersOfNames_; }
   bool Holds(const FileIdentity& identity) const { return identities_.count(identity) != 0; }
 
  private:
@@ -60,7 +63,8 @@ class InputList {
   bool recursive_;
   std::vector<std::string> emptyFolders_;
   const FileIdentity* leaveOut_;
-  std::size_t leftovers_ = 0;
+  std::vector<std::string> leftovers_;
+  std::unordered_set<std::string> foldersOfNames_;
   FileLookup lookup_;
   std::string names_;
   std::vector<Entry> entries_;

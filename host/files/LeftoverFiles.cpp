@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "host/base/Descriptor.h"
@@ -47,6 +48,17 @@ bool LeftoverFiles::IsName(std::string_view name) {
   const std::string_view digits = name.substr(kPrefix.size(), kDigits);
   return name.substr(0, kPrefix.size()) == kPrefix && name.substr(name.size() - kSuffix.size()) == kSuffix &&
          digits.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+std::vector<std::string> LeftoverFiles::Find(const std::string& folder) {
+  std::vector<std::string> found;
+  std::error_code error;
+  std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (IsName(name)) found.push_back(folder + name);
+  }
+  return found;
 }
 
 void LeftoverFiles::Remove(const std::string& folder, bool recursive, std::time_t before,

@@ -12,8 +12,8 @@ class OutputNames {
   // `folder` may end in a slash.
   explicit OutputNames(const std::string& folder);
 
-  // Takes a name for an input whose relative name (base name, or path below an input folder) this is. Returns the copy
-  // number that it gets, 0 for the name as it is.
+  // Takes an output name for an input; `relative` is its base name, or its path below an input folder. Returns the copy
+  // number, 0 for none.
   std::uint32_t Take(const std::string& relative);
   // The output of that relative name and copy number.
   std::string Name(const std::string& relative, std::uint32_t copyNumber) const;
@@ -22,7 +22,7 @@ class OutputNames {
   bool TakeExactly(const std::string& name);
 
   std::string folder_;
-  // From the hash of a name that is taken to the next copy number of that name. Two names of one hash would give one of
-  // them a copy number it does not need, nothing worse.
+  // By the hash of a taken name: its next copy number. Of two names with the same hash one gets a copy number that it
+  // does not need, nothing worse.
   std::unordered_map<std::uint64_t, std::uint32_t> taken_;
 };

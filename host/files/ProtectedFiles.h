@@ -7,8 +7,8 @@
 
 #include "host/files/FileLookup.h"
 
-// Files that no result may replace: the report and what the run reads beside the documents. Each is known by what it is
-// and by where it is, so that one that is yet to be made is protected too. Links are followed.
+// Files that no result may replace: the report and what the run reads beside the documents. Each is known by its
+// identity and by its path, so that a file that does not exist yet is protected too. Links are followed.
 class ProtectedFiles {
  public:
   // `what` names the file in messages, as in "the report".

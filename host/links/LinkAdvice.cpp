@@ -7,7 +7,7 @@
 
 namespace {
 
-bool LeadsElsewhere(const QByteArray& uri, const QByteArray& base) {
+bool LeadsElsewhere(const QByteArray& uri, const ViewerRules::Base& base) {
   const ViewerRules::Target inFirefox = ViewerRules::PdfJs(uri, base);
   const ViewerRules::Target inChrome = ViewerRules::Pdfium(uri, base);
   return !ViewerRules::Agree({inFirefox, inFirefox, inChrome, inChrome});
@@ -16,17 +16,18 @@ bool LeadsElsewhere(const QByteArray& uri, const QByteArray& base) {
 }  // namespace
 
 std::string LinkAdvice(HalvexPDFLibraryCPDylibCPP1311& library, const QString& base) {
-  const QByteArray from = base.toUtf8();
+  const bool endsWithSlash = base.endsWith('/');
+  const ViewerRules::Base from(base.toUtf8());
+  const ViewerRules::Base withSlash(base.toUtf8() + '/');
   int relative = 0;
   int elsewhere = 0;
   int elsewhereWithSlash = 0;
   VisitDocumentLinks(library, [&](const DocumentLink& link) {
     if (!IsRelativeLink(link.uri)) return;
     ++relative;
-    const QByteArray uri = link.uri.toUtf8();
-    if (!LeadsElsewhere(uri, from)) return;
+    if (!LeadsElsewhere(link.bytes, from)) return;
     ++elsewhere;
-    if (from.endsWith('/') || LeadsElsewhere(uri, from + '/')) ++elsewhereWithSlash;
+    if (endsWithSlash || LeadsElsewhere(link.bytes, withSlash)) ++elsewhereWithSlash;
   });
   if (elsewhere == 0) return {};
   std::string advice = std::to_string(relative) + (relative == 1 ? " relative link, " : " relative links, ") +

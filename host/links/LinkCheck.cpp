@@ -2,6 +2,7 @@
 #include "host/links/LinkCheck.h"
 
 #include <algorithm>
+#include <cstring>
 #include <system_error>
 
 #include "host/base/CommandError.h"
@@ -28,7 +29,7 @@ LinkCheck::LinkCheck(const QString& text) {
   // Both a URL and a folder's name may hold "=".
   for (int equals = text.indexOf('='); equals > 0 && folder_.empty(); equals = text.indexOf('=', equals + 1)) {
     folder_ = RealFolder(text.mid(equals + 1));
-    if (!folder_.empty()) url_ = ResolvedLink(QString(), text.left(equals)).value_or(QString()).toStdString();
+    given_ = text.left(equals);
   }
   if (text.indexOf('=') < 1) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--check' takes URL=FOLDER, not '%1'.").arg(text));
@@ -36,17 +37,18 @@ LinkCheck::LinkCheck(const QString& text) {
   if (folder_.empty()) {
     throw CommandError(kExitUsage, QStringLiteral("There is no folder '%1'.").arg(text.mid(text.indexOf('=') + 1)));
   }
-  if (url_.empty()) {
-    throw CommandError(kExitUsage, QStringLiteral("Option '--check' takes a URL with a scheme in '%1'.").arg(text));
-  }
+  url_ = NormalizedLink(given_).toStdString();
   while (url_.back() == '/') url_.pop_back();
 }
 
-std::optional<bool> LinkCheck::Has(const QString& target) const {
-  const std::string text = target.toStdString();
-  if (text.compare(0, url_.size(), url_) != 0) return std::nullopt;
-  std::string rest = text.substr(url_.size());
-  if (!rest.empty() && rest[0] != '/' && rest[0] != '?' && rest[0] != '#') return std::nullopt;
+std::optional<std::size_t> LinkCheck::Covers(const std::string& target) const {
+  if (target.compare(0, url_.size(), url_) != 0) return std::nullopt;
+  const bool atItsEnd = target.size() == url_.size() || std::strchr("/?#", target[url_.size()]) != nullptr;
+  return atItsEnd ? std::optional(url_.size()) : std::nullopt;
+}
+
+bool LinkCheck::Has(const std::string& target) const {
+  std::string rest = target.substr(url_.size());
   rest = rest.substr(0, rest.find_first_of("?#"));
   rest.erase(0, rest.find_first_not_of('/'));
   rest = QByteArray::fromPercentEncoding(QByteArray::fromStdString(rest)).toStdString();

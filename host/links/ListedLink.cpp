@@ -8,11 +8,14 @@
 #include "host/base/Console.h"
 #include "host/base/CsvText.h"
 #include "host/base/JsonText.h"
+#include "host/base/NativeName.h"
 #include "utils/LinkTarget.h"
 
 namespace {
 
+constexpr int kPageColumn = 7;
 constexpr int kLinkColumn = 32;
+constexpr int kStartWidth = kPageColumn + 2 + kLinkColumn;
 constexpr int kViewersColumn = 24;
 constexpr std::array<const char*, ViewerRules::kViewers.size()> kViewerNames{"Firefox", "Chrome", "MuPDF", "Poppler"};
 
@@ -49,8 +52,38 @@ std::optional<std::string> Text(const ViewerRules::Target& target) {
   return target ? std::optional(target->toStdString()) : std::nullopt;
 }
 
+// Bytes that are not UTF-8, and a byte order mark, are shown as escapes.
 QByteArray Shown(const std::string& text) {
-  return text.empty() ? QByteArray("(empty)") : Console::OneLine(text);
+  if (text.empty()) return "(empty)";
+  const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  if (isPlain) return QByteArray::fromStdString(text);
+  QString shown;
+  for (const wchar_t unit : NativeName::ToWide(text)) {
+    const auto character = static_cast<char32_t>(unit);
+    if (character >= 0xDC80 && character <= 0xDCFF) {
+      shown += QStringLiteral("\\x%1").arg(QString::number(character - 0xDC00, 16).toUpper());
+    } else if (character == 0xFEFF) {
+      shown += QStringLiteral("\\uFEFF");
+    } else {
+      shown += QString::fromUcs4(&character, 1);
+    }
+  }
+  return Console::OneLine(shown.toUtf8().toStdString());
+}
+
+QByteArray Page(const ListedLink& link) {
+  const QByteArray page =
+      link.link.page > 0 ? QByteArray::number(link.link.page) : QByteArray(KindName(link.link.kind));
+  return page.rightJustified(kPageColumn);
+}
+
+// Page and link; what follows goes to the next line after a long one.
+QByteArray Start(const ListedLink& link) {
+  const QByteArray uri = Shown(Utf8(link.link.uri));
+  const int width = QString::fromUtf8(uri).size();
+  const QByteArray end =
+      width > kLinkColumn ? '\n' + QByteArray(kStartWidth, ' ') : QByteArray(kLinkColumn - width, ' ');
+  return Page(link) + "  " + uri + end;
 }
 
 // The places where viewers lead, each with the names of those viewers.
@@ -69,11 +102,11 @@ std::vector<std::pair<ViewerRules::Target, QByteArray>> ByTarget(const ViewerRul
 
 }  // namespace
 
-ListedLink::ListedLink(const DocumentLink& found, const std::optional<QString>& base)
+ListedLink::ListedLink(const DocumentLink& found, const std::optional<LinkBase>& base)
     : link(found),
       relative(IsRelativeLink(found.uri)),
-      target(ResolvedLink(base.value_or(QString()), found.uri)),
-      viewers(ViewerRules::All(found.uri.toUtf8(), base ? std::optional(base->toUtf8()) : std::nullopt)),
+      target(ResolvedLink(base ? base->text : QString(), found.uri)),
+      viewers(ViewerRules::All(found.bytes, base ? base->inViewers : ViewerRules::Base())),
       agree(ViewerRules::Agree(viewers)) {}
 
 std::string LinkFormat::Json(const std::string& file, const ListedLink& link) {
@@ -107,15 +140,20 @@ std::string LinkFormat::Csv(const std::string& file, const ListedLink& link) {
 }
 
 std::string LinkFormat::Table(const ListedLink& link) {
-  const QByteArray page =
-      link.link.page > 0 ? QByteArray::number(link.link.page) : QByteArray(KindName(link.link.kind));
-  const QByteArray start = page.rightJustified(7) + "  " + Shown(Utf8(link.link.uri)).leftJustified(kLinkColumn);
-  if (link.agree) return (start + "   " + Shown(*Text(link.viewers[0])) + '\n').toStdString();
+  if (link.agree) {
+    const QByteArray target = Shown(*Text(link.viewers[0]));
+    return ((target == Shown(Utf8(link.link.uri)) ? Page(link) + "  " + target : Start(link) + "   " + target) + '\n')
+        .toStdString();
+  }
   QByteArray text;
   for (const auto& [target, names] : ByTarget(link.viewers)) {
-    text += text.isEmpty() ? start + " ! " : QByteArray(start.size() + 3, ' ');
+    text += text.isEmpty() ? Start(link) + " ! " : QByteArray(kStartWidth + 3, ' ');
     text += names.leftJustified(kViewersColumn) + ' ' +
             (target ? Shown(target->toStdString()) : QByteArray("no link")) + '\n';
   }
   return text.toStdString();
+}
+
+std::string LinkFormat::Missing(const ListedLink& link) {
+  return (Start(link) + "   missing: " + Shown(Text(link.target).value_or("")) + '\n').toStdString();
 }

@@ -9,10 +9,15 @@
 #include "host/links/ViewerRules.h"
 #include "utils/DocumentLinks.h"
 
+// A document's base URL, or another one instead.
+struct LinkBase {
+  QString text;
+  ViewerRules::Base inViewers;
+};
+
 // A link of a document with where it leads.
 struct ListedLink {
-  // `base` is the document's base URL, or another one; nothing when there is none.
-  ListedLink(const DocumentLink& found, const std::optional<QString>& base);
+  ListedLink(const DocumentLink& found, const std::optional<LinkBase>& base);
 
   DocumentLink link;
   bool relative;
@@ -31,5 +36,7 @@ std::string CsvHeader();
 std::string Csv(const std::string& file, const ListedLink& link);
 // For people: one line, or one for each place where viewers disagree.
 std::string Table(const ListedLink& link);
+// The same for a link whose file is missing.
+std::string Missing(const ListedLink& link);
 
 }  // namespace LinkFormat

@@ -5,27 +5,39 @@
 #include <optional>
 #include <QByteArray>
 
+#include "host/links/WebUrl.h"
+
 // Where PDF viewers lead for a link (URI action; ISO 32000-1, 12.6.4.7) in a document with or without a base URL. Set
 // by what the viewers' engines were seen to do, not by a standard; docs/viewers.md has the versions and
-// tests/viewers/measure compares them again. `uri` and `base` (the catalog's /URI /Base, nothing when there is none)
-// are the bytes of the strings in the file: only MuPDF takes them as text strings with a byte order mark.
+// tests/viewers/measure compares them again. `uri` and `base` (the catalog's /URI /Base) are the bytes of the strings
+// in the file: only MuPDF takes them as text strings with a byte order mark.
 namespace ViewerRules {
+
+// A base URL, parsed once for many links.
+struct Base {
+  Base() = default;  // none
+  Base(const QByteArray& url);
+  Base(const std::optional<QByteArray>& url) : Base(url ? Base(*url) : Base()) {}
+
+  std::optional<QByteArray> bytes;
+  std::optional<WebUrl> parsed;  // nothing for what pdf.js does not resolve against
+};
 
 // Where a viewer leads; nothing where it makes no link of it.
 using Target = std::optional<QByteArray>;
 
 // Firefox.
-Target PdfJs(const QByteArray& uri, const std::optional<QByteArray>& base);
+Target PdfJs(const QByteArray& uri, const Base& base);
 // Chrome and Edge.
-Target Pdfium(const QByteArray& uri, const std::optional<QByteArray>& base);
-Target MuPdf(const QByteArray& uri, const std::optional<QByteArray>& base);
+Target Pdfium(const QByteArray& uri, const Base& base);
+Target MuPdf(const QByteArray& uri, const Base& base);
 // Evince and Okular.
-Target Poppler(const QByteArray& uri, const std::optional<QByteArray>& base);
+Target Poppler(const QByteArray& uri, const Base& base);
 
 // All of them; in this order everywhere.
 constexpr std::array<const char*, 4> kViewers{"pdfjs", "pdfium", "mupdf", "poppler"};
 using Targets = std::array<Target, kViewers.size()>;
-Targets All(const QByteArray& uri, const std::optional<QByteArray>& base);
+Targets All(const QByteArray& uri, const Base& base);
 // Whether each viewer makes a link of it and all lead to one place: the same once a browser has parsed it, so that ".."
 // in one and its result in another are no difference.
 bool Agree(const Targets& targets);

@@ -22,6 +22,7 @@ bool IsSlash(char c) {
 // Controls, what is not ASCII and the characters of `more` as "%XX".
 QByteArray Encoded(const QByteArray& text, const char* more) {
   QByteArray encoded;
+  encoded.reserve(text.size());
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
     if (code < 0x20 || code > 0x7E || std::strchr(more, c) != nullptr) {

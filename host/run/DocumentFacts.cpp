@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/DocumentFacts.h"
 
+#include <sys/stat.h>
+
 #include <optional>
 
 #include "host/base/JsonText.h"
-#include "host/run/FileRecord.h"
+#include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 #include "utils/DocumentLinks.h"
 #include "utils/LinkTarget.h"
@@ -92,7 +94,14 @@ std::string Links(PdfLibrary::Wrapper& library) {
 // How a save would be written once something has changed.
 std::string SaveMode(PdfLibrary::Wrapper& library) {
   if (library.SetBaseURL(library.GetBaseURL() + L"x") == 0) return kNull;
-  return TextOrNull(library.GetInformation(kInformationWayOfSaving));
+  return TextOrNull(library.GetInformation(kInformationSaveMode));
+}
+
+// Null for what is not a regular file.
+std::string SizeOf(const std::string& file) {
+  struct stat status = {};
+  const bool isFile = stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+  return isFile ? std::to_string(status.st_size) : kNull;
 }
 
 }  // namespace
@@ -109,7 +118,7 @@ std::string DocumentFacts::ToJson(PdfLibrary::Wrapper& library, const std::strin
   if (const std::optional<int> linearized = Checked(library, library.IsLinearized())) {
     facts.linearized = *linearized == 1 ? "true" : "false";
   }
-  facts.size = std::to_string(FileState::Of(file).size);
+  facts.size = SizeOf(file);
   facts.links = Links(library);
   facts.saveMode = SaveMode(library);
   return facts.ToJson();
@@ -118,6 +127,10 @@ std::string DocumentFacts::ToJson(PdfLibrary::Wrapper& library, const std::strin
 std::string DocumentFacts::ErrorToJson(const std::string& file, const std::string& error) {
   Facts facts;
   facts.file = JsonText::OfBytes(file);
+  facts.size = SizeOf(file);
+  for (const int code : {kErrorPasswordNeeded, kErrorPasswordWrong, kErrorUnsupportedSecurity}) {
+    if (error == PdfLibrary::ErrorMessage(code)) facts.encrypted = R"({"algorithm":null,"bits":null})";
+  }
   facts.error = JsonText::OfBytes(error);
   return facts.ToJson();
 }

@@ -82,6 +82,8 @@ void DocumentProcessor::ProcessOnce(FileRecord& record, const PlannedFile& file)
   CheckCondition(record, false);
   RunActions(record, file);
   record.baseUrlAfter = library_.GetBaseURL();
+  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationSaveMode));
+  if (record.saveMode.empty()) record.saveMode = "unknown";
   CheckCondition(record, true);
   if (file.advise) Advise(record);
   CheckSaving(record);
@@ -106,8 +108,10 @@ void DocumentProcessor::CheckCondition(const FileRecord& record, bool actionsRan
   const BaseUrlCondition& condition = options_.onlyIf;
   const auto has = [&] { return "its base URL is '" + PdfLibrary::ToUtf8(record.baseUrlBefore) + "'"; };
   if (actionsRan) {
-    if (condition.kind != Kind::kDiffers || record.baseUrlAfter != record.baseUrlBefore) return;
-    throw Unwanted{record.baseUrlBefore.empty() ? "it has no base URL already" : has() + " already"};
+    const bool sameUrl = record.baseUrlAfter == record.baseUrlBefore;
+    const bool changed = record.saveMode == "unknown" ? !sameUrl : !record.Unchanged();
+    if (condition.kind != Kind::kDiffers || changed) return;
+    throw Unwanted{"the actions change nothing in it"};
   }
   if (condition.kind == Kind::kNone && !record.baseUrlBefore.empty()) throw Unwanted{has()};
   if (condition.kind == Kind::kIs && record.baseUrlBefore != condition.value) {
@@ -163,10 +167,8 @@ void DocumentProcessor::Advise(FileRecord& record) {
   if (!advice.empty()) record.warnings.push_back(advice);
 }
 
-// How the document would be saved now, and whether policy lets it.
+// Whether policy lets the document be saved as planned.
 void DocumentProcessor::CheckSaving(FileRecord& record) {
-  record.saveMode = PdfLibrary::ToUtf8(library_.GetInformation(kInformationWayOfSaving));
-  if (record.saveMode.empty()) record.saveMode = "unknown";
   if (record.saveMode == "unchanged" || record.saveMode == "unknown") return;
 
   CheckSignatures(record);
@@ -201,7 +203,7 @@ void DocumentProcessor::Save(FileRecord& record) {
   SaveOutput(record);
   backup.Keep();
   record.backup = backup.Name();
-  record.outputState = FileState::Of(record.output);
+  if (options_.forReport) record.outputState = FileState::Of(record.output);
 }
 
 void DocumentProcessor::SaveOutput(FileRecord& record) {
@@ -220,8 +222,7 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.
 void DocumentProcessor::NoteLastSaveMode(FileRecord& record) {
-  if (record.saveMode != "incremental" || PdfLibrary::ToUtf8(library_.GetInformation(kInformationLastWay)) != "rewrite")
-    return;
+  if (record.saveMode != "incremental" || library_.GetInformation(kInformationLastSaveMode) != L"rewrite") return;
   record.saveMode = "rewrite";
   record.warnings.push_back("the whole file is rewritten (an appended update was not readable)");
 }

@@ -14,7 +14,7 @@ struct BaseUrlCondition {
   enum class Kind {
     kAny,
     kNone,     // those without one, or with an empty one
-    kDiffers,  // those whose base URL the actions change
+    kDiffers,  // those that the actions change; by the base URL if the library does not say how it would save
     kIs        // those with this value
   };
   Kind kind = Kind::kAny;
@@ -27,6 +27,7 @@ struct ProcessingOptions {
   bool dryRun = false;       // everything but the save
   std::string backupSuffix;  // bytes; empty for no backups. Outputs are the inputs then
   BaseUrlCondition onlyIf;
+  bool forReport = false;  // the records hold what only a report needs
 };
 
 // Loads a document, runs the actions on it, saves it. All documents go through one library object, one after another.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/FileQuery.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,9 +13,22 @@
 #include "host/run/MemoryLimit.h"
 #include "host/run/RecordFraming.h"
 
+namespace {
+
+bool IsRegularFile(int descriptor) {
+  struct stat status = {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
+
 FileQuery::FileQuery(const InputList& inputs, const FileQuestion& question)
     // Where the answers can be seen as they come, a bar would only flicker between them.
-    : inputs_(inputs), question_(question), progress_(isatty(STDOUT_FILENO) != 1) {}
+    : inputs_(inputs),
+      question_(question),
+      readAsTheyCome_(!IsRegularFile(STDOUT_FILENO)),
+      nextSince_(Clock::now()),
+      progress_(isatty(STDOUT_FILENO) != 1) {}
 
 void FileQuery::RunHere() {
   Begin();
@@ -59,16 +73,29 @@ void FileQuery::Lose(std::size_t item, const std::string& reason) {
 void FileQuery::Settle(std::size_t item, Answer answer) {
   ++settled_;
   early_.emplace(item, std::move(answer));
-  for (auto first = early_.begin(); first != early_.end() && first->first == next_; first = early_.erase(first)) {
-    Append(inputs_.File(next_), first->second);
-    ++next_;
+  for (const std::size_t before = next_;; ++next_) {
+    const auto answered = early_.find(next_);
+    if (answered != early_.end()) {
+      Append(inputs_.File(next_), answered->second);
+      early_.erase(answered);
+    } else if (ahead_.erase(next_) == 0) {
+      if (next_ != before) nextSince_ = Clock::now();
+      return;
+    }
   }
 }
 
-void FileQuery::Finish() {
-  for (const auto& [item, answer] : early_) Append(inputs_.File(item), answer);
+void FileQuery::AppendEarly() {
+  for (const auto& [item, answer] : early_) {
+    Append(inputs_.File(item), answer);
+    ahead_.insert(item);
+  }
   early_.clear();
-  Flush();
+}
+
+void FileQuery::Finish() {
+  AppendEarly();
+  Write();
   progress_.Hide();
 }
 
@@ -82,13 +109,18 @@ void FileQuery::Append(const std::string& file, const Answer& answer) {
     output_ += question_.failure(file, answer.error);
     return;
   }
-  Flush();
+  Write();
   progress_.Hide();
   Console::ErrorAbout(file, answer.error);
 }
 
 void FileQuery::Flush() {
   progress_.Show(settled_, inputs_.Count());
+  if (question_.prompt && readAsTheyCome_ && Clock::now() - nextSince_ >= kLongestWait) AppendEarly();
+  Write();
+}
+
+void FileQuery::Write() {
   if (output_.empty()) return;
   const bool written = Console::WriteAll(STDOUT_FILENO, output_);
   output_.clear();

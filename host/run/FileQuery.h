@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "host/base/PdfLibrary.h"
@@ -20,11 +22,16 @@ struct FileQuestion {
   std::function<std::string(PdfLibrary::Wrapper&, const std::string& file)> answer;
   // The lines for a file that cannot be read. Not set: the reason goes to the standard error.
   std::function<std::string(const std::string& file, const std::string& error)> failure;
+  // Each answer names its file: where another program may read them as they come, none waits long for an earlier file.
+  bool prompt = false;
 };
 
-// Asks the same of many files, each of which is only read, and prints the answers in the order of the inputs.
+// Asks the same of many files, each of which is only read, and prints the answers in the order of the inputs. Prompt
+// answers keep the order in a regular file only; elsewhere they wait at most kLongestWait for an earlier one.
 class FileQuery : public WorkerTask {
  public:
+  static constexpr std::chrono::milliseconds kLongestWait{1000};
+
   // Keeps references.
   FileQuery(const InputList& inputs, const FileQuestion& question);
 
@@ -47,14 +54,21 @@ class FileQuery : public WorkerTask {
     std::string text;
     std::string error;
   };
+  using Clock = std::chrono::steady_clock;
+
   void Settle(std::size_t item, Answer answer);
+  void AppendEarly();
+  void Write();
   void Append(const std::string& file, const Answer& answer);
 
   const InputList& inputs_;
   const FileQuestion& question_;
   std::unique_ptr<PdfLibrary::Wrapper> library_;
   std::map<std::size_t, Answer> early_;  // answers before which another is missing
+  std::set<std::size_t> ahead_;          // answers that are printed already although another is missing
+  bool readAsTheyCome_;                  // the standard output is no regular file
   std::size_t next_ = 0;
+  Clock::time_point nextSince_;
   std::size_t settled_ = 0;
   std::string output_;
   bool anyFailed_ = false;

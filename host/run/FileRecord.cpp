@@ -37,7 +37,7 @@ std::wstring Wide(std::string_view bytes) {
   return text;
 }
 
-// What of a record has a fixed size.
+// The part of a record that has a fixed size.
 struct Numbers {
   FileRecord::Status status;
   long long microseconds;
@@ -106,7 +106,7 @@ std::string FileRecord::ToJson() const {
   std::snprintf(milliseconds, sizeof milliseconds, "%lld.%03lld", microseconds / 1000, microseconds % 1000);
   json += ",\"milliseconds\":";
   json += milliseconds;
-  json += ",\"way\":";
+  json += ",\"saveMode\":";
   JsonText::AppendBytes(json, saveMode);
   json += ",\"signatures\":";
   json += signatures == kUnknown ? "null" : std::to_string(signatures);

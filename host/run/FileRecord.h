@@ -8,7 +8,7 @@
 // How a file was left, to notice later changes.
 struct FileState {
   static FileState Of(const std::string& file);
-  // As it stands in reports, nanoseconds as text, since JSON readers round large numbers.
+  // As reports have it: nanoseconds as text, since JSON readers round large numbers.
   std::string TimeText() const { return std::to_string(nanoseconds); }
 
   long long size = -1;  // -1: there is no such file
@@ -37,7 +37,7 @@ struct FileRecord {
   std::vector<std::string> warnings;
 
   bool Unchanged() const { return saveMode == "unchanged"; }
-  // One JSON object without line breaks. File names are UTF-8; a byte that is none is the escape \udcXX.
+  // One JSON object without line breaks. File names are UTF-8; a byte that is not becomes the escape \udcXX.
   std::string ToJson() const;
   // The record as bytes for another process of this program, and back.
   std::string Pack() const;

@@ -1,29 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/run/LinkListing.h"
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "host/base/Console.h"
 #include "host/run/RecordFraming.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
+#include "utils/LinkTarget.h"
 
 namespace {
 
-std::string Formatted(LinkListingOptions::Format format, const std::string& file, const ListedLink& link) {
-  switch (format) {
-    case LinkListingOptions::Format::kJson:
-      return LinkFormat::Json(file, link);
-    case LinkListingOptions::Format::kCsv:
-      return LinkFormat::Csv(file, link);
-    case LinkListingOptions::Format::kTable:
-      break;
-  }
-  return LinkFormat::Table(link);
-}
-
-std::string Heading(const std::string& file, const std::optional<QString>& base) {
-  const std::string from = base ? "base URL " + base->toStdString() : "no base URL";
+std::string Heading(const std::string& file, const std::optional<LinkBase>& base) {
+  const std::string from = base && base->inViewers.bytes ? "base URL " + base->text.toStdString() : "no base URL";
   return (Console::OneLine(file) + ": " + Console::OneLine(from) + '\n').toStdString();
 }
 
@@ -42,15 +33,18 @@ LinkCounts& LinkCounts::operator+=(const LinkCounts& other) {
 }
 
 LinkListing::LinkListing(const InputList& inputs, const FileQuestion& question, const LinkListingOptions& options)
-    : FileQuery(inputs, question_), question_(question), options_(options) {
+    : FileQuery(inputs, question_), question_(question), options_(options), totalCovered_(options.checks.size()) {
   question_.answer = [this](PdfLibrary::Wrapper& library, const std::string& file) { return Answer(library, file); };
 }
 
 std::string LinkListing::Work(std::size_t item) {
   counts_ = LinkCounts();
+  covered_.assign(options_.checks.size(), 0);
   const std::string answer = FileQuery::Work(item);
   std::string bytes;
-  RecordFraming::Append(bytes, {{reinterpret_cast<const char*>(&counts_), sizeof counts_}, answer});
+  RecordFraming::Append(bytes, {{reinterpret_cast<const char*>(&counts_), sizeof counts_},
+                                {reinterpret_cast<const char*>(covered_.data()), covered_.size() * sizeof covered_[0]},
+                                answer});
   return bytes;
 }
 
@@ -59,27 +53,53 @@ void LinkListing::Take(std::size_t item, std::string_view result) {
   LinkCounts counts;
   std::memcpy(&counts, fields[0].data(), sizeof counts);
   total_ += counts;
-  FileQuery::Take(item, fields[1]);
+  std::vector<std::size_t> covered(options_.checks.size());
+  if (!covered.empty()) std::memcpy(covered.data(), fields[1].data(), covered.size() * sizeof covered[0]);
+  std::transform(covered.begin(), covered.end(), totalCovered_.begin(), totalCovered_.begin(), std::plus<>());
+  FileQuery::Take(item, fields[2]);
 }
 
 std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
-  std::optional<QString> base = options_.base;
-  if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
-    base = QString::fromStdWString(library.GetBaseURL());
+  std::optional<LinkBase> base = options_.base;
+  if (base && base->text.isEmpty()) {
+    base.reset();
+  } else if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
+    base = LinkBase{QString::fromStdWString(library.GetBaseURL()), {BaseUrlBytes(library)}};
   }
   std::string text;
   const int error = VisitDocumentLinks(library, [&](const DocumentLink& found) {
     const ListedLink link(found, base);
-    if (Count(link)) text += Formatted(options_.format, file, link);
+    if (Count(link)) text += Formatted(file, link);
   });
   counts_.files = 1;
-  // What was found is listed all the same.
+  // The links that were found are listed nevertheless.
   if (error != kErrorNone) {
     counts_.incomplete = 1;
     Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));
   }
   const bool isTable = options_.format == LinkListingOptions::Format::kTable;
-  return isTable && !text.empty() ? Heading(file, base) + text : text;
+  if (isTable && !text.empty()) text.insert(0, Heading(file, base));
+  return text;
+}
+
+std::string LinkListing::Formatted(const std::string& file, const ListedLink& link) const {
+  switch (options_.format) {
+    case LinkListingOptions::Format::kJson:
+      return LinkFormat::Json(file, link);
+    case LinkListingOptions::Format::kCsv:
+      return LinkFormat::Csv(file, link);
+    case LinkListingOptions::Format::kTable:
+      break;
+  }
+  return options_.checks.empty() ? LinkFormat::Table(link) : LinkFormat::Missing(link);
+}
+
+std::vector<QString> LinkListing::UrlsWithoutLinks() const {
+  std::vector<QString> urls;
+  for (std::size_t i = 0; i < totalCovered_.size(); ++i) {
+    if (totalCovered_[i] == 0) urls.push_back(options_.checks[i].Url());
+  }
+  return urls;
 }
 
 bool LinkListing::Count(const ListedLink& link) {
@@ -93,12 +113,20 @@ bool LinkListing::Count(const ListedLink& link) {
 }
 
 bool LinkListing::IsMissing(const ListedLink& link) {
-  std::optional<bool> there;
-  for (const LinkCheck& check : options_.checks) {
-    if (link.target && !there) there = check.Has(*link.target);
+  if (!link.target) return false;
+  const std::string target = NormalizedLink(*link.target).toStdString();
+  std::size_t longest = 0;
+  bool there = false;
+  for (std::size_t i = 0; i < options_.checks.size(); ++i) {
+    const std::size_t covered = options_.checks[i].Covers(target).value_or(0);
+    if (covered == 0) continue;
+    ++covered_[i];
+    if (covered < longest) continue;
+    there = (there && covered == longest) || options_.checks[i].Has(target);
+    longest = covered;
   }
-  if (!there) return false;
+  if (longest == 0) return false;
   ++counts_.checked;
-  if (!*there) ++counts_.missing;
-  return !*there;
+  if (!there) ++counts_.missing;
+  return !there;
 }

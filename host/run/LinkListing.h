@@ -15,7 +15,7 @@ struct LinkListingOptions {
 
   Format format = Format::kTable;
   bool all = false;               // also links that are not relative
-  std::optional<QString> base;    // instead of the documents' own
+  std::optional<LinkBase> base;   // instead of the documents' own; an empty one: as if they had none
   std::vector<LinkCheck> checks;  // lists only the links whose files are missing in a folder
 };
 
@@ -43,9 +43,12 @@ class LinkListing : public FileQuery {
   void Take(std::size_t item, std::string_view result) override;
 
   const LinkCounts& Counts() const { return total_; }
+  // The URLs of `checks` that no link leads to, or below.
+  std::vector<QString> UrlsWithoutLinks() const;
 
  private:
   std::string Answer(PdfLibrary::Wrapper& library, const std::string& file);
+  std::string Formatted(const std::string& file, const ListedLink& link) const;
   // Counts the link; whether it is listed.
   bool Count(const ListedLink& link);
   bool IsMissing(const ListedLink& link);
@@ -54,4 +57,6 @@ class LinkListing : public FileQuery {
   LinkListingOptions options_;
   LinkCounts counts_;  // of the file in hand
   LinkCounts total_;
+  std::vector<std::size_t> covered_;  // the links below the URL of each check, in the file in hand
+  std::vector<std::size_t> totalCovered_;
 };

@@ -5,9 +5,9 @@
 
 namespace MemoryLimit {
 
-// From now on this process may take so many bytes more than it has; 0 sets no limit. Beyond it allocations fail as they
-// do when memory runs out, so that one monstrous file fails instead of bringing the machine to its knees. Does nothing
-// where the system does not say what the process has.
+// Limits this process to so many bytes more than it has now; 0 sets no limit. Further allocations fail as they do when
+// memory runs out, so that one huge file fails and the machine goes on. Does nothing where the system does not report
+// the process's memory.
 void Set(std::size_t bytes);
 
 }  // namespace MemoryLimit

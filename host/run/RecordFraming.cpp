@@ -52,12 +52,11 @@ RecordFraming::Fields RecordFraming::Parse(std::string_view buffer) {
 bool RecordFraming::Reader::Fill(int descriptor) {
   buffer_.erase(0, begin_);
   begin_ = 0;
-  char block[1 << 14];
   for (;;) {
-    const ssize_t count = read(descriptor, block, sizeof block);
+    const ssize_t count = read(descriptor, block_.data(), block_.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return false;
-    buffer_.append(block, static_cast<std::size_t>(count));
+    buffer_.append(block_.data(), static_cast<std::size_t>(count));
     return true;
   }
 }

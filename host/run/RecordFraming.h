@@ -24,6 +24,10 @@ class Reader {
   bool Next(Fields& fields);
 
  private:
+  // All that fits into a pipe: less at a time would hold up its writer.
+  static constexpr std::size_t kPipeSize = 64 * 1024;
+
+  std::vector<char> block_ = std::vector<char>(kPipeSize);
   std::string buffer_;
   std::size_t begin_ = 0;
 };

@@ -141,15 +141,15 @@ void ReportFile::Write() {
   pending_.clear();
 }
 
-// Each line by one write(), so that runs that append to one file do not tear each other's lines.
+// Whole lines by one write(), so that runs that append to one file do not tear each other's lines.
 bool ReportFile::WriteLines(std::string_view text) {
   while (!text.empty()) {
     if (!regular_ && !Interruption::WaitFor(lines_.Get(), POLLOUT, kGrace)) {
       errno = ETIMEDOUT;
       return false;
     }
-    const std::size_t line = text.find('\n') + 1;
-    const ssize_t count = write(lines_.Get(), text.data(), regular_ ? line : std::min(line, kPipeBlock));
+    const std::size_t most = regular_ ? text.size() : std::min(text.find('\n') + 1, kPipeBlock);
+    const ssize_t count = write(lines_.Get(), text.data(), most);
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     if (count < 0) return false;
     text.remove_prefix(static_cast<std::size_t>(count));

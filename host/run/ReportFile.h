@@ -16,10 +16,10 @@
 class ReportFile {
  public:
   // "-" means lines on the standard output. A name that ends in ".jsonl", or that is not a regular file, means lines;
-  // any other name means an array, and an empty one no report. `append` goes on with a report of lines, and several
-  // runs may do so at once: each line is appended whole, as far as the file system can (NFS cannot). Throws
-  // CommandError(kExitUsage) when the report cannot be written, or is to be replaced while another run writes it, and
-  // as Interruption::Check does, also while a named pipe has no reader.
+  // any other name means an array, and an empty one no report. `append` continues a report of lines. Several runs may
+  // do so at once: each line is appended whole, if the file system can do that (NFS cannot). Throws
+  // CommandError(kExitUsage) when the report cannot be written, or is to be replaced while another run writes it.
+  // Throws what Interruption::Check throws, also while a named pipe has no reader.
   ReportFile(const std::string& name, bool append);
 
   // Whether a report of that name consists of lines.
@@ -28,6 +28,7 @@ class ReportFile {
   void Protect(ProtectedFiles& files) const;
 
   bool IsWanted() const { return form_ != Form::kNone; }
+  bool IsOnStandardOutput() const { return name_ == "-"; }
   void Add(std::string_view json);
   // Writes out what was added, as far as the form allows.
   void Flush();

@@ -26,7 +26,7 @@ class Reader {
  public:
   explicit Reader(const std::function<void(const QJsonObject&, const QByteArray&)>& each) : each_(each) {}
 
-  // One record a line is how reports are written, so that even a long one is read in little memory.
+  // Reports have one record a line, so that even a long report is read in little memory.
   void ReadLines(QIODevice& device) {
     while (!device.atEnd()) {
       QByteArray line = device.readLine().trimmed();
@@ -47,7 +47,7 @@ class Reader {
     return document.isArray();
   }
 
-  // Whether that was a report: with records, empty, or with nothing but the line that a crash cut off.
+  // Whether that was a report: one with records, an empty one, or one with only a line that a crash cut off.
   bool HasLines() const { return any_ || first_.isEmpty(); }
   bool MayBeTorn() const { return first_ == "{"; }
   std::size_t Torn() const { return torn_; }

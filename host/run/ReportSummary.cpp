@@ -5,6 +5,7 @@
 #include <QJsonArray>
 
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/CsvText.h"
 #include "host/base/JsonText.h"
 #include "host/base/NamedInput.h"
@@ -88,7 +89,8 @@ void ReportSummary::Take(const QJsonObject& record) {
   file.status = status;
   file.output = Bytes(record.value(QLatin1String("output")));
   file.reason = Bytes(record.value(QLatin1String("reason")));
-  file.saveMode = Bytes(record.value(QLatin1String("way")));
+  const QLatin1String key(record.contains(QLatin1String("saveMode")) ? "saveMode" : "way");  // "way" in older reports
+  file.saveMode = Bytes(record.value(key));
   file.warnings.clear();
   for (const QJsonValue warning : record.value(QLatin1String("warnings")).toArray()) {
     file.warnings.push_back(Bytes(warning));
@@ -112,8 +114,8 @@ void ReportSummary::Finish() {
 }
 
 std::string ReportSummary::ToText() const {
-  std::string text = std::to_string(files_.size()) + " files in " + std::to_string(reports_) +
-                     (reports_ == 1 ? " report: " : " reports: ") + std::to_string(done_) + " done";
+  std::string text =
+      Counted(files_.size(), "file") + " in " + Counted(reports_, "report") + ": " + std::to_string(done_) + " done";
   const auto append = [&](std::size_t count, const char* what) {
     if (count > 0) text += ", " + std::to_string(count) + what;
   };
@@ -121,9 +123,9 @@ std::string ReportSummary::ToText() const {
   append(CountNames(failed_), " failed");
   append(skipped_, " skipped");
   append(wouldChange_, " would change");
-  append(wouldStay_, " would stay as they are");
+  append(wouldStay_, " would stay unchanged");
   append(missing_.size(), " in no report");
-  append(tornLines_, " cut off by a crash");
+  if (tornLines_ > 0) text += ", " + Counted(tornLines_, "line") + " cut off by a crash";
   text += '\n';
   AppendGroups(text, "failed", failed_);
   AppendGroups(text, "warnings", warnings_);
@@ -152,7 +154,7 @@ std::string ReportSummary::ToJson() const {
 }
 
 std::string ReportSummary::ToCsv() const {
-  std::string csv = "file,status,reason,output,way,attempts,warnings\r\n";
+  std::string csv = "file,status,reason,output,saveMode,attempts,warnings\r\n";
   for (const File& file : files_) {
     std::string warnings;
     for (const std::string& warning : file.warnings) warnings += (warnings.empty() ? "" : "; ") + warning;

@@ -18,7 +18,9 @@ class ReportSummary {
   // Expects the files of a list, and only counts those that no report names. Throws as NamedInput::ReadNames does.
   void Expect(const std::string& listFile);
 
-  bool IsAllDone() const { return failed_.empty() && missing_.empty(); }
+  // Whether there are lines that a crash cut off, and no record.
+  bool IsTornOnly() const { return files_.empty() && tornLines_ > 0; }
+  bool IsAllDone() const { return failed_.empty() && missing_.empty() && !IsTornOnly(); }
   // Completes the counts; call after the last report.
   void Finish();
 

@@ -45,12 +45,14 @@ class RunPlan {
   // The files to process are numbered from 0.
   std::size_t Count() const { return items_.size(); }
   PlannedFile File(std::size_t item) const;
+  // The folders below the output folder that results go to, without a slash at their ends; none in a dry run.
+  const std::unordered_set<std::string>& OutputFolders() const { return madeFolders_; }
   // The inputs that are not to be processed.
   const std::vector<FileRecord>& Settled() const { return settled_; }
   // How many the resumed run has done; there are records of them already.
   std::size_t DoneBefore() const { return doneBefore_; }
-  // How many the resumed run has done that are done again: because its report does not say by which job, because it was
-  // another job, and because they were changed since.
+  // How many files that the resumed run has done are done again, by reason: its report does not name the job, it was
+  // another job, the files were changed since.
   std::size_t DoneWithoutJob() const { return doneWithoutJob_; }
   std::size_t DoneOtherwise() const { return doneOtherwise_; }
   std::size_t ChangedSince() const { return changedSince_; }

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <chrono>
 
-// Measures time during which this process ran as it should. The process looks at it every kTick or so; when it comes
-// much later, the machine or the process was stopped, suspended or starved, and no more than one tick counts.
+// Measures the time during which this process really ran. The process calls Advance about every kTick. After a much
+// longer pause the machine or the process was stopped, suspended or starved, and only one tick counts.
 class RunningTime {
  public:
   using Clock = std::chrono::steady_clock;
@@ -13,7 +13,7 @@ class RunningTime {
 
   explicit RunningTime(Clock::time_point now) : last_(now) {}
 
-  // What has to be added to every time that runs, at least kTick after the call before, else 0.
+  // The time to add to every measured time: 0 until kTick has passed since the call before.
   Clock::duration Advance(Clock::time_point now) {
     const Clock::duration passed = now - last_;
     if (passed < kTick) return {};

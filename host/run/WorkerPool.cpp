@@ -9,6 +9,7 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Counted.h"
 #include "host/base/Interruption.h"
 
 namespace {
@@ -49,7 +50,7 @@ void WorkerPool::AnnounceStop() const {
   std::size_t held = 0;
   for (const WorkerProcess& worker : workers_) held += board_.HeldBy(worker.Id()).size();
   if (held == 0) return;
-  Console::Error(QStringLiteral("stopping, finishing %1 %2").arg(held).arg(held == 1 ? "file" : "files"));
+  Console::Error(QStringLiteral("stopping, finishing ") + QString::fromStdString(Counted(held, "file")));
 }
 
 void WorkerPool::Fork() {

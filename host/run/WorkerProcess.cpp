@@ -28,7 +28,7 @@ bool Send(int results, std::size_t item, std::string_view bytes) {
   return Console::WriteAll(results, message);
 }
 
-// What the PDF library of this project calls a file that is to become a document.
+// The names that the PDF library of this project gives its temporary files.
 bool IsTemporaryName(const std::string& path) {
   const std::string name = path.substr(path.rfind('/') + 1);  // npos + 1 is 0
   const auto ends = [&](std::string_view end) {
@@ -114,7 +114,7 @@ std::string WorkerProcess::Reap() {
   id_ = 0;
   for (const TemporaryFile& file : temporaryFiles_) {
     struct stat now = {};
-    // Not what another program has put there meanwhile.
+    // Leaves alone what another program has put there meanwhile.
     const bool same = lstat(file.name.c_str(), &now) == 0 && now.st_dev == file.device && now.st_ino == file.inode;
     if (same) unlink(file.name.c_str());
   }

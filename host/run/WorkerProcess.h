@@ -46,7 +46,7 @@ class WorkerProcess {
   // Kills it. Named temporary files that it is writing are removed when it has ended.
   void Kill(const std::string& why);
   bool Killed() const { return !whyKilled_.empty(); }
-  // Waits for it no longer: a device keeps even the system from ending it.
+  // Stops waiting for it: a device keeps even the system from ending it.
   void Abandon() { abandoned_ = true; }
   // Waits for its end. Returns why it was killed, or how it ended, as one clause.
   std::string Reap();

@@ -19,6 +19,6 @@ class WorkerTask {
   virtual void Take(std::size_t item, std::string_view result) = 0;
   // In the main process: the worker was lost while it held this item; `reason` is one clause.
   virtual void Lose(std::size_t item, const std::string& reason) = 0;
-  // In the main process, now and then: what was taken may be shown.
+  // In the main process, from time to time: may show what was taken so far.
   virtual void Flush() = 0;
 };

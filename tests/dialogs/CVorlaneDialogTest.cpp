@@ -73,19 +73,6 @@ TEST(CVorlaneDialog, TakesThemeAndPrefixFromTheNearestKnownAncestor) {
   }
 }
 
-TEST(CVorlaneDialog, TheGreyThemeIsTheBlueOneWithThreeColoursExchanged) {
-  QWidget host;
-  host.setObjectName("VorlaneClass");
-  QString expected = Child<QFrame>(FormDialog(&host, false), "VDmainFrame").styleSheet();
-  for (const auto& [from, to] : {std::make_pair("1px solid rgb(50,50,170)", "1px solid rgb(140,130,130)"),
-                                 std::make_pair("stop:0 rgba(70,90,160)", "stop:0 rgba(140,130,130)"),
-                                 std::make_pair("stop:1 rgba(40,60,90)", "stop:1 rgba(40,36,36)")}) {
-    EXPECT_EQ(expected.count(from), 1) << from;
-    expected.replace(from, to);
-  }
-  EXPECT_EQ(Child<QFrame>(FormDialog(nullptr, false), "VDmainFrame").styleSheet(), expected);
-}
-
 TEST(CVorlaneDialog, SizesItselfAroundTheForm) {
   const bool translucent = CUtils::CheckOpenGLSupport();
   const QSize full = translucent ? QSize(416, 351) : QSize(400, 335);
@@ -195,24 +182,6 @@ TEST(CVorlaneDialog, HeaderButtonsReachTheSubclassOnceAndTheCloseButtonRejects) 
     Child<QToolButton>(shown, "vorlaneHeaderCloseBtn").click();
   });
   EXPECT_EQ(dialog.exec(), QDialog::Rejected);
-}
-
-TEST(CVorlaneDialog, DragsByTheHeaderAndResizesOnlyWithoutAFixedSize) {
-  for (const bool fixedSize : {false, true}) {
-    FormDialog dialog(nullptr, fixedSize);
-    dialog.show();
-    const auto drag = [&dialog](QPoint from, QPoint by) {
-      QTest::mousePress(&dialog, Qt::LeftButton, {}, from);
-      QMouseEvent move(QEvent::MouseMove, from + by, dialog.mapToGlobal(from + by), Qt::NoButton, Qt::LeftButton, {});
-      QApplication::sendEvent(&dialog, &move);
-      QTest::mouseRelease(&dialog, Qt::LeftButton, {}, from);
-    };
-    const QRect before = dialog.geometry();
-    drag({60, 20}, {25, 15});
-    EXPECT_EQ(dialog.geometry(), before.translated(25, 15));
-    drag({dialog.width() - 2, 100}, {41, 0});
-    EXPECT_EQ(dialog.width(), before.width() + (fixedSize ? 0 : 40));
-  }
 }
 
 TEST(CVorlaneDialog, EveryTextIsTranslated) {

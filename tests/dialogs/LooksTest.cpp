@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the three dialogs look: at several text sizes, with a light and a dark palette, in every context. Runs without
+// How the dialogs look: at several text sizes, with a light and a dark palette, in every context. Runs without
 // OpenGL on the "offscreen" platform and with it on an X server.
 #include <gtest/gtest.h>
 
@@ -23,6 +23,8 @@
 namespace {
 
 struct Window {
+  const char* plugin;
+  const char* settingsDialog;
   const char* dialog;
   const char* button;  // of the settings dialog, that opens it
   QSize form;
@@ -31,9 +33,22 @@ struct Window {
 };
 
 constexpr Window kWindows[] = {
-    {"SetBaseURLPrefsDialog", nullptr, {400, 160}, 0, "lineEdit"},
-    {"saveAsActionlistDialog", "VDtoolbarAddToActionListButton", {400, 192}, 0, "actionListNameLineEdit"},
-    {"saveAsCollectionDialog", "VDtoolbarAddToCollectionsButton", {361, 201}, 236, "collectionNameLineEdit"},
+    {SETBASEURL_FILE, "SetBaseURLPrefsDialog", "SetBaseURLPrefsDialog", nullptr, {400, 160}, 0, "lineEdit"},
+    {MAKELINKSABSOLUTE_FILE, "MakeLinksAbsoluteDialog", "MakeLinksAbsoluteDialog", nullptr, {460, 170}, 0, "baseEdit"},
+    {SETBASEURL_FILE,
+     "SetBaseURLPrefsDialog",
+     "saveAsActionlistDialog",
+     "VDtoolbarAddToActionListButton",
+     {400, 192},
+     0,
+     "actionListNameLineEdit"},
+    {SETBASEURL_FILE,
+     "SetBaseURLPrefsDialog",
+     "saveAsCollectionDialog",
+     "VDtoolbarAddToCollectionsButton",
+     {361, 201},
+     236,
+     "collectionNameLineEdit"},
 };
 
 QPalette darkPalette() {
@@ -74,7 +89,7 @@ double contrast(const QImage& image) {
   return best;
 }
 
-// Where the widget's text is drawn on the dialog's own ground; empty for one that has a ground of its own, or none.
+// Where the widget draws text on the dialog's background; empty for a widget with its own background or without text.
 QRect textOf(const QWidget& widget) {
   if (const auto* group = qobject_cast<const QGroupBox*>(&widget)) return titleOf(*group);
   if (qobject_cast<const QRadioButton*>(&widget)) return widget.rect().adjusted(20, 0, 0, 0);
@@ -132,9 +147,6 @@ void expectEllipsis(QDialog& dialog) {
 
 TEST(Looks, EveryDialogShowsEverythingAtEveryTextSizeAndInEveryPalette) {
   CUtils::SetupFolders();
-  QPluginLoader loader(QStringLiteral(SETBASEURL_FILE));
-  auto* action = qobject_cast<CActionInterface*>(loader.instance());
-  ASSERT_NE(action, nullptr) << loader.errorString().toStdString();
   const QFont font = QApplication::font();
   const QPalette light = QApplication::palette();
   const int frame = CUtils::CheckOpenGLSupport() ? 51 : 35;
@@ -143,6 +155,9 @@ TEST(Looks, EveryDialogShowsEverythingAtEveryTextSizeAndInEveryPalette) {
     for (const bool dark : {false, true}) {
       QApplication::setPalette(dark ? darkPalette() : light);
       for (const Window& window : kWindows) {
+        QPluginLoader loader(QString::fromUtf8(window.plugin));
+        auto* action = qobject_cast<CActionInterface*>(loader.instance());
+        ASSERT_NE(action, nullptr) << loader.errorString().toStdString();
         for (const char* context : {"VorlaneClass", "VorlanePreviewClass", ""}) {
           SCOPED_TRACE(testing::Message() << percent << " % " << (dark ? "dark " : "light ") << window.dialog
                                           << " from '" << context << "'");
@@ -151,7 +166,7 @@ TEST(Looks, EveryDialogShowsEverythingAtEveryTextSizeAndInEveryPalette) {
           QMap<QString, QVariant> settings{{"baseUrlString", "https://example.org/"}};
           DialogLoadStruct info{};
           info.settings = &settings;
-          MeetDialog(kWindows[0].dialog, [&](QDialog& first) {
+          MeetDialog(window.settingsDialog, [&](QDialog& first) {
             MeetDialog(window.dialog, [&](QDialog& dialog) {
               EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
               const QSize stated(window.form.width(), std::max(window.form.height() + frame, window.leastHeight));

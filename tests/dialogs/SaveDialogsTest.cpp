@@ -17,8 +17,8 @@
 #include "dialogs/CSaveAsActionlistDialog.h"
 #include "dialogs/CSaveAsCollectionDialog.h"
 #include "tests/dialogs/MeetDialog.h"
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/CUtils.h"
 
 namespace {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <climits>
 #include <fstream>
-#include <memory>
 
 #include "tests/engine/EngineFixture.h"
 
@@ -37,7 +36,7 @@ TEST_F(ContractTest, DocumentsAreSelectedAndRemovedById) {
   EXPECT_EQ(library_.SelectDocument(first), 1);
   EXPECT_EQ(library_.GetBaseURL(), L"a");
   EXPECT_EQ(library_.GetDocumentFileName(), L"a.pdf");
-  EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadFile("a.pdf").size()));
+  EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadText("a.pdf").size()));
   EXPECT_EQ(library_.SelectDocument(second + 7), 0);
   EXPECT_EQ(library_.LastErrorCode(), kErrorNoDocument);
   EXPECT_EQ(library_.RemoveDocument(first), 1);
@@ -47,19 +46,6 @@ TEST_F(ContractTest, DocumentsAreSelectedAndRemovedById) {
   EXPECT_EQ(library_.RemoveDocument(second), 1);
   EXPECT_EQ(library_.GetBaseURL(), L"");
   EXPECT_EQ(library_.LastErrorCode(), kErrorNoDocument);
-}
-
-TEST_F(ContractTest, InstancesShareNothing) {
-  const HalvexPDFLibraryCPDylibCPP1311 unused(Wide(HALVEXENGINE_FILE));
-  auto other = std::make_unique<HalvexPDFLibraryCPDylibCPP1311>(Wide(HALVEXENGINE_FILE));
-  ASSERT_EQ(library_.NewDocument(), 1);
-  EXPECT_EQ(other->DocumentCount(), 0);
-  EXPECT_EQ(other->SetBaseURL(L"x"), 0);
-  EXPECT_EQ(other->LastErrorCode(), kErrorNoDocument);
-  EXPECT_EQ(library_.LastErrorCode(), kErrorNone);
-  other.reset();
-  EXPECT_EQ(library_.SetBaseURL(L"x"), 1);
-  EXPECT_EQ(library_.GetBaseURL(), L"x");
 }
 
 TEST_F(ContractTest, BuffersAreCheckedOnEveryUse) {
@@ -113,7 +99,7 @@ TEST_F(ContractTest, BuffersAreCheckedOnEveryUse) {
   dlclose(handle);
 }
 
-TEST_F(ContractTest, LoadErrorsAreTold) {
+TEST_F(ContractTest, LoadErrorsAreReported) {
   const std::string plain = PlainPdf().Bytes();
   WriteFile("text.pdf", "no document at all");
   WriteFile("empty.pdf", "");
@@ -143,7 +129,7 @@ TEST_F(ContractTest, LoadErrorsAreTold) {
   EXPECT_EQ(library_.LastErrorCode(), kErrorNotPdf) << "the release of the byte buffer left it alone";
 }
 
-TEST_F(ContractTest, PagesAndEncryptionAreTold) {
+TEST_F(ContractTest, PagesAndEncryptionAreReported) {
   ASSERT_TRUE(Load("plain.pdf", PlainPdf{"", "/Rotate -90", "", {}}.Bytes()));
   EXPECT_EQ(library_.PageCount(), 1);
   EXPECT_EQ(library_.PageWidth(), 200);
@@ -201,9 +187,9 @@ TEST_F(ContractTest, RepeatedCallsDoNotGrowTheProcess) {
       library_.GetBaseURL();
     }
   };
-  repeat(1000);
+  // An address sanitizer holds 256 MB of what was freed before it gives any of it back.
+  repeat(5000);
   const long before = ResidentKilobytes();
-  repeat(20000);
-  // 1200 MB pass through; an address sanitizer holds 256 MB of what was freed.
-  EXPECT_LT(ResidentKilobytes() - before, 400 * 1024);
+  repeat(5000);
+  EXPECT_LT(ResidentKilobytes() - before, 100 * 1024);  // 300 MB pass through
 }

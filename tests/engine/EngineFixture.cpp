@@ -11,6 +11,10 @@ std::string Narrow(const std::wstring& ascii) {
   return text;
 }
 
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
 EngineFixture::EngineFixture() : library_(Wide(HALVEXENGINE_FILE)) {
   EXPECT_TRUE(library_.LibraryLoaded());
 }

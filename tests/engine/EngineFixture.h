@@ -7,13 +7,14 @@
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "pdflib/LibraryErrorCodes.h"
-#include "tests/engine/PlainPdf.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/support/Files.h"
+#include "tests/support/PdfFile.h"
 
 std::wstring Wide(const std::string& ascii);
 std::string Narrow(const std::wstring& ascii);
+bool StartsWith(const std::string& text, const std::string& start);
 
-// The engine as a host sees it: the built file behind the wrapper, in a folder of the test's own.
+// The engine as a host sees it: the built file, through the wrapper.
 class EngineFixture : public testing::Test {
  protected:
   EngineFixture();

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "pdflib/LibraryAnnotationTags.h"
+#include "pdflib/LibraryInformationKeys.h"
 #include "tests/engine/EngineFixture.h"
 #include "utils/DocumentLinks.h"
 
@@ -42,11 +43,17 @@ const Case kCases[] = {
      {"",
       "/Annots [ << /A << /S /URI /URI (caf\\351 \\240) >> >> << /A << /S /URI /URI <FEFF0063> >> >> "
       "<< /A << /S /URI /URI <FFFE6300> >> >> << /A << /S /URI /URI <EFBBBFC3A9> >> >> "
-      "<< /A << /S /URI /URI (\xC3\xA9\\(\\)) >> >> << /A << /S /URI /URI <6> >> >> << /A << /S /URI >> >> "
-      "<< /A << /S /URI /URI 5 >> >> ]",
+      "<< /A << /S /URI /URI (\xC3\xA9\\(\\)) >> >> << /A << /S /URI /URI <6> >> >> << /A << /S /URI /URI () >> >> ]",
       "",
       {}},
-     "a1 caf\xC3\xA9 \xE2\x82\xAC\na1 c\na1 c\na1 \xC3\xA9\na1 \xC3\xA9()\na1 `\na1 \na1 \n"},
+     "a1 caf\xC3\xA9 \xE2\x82\xAC\na1 c\na1 c\na1 \xC3\xA9\na1 \xC3\xA9()\na1 `\na1 \n"},
+    {"URIs that are no strings",
+     {"",
+      "/Annots [ << /A << /S /URI >> >> << /A << /S /URI /URI 5 >> >> << /A << /S /URI /URI /x >> >> "
+      "<< /A << /S /URI /URI 4 0 R >> >> << /A << /S /URI /URI 9 0 R >> >> << /A << /S /URI /URI (x) >> >> ]",
+      "",
+      {"[ (y) ]"}},
+     "a1 x\n"},
     {"additional actions",
      {"",
       "/Annots [ << /AA << /E << /S /URI /URI (e) >> /U 4 0 R >> >> "
@@ -130,7 +137,7 @@ TEST_F(LinksTest, AreTheSameForBothReadersInSamples) {
     SCOPED_TRACE(file);
     const std::string own = LinksOf(file, password);
     links += static_cast<int>(std::count(own.begin(), own.end(), '\n'));
-    WriteForParser("parser.pdf", ReadFile(file));
+    WriteForParser("parser.pdf", ReadText(file));
     EXPECT_EQ(LinksOf("parser.pdf", password), own);
   }
   EXPECT_GT(links, 0);
@@ -178,6 +185,29 @@ TEST_F(LinksTest, HaveConsecutiveActionsUpToOneThatIsNone) {
   }
 }
 
+TEST_F(LinksTest, HaveAllActionsOfAChainEachOnce) {
+  constexpr int kActions = 3000;  // each leads to the next one, and to an array of all
+  PlainPdf pdf{"", "/Annots [ << /A 5 0 R >> << /A 6 0 R >> ]", "", {"["}};
+  for (int number = 5; number < 5 + kActions; ++number) {
+    pdf.more[0] += ' ' + std::to_string(number) + " 0 R";
+    pdf.more.push_back("<< /S /URI /URI (x) /Next " + std::string(number % 2 == 0 ? "4 0 R >>" : "[ ") +
+                       (number % 2 == 0 ? "" : std::to_string(number + 1) + " 0 R 4 0 R ] >>"));
+  }
+  pdf.more[0] += " ]";
+  ASSERT_TRUE(Load("a.pdf", pdf.Bytes()));
+  const std::string links = Dump(library_);
+  EXPECT_EQ(std::count(links.begin(), links.end(), '\n'), 2 * kActions);
+}
+
+TEST_F(LinksTest, WithoutAUriAreReportedAndCanBeSet) {
+  ASSERT_TRUE(Load("a.pdf", PlainPdf{"", "/Annots [ << /A << /S /URI /URI 5 >> >> ]", "", {}}.Bytes()));
+  const int action = library_.GetAnnotActionID(1);
+  EXPECT_EQ(library_.GetActionURL(action), L"");
+  EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
+  EXPECT_EQ(library_.SetActionURL(action, L"x"), 1);
+  EXPECT_EQ(Dump(library_), "a1 x\n");
+}
+
 TEST_F(LinksTest, AreSetInEveryFormOfFile) {
   const struct {
     const char* make;
@@ -206,21 +236,34 @@ TEST_F(LinksTest, AreSetInEveryFormOfFile) {
       if (Sound("source.pdf", "--password=user")) {
         EXPECT_TRUE(Sound("changed.pdf", "--password=user"));
       }
-      const std::string source = ReadFile("source.pdf");
-      EXPECT_EQ(ReadFile("changed.pdf").substr(0, source.size()), source);
+      const std::string source = ReadText("source.pdf");
+      EXPECT_EQ(ReadText("changed.pdf").substr(0, source.size()), source);
       library_.RemoveDocument(library_.SelectedDocument());
     }
   }
 }
 
-TEST_F(LinksTest, SetBackAreNoChange) {
+// What viewers read differently, in UTF-16 or PDFDocEncoding, becomes ASCII although the text is the same.
+TEST_F(LinksTest, SetToTheBytesOfTheFileAreNoChange) {
   WriteFile("source.pdf", kCases[2].pdf.Bytes());
   ASSERT_EQ(library_.LoadFromFile(L"source.pdf", L""), 1);
-  const int action = library_.GetAnnotActionID(2);
-  EXPECT_EQ(library_.SetActionURL(action, L"other"), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"incremental");
-  EXPECT_EQ(library_.SetActionURL(action, L"c"), 1);
-  EXPECT_EQ(library_.GetInformation(1000), L"unchanged");
+  const struct {
+    int annotation;
+    const wchar_t* uri;
+    std::wstring bytes;
+    const wchar_t* mode;
+  } rows[] = {{6, L"`", L"`", L"unchanged"},
+              {7, L"", L"", L"unchanged"},
+              {2, L"c", {L"\u00FE\u00FF\0c", 4}, L"incremental"},
+              {1, L"caf\u00E9 \u20AC", L"caf\u00E9 \u00A0", L"incremental"}};
+  for (const auto& row : rows) {
+    const int action = library_.GetAnnotActionID(row.annotation);
+    EXPECT_EQ(library_.GetActionURL(action), row.uri);
+    EXPECT_EQ(library_.GetInformation(kInformationActionUriBytes + action), row.bytes) << row.annotation;
+    EXPECT_EQ(library_.SetActionURL(action, L"other"), 1);
+    EXPECT_EQ(library_.SetActionURL(action, row.uri), 1);
+    EXPECT_EQ(library_.GetInformation(kInformationSaveMode), row.mode) << row.annotation;
+  }
 }
 
 TEST_F(LinksTest, AndBaseUrlShareTheCatalog) {

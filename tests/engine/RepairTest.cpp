@@ -6,37 +6,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cctype>
-#include <fstream>
-#include <ostream>
-#include <sstream>
-#include <vector>
-
 #include "tests/engine/EngineFixture.h"
+#include "tests/engine/SampleFile.h"
 
 namespace {
 
 constexpr wchar_t kUrl[] = L"https://example.org/";
-
-struct DamagedFile {
-  std::string name;
-  std::string mode;
-  std::string password;
-
-  std::string Path() const { return DAMAGED_FILES "/" + name + ".pdf"; }
-  static std::vector<DamagedFile> All() {
-    std::vector<DamagedFile> files;
-    std::ifstream table(DAMAGED_FILES "/damaged.tsv");
-    for (DamagedFile file; table >> file.name >> file.mode >> file.password;) {
-      if (file.password == "-") file.password.clear();
-      files.push_back(file);
-    }
-    return files;
-  }
-
-  friend std::ostream& operator<<(std::ostream& out, const DamagedFile& file) { return out << file.name; }
-};
 
 // What another reader makes of a file; empty when it reads no page.
 struct Readings {
@@ -54,38 +29,31 @@ struct Readings {
   }
 };
 
-bool StartsWith(const std::string& text, const std::string& start) {
-  return text.compare(0, start.size(), start) == 0;
-}
-
-class DamagedFileTest : public EngineFixture, public testing::WithParamInterface<DamagedFile> {};
+class DamagedFileTest : public EngineFixture, public testing::WithParamInterface<SampleFile> {};
 using RepairTest = EngineFixture;
 
 std::string Damaged(const std::string& name) {
-  return ReadFile(DAMAGED_FILES "/" + name + ".pdf");
+  return ReadText(DAMAGED_FILES "/" + name + ".pdf");
 }
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::ValuesIn(DamagedFile::All()), [](const auto& file) {
-  std::string name = file.param.name;
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !std::isalnum(c); }, '_');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Files, DamagedFileTest, testing::ValuesIn(SampleFile::All(DAMAGED_FILES)),
+                         [](const auto& file) { return file.param.CaseName(); });
 
 TEST_P(DamagedFileTest, LosesNothing) {
-  const DamagedFile& file = GetParam();
-  const Readings before = Readings::Of(file.Path(), file.password);
-  ASSERT_EQ(library_.LoadFromFile(Wide(file.Path()), Wide(file.password)), 1) << library_.LastErrorCode();
+  const SampleFile& file = GetParam();
+  const std::string password = file.detail == "-" ? "" : file.detail;
+  const Readings before = Readings::Of(file.Path(), password);
+  ASSERT_EQ(library_.LoadFromFile(Wide(file.Path()), Wide(password)), 1) << library_.LastErrorCode();
   EXPECT_EQ(library_.PageCount(), 1);
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
-  EXPECT_EQ(Narrow(library_.GetInformation(1000)), file.mode);
+  EXPECT_EQ(Narrow(library_.GetInformation(1000)), file.kind);
   ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
-  EXPECT_EQ(Narrow(library_.GetInformation(1004)), file.mode);
-  EXPECT_EQ(StartsWith(ReadFile("out.pdf"), ReadFile(file.Path())), file.mode == "incremental");
+  EXPECT_EQ(Narrow(library_.GetInformation(1004)), file.kind);
+  EXPECT_EQ(StartsWith(ReadText("out.pdf"), ReadText(file.Path())), file.kind == "incremental");
 
-  const Readings after = Readings::Of("out.pdf", file.password);
+  const Readings after = Readings::Of("out.pdf", password);
   EXPECT_TRUE(before.poppler.empty() || after.poppler == before.poppler);
   EXPECT_TRUE(before.mutool.find("Hello") == std::string::npos || after.mutool == before.mutool);
   EXPECT_TRUE(before.qpdf != "1\n" || after.qpdf == before.qpdf);
@@ -97,7 +65,7 @@ TEST_P(DamagedFileTest, LosesNothing) {
     EXPECT_NE(RunTool("mutool show out.pdf trailer/Root/URI/Base 2>&1").output.find("example.org"), std::string::npos);
   }
 
-  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", Wide(file.password)), 1);
+  ASSERT_EQ(library_.LoadFromFile(L"out.pdf", Wide(password)), 1);
   EXPECT_EQ(library_.GetBaseURL(), kUrl);
   EXPECT_EQ(library_.PageCount(), 1);
 }
@@ -110,7 +78,7 @@ TEST_F(RepairTest, KeepsWhatIsInEncryptedObjectStreams) {
                   .status,
               3);
     const std::string junk(2048, '\xFE');
-    ASSERT_TRUE(Load("damaged.pdf", ReadFile("sound.pdf") + junk, L"u")) << library_.LastErrorCode();
+    ASSERT_TRUE(Load("damaged.pdf", ReadText("sound.pdf") + junk, L"u")) << library_.LastErrorCode();
     ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
     ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
     EXPECT_EQ(library_.GetInformation(1004), L"incremental");
@@ -126,14 +94,14 @@ TEST_F(RepairTest, NumberSignsInNamesSurviveARewrite) {
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
   ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
   EXPECT_EQ(library_.GetInformation(1004), L"rewrite");
-  EXPECT_NE(ReadFile("out.pdf").find("/C#2341"), std::string::npos);
+  EXPECT_NE(ReadText("out.pdf").find("/C#2341"), std::string::npos);
 }
 
 TEST_F(RepairTest, NoKeysAreMadeUp) {
   ASSERT_TRUE(Load("source.pdf", Damaged("catalog-key-missing")));
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
   ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
-  EXPECT_EQ(ReadFile("out.pdf").find("QPDFFake"), std::string::npos);
+  EXPECT_EQ(ReadText("out.pdf").find("QPDFFake"), std::string::npos);
 }
 
 TEST_F(RepairTest, FindsSignaturesWhereverTheyAre) {
@@ -154,9 +122,7 @@ TEST_F(RepairTest, FindsSignaturesWhereverTheyAre) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.where);
-    std::string bytes = row.file.Bytes();
-    bytes.insert(bytes.rfind("startxref\n") + 10, "9");
-    ASSERT_TRUE(Load("damaged.pdf", bytes));
+    ASSERT_TRUE(Load("damaged.pdf", WithBrokenXref(row.file.Bytes())));
     EXPECT_EQ(library_.GetInformation(1002), row.count);
   }
 }
@@ -178,7 +144,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
     const char* what;
     std::string bytes;
   } rows[] = {
-      {"encrypted in parts", plain + ReadFile("encrypted.pdf") + std::string(2048, ' ')},
+      {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
       {"two documents", plain + plain},
       {"an object stream", unreadable},
       {"an object stream with a filter of no standard", unknown},
@@ -233,9 +199,7 @@ TEST_F(RepairTest, NumbersInMasseTakeLimitedMemory) {
   for (int i = 0; i < 7000000; ++i) numbers += "1 ";
   PlainPdf large;
   large.catalogEntries = numbers + "]";
-  std::string bytes = large.Bytes();
-  bytes.insert(bytes.rfind("startxref\n") + 10, "9");
-  WriteFile("large.pdf", bytes);
+  WriteFile("large.pdf", WithBrokenXref(large.Bytes()));
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) _exit(library_.LoadFromFile(L"large.pdf", L"") == 0 ? library_.LastErrorCode() : 0);

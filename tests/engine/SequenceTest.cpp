@@ -41,9 +41,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
     WriteFile("plain.pdf", plain.Bytes());
     ASSERT_EQ(RunTool("qpdf --object-streams=generate plain.pdf streams.pdf").status, 0);
     ASSERT_EQ(RunTool("qpdf --encrypt u o 256 -- plain.pdf encrypted.pdf").status, 0);
-    std::string damaged = plain.Bytes();
-    damaged.insert(damaged.rfind("startxref\n") + 10, "9");
-    WriteFile("damaged.pdf", damaged);
+    WriteFile("damaged.pdf", WithBrokenXref(plain.Bytes()));
     for (const wchar_t* const path : {L"plain.pdf", L"streams.pdf", L"encrypted.pdf", L"damaged.pdf"}) {
       models_.push_back({0, path, path[0] == L'e' ? L"u" : L"", values, values, L"", path[0] == L'd'});
       Load();
@@ -95,7 +93,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
         EXPECT_EQ(library_.GetInformation(1004), model.lastSaved);
         break;
       case 2:
-        EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadFile(Narrow(model.path)).size()));
+        EXPECT_EQ(library_.GetDocumentFileSize(), static_cast<int>(ReadText(Narrow(model.path)).size()));
         break;
       case 3:
         EXPECT_EQ(library_.GetBaseURL(), model.now.url);
@@ -117,6 +115,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
   void ExpectSaved(const std::string& bytes) {
     Model& model = Current();
     model.lastSaved = model.Mode();
+    EXPECT_TRUE(model.lastSaved != L"unchanged" || bytes == ReadText(Narrow(model.path)));
     EXPECT_EQ(library_.GetInformation(1004), model.lastSaved);
     HalvexPDFLibraryCPDylibCPP1311 other(Wide(HALVEXENGINE_FILE));
     ASSERT_EQ(other.LoadFromString(bytes, model.password), 1);
@@ -127,9 +126,9 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
 
   void SaveInPlace() {
     Model& model = Current();
-    const std::string before = ReadFile(Narrow(model.path));
+    const std::string before = ReadText(Narrow(model.path));
     ASSERT_EQ(library_.SaveToFile(model.path), 1) << library_.LastErrorCode();
-    const std::string after = ReadFile(Narrow(model.path));
+    const std::string after = ReadText(Narrow(model.path));
     EXPECT_EQ(after.substr(0, before.size()), before);
     ExpectSaved(after);
     model.damaged = model.damaged && model.now == model.inFile;
@@ -138,7 +137,7 @@ class SequenceTest : public EngineFixture, public testing::WithParamInterface<un
 
   void SaveElsewhere() {
     ASSERT_EQ(library_.SaveToFile(L"elsewhere.pdf"), 1) << library_.LastErrorCode();
-    ExpectSaved(ReadFile("elsewhere.pdf"));
+    ExpectSaved(ReadText("elsewhere.pdf"));
   }
 
   void Step() {

@@ -101,16 +101,6 @@ TEST_F(SupportTest, ReadmeAndTableNameExactlyWhatIsSupported) {
   EXPECT_EQ(supported, DocumentedInTable());
 }
 
-TEST_F(SupportTest, ExportsAreTheLibraryFunctionsOnly) {
-  std::set<std::string> expected(std::begin(kLibraryFunctionNames), std::end(kLibraryFunctionNames));
-  std::set<std::string> exported;
-  const std::string listing = RunTool("nm -D --defined-only --format=posix " HALVEXENGINE_FILE).output;
-  for (std::size_t start = 0; start < listing.size(); start = listing.find('\n', start) + 1) {
-    exported.insert(listing.substr(start, listing.find(' ', start) - start));
-  }
-  EXPECT_EQ(exported, expected);
-}
-
 TEST_F(SupportTest, RefusedCallsConsumeTheirWideBuffersOnly) {
   const auto create = Function<void* (*)(int, int)>("HPLCreateBuffer");
   const auto add = Function<int (*)(int, void*, const void*, int)>("HPLAddToBuffer");

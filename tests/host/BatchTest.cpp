@@ -10,7 +10,7 @@
 #include <QJsonArray>
 
 #include "host/base/NativeName.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::HasSubstr;
 

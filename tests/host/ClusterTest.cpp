@@ -21,7 +21,7 @@
 #include "host/run/ReportFile.h"
 #include "host/run/ReportReader.h"
 #include "host/run/ResumedReport.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::ElementsAre;
 
@@ -117,7 +117,7 @@ TEST(Reports, SeveralRunsWriteOneReport) {
 TEST(Reports, AreMergedByTheLastRecordOfEachFile) {
   WriteFile("one.jsonl", Record("a", "failed", ",\"reason\":\"bad\"") + '\n' +
                              Record("b", "done", ",\"way\":\"unchanged\",\"warnings\":[\"odd\"]") + '\n' +
-                             Record("a", "done") + '\n' + Record("a", "skipped") + '\n');
+                             Record("a", "done", ",\"saveMode\":\"rewrite\"") + '\n' + Record("a", "skipped") + '\n');
   WriteFile("two.json", "[\n" + Record("c,\\udcff", "failed", ",\"reason\":\"bad \\\"x\\\"\"") + ",\n" +
                             Record("d", "skipped", ",\"warnings\":[\"odd\"]") + "\n]\n");
   WriteFile("all.txt", "a\nb\nc,\xFF\nd\ne\ne\n");
@@ -132,14 +132,18 @@ TEST(Reports, AreMergedByTheLastRecordOfEachFile) {
   EXPECT_EQ(object["failures"][0]["files"][0].toString(), QStringLiteral("c,") + QChar(0xDCFF));
   EXPECT_EQ(object["missingFiles"][0].toString(), "e");
   const ProgramResult csv = RunProgram({"report", "--csv", "--files-from", "all.txt", "one.jsonl", "two.json"});
-  EXPECT_THAT(csv.out.split('\n').mid(1), ElementsAre("a,done,,o,,2,\r", "b,done,,o,unchanged,1,odd\r",
+  EXPECT_THAT(csv.out.split('\n').mid(1), ElementsAre("a,done,,o,rewrite,2,\r", "b,done,,o,unchanged,1,odd\r",
                                                       "\"c,\xFF\",failed,\"bad \"\"x\"\"\",o,,1,\r",
                                                       "d,skipped,,o,,1,odd\r", "e,missing,,,,0,\r", ""));
   EXPECT_EQ(RunProgram({"report", "one.jsonl"}).code, 0);
+  const ProgramResult torn = RunProgram({"report", "-"}, Record("a", "done").left(20));
+  EXPECT_EQ(torn.code, 1);
+  EXPECT_EQ(torn.out, "0 files in 1 report: 0 done, 1 line cut off by a crash\n");
+  EXPECT_TRUE(torn.err.contains("No record is whole"));
   EXPECT_EQ(RunProgram({"report", "-"}, Record("a", "done") + '\n').code, 0);
   WriteFile("no-report", "%PDF");
-  for (const QStringList& wrong :
-       {QStringList{"missing"}, QStringList{"no-report"}, QStringList{}, QStringList{"--json", "--csv", "one.jsonl"}}) {
+  for (const QStringList& wrong : {QStringList{"missing"}, QStringList{"no-report"}, QStringList{},
+                                   QStringList{"--json", "--csv", "one.jsonl"}, QStringList{"-", "-"}}) {
     EXPECT_EQ(RunProgram(QStringList{"report"} + wrong).code, 2) << wrong.join(' ').toStdString();
   }
 }
@@ -183,6 +187,9 @@ TEST(Parts, AreListsThatReplaceNothing) {
   EXPECT_THAT(QDir().entryList({"q*"}), ElementsAre());
   EXPECT_EQ(RunProgram(into + QStringList{"out", "a.pdf", "in/below/b.pdf"}).code, 0);
   EXPECT_EQ(ReadFile("q0001.part"), "a.pdf\n");
+  const ProgramResult many = RunProgram({"split", "3", "--prefix", "m", "a.pdf"});
+  EXPECT_EQ(many.code, 0);
+  EXPECT_EQ(many.err, "vorlane-run: There are more parts than files (3 parts, 1 file): the last ones are empty.\n");
   for (const QStringList& wrong : {QStringList{"0", "a.pdf"}, QStringList{"x", "a.pdf"}, QStringList{"2"}}) {
     EXPECT_EQ(RunProgram(QStringList{"split"} + wrong).code, 2) << wrong.join(' ').toStdString();
   }
@@ -215,7 +222,18 @@ TEST(Leftovers, OldOnesThatNobodyHoldsAreRemoved) {
   EXPECT_EQ(removed, "in/.vorlane-0123456789abcdef.tmp\n");
   EXPECT_EQ(RunProgram({"clean", "--recursive", "in"}).out, "");
   const ProgramResult told = RunProgram(ProbeRun({"--in-place", "--recursive", "in"}));
-  EXPECT_TRUE(told.err.contains("in the folders: 3")) << told.err.toStdString();
+  EXPECT_TRUE(
+      told.err.contains(" in/.vorlane-1111111111111111.tmp, in/.vorlane-2222222222222222.tmp, "
+                        "in/below/.vorlane-0123456789abcdef.tmp. "))
+      << told.err.toStdString();
+  // Those in the folders of named files and of outputs too.
+  const QByteArray inOut = "out/.vorlane-0123456789abcdef.tmp";
+  QDir().mkdir("out");
+  WriteFile(inOut, "x");
+  for (const QStringList& output : {QStringList{"-d", "out"}, QStringList{"-o", "out/o.pdf"}}) {
+    EXPECT_TRUE(RunProgram(ProbeRun(output + QStringList{"a.pdf"})).err.contains(" runs: " + inOut));
+  }
+  EXPECT_TRUE(RunProgram(ProbeRun({"--in-place", "out/o.pdf"})).err.contains(" runs: " + inOut));
   removed.clear();
   LeftoverFiles::Remove("in", true, std::time(nullptr) + 1000, each);
   EXPECT_EQ(removed, "in/below/.vorlane-0123456789abcdef.tmp\n");

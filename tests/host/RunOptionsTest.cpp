@@ -6,12 +6,11 @@
 #include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::HasSubstr;
 
@@ -20,7 +19,7 @@ namespace {
 const QByteArray kOld = MakePdf("/URI<</Base(http://old/)>>");
 const QByteArray kNew = MakePdf("/URI<</Base(http://new/)>>");
 const QByteArray kNone = MakePdf();
-// Its catalog stands in the trailer, where no update can change it.
+// Its catalog is in the trailer, where no update can change it.
 const QByteArray kRewritten = MakePdf().replace("/Root 1 0 R", "/Root<</Type/Catalog/Pages 2 0 R>>");
 
 QStringList Names(const QString& folder = ".") {
@@ -50,7 +49,7 @@ TEST(DryRun, SaysWhatTheRunDoesAndWritesNothing) {
     const ProgramResult dry = RunProgram(run + QStringList{"--dry-run"});
     EXPECT_EQ(dry.code, 1);
     EXPECT_THAT(dry.err.toStdString(),
-                HasSubstr("dry run, nothing was saved: 4 would change, 1 would stay as they are, 2 failed"));
+                HasSubstr("dry run, nothing was saved: 4 would change, 1 would stay unchanged, 2 failed"));
     EXPECT_FALSE(QFile::exists("new"));
     EXPECT_EQ(Names("in").size(), 7);
     for (const auto& [name, content] : files) EXPECT_EQ(ReadFile(QString("in/") + name), content) << name;
@@ -70,12 +69,34 @@ TEST(DryRun, SaysWhatTheRunDoesAndWritesNothing) {
     EXPECT_EQ(before, after) << output.join(' ').toStdString();
     EXPECT_EQ(after["in/c2.pdf"]["certification"].toInt(), 2);
     EXPECT_EQ(after["in/signed.pdf"]["signatures"].toInt(), 1);
-    EXPECT_EQ(after["in/old.pdf"]["way"].toString(), "rewrite");
+    EXPECT_EQ(after["in/old.pdf"]["saveMode"].toString(), "rewrite");
     for (const auto& [name, content] : files) {
       QFile::remove(QString("in/") + name + '~');
       WriteFile(QString("in/") + name, content);
     }
   }
+}
+
+TEST(DryRun, ListsWhatWouldBecomeOfEachFile) {
+  WriteFile("a.pdf", kOld);
+  WriteFile("b.pdf", kNew);
+  WriteFile("c.pdf", MakeSignedPdf(2));
+  WriteFile("d.pdf", "text");
+  QDir().mkdir("out");
+  WriteFile("out/b.pdf", kOld);
+  const QStringList files{"a.pdf", "b.pdf", "c.pdf", "d.pdf", "./a.pdf"};
+  const QStringList inPlace = ProbeRun({"--dry-run", "--jobs", "1", "--in-place", "--backup", "~"}) + files;
+  const ProgramResult result = RunProgram(inPlace);
+  EXPECT_EQ(result.out,
+            "./a.pdf: skipped: the same file as a.pdf\n"
+            "a.pdf: http://old/ -> http://new/ (incremental, backup a.pdf~)\n"
+            "b.pdf: http://new/ (unchanged)\n"
+            "c.pdf: no base URL -> http://new/ (incremental, backup c.pdf~)\n"
+            "  warning: its certification permits only filling in forms: validators may report the change\n");
+  EXPECT_EQ(result.err.count('\n'), 3) << result.err.toStdString();  // a setting's warning, d.pdf, the closing line
+  EXPECT_EQ(RunProgram(inPlace + QStringList{"--quiet"}).out, "");
+  EXPECT_THAT(RunProgram(ProbeRun({"--dry-run", "--jobs", "1", "-d", "out", "a.pdf", "b.pdf"})).out.toStdString(),
+              testing::AllOf(HasSubstr("(incremental, to out/a.pdf)"), HasSubstr("(unchanged, replaces out/b.pdf)")));
 }
 
 TEST(RunOptions, WhatCannotBeIsCode2AndTouchesNothing) {
@@ -86,7 +107,13 @@ TEST(RunOptions, WhatCannotBeIsCode2AndTouchesNothing) {
       {{"--in-place", "--backup", ""}, "needs a name"},
       {{"--in-place", "--backup", "/x"}, "'/'"},
       {{"--in-place", "--backup", "-old.PDF"}, ".pdf"},
-      {{"--in-place", "--only-if", ""}, "needs a name"},
+      {{"--in-place", "--only-if", ""}, "takes none, differs or a URL"},
+      {{"--in-place", "--only-if", "differ"}, "Did you mean 'differs'?"},
+      {{"-o", "r.jsonl"}, "use '--force'"},
+      {{"-o", "r.jsonl", "--dry-run"}, "use '--force'"},
+      {{"-o", "a.pdf", "--force"}, "is the input"},
+      {{"-o", "."}, "is a folder"},
+      {{"-d", "o", "--force"}, "needs '--output'"},
       {{"--in-place", "--report", "r.csv"}, "report --csv"},
       {{"--output-dir", "a.pdf/o", "--dry-run"}, "output folder"},
       {{"--in-place", "--dry-run", "--report", "r.jsonl", "--resume", "./r.jsonl"}, "dry run"}};
@@ -115,13 +142,33 @@ TEST(OnlyIf, ChoosesByWhatTheFilesHold) {
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(Statuses(result.out).join(' '), statuses) << condition;
     EXPECT_EQ(ReadReport(result.out)["in/b.pdf"]["reason"].toString(), condition == QByteArray("differs")
-                                                                           ? "its base URL is 'http://new/' already"
+                                                                           ? "the actions change nothing in it"
                                                                            : "its base URL is 'http://new/'");
     // Thousands of files may be left out.
     EXPECT_EQ(result.err.count(".pdf"), 0) << result.err.toStdString();
     EXPECT_EQ(BaseUrlOf("in/c.pdf"), QByteArray(statuses).endsWith("done") ? "http://new/" : "http://old/");
     EXPECT_EQ(ReadFile("in/b.pdf"), kNew);
   }
+}
+
+TEST(OnlyIf, DiffersIsAboutAllThatTheActionsChange) {
+  const QByteArray link = "/Annots[<</Type/Annot/Subtype/Link/Rect[0 0 9 9]/A<</S/URI/URI(a.html)>>>>]";
+  WriteFile("links.pdf", MakePdf({}, {}, link));
+  WriteFile("none.pdf", kNone);
+  const ProgramResult result = RunProgram({"make-links-absolute", "--set", "base=http://x/", "--only-if", "differs",
+                                           "--in-place", "--report", "-", "links.pdf", "none.pdf"});
+  EXPECT_EQ(Statuses(result.out), QStringList({"done", "skipped"})) << result.err.toStdString();
+}
+
+TEST(Output, AFileThatIsThereIsReplacedByForceOnly) {
+  WriteFile("a.pdf", kNone);
+  WriteFile("there.pdf", kOld);
+  const QStringList run = ProbeRun({"--report", "r.jsonl", "--resume", "r.jsonl", "a.pdf", "-o"});
+  EXPECT_EQ(RunProgram(run + QStringList{"there.pdf"}).code, 2);
+  EXPECT_EQ(ReadFile("there.pdf"), kOld);
+  EXPECT_EQ(RunProgram(run + QStringList{"there.pdf", "--force"}).code, 0);
+  EXPECT_EQ(BaseUrlOf("there.pdf"), "http://new/");
+  EXPECT_EQ(RunProgram(run + QStringList{"there.pdf"}).code, 0) << "the resumed run has made it";
 }
 
 TEST(Backup, EveryOriginalIsKeptWholeAndNoneIsReplaced) {
@@ -192,6 +239,8 @@ struct BetweenRuns {
   void (*change)(QStringList& run);
   int worked;
   const char* note;
+
+  friend std::ostream& operator<<(std::ostream& out, const BetweenRuns& row) { return out << row.name; }
 };
 
 class Resume : public testing::TestWithParam<BetweenRuns> {};
@@ -282,9 +331,7 @@ TEST(Resume, AfterAKillOnlyWhatIsMissingIsDone) {
   for (const QString& file : files) WriteFile(file, kNone);
   const QStringList run = ProbeRun({"--in-place", "--backup", "~", "--report", "r.jsonl", "--resume", "r.jsonl"});
   const auto process = StartProgram(run + files);
-  QElapsedTimer timer;
-  timer.start();
-  while (timer.elapsed() < 20000 && (!QFile::exists("r.jsonl") || ReadFile("r.jsonl").count('\n') < 4)) usleep(5000);
+  WaitForLines("r.jsonl", 4);
   kill(-static_cast<pid_t>(process->processId()), SIGKILL);
   FinishProgram(*process);
   EXPECT_EQ(RunProgram(run + files).code, 0);

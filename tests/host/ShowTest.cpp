@@ -7,7 +7,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include "tests/host/ProgramRun.h"
+#include "tests/support/ProgramRun.h"
 
 using testing::HasSubstr;
 
@@ -29,12 +29,13 @@ TEST(Show, AnswersAsJson) {
   ASSERT_EQ(QProcess::execute("qpdf", {"--allow-weak-crypto", "--encrypt", "", "owner", "128", "--use-aes=n", "--",
                                        "plain.pdf", "rc4.pdf"}),
             0);
+  ASSERT_EQ(QProcess::execute("qpdf", {"--encrypt", "user", "owner", "256", "--", "plain.pdf", "secret.pdf"}), 0);
   ASSERT_EQ(QProcess::execute("qpdf", {"--linearize", "plain.pdf", "linear.pdf"}), 0);
   const ProgramResult result = RunProgram({"show", "--json", "--recursive", "."});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err, "");
   const auto answers = ReadReport(result.out);
-  ASSERT_EQ(answers.size(), 11);
+  ASSERT_EQ(answers.size(), 12);
   const std::pair<const char*, const char*> rows[] = {
       {"plain.pdf", R"("baseUrl":null,"pages":1,"pdfVersion":"1.7","encrypted":null,"signatures":0,
           "certification":null,"linearized":false,"links":{"total":0,"relative":0},"saveMode":"incremental",
@@ -48,7 +49,8 @@ TEST(Show, AnswersAsJson) {
       {"locked.pdf", R"("encrypted":{"algorithm":"AES","bits":256})"},
       {"rc4.pdf", R"("encrypted":{"algorithm":"RC4","bits":128})"},
       {"linear.pdf", R"("linearized":true)"},
-      {"text.pdf", R"("pages":null,"size":null,"error":"not a PDF")"}};
+      {"text.pdf", R"("pages":null,"encrypted":null,"size":6,"error":"not a PDF")"},
+      {"secret.pdf", R"("encrypted":{"algorithm":null,"bits":null},"error":"a password is needed")"}};
   for (const auto& [file, expected] : rows) {
     const QJsonObject answer = answers[QString("./") + file];
     const QJsonObject facts = QJsonDocument::fromJson('{' + QByteArray(expected) + '}').object();
@@ -56,7 +58,9 @@ TEST(Show, AnswersAsJson) {
     for (const QString& key : facts.keys()) EXPECT_EQ(answer[key], facts[key]) << file << ' ' << key.toStdString();
     EXPECT_EQ(answer.keys(), answers["./plain.pdf"].keys());
   }
-  EXPECT_EQ(answers["./plain.pdf"]["size"].toInt(), QFile("plain.pdf").size());
+  for (const char* file : {"plain.pdf", "secret.pdf"}) {
+    EXPECT_EQ(answers[QString("./") + file]["size"].toInt(), QFile(file).size());
+  }
 }
 
 TEST(Show, KeepsTheOrderOfTheInputsWhateverTheJobs) {

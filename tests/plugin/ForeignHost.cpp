@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// A host that uses the actions through its own declarations only: it loads the plug-in, opens the settings dialog and
-// the two save dialogs, types a base URL, presses OK, unloads the plug-in and then reads its map.
+// ForeignHost SETBASEURL MAKELINKSABSOLUTE: a host that uses the actions through its own declarations only. One after
+// the other, it loads the plug-in, opens the settings dialog and the two save dialogs, types a base URL, presses OK,
+// unloads the plug-in and then reads its map.
 #include <memory>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
@@ -59,13 +61,41 @@ int fail(const QString& what) {
 
 using Map = QMap<QString, QVariant>;
 
+// What each action must be.
+struct Expected {
+  const char* interfaceId;
+  const char* className;
+  const char* field;  // of the settings dialog, for the URL
+  Map settings;       // after the dialog
+  const char* texts;
+};
+
+const Expected kSetBaseUrl{"org.halvex.vorlane.setbaseurl",
+                           "CSetBaseURL",
+                           "lineEdit",
+                           {{"ActionName", "Set Base URL"}, {"baseUrlString", "http://new.example/"}, {"mine", 1}},
+                           "Set Base URL|Set Base URL|Action_SetBaseUrl.html|Document Properties|"
+                           "Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png"};
+const Expected kMakeLinksAbsolute{"org.halvex.vorlane.makelinksabsolute",
+                                  "CMakeLinksAbsolute",
+                                  "baseEdit",
+                                  {{"ActionName", "Make Links Absolute"},
+                                   {"base", "http://new.example/"},
+                                   {"baseUrlString", "http://old.example/"},
+                                   {"mine", 1},
+                                   {"removeBase", false}},
+                                  "Make Links Absolute|Make Links Absolute|Action_MakeLinksAbsolute.html|Document "
+                                  "Properties|Action_MakeLinksAbsolute.png#Action_MakeLinksAbsolute_Selected.png#"
+                                  "Action_MakeLinksAbsolute_Disabled.png"};
+
 // What a person does with the dialog on top. The settings dialog gets a base URL and the button `press`; the dialog
 // that this opens gets a name and is saved.
-void handle(QDialog& dialog, const QString& press) {
-  const QString name = dialog.objectName();
-  if (name == "SetBaseURLPrefsDialog") {
-    dialog.findChild<QLineEdit*>("lineEdit")->setText("http://new.example/");
-    dialog.findChild<QAbstractButton*>(press)->click();
+void handle(QDialog& dialog, const char* field, const QString& press) {
+  if (auto* edit = dialog.findChild<QLineEdit*>(field)) {
+    edit->setText("http://new.example/");
+    auto* box = dialog.findChild<QDialogButtonBox*>();
+    const bool inBox = press == "okButton" && box;
+    (inBox ? box->button(QDialogButtonBox::Ok) : dialog.findChild<QAbstractButton*>(press))->click();
   } else {
     dialog.findChildren<QLineEdit*>(QRegularExpression(".*NameLineEdit")).value(0)->setText("Mine");
     dialog.findChild<QAbstractButton*>("saveButton")->click();
@@ -73,11 +103,11 @@ void handle(QDialog& dialog, const QString& press) {
 }
 
 // A timer for each dialog: one whose handler is still running does not fire again.
-void watch(const char* press, const std::shared_ptr<bool>& over) {
-  QTimer::singleShot(1, [press, over] {
+void watch(const char* field, const char* press, const std::shared_ptr<bool>& over) {
+  QTimer::singleShot(1, [field, press, over] {
     if (*over) return;
-    watch(press, over);
-    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) handle(*dialog, press);
+    watch(field, press, over);
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) handle(*dialog, field, press);
   });
 }
 
@@ -86,7 +116,7 @@ QStringList describe(CActionInterface& action) {
 }
 
 // Edits the map, first by way of both save dialogs; `texts` gets the action's description of itself.
-int edit(QPluginLoader& loader, Map& settings, QStringList& texts) {
+int edit(QPluginLoader& loader, const char* field, Map& settings, QStringList& texts) {
   QObject* root = loader.instance();
   if (!root) return fail(loader.errorString());
   auto* action = static_cast<CActionInterface*>(root->qt_metacast("com.Halvex.Vorlane.ActionInterface_1.0"));
@@ -101,7 +131,7 @@ int edit(QPluginLoader& loader, Map& settings, QStringList& texts) {
   info.skipDocumentValue = 1;
   for (const char* press : {"VDtoolbarAddToActionListButton", "VDtoolbarAddToCollectionsButton", "okButton"}) {
     const auto over = std::make_shared<bool>(false);
-    watch(press, over);
+    watch(field, press, over);
     if (action->edit(&window, &info) != (QString(press) == "okButton")) return fail(QString("result of ") + press);
     *over = true;
   }
@@ -113,26 +143,21 @@ bool isMapped(const QString& file) {
   return !maps.open(QFile::ReadOnly) || maps.readAll().contains(QFile::encodeName(file));
 }
 
-int run(const QString& file) {
+int run(const QString& file, const Expected& expected) {
   QPluginLoader loader(file);
   loader.setLoadHints(QLibrary::LoadHints());  // Qt would keep the plug-in loaded
   const QJsonObject metadata = loader.metaData();
-  if (metadata["IID"] != "org.halvex.vorlane.setbaseurl" || metadata["className"] != "CSetBaseURL" ||
+  if (metadata["IID"] != expected.interfaceId || metadata["className"] != expected.className ||
       !metadata["MetaData"].toObject().isEmpty()) {
     return fail("other metadata");
   }
   Map settings{{"baseUrlString", "http://old.example/"}, {"mine", 1}};
   QStringList texts;
-  if (edit(loader, settings, texts) != 0) return 1;
+  if (edit(loader, expected.field, settings, texts) != 0) return 1;
   if (!loader.unload() || isMapped(file)) return fail("the plug-in is still loaded");
 
-  const Map expected{{"ActionName", "Set Base URL"}, {"baseUrlString", "http://new.example/"}, {"mine", 1}};
-  if (settings != expected) return fail("the map was not edited");
-  if (texts.join('|') !=
-      "Set Base URL|Set Base URL|Action_SetBaseUrl.html|Document Properties|"
-      "Action_SetBaseURL.png#Action_SetBaseURL_Selected.png#Action_SetBaseURL_Disabled.png") {
-    return fail("other texts: " + texts.join('|'));
-  }
+  if (settings != expected.settings) return fail("the map was not edited");
+  if (texts.join('|') != expected.texts) return fail("other texts: " + texts.join('|'));
   // Qt keeps the keys of settings files that were open lately.
   for (const QString name : {"Settings/VorlaneViewerSettings.vsf", "Actions/Mine.xqq"}) {
     const QString path = QDir(qEnvironmentVariable("XDG_DATA_HOME")).filePath("nolva software/PDF Tools/" + name);
@@ -149,5 +174,6 @@ int main(int argc, char** argv) {
   QDir(home.path()).mkpath("nolva software/PDF Tools/Actions");
   QDir(home.path()).mkpath("nolva software/PDF Tools/Settings");
   QApplication application(argc, argv);
-  return run(QString::fromLocal8Bit(argv[1]));
+  return argc != 3 || run(QString::fromLocal8Bit(argv[1]), kSetBaseUrl) != 0 ||
+         run(QString::fromLocal8Bit(argv[2]), kMakeLinksAbsolute) != 0;
 }

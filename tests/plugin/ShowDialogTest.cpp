@@ -17,8 +17,8 @@
 #include "plugin/DialogLoadStruct.h"
 #include "tests/dialogs/MeetDialog.h"
 #include "tests/pdflib/FakeLibrary.h"
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/CUtils.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <QFile>
 #include <QSettings>
 
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/ActionListFile.h"
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
@@ -131,6 +131,19 @@ TEST_F(ActionLists, AListThatCannotBeReplacedIsKept) {
 }
 
 // No content of the file prevents it, nor what this process read of it before.
+TEST_F(ActionLists, AreSavedWithoutAUsableTemporaryFolder) {
+  const QByteArray usual = qgetenv("TMPDIR");
+  qputenv("TMPDIR", "/proc");  // where not even root can make a file
+  const bool appended = ActionListFile::Append(ActionListFile::PathOf("L"), {"A", {{"key", "value"}}}) &&
+                        ActionListFile::Append(ActionListFile::PathOf("L"), {"B", {}});
+  const ActionListFile list = ActionListFile::Read(ActionListFile::PathOf("L"));
+  qputenv("TMPDIR", usual);
+  EXPECT_TRUE(appended);
+  ASSERT_EQ(list.entries.size(), 2U);
+  EXPECT_EQ(list.entries[0].settings.value("key"), "value");
+  EXPECT_EQ(Tree(CUtils::GetSequenceFolder()), QStringList("L.xqq"));
+}
+
 TEST_F(ActionLists, AppendingHasNoConditions) {
   for (const bool readBefore : {false, true}) {
     WriteFile(ListPath("L"), "\xef\xbb\xbf[General]\n; comment\nSequenceName=L\nwhatever this line is\n");

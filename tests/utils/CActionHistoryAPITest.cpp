@@ -13,7 +13,7 @@
 #include <QPainter>
 #include <stdexcept>
 
-#include "tests/utils/TestFiles.h"
+#include "tests/support/Files.h"
 #include "utils/CUtils.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <QCoreApplication>
 #include <QSettings>
 
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/CActionUtils.h"
 #include "utils/NumberFormat.h"
 

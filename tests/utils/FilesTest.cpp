@@ -7,8 +7,8 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include "tests/support/Files.h"
 #include "tests/support/Sandbox.h"
-#include "tests/utils/TestFiles.h"
 #include "utils/CActionUtils.h"
 #include "utils/CUtils.h"
 

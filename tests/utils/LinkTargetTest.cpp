@@ -54,7 +54,7 @@ constexpr Row kRows[] = {
     {"https://example.org/", "\xC3\xA9%41%4", "https://example.org/%C3%A9%41%254"},
     {"", "mailto:a@b.example", "mailto:a@b.example"},
     {"", "https://example.org/a/../b", "https://example.org/b"},
-    // Without a base of its own a relative link leads nowhere.
+    // Without an absolute base a relative link leads nowhere.
     {"", "x.html", nullptr},
     {"manuals/", "x.html", nullptr},
     {"", "1a:b", nullptr},
@@ -74,6 +74,24 @@ TEST(LinkTarget, IsRelativeWithoutAScheme) {
   }
   for (const char* const uri : {"https://x", " mailto:x", "X-1.a+b:", "C:\\x", "www.example.org:80/x"}) {
     EXPECT_FALSE(IsRelativeLink(uri)) << uri;
+  }
+}
+
+TEST(LinkTarget, NormalizedLinksAreTheSameWhenTheyAreEquivalent) {
+  const struct {
+    const char* uri;
+    const char* normalized;
+  } rows[] = {{"HTTP://User@Example.ORG:80", "http://User@example.org/"},
+              {"https://e.org:/A/../%7Eb%2f%c3%a4?X=%41#%42", "https://e.org/~b%2F%C3%A4?X=A#B"},
+              {"https://e.org:8443/x", "https://e.org:8443/x"},
+              {"http://[::1]:80/", "http://[::1]/"},
+              {"http://E%2DORG%c3/", "http://e-org%C3/"},
+              {"https://e.org/a b\\", "https://e.org/a%20b%5C"},
+              {"MAILTO:A@b.c", "mailto:A@b.c"},
+              {"../A/%2E", "../A/."}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(NormalizedLink(row.uri).toStdString(), row.normalized);
+    EXPECT_EQ(NormalizedLink(row.normalized).toStdString(), row.normalized);
   }
 }
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "tests/engine/base/BaseTools.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/support/Files.h"
 
 namespace fs = std::filesystem;
 using engine::InputFile;

@@ -23,7 +23,7 @@
 #include "engine/base/InputFile.h"
 #include "tests/engine/base/BaseTools.h"
 #include "tests/engine/base/FailingSystem.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/support/Files.h"
 
 namespace fs = std::filesystem;
 using engine::InputFile;
@@ -123,7 +123,7 @@ TEST_P(OutputFileTest, NewFileAppearsAtCommitOnly) {
     output.Commit();
   }
   umask(before);
-  EXPECT_EQ(ReadFile("out/a.pdf"), "12" + std::string(1000000, 'x'));
+  EXPECT_EQ(ReadText("out/a.pdf"), "12" + std::string(1000000, 'x'));
   EXPECT_EQ(Status("out/a.pdf").st_mode & 07777, 0640u);
   EXPECT_EQ(FilesIn("out"), 1u);
 }
@@ -131,7 +131,7 @@ TEST_P(OutputFileTest, NewFileAppearsAtCommitOnly) {
 TEST_P(OutputFileTest, WithoutCommitNothingChanges) {
   WriteFile("out/a.pdf", "old");
   for (const char* path : {"out/a.pdf", "out/b.pdf"}) OutputFile(path).Write(std::string(1000000, 'x'));
-  EXPECT_EQ(ReadFile("out/a.pdf"), "old");
+  EXPECT_EQ(ReadText("out/a.pdf"), "old");
   EXPECT_EQ(FilesIn("out"), 1u);
 }
 
@@ -146,7 +146,7 @@ TEST_P(OutputFileTest, ReplacedFileKeepsModeOwnerAndAttributes) {
     const auto old = Status("out/a.pdf");
     Save("out/a.pdf", "new");
     const auto now = Status("out/a.pdf");
-    EXPECT_EQ(ReadFile("out/a.pdf"), "new");
+    EXPECT_EQ(ReadText("out/a.pdf"), "new");
     EXPECT_EQ(now.st_mode, old.st_mode);
     EXPECT_EQ(now.st_uid, old.st_uid);
     EXPECT_EQ(now.st_gid, old.st_gid);
@@ -170,12 +170,12 @@ TEST_P(OutputFileTest, SymbolicLinksStayAndHardLinksKeepTheOldContent) {
   for (const std::string name : {"relative", "link-to-link"}) {
     Save("out/" + name + ".pdf", name);
     EXPECT_TRUE(fs::is_symlink("out/" + name + ".pdf"));
-    EXPECT_EQ(ReadFile("real/a.pdf"), name);
+    EXPECT_EQ(ReadText("real/a.pdf"), name);
   }
-  EXPECT_EQ(ReadFile("hard.pdf"), "old");
+  EXPECT_EQ(ReadText("hard.pdf"), "old");
   Save("out/dangling.pdf", "made");
   EXPECT_TRUE(fs::is_symlink("out/dangling.pdf"));
-  EXPECT_EQ(ReadFile("real/missing.pdf"), "made");
+  EXPECT_EQ(ReadText("real/missing.pdf"), "made");
   EXPECT_EQ(SaveCode("out/loop.pdf"), kErrorCannotWrite);
   EXPECT_EQ(FilesIn("real"), 2u);
 }
@@ -195,7 +195,7 @@ TEST_P(OutputFileTest, RefusesWhatCannotBeWritten) {
   if (IsRoot()) return;  // may write anywhere
   ASSERT_EQ(chmod("out/file", 0444), 0);
   EXPECT_EQ(SaveCode("out/file"), kErrorCannotWrite);
-  EXPECT_EQ(ReadFile("out/file"), "old");
+  EXPECT_EQ(ReadText("out/file"), "old");
   ASSERT_EQ(chmod("out", 0555), 0);
   EXPECT_EQ(SaveCode("out/new"), kErrorCannotWrite);
   ASSERT_EQ(chmod("out", 0755), 0);
@@ -215,7 +215,7 @@ TEST_P(OutputFileTest, FullDiskLeavesTheOldFile) {
   EXPECT_EQ(CodeOf([&] { OutputFile("out/a.pdf").CopyFrom(*source); }), kErrorDiskFull);
   setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, oldHandler);
-  EXPECT_EQ(ReadFile("out/a.pdf"), "old");
+  EXPECT_EQ(ReadText("out/a.pdf"), "old");
   EXPECT_EQ(FilesIn("out"), 1u);
 }
 
@@ -236,10 +236,10 @@ TEST_P(OutputFileTest, CopiesHolesAndDataOnEveryFallback) {
       {"neither", [] { failing.holes = true, failing.copy = EINVAL; }},
   };
   std::mt19937 random(1);
-  for (const std::uint64_t size : {0U, 1U, 65536U, 65537U, 262143U, 262145U, 1048577U, 2100000U}) {
+  for (const std::uint64_t size : {0U, 1U, 65536U, 65537U, 262145U, 1048577U}) {
     for (int layout = 0; layout < 3; ++layout) {
       MakeSparseFile("source", size, random);
-      const std::string bytes = ReadFile("source");
+      const std::string bytes = ReadText("source");
       for (const auto& [name, fail] : fallbacks) {
         for (const std::string& target : targets) {
           SetFailing(fail);
@@ -252,7 +252,7 @@ TEST_P(OutputFileTest, CopiesHolesAndDataOnEveryFallback) {
           EXPECT_EQ(output.Size(), size);
           output.Write("end");
           output.Commit();
-          ASSERT_TRUE(ReadFile(target) == bytes + "end") << size << ' ' << name << ' ' << target;
+          ASSERT_TRUE(ReadText(target) == bytes + "end") << size << ' ' << name << ' ' << target;
           OutputFile memory;
           memory.CopyFrom(*source);
           ASSERT_TRUE(memory.TakeBytes() == bytes) << size << ' ' << name;
@@ -287,7 +287,7 @@ TEST_P(OutputFileTest, RefusesACopyThatDoesNotBeginWithTheSource) {
     OutputFile output("out/a");
     output.CopyFrom(*source);
     EXPECT_EQ(CodeOf([&] { output.Commit(); }), kErrorCannotWrite) << c.size;
-    EXPECT_EQ(ReadFile("out/a"), old);
+    EXPECT_EQ(ReadText("out/a"), old);
   }
 }
 
@@ -316,13 +316,13 @@ TEST_P(OutputFileTest, AnotherProgramsSaveStays) {
     for (const bool copied : {true, false}) {
       WriteFile("out/a", "old");
       const auto source = InputFile::Open("out/a");
-      OutputFile output("out/a");
+      OutputFile output(copied ? "out/a" : "out/../out/a");
       if (copied) output.CopyFrom(*source);
       output.Write("new");
       failing.exchange = c.exchange;
       failing.beforeExchange = c.meanwhile;
       EXPECT_EQ(CodeOf([&] { output.Commit(copied ? nullptr : source.get()); }), kErrorSourceChanged) << c.name;
-      EXPECT_EQ(fs::exists("out/a") ? ReadFile("out/a") : "", c.stays) << c.name;
+      EXPECT_EQ(fs::exists("out/a") ? ReadText("out/a") : "", c.stays) << c.name;
       fs::remove("out/a");
     }
   }
@@ -360,7 +360,7 @@ TEST_P(OutputFileTest, SavesWaitForOneAnother) {
     failing.beforeExchange.emplace_back([&] { second = CodeOf([&] { save("-"); }); });
     EXPECT_EQ(CodeOf([&] { save("+"); }), c.code) << c.name;
     EXPECT_EQ(second, kErrorCannotWrite) << c.name;
-    EXPECT_EQ(ReadFile("out/a"), c.stays) << c.name;
+    EXPECT_EQ(ReadText("out/a"), c.stays) << c.name;
     EXPECT_EQ(FilesIn("out"), 1u);
   }
 }
@@ -393,7 +393,7 @@ TEST_P(OutputFileTest, KeepsTheGroupOrLeavesTheFile) {
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_EQ(WEXITSTATUS(status), c.code) << std::oct << c.mode;
-    EXPECT_EQ(ReadFile("out/a"), c.code == kErrorNone ? "new" : "old");
+    EXPECT_EQ(ReadText("out/a"), c.code == kErrorNone ? "new" : "old");
     EXPECT_EQ(Status("out/a").st_mode & 07777u, c.mode);
     EXPECT_EQ(Status("out/a").st_gid, c.code == kErrorNone && c.folderMode == 0755 ? kOwner : kGroup) << c.mode;
     EXPECT_EQ(FilesIn("out"), 1u);
@@ -434,7 +434,7 @@ TEST_P(OutputFileTest, AnEndedProcessLeavesTheOldFile) {
   int status = 1;
   wait(&status);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(ReadFile("out/a"), "old");
+  EXPECT_EQ(ReadText("out/a"), "old");
   EXPECT_LE(FilesIn("out"), 2u);
 }
 
@@ -454,7 +454,13 @@ TEST_P(OutputFileTest, NoticesThatTheSourceChanged) {
       const auto source = InputFile::Open("source");
       source->ReadAt(0, 1);
       change();
-      EXPECT_EQ(CodeOf([&] { OutputFile("out/a").CopyFrom(*source); }), kErrorSourceChanged) << name;
+      const auto save = [&] {
+        OutputFile output("out/a");
+        output.CopyFrom(*source);
+        output.Commit();
+      };
+      EXPECT_EQ(CodeOf(save), kErrorSourceChanged) << name;
+      EXPECT_EQ(CodeOf([&] { OutputFile().CopyFrom(*source); }), kErrorSourceChanged) << name;
       EXPECT_EQ(FilesIn("out"), 0u);
     }
   }

@@ -13,7 +13,7 @@
 #include "engine/base/OutputFile.h"
 #include "tests/engine/base/BaseTools.h"
 #include "tests/engine/base/FailingSystem.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/support/Files.h"
 
 namespace fs = std::filesystem;
 using engine::InputFile;
@@ -60,7 +60,7 @@ void RunProcess(int process) {
 void RunCareless(int process) {
   for (int save = 0; save < Saves(); ++save) {
     const std::string path = SharedFile(save);
-    WriteFile("theirs", ReadFile(path) + LineOf(process, save));
+    WriteFile("theirs", ReadText(path) + LineOf(process, save));
     fs::rename("theirs", path);
     usleep(1000);
   }
@@ -82,9 +82,9 @@ int LostLines(int first, bool careless) {
   int lost = 0;
   int refused = 0;
   for (int process = 0; process < kProcesses; ++process) {
-    refused += std::atoi(ReadFile("refused." + std::to_string(process)).c_str());
+    refused += std::atoi(ReadText("refused." + std::to_string(process)).c_str());
     for (int save = 0; save < saves && process >= first; ++save) {
-      lost += ReadFile(SharedFile(save)).find('\n' + LineOf(process, save)) == std::string::npos ? 1 : 0;
+      lost += ReadText(SharedFile(save)).find('\n' + LineOf(process, save)) == std::string::npos ? 1 : 0;
     }
   }
   EXPECT_EQ(std::distance(fs::directory_iterator("shared"), fs::directory_iterator()), kFiles);

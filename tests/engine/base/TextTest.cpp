@@ -47,18 +47,6 @@ TEST(Text, EveryFileNameSurvivesTheWayThere) {
   EXPECT_EQ(WideFromUtf8("a\xFFz"), L"a\xFFFDz");
 }
 
-TEST(Text, UrlIsAsciiInTheFile) {
-  const struct {
-    std::wstring wide;
-    std::string file;
-  } cases[] = {
-      {L"http://example.com/a b/(x)\\?q=%20#f", "http://example.com/a b/(x)\\?q=%20#f"},
-      {L"http://\xFC.example/\x20AC/\x1F600", "http://%C3%BC.example/%E2%82%AC/%F0%9F%98%80"},
-      {L"\xFEFF", "%EF%BB%BF"},
-  };
-  for (const auto& each : cases) EXPECT_EQ(UrlFromWide(each.wide), each.file);
-}
-
 TEST(Text, UrlsAgainstTheStandardAreRead) {
   const struct {
     std::string file;

@@ -11,8 +11,8 @@
 #include "engine/base/OutputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/DictionaryText.h"
-#include "tests/engine/quick/SampleFile.h"
-#include "tests/engine/quick/Tools.h"
+#include "tests/engine/quick/QuickBaseUrl.h"
+#include "tests/support/Files.h"
 
 using engine::AppendUpdate;
 using engine::ChangedObject;
@@ -22,10 +22,6 @@ using engine::OutputFile;
 using engine::QuickReader;
 
 namespace {
-
-std::string Sample(const std::string& name) {
-  return SampleFile::Named(name).path;
-}
 
 std::string Appended(const std::string& source, const FileTail& tail, const std::vector<ChangedObject>& changes) {
   OutputFile output;
@@ -65,17 +61,6 @@ TEST(AppendUpdateTest, WritesAStreamWithItsOwnEntry) {
             std::string::npos);
 }
 
-TEST(AppendUpdateTest, HybridFileGetsATableWithoutStream) {
-  const auto input = InputFile::Open(Sample("hybrid.pdf"));
-  const auto document = QuickReader::Read(*input);
-  ASSERT_TRUE(document.has_value());
-  EXPECT_EQ(document->tail.kind, FileTail::Kind::kHybrid);
-  const std::string text =
-      Appended(ReadFile(input->Path()), document->tail, {{document->tail.root, document->catalog}});
-  EXPECT_NE(text.find("xref\n1 1\n"), std::string::npos);
-  EXPECT_EQ(text.find("/XRefStm"), std::string::npos);
-}
-
 TEST(AppendUpdateTest, IdentifierDependsOnOldOneAndChangesOnly) {
   const auto identifier = [](const std::string& old, const std::string& body) {
     FileTail tail = TailOf(FileTail::Kind::kTable);
@@ -93,20 +78,6 @@ TEST(AppendUpdateTest, IdentifierDependsOnOldOneAndChangesOnly) {
   for (const std::string odd : {"5 0 R", "[]", "[<00>", "[1 2]", "(x)"}) EXPECT_EQ(identifier(odd, "a"), odd);
 }
 
-TEST(AppendUpdateTest, OffsetsCountFromTheHeader) {
-  const std::string source = ReadFile(Sample("bytes-before-header.pdf"));
-  const auto input = InputFile::FromBytes(source);
-  EXPECT_FALSE(QuickReader::Read(*input).has_value());
-  const auto tail = QuickReader::ReadTail(*input);
-  ASSERT_TRUE(tail.has_value());
-  EXPECT_EQ(tail->headerOffset, 5u);
-  const std::string changed = "<</Type/Catalog/Pages 2 0 R/URI<</Base(there)>>>>";
-  WriteFile("out.pdf", source + Appended(source, *tail, {{tail->root, changed}}));
-  EXPECT_EQ(RunTool("qpdf --check out.pdf").status, 0);
-  const std::string shown = RunTool("mutool show out.pdf trailer/Root/URI/Base").output;  // grumbles at the header
-  EXPECT_EQ(shown.substr(shown.find('(')), "(there)\n");
-}
-
 // The file's end, with the trailer and the catalog, lies beyond a hole.
 TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
   struct {
@@ -118,8 +89,9 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
                      // More digits than a table has room for.
                      {"table-lf.pdf", 10'000'000'010, FileTail::Kind::kStream}};
   for (const auto& c : cases) {
-    std::filesystem::copy_file(Sample(c.sample), "large.pdf", std::filesystem::copy_options::overwrite_existing);
-    const std::string bytes = ReadFile("large.pdf");
+    std::filesystem::copy_file(QUICK_SAMPLES "/" + std::string(c.sample), "large.pdf",
+                               std::filesystem::copy_options::overwrite_existing);
+    const std::string bytes = ReadText("large.pdf");
     std::filesystem::resize_file("large.pdf", c.size);
     {
       const std::string end = bytes.substr(bytes.rfind("\nstartxref"));
@@ -140,7 +112,7 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
     }
     const auto again = QuickReader::Read(*InputFile::Open("large.pdf"));
     ASSERT_TRUE(again.has_value());
-    EXPECT_EQ(again->baseUrl, "second");
+    EXPECT_EQ(QuickBaseUrl(*again), "second");
     EXPECT_EQ(again->tail.kind, c.kind);
     const ToolResult shown = RunTool("qpdf --suppress-recovery --show-object=1 large.pdf");
     EXPECT_EQ(shown.status, 0) << shown.output;

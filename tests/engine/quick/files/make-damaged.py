@@ -4,18 +4,15 @@
 
 usage: make-damaged.py FOLDER
 
-Beside the files stands "damaged.tsv": name, how a save is written ("incremental" or "rewrite"), user password ("-" for
-none).
+Also writes "table.tsv": name, how a save is written ("incremental" or "rewrite"), user password ("-" for none).
 """
 
-import hashlib
 import os
 import random
 import re
-import struct
 import sys
 
-from make import File, rc4
+from make import Encryption, File
 
 JUNK = random.Random(1).randbytes(2048)
 TEXT = b"BT /F1 24 Tf 20 40 Td (Hello) Tj ET"
@@ -44,7 +41,7 @@ def plain(**keys):
     return File().put(objects(**keys)).put(contents())
 
 
-def in_streams(encryption=None, **keys):
+def in_streams(**keys):
     """Everything that may be is in an object stream."""
     return File().put(contents()).put_in_stream(8, objects(**keys))
 
@@ -74,30 +71,12 @@ def shifted_entry():
     return file.table().out
 
 
-class Encryption:
-    """RC4 with a key of 40 bits and an empty owner password (ISO 32000-1, 7.6.3, algorithms 2 and 5)."""
-
-    PADDING = bytes.fromhex("28BF4E5E4E758A4164004E56FFFA01082E2E00B6D0683E802F0CA9FE6453697A")
-
-    def __init__(self, entries, revision, password=b"secret"):
-        owner = b"O" * 32
-        key = hashlib.md5((password + self.PADDING)[:32] + owner + struct.pack("<i", -4) + b"\0\x11").digest()
-        for _ in range(50):
-            key = hashlib.md5(key[:5]).digest()
-        self.key = key[:5]
-        user = hashlib.md5(self.PADDING + b"\0\x11").digest()
-        for round_ in range(20):
-            user = rc4(bytes(byte ^ round_ for byte in self.key), user)
-        self.trailer = b" /Encrypt << /Filter /Standard /R %d /P -4 /O <%s> /U <%s> %s >>" % (
-            revision, owner.hex().encode(), (user + bytes(16)).hex().encode(), entries)
-
-    def data(self, number, data):
-        return rc4(hashlib.md5(self.key + number.to_bytes(3, "little") + b"\0\0").digest()[:10], data)
-
-    def file(self):
-        return (File().put(contents(self.data(4, TEXT))).put(
-            {**objects(), 6: FIELD.replace(b"(name)", b"<%s>" % self.data(6, b"name").hex().encode()).replace(
-                b"(Value)", b"<%s>" % self.data(6, b"Value").hex().encode())}).table(extra=self.trailer))
+def encrypted(entries, revision):
+    """With the user password "secret"."""
+    encryption = Encryption(entries, revision, b"secret")
+    text = {6: FIELD.replace(b"(name)", b"<%s>" % encryption.data(6, b"name").hex().encode()).replace(
+        b"(Value)", b"<%s>" % encryption.data(6, b"Value").hex().encode())}
+    return File().put(contents(encryption.data(4, TEXT))).put({**objects(), **text}).table(extra=encryption.trailer)
 
 
 def incremental():
@@ -157,10 +136,10 @@ def main(folder):
     for name, entries, revision in (
             ("key-of-standard-length", b"/V 2", 3),
             ("crypt-filter-of-40-bits", b"/V 4 /Length 40 /StmF /A /StrF /A /CF << /A << /CFM /V2 /Length 5 >> >>", 4)):
-        sound = Encryption(entries, revision).file()
+        sound = encrypted(entries, revision)
         files.append((name, "incremental", "secret", sound.out))
         files.append((name + "-startxref-wrong", "incremental", "secret", broken(sound)))
-    with open(os.path.join(folder, "damaged.tsv"), "w") as table:
+    with open(os.path.join(folder, "table.tsv"), "w") as table:
         for name, mode, password, data in files:
             with open(os.path.join(folder, name + ".pdf"), "wb") as out:
                 out.write(data)

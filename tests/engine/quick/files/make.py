@@ -4,7 +4,7 @@
 
 usage: make.py FOLDER
 
-Beside the files stands "expected.tsv": name, "answered" or "refused" (what the quick reader does), base URL in hex.
+Also writes "table.tsv": name, "answered" or "refused" (what the quick reader does), base URL in hex ("-" for none).
 """
 
 import hashlib
@@ -251,6 +251,8 @@ def sound():
     yield "uri-other-keys", File().put(body(b"/URI << /Before [ (]) ] /Base (b) /After /Name >>")).table(), b"b"
     yield "uri-of-wrong-type", File().put(body(b"/URI (text)")).table(), b""
     yield "base-of-wrong-type", File().put(body(b"/URI << /Base /Name /More 1 >>")).table(), b""
+    yield "uri-is-reference", File().put(body(b"/URI 4 0 R")).put({4: b"<< /Base (b) >>"}).table(), b"b"
+    yield "base-is-reference", File().put(body(b"/URI << /Base 4 0 R >>")).put({4: b"(b)"}).table(), b"b"
     yield "uri-null", File().put(body(b"/URI null")).table(), b""
     yield "catalog-long", File().put(body(b"/Long [ %s] " % (b"(0123456789) " * 20000) + URI)).table()
     yield "trailer-of-others", File().put(body()).table(extra=b" /Info << /Title (t) >> /DocChecksum /ABC")
@@ -266,8 +268,6 @@ def defects():
     yield "bytes-before-header", File(lead=b"junk\n", base=5).put(body()).table()
     yield "encrypted", File().put(body()).table(extra=b" /Encrypt << /Filter /Standard /V 1 /R 2 /O (%s) /U (%s) /P -1 >>"
                                                 % (b"o" * 32, b"u" * 32))
-    yield "uri-is-reference", File().put(body(b"/URI 4 0 R")).put({4: b"<< /Base (b) >>"}).table()
-    yield "base-is-reference", File().put(body(b"/URI << /Base 4 0 R >>")).put({4: b"(b)"}).table()
     yield "key-with-escape", File().put(body(b"/U#52I << /Base (b) >>")).table()
     yield "key-twice", File().put(body(URI + b"/URI << /Base (c) >>")).table()
     yield "cut-off-in-table", plain[:plain.index(b"trailer") - 30]
@@ -314,7 +314,7 @@ def defects():
     yield "catalog-freed", File().put(body()).table().table(free=[1])
     yield "catalog-is-stream", File().put(body()).put({1: stream_object(b"/Type /Catalog /Pages 2 0 R", b"x")}).table()
     yield "catalog-unterminated", plain.replace(b"/Lang (en) ", b"/Lang (en  ")
-    yield "catalog-of-many-keys", File().put(body(b" ".join(b"/K%d 0" % i for i in range(200000)))).table()
+    yield "catalog-of-many-keys", File().put(body(b" ".join(b"/K%d 0" % i for i in range(50000)))).table()
     yield "pages-missing", File().put({1: body()[1], 3: PAGE}).table(size=4)
     yield "pages-shifted", File().put(body()).table().out.replace(b"2 0 obj", b"7 0 obj")
     yield "nesting-deep", File().put(body(b"/Deep " + b"[" * 100000 + b"]" * 100000)).table()
@@ -378,20 +378,24 @@ def rc4(key, data):
 
 
 class Encryption:
-    """The oldest kind, with an empty user password (ISO 32000-1, 7.6.3.3, algorithms 1, 2 and 4)."""
+    """RC4 with a key of 40 bits and an empty owner password (ISO 32000-1, 7.6.3, algorithms 1, 2, 4 and 5)."""
 
     PADDING = bytes.fromhex("28BF4E5E4E758A4164004E56FFFA01082E2E00B6D0683E802F0CA9FE6453697A")
 
-    def __init__(self):
-        self.owner = b"O" * 32
-        self.key = hashlib.md5(self.PADDING + self.owner + b"\xff" * 4 + b"\0\x11").digest()[:5]
+    def __init__(self, entries=b"/V 1", revision=2, password=b""):
+        owner = b"O" * 32
+        key = hashlib.md5((password + self.PADDING)[:32] + owner + b"\xfc\xff\xff\xff" + b"\0\x11").digest()
+        for _ in range(50 if revision > 2 else 0):
+            key = hashlib.md5(key[:5]).digest()
+        self.key = key[:5]
+        user = self.PADDING if revision == 2 else hashlib.md5(self.PADDING + b"\0\x11").digest()
+        for round_ in range(20 if revision > 2 else 1):
+            user = rc4(bytes(byte ^ round_ for byte in self.key), user)
+        self.trailer = b" /Encrypt << /Filter /Standard /R %d /P -4 /O <%s> /U <%s> %s >>" % (
+            revision, owner.hex().encode(), user.ljust(32, b"\0").hex().encode(), entries)
 
     def data(self, number, data):
         return rc4(hashlib.md5(self.key + number.to_bytes(3, "little") + b"\0\0").digest()[:10], data)
-
-    def trailer(self):
-        user = rc4(self.key, self.PADDING).hex().encode()
-        return b" /Encrypt << /Filter /Standard /V 1 /R 2 /O <%s> /U <%s> /P -1 >>" % (self.owner.hex().encode(), user)
 
 
 def catalog_bomb(chunk, times, encryption=None, parameters=b""):
@@ -401,38 +405,36 @@ def catalog_bomb(chunk, times, encryption=None, parameters=b""):
     keys = b"/Type /ObjStm /N 1 /First 4 /Filter /FlateDecode" + parameters
     file.put({4: stream_object(keys, encryption.data(4, data) if encryption else data)})
     file.entries[1] = (2, 4, 0)
-    return file.xref_stream(extra=encryption.trailer() if encryption else b"")
+    return file.xref_stream(extra=encryption.trailer if encryption else b"")
 
 
 def bombs():
-    bomb = deflated_run(bytes(1 << 20), 256)
-    yield "xref", File().put(body()).xref_stream(data=bomb, size=2000000000, index=b"[ 2 1999999998 ]",
-                                                 root=b"1999999990 0 R")
-    yield "xref-name-escaped", File().put(body()).xref_stream(
-        data=bomb, size=2000000000, index=b"[ 2 1999999998 ]", root=b"1999999990 0 R").out.replace(b"/XRef", b"/XR#65f")
+    keys = dict(data=deflated_run(bytes(1 << 20), 256), size=2000000000, index=b"[ 2 1999999998 ]",
+                root=b"1999999990 0 R")
+    yield "xref", File().put(body()).xref_stream(**keys)
+    yield "xref-name-escaped", File().put(body()).xref_stream(**keys).out.replace(b"/XRef", b"/XR#65f")
     for name, hidden in (("endobj", b"(endobj)"), ("stream", b"(stream)"), ("long", b"(" + b" " * 100000 + b")")):
-        yield "xref-behind-" + name, File().put(body()).xref_stream(
-            data=bomb, size=2000000000, index=b"[ 2 1999999998 ]", root=b"1999999990 0 R", extra=b" /Z " + hidden)
+        yield "xref-after-" + name, File().put(body()).xref_stream(extra=b" /Z " + hidden, **keys)
     rows = b" /DecodeParms << /Predictor %d /Columns 1000000000 >>"
     for predictor in (2, 12):
         yield "xref-rows-%d" % predictor, File().put(body()).xref_stream(coding="flate", extra=rows % predictor)
     text = b"(" + b"x" * ((1 << 20) - 2) + b")"
     yield "object-stream", catalog_bomb(text, 256)
     yield "object-stream-rows", catalog_bomb(text, 1, parameters=rows % 12)
-    yield "encrypted-object-stream", catalog_bomb(text, 1100, Encryption())
+    yield "encrypted-object-stream", catalog_bomb(text, 256, Encryption())
     yield "encrypted-object-stream-of-numbers", catalog_bomb(b"1 " * (1 << 19), 8, Encryption())
     yield "encrypted-object-stream-rows", catalog_bomb(text, 1, Encryption(), rows % 12)
 
 
 def main(folder):
     os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, "expected.tsv"), "w") as table:
+    with open(os.path.join(folder, "table.tsv"), "w") as table:
         for kind, cases in (("answered", sound()), ("refused", defects()),
                             ("refused", (("bomb-" + name, file) for name, file in bombs()))):
             for name, file, *url in cases:
                 with open(os.path.join(folder, name + ".pdf"), "wb") as out:
                     out.write(file if isinstance(file, bytes) else file.out)
-                table.write(f"{name}.pdf\t{kind}\t{(url[0] if url else URL).hex()}\n")
+                table.write(f"{name}\t{kind}\t{(url[0] if url else URL).hex() or '-'}\n")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/core/BatchRun.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QSaveFile>
+#include <QTimer>
+
+#include "host/base/ExitCode.h"
+#include "host/window/core/RecordTexts.h"
+#include "host/window/core/RunArguments.h"
+
+namespace {
+
+// vorlane-run gives up a file after a quarter of an hour, so it cannot be silent for longer.
+constexpr std::chrono::minutes kSilenceLimit(20);
+
+QString TextOf(const QJsonObject& record, const char* key) {
+  return record.value(QLatin1String(key)).toString();
+}
+
+FileState StateOf(const QJsonObject& record, const QString& reason) {
+  const QString status = TextOf(record, "status");
+  if (status == QLatin1String("failed")) {
+    if (RecordTexts::IsAboutPassword(reason)) return FileState::kNeedsPassword;
+    // It was in hand when the run was cancelled for the second time.
+    return reason == QLatin1String("interrupted") ? FileState::kCancelled : FileState::kFailed;
+  }
+  const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged");
+  return unchanged ? FileState::kUnchanged : FileState::kDone;
+}
+
+FileOutcome WithoutRecord(const FileStateChange& change) {
+  FileOutcome outcome;
+  outcome.change = change;
+  return outcome;
+}
+
+bool HasNotBegun(const RunnerResult& result) {
+  return !result.started || (result.exitCode >= kExitUsage && result.exitCode < kExitSignalBase);
+}
+
+}  // namespace
+
+BatchRun::BatchRun(QObject* parent) : QObject(parent) {
+  connect(&runner_, &RunnerProcess::recordsReceived, this, &BatchRun::Take);
+  connect(&runner_, &RunnerProcess::finished, this, &BatchRun::End);
+}
+
+BatchRun::~BatchRun() {
+  runner_.disconnect(this);
+}
+
+void BatchRun::Start(const QStringList& files, const ActionChoice& action, const OutputChoice& output) {
+  Q_ASSERT(!running_);
+  running_ = true;
+  summary_ = BatchSummary();
+  report_.clear();
+  outputFolders_.clear();
+  unfinished_.clear();
+  files_.clear();
+  open_.clear();
+  QVector<FileOutcome> waiting;
+  for (const QString& file : files) {
+    if (open_.contains(file)) continue;
+    open_.insert(file);
+    files_ += file;
+    waiting.append(WithoutRecord({file, FileState::kWaiting, {}}));
+  }
+  emit filesChanged(waiting);
+  QString problem = ProblemOf(action, output);
+  if (problem.isEmpty() && files_.isEmpty()) problem = tr("Add files first.");
+  if (!problem.isEmpty()) {
+    RunnerResult refused;
+    refused.started = false;
+    refused.error = problem;
+    QTimer::singleShot(0, this, [this, refused] { End(refused); });
+    return;
+  }
+  RunnerRequest request;
+  request.arguments = RunArguments(action, output);
+  request.files = files_;
+  request.passwords = output.passwords;
+  request.silenceLimit = kSilenceLimit;
+  runner_.Start(request);
+}
+
+bool BatchRun::IsRunning() const {
+  return running_;
+}
+
+void BatchRun::Cancel() {
+  runner_.Cancel();
+}
+
+int BatchRun::Total() const {
+  return files_.size();
+}
+
+int BatchRun::Done() const {
+  return files_.size() - open_.size();
+}
+
+QStringList BatchRun::Unfinished() const {
+  QStringList unfinished;
+  for (const QString& file : files_) {
+    if (unfinished_.contains(file)) unfinished += file;
+  }
+  return unfinished;
+}
+
+QStringList BatchRun::OutputFolders() const {
+  return outputFolders_;
+}
+
+void BatchRun::Take(const QVector<RunnerRecord>& records) {
+  QVector<FileOutcome> outcomes;
+  for (const RunnerRecord& record : records) {
+    if (!open_.contains(TextOf(record.json, "file"))) continue;
+    report_ += record.line + '\n';
+    outcomes.append(OutcomeOf(record.json));
+    open_.remove(outcomes.constLast().change.path);
+  }
+  Settle(outcomes);
+}
+
+FileOutcome BatchRun::OutcomeOf(const QJsonObject& record) {
+  FileOutcome outcome;
+  const QString reason = TextOf(record, "reason");
+  outcome.change = {TextOf(record, "file"), StateOf(record, reason), RecordTexts::PlainReason(reason)};
+  outcome.output = TextOf(record, "output");
+  outcome.backup = TextOf(record, "backup");
+  outcome.baseUrl = TextOf(record, "baseUrlAfter");
+  for (const QJsonValue& warning : record.value(QLatin1String("warnings")).toArray()) {
+    outcome.warnings += RecordTexts::PlainReason(warning.toString());
+  }
+  if (outcome.change.state == FileState::kDone) {
+    const QString folder = QFileInfo(outcome.output).path();
+    if (!outputFolders_.contains(folder)) outputFolders_ += folder;
+  }
+  return outcome;
+}
+
+void BatchRun::Settle(const QVector<FileOutcome>& outcomes) {
+  for (const FileOutcome& outcome : outcomes) {
+    switch (outcome.change.state) {
+      case FileState::kDone:
+        ++summary_.done;
+        continue;
+      case FileState::kUnchanged:
+        ++summary_.unchanged;
+        continue;
+      case FileState::kCancelled:
+        ++summary_.cancelled;
+        break;
+      case FileState::kNeedsPassword:
+        ++summary_.needPassword;
+        [[fallthrough]];
+      default:
+        ++summary_.failed;
+        break;
+    }
+    unfinished_.insert(outcome.change.path);
+  }
+  if (outcomes.isEmpty()) return;
+  emit filesChanged(outcomes);
+  emit progress(Done(), Total());
+}
+
+FileStateChange BatchRun::Leftover(const RunnerResult& result) const {
+  if (HasNotBegun(result)) {
+    return {{}, FileState::kCancelled, tr("The run could not begin. The file stays as it was.")};
+  }
+  // The program has finished the files that it held.
+  if (result.exitCode > kExitSignalBase) {
+    return {{}, FileState::kCancelled, tr("Cancelled. The file stays as it was.")};
+  }
+  QString reason = result.cancelled ? tr("Cancelled.") : result.error;
+  if (reason.isEmpty()) reason = tr("vorlane-run says nothing about this file.");
+  return {{},
+          result.cancelled ? FileState::kCancelled : FileState::kFailed,
+          reason + QLatin1Char(' ') + tr("Whether the file was changed is not known.")};
+}
+
+void BatchRun::End(const RunnerResult& result) {
+  QVector<FileOutcome> outcomes;
+  FileStateChange change = Leftover(result);
+  for (const QString& file : qAsConst(files_)) {
+    if (!open_.contains(file)) continue;
+    change.path = file;
+    outcomes.append(WithoutRecord(change));
+  }
+  open_.clear();
+  Settle(outcomes);
+  summary_.wasCancelled = result.cancelled;
+  summary_.error = RecordTexts::PlainReason(result.error);
+  summary_.messages = RecordTexts::Warnings(result.messages);
+  running_ = false;
+  const BatchSummary summary = summary_;
+  emit finished(summary);
+}
+
+QString BatchRun::SaveReport(const QString& file) const {
+  QSaveFile report(file);
+  if (!report.open(QIODevice::WriteOnly)) return report.errorString();
+  if (file.endsWith(QLatin1String(".jsonl"), Qt::CaseInsensitive)) {
+    report.write(report_);
+  } else {
+    report.write("[\n" + report_.left(report_.size() - 1).replace("\n", ",\n") + "\n]\n");
+  }
+  return report.commit() ? QString() : report.errorString();
+}

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+// The one name of a file, whatever links lead to it. Neighbours mostly lie in one folder, which is looked up once.
+class CanonicalNames {
+ public:
+  // `path` is absolute and is returned as it is when the file cannot be looked up.
+  std::string Of(const std::string& path);
+
+ private:
+  std::string folder_;
+  std::string real_;  // both with a slash at the end
+};

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+
+#include "host/window/core/FileTableModel.h"
+#include "host/window/core/RunnerProcess.h"
+
+// Reads the facts of the model's files in the background, one `vorlane-run show --json` at a time. New rows are read
+// without asking. A file on which the program crashes or hangs becomes unreadable, and the others are read.
+class FactsReader : public QObject {
+  Q_OBJECT
+
+ public:
+  // Keeps a reference to the model.
+  explicit FactsReader(FileTableModel& model, QObject* parent = nullptr);
+  ~FactsReader() override;
+
+  // The files are read again, or for the first time. The state of a file changes only where it was about reading.
+  void Refresh(const QStringList& paths);
+  // The passwords to try; files that need one are read again.
+  void SetPasswords(const QStringList& passwords);
+  // While paused, nothing is read, so that a run has the machine for itself.
+  void SetPaused(bool paused);
+  // How long one file may take, and how long vorlane-run may print nothing.
+  void SetTimeLimits(std::chrono::seconds file, std::chrono::milliseconds silence);
+  bool IsReading() const;
+  // How many files wait or are being read.
+  int Left() const;
+
+ signals:
+  // After each batch, and when the reading ends.
+  void progress(int left);
+  // vorlane-run cannot be used at all: nothing more is read until Refresh() or new rows. A sentence for people.
+  void problem(const QString& message);
+
+ private:
+  void Enqueue(const QStringList& paths);
+  void EnqueueNewRows(int first, int last);
+  void BeginSoon();
+  void Begin();
+  QStringList TakeNext();
+  void PutBack();
+  void Take(const QVector<RunnerRecord>& records);
+  void End(const RunnerResult& result);
+  void EndEarly(const RunnerResult& result);
+  void Blame(const QString& reason);
+  void GiveUp(const QString& message);
+  // Leaves out files whose state is not about reading.
+  void SetReadingStates(const QVector<FileStateChange>& changes);
+
+  FileTableModel& model_;
+  RunnerProcess runner_;
+  std::deque<QString> waiting_;
+  QSet<QString> isWaiting_;
+  QStringList inHand_;        // of the running program
+  QSet<QString> unanswered_;  // of these
+  int answered_ = 0;          // by the running program
+  int most_;                  // files for one program
+  int blamed_ = 0;            // files in a row with which the program could do nothing
+  QStringList passwords_;
+  QStringList passwordsInHand_;
+  bool paused_ = false;
+  bool interrupted_ = false;  // by SetPaused
+  std::chrono::seconds fileLimit_{60};
+  std::chrono::milliseconds silenceLimit_{90000};
+  QTimer begin_;
+};

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/core/RecordTexts.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <vector>
+
+#include "host/base/PdfLibrary.h"
+#include "host/window/core/ShownText.h"
+#include "pdflib/LibraryErrorCodes.h"
+
+namespace {
+
+// A message, and what people read instead, with the parts in parentheses.
+struct Text {
+  const char* pattern;
+  const char* shown;
+};
+
+constexpr Text kTexts[] = {
+    {"a password is needed", QT_TRANSLATE_NOOP("RecordTexts", "The file needs a password.")},
+    {"wrong password", QT_TRANSLATE_NOOP("RecordTexts", "None of the passwords opens the file.")},
+    {"not a PDF", QT_TRANSLATE_NOOP("RecordTexts", "This is not a PDF file.")},
+    {"no such file", QT_TRANSLATE_NOOP("RecordTexts", "The file is not there any more.")},
+    {"cannot read the file", QT_TRANSLATE_NOOP("RecordTexts", "You may not read the file, or its disk is damaged.")},
+    {"damaged beyond repair",
+     QT_TRANSLATE_NOOP("RecordTexts", "The file is damaged beyond repair. Get it again from where it came from.")},
+    {"the file changed while it was open",
+     QT_TRANSLATE_NOOP("RecordTexts", "Another program was changing the file. Try again.")},
+    {"cannot write: (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The result cannot be written: %1.")},
+    {"cannot write", QT_TRANSLATE_NOOP("RecordTexts", "The result cannot be written.")},
+    {"the disk is full", QT_TRANSLATE_NOOP("RecordTexts", "The disk is full. Free some space and try again.")},
+    {"not enough memory", QT_TRANSLATE_NOOP("RecordTexts", "The file needs more memory than there is.")},
+    {"its certification permits no change",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "Its certification permits no change. To change it all the same, allow breaking signatures.")},
+    {"signed, and .*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "Saving would break its signatures. To save it all the same, allow breaking signatures.")},
+    {"took longer than the time limit of (.*)",
+     QT_TRANSLATE_NOOP("RecordTexts", "It took too long (more than %1) and was given up.")},
+    {"crashed: (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The file made vorlane-run crash (%1). It stays as it was.")},
+    {"interrupted", QT_TRANSLATE_NOOP("RecordTexts", "Cancelled. The file stays as it was.")},
+    {"the same file as (.*)", QT_TRANSLATE_NOOP("RecordTexts", "It is the same file as %1.")},
+    {"cannot make the backup (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The backup cannot be made: %1.")},
+    // What a run may want to be known.
+    {"'.*': it does not end in \"/\": .*", QT_TRANSLATE_NOOP("RecordTexts",
+                                                             "The base URL does not end in a slash. Firefox then drops "
+                                                             "its last part; Chrome and MuPDF join it with the link.")},
+    {"'.*': it is written as (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The base URL is written as %1.")},
+    {"'.*': not every viewer understands a host outside ASCII; (.*) is safer",
+     QT_TRANSLATE_NOOP("RecordTexts", "Not every viewer understands such a host name. %1 is safer.")},
+    {"'.*': a base URL should have no .*",
+     QT_TRANSLATE_NOOP(
+         "RecordTexts",
+         "A base URL should have no question mark and no number sign: viewers differ in what they make of it.")},
+    {"(\\d+) relative links?, (\\d+) leads? elsewhere in Chrome than in Firefox.*",
+     QT_TRANSLATE_NOOP("RecordTexts", "Of %1 relative links, %2 lead elsewhere in Chrome than in Firefox.")},
+    {"its certification permits only filling in forms: .*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "Its certification permits filling in forms only: readers may report the change.")},
+    {"its certification permits .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "Readers may report the change, since the file is certified.")},
+    {"the whole file is rewritten.*, which breaks its signatures",
+     QT_TRANSLATE_NOOP("RecordTexts", "The whole file is written anew, which breaks its signatures.")},
+    {"the whole file is rewritten \\((.*)\\)", QT_TRANSLATE_NOOP("RecordTexts", "The whole file is written anew: %1.")},
+};
+
+// In the order of kTexts.
+const std::vector<QRegularExpression>& Patterns() {
+  static const std::vector<QRegularExpression> patterns = [] {
+    std::vector<QRegularExpression> all;
+    for (const Text& text : kTexts) {
+      all.emplace_back(QRegularExpression::anchoredPattern(QLatin1String(text.pattern)),
+                       QRegularExpression::DotMatchesEverythingOption);
+    }
+    return all;
+  }();
+  return patterns;
+}
+
+// Advice that is about the command line.
+const QRegularExpression& OptionAdvice() {
+  static const QRegularExpression advice(QStringLiteral(" Use --unchecked to take it all the same\\."));
+  return advice;
+}
+
+}  // namespace
+
+bool RecordTexts::IsAboutPassword(const QString& reason) {
+  return reason == QLatin1String(PdfLibrary::ErrorMessage(kErrorPasswordNeeded)) ||
+         reason == QLatin1String(PdfLibrary::ErrorMessage(kErrorPasswordWrong));
+}
+
+QString RecordTexts::PlainReason(const QString& reason) {
+  for (std::size_t i = 0; i < Patterns().size(); ++i) {
+    const QRegularExpressionMatch match = Patterns()[i].match(reason);
+    if (!match.hasMatch()) continue;
+    QString shown = QCoreApplication::translate("RecordTexts", kTexts[i].shown);
+    for (int part = 1; part <= match.lastCapturedIndex(); ++part) shown = shown.arg(ShownText(match.captured(part)));
+    return shown;
+  }
+  QString sentence = QString(reason).remove(OptionAdvice());
+  if (sentence.isEmpty()) return sentence;
+  sentence[0] = sentence[0].toUpper();
+  if (sentence.back().isLetterOrNumber()) sentence += QLatin1Char('.');
+  return sentence;
+}
+
+QStringList RecordTexts::Warnings(const QStringList& messages) {
+  static const QString start = QStringLiteral("Warning: ");
+  QStringList warnings;
+  for (const QString& message : messages) {
+    if (message.startsWith(start)) warnings += PlainReason(message.mid(start.size()));
+  }
+  return warnings;
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// What the error messages in vorlane-run's records mean for people at the window.
+namespace RecordTexts {
+
+// Whether the file could be opened with the right password.
+bool IsAboutPassword(const QString& reason);
+
+// The message as a sentence, without the names of options of the command line.
+QString PlainReason(const QString& reason);
+
+// The warnings among what the program prints about itself, as sentences.
+QStringList Warnings(const QStringList& messages);
+
+}  // namespace RecordTexts

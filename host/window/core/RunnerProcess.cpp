@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/core/RunnerProcess.h"
+
+#include <algorithm>
+#include <QCoreApplication>
+#include <QJsonDocument>
+
+#include "host/base/ExitCode.h"
+#include "host/base/NativeName.h"
+
+namespace {
+
+// Records are passed on so often: seldom enough that painting them does not slow the program down.
+constexpr int kGatherMs = 40;
+// And so many bytes of them at once, which take a few milliseconds to parse.
+constexpr int kPiece = 1 << 17;
+// Longer lines take too long to parse at once. The longest record holds a base URL of a few bytes.
+constexpr int kLongestLine = 1 << 22;
+constexpr int kLongestMessage = 4096;
+// How long the destructor waits, in milliseconds: for the end of the program with its files in hand, for its end
+// without them, for its removal by the system.
+constexpr int kEndWaits[] = {300, 2500, 1000};
+
+QString gProgramFile;
+
+std::string_view View(const QByteArray& bytes) {
+  return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+}  // namespace
+
+QString RunnerProcess::ProgramFile() {
+  return gProgramFile.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/vorlane-run")
+                                : gProgramFile;
+}
+
+void RunnerProcess::SetProgramFile(const QString& file) {
+  gProgramFile = file;
+}
+
+RunnerProcess::RunnerProcess(QObject* parent) : QObject(parent) {
+  gather_.setSingleShot(true);
+  connect(&process_, &QProcess::readyReadStandardOutput, this, [this] {
+    if (!gather_.isActive()) gather_.start(kGatherMs);
+  });
+  connect(&gather_, &QTimer::timeout, this, [this] {
+    TakeOutput(process_.read(kPiece));
+    if (process_.bytesAvailable() > 0) gather_.start(0);
+  });
+  connect(&process_, &QProcess::readyReadStandardError, this,
+          [this] { TakeMessages(process_.readAllStandardError()); });
+  connect(&process_, &QProcess::errorOccurred, this, &RunnerProcess::Fail);
+  connect(&process_, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &RunnerProcess::End);
+  silence_.setSingleShot(true);
+  connect(&silence_, &QTimer::timeout, this, [this] {
+    silent_ = true;
+    Kill();
+  });
+  force_.setSingleShot(true);
+  connect(&force_, &QTimer::timeout, &process_, &QProcess::kill);
+}
+
+RunnerProcess::~RunnerProcess() {
+  process_.disconnect(this);
+  for (const int wait : kEndWaits) {
+    if (process_.state() == QProcess::NotRunning) return;
+    wait == kEndWaits[2] ? process_.kill() : process_.terminate();
+    process_.waitForFinished(wait);
+  }
+}
+
+bool RunnerProcess::IsRunning() const {
+  return running_;
+}
+
+void RunnerProcess::Start(const RunnerRequest& request) {
+  Q_ASSERT(!running_);
+  running_ = true;
+  silent_ = false;
+  skipping_ = false;
+  unreadable_ = 0;
+  pending_.clear();
+  pendingMessage_.clear();
+  lastLine_.clear();
+  result_ = RunnerResult();
+  QStringList arguments = request.arguments;
+  if (!request.passwords.isEmpty()) arguments += {QStringLiteral("--password-file"), QStringLiteral("-")};
+  if (!request.files.isEmpty()) {
+    if (!WriteList(request.files)) return;
+    arguments += {QStringLiteral("--files-from"), list_->fileName()};
+  }
+  silence_.setInterval(request.silenceLimit);
+  force_.setInterval(request.cancelLimit);
+  process_.start(ProgramFile(), arguments);
+  if (silence_.interval() > 0) silence_.start();
+  for (const QString& password : request.passwords) process_.write(NativeName::ToBytes(password) + '\n');
+  process_.closeWriteChannel();
+}
+
+bool RunnerProcess::WriteList(const QStringList& files) {
+  list_ = std::make_unique<QTemporaryFile>();
+  bool written = list_->open();
+  for (const QString& file : files) {
+    const QByteArray name = NativeName::ToBytes(file) + '\0';
+    written = written && list_->write(name) == name.size();
+  }
+  written = written && list_->flush();
+  if (!written) GiveUp(tr("Cannot write a temporary file: %1").arg(list_->errorString()));
+  return written;
+}
+
+// finished() never comes from within Start().
+void RunnerProcess::GiveUp(const QString& error) {
+  result_.started = false;
+  result_.error = error;
+  QTimer::singleShot(0, this, &RunnerProcess::Finish);
+}
+
+void RunnerProcess::Cancel() {
+  if (!running_) return;
+  result_.cancelled = true;
+  process_.terminate();
+  if (!force_.isActive()) force_.start();
+}
+
+void RunnerProcess::Kill() {
+  process_.kill();
+}
+
+void RunnerProcess::TakeOutput(const QByteArray& bytes) {
+  if (silence_.isActive()) silence_.start();
+  QVector<RunnerRecord> records;
+  int begin = 0;
+  for (int end = bytes.indexOf('\n'); end >= 0; end = bytes.indexOf('\n', begin)) {
+    pending_ += bytes.mid(begin, end - begin);
+    TakeLine(pending_, records);
+    pending_.clear();
+    skipping_ = false;
+    begin = end + 1;
+  }
+  if (!skipping_) pending_ += bytes.mid(begin);
+  if (pending_.size() > kLongestLine) {
+    skipping_ = true;
+    pending_.clear();
+  }
+  if (!records.isEmpty()) emit recordsReceived(records);
+}
+
+void RunnerProcess::TakeLine(const QByteArray& line, QVector<RunnerRecord>& records) {
+  const QJsonDocument json = skipping_ ? QJsonDocument() : QJsonDocument::fromJson(line);
+  if (json.isObject()) {
+    records.append({line, json.object()});
+  } else {
+    ++unreadable_;
+  }
+}
+
+void RunnerProcess::TakeMessages(const QByteArray& bytes) {
+  if (silence_.isActive()) silence_.start();
+  pendingMessage_ += bytes;
+  int begin = 0;
+  for (int end = pendingMessage_.indexOf('\n'); end >= 0; end = pendingMessage_.indexOf('\n', begin)) {
+    TakeMessage(pendingMessage_.mid(begin, end - begin));
+    begin = end + 1;
+  }
+  pendingMessage_ = pendingMessage_.mid(begin).left(kLongestMessage);
+}
+
+void RunnerProcess::TakeMessage(const QByteArray& line) {
+  const QString text = NativeName::ToText(View(line.left(kLongestMessage))).trimmed();
+  static const QString self = QStringLiteral("vorlane-run: ");
+  if (!text.startsWith(self)) {
+    if (!text.isEmpty()) lastLine_ = text;
+    return;
+  }
+  result_.messages += text.mid(self.size());
+  if (result_.messages.size() > kMostMessages) result_.messages.removeAt(kMostMessages / 2);
+}
+
+void RunnerProcess::Fail(QProcess::ProcessError error) {
+  // After the other errors the program still ends.
+  if (error != QProcess::FailedToStart) return;
+  GiveUp(tr("Cannot start %1 (%2). It belongs to this program; please install it again.")
+             .arg(ProgramFile(), process_.errorString()));
+}
+
+void RunnerProcess::End(int code, QProcess::ExitStatus status) {
+  gather_.stop();
+  while (process_.bytesAvailable() > 0) TakeOutput(process_.read(kPiece));
+  // What a killed program had begun to print is no record.
+  const bool isCut = status == QProcess::CrashExit;
+  if ((skipping_ || !pending_.isEmpty()) && !isCut) TakeOutput("\n");
+  TakeMessages(process_.readAllStandardError() + '\n');
+  if (status == QProcess::NormalExit) result_.exitCode = code;
+  if (!result_.cancelled) result_.error = ErrorOf(code, status);
+  Finish();
+}
+
+QString RunnerProcess::ErrorOf(int code, QProcess::ExitStatus status) const {
+  if (silent_) {
+    return tr("vorlane-run did not answer for %1 seconds and was ended.").arg(silence_.interval() / 1000.0);
+  }
+  if (status == QProcess::CrashExit) return tr("vorlane-run ended unexpectedly (signal %1).").arg(code);
+  if (code > kExitSignalBase) return tr("vorlane-run was interrupted by another program.");
+  if (code >= kExitUsage) {
+    if (!result_.messages.isEmpty()) return result_.messages.constLast();
+    return tr("vorlane-run ended with the code %1. %2").arg(code).arg(lastLine_).trimmed();
+  }
+  if (unreadable_ == 0) return {};
+  return tr("vorlane-run printed lines that cannot be read (%1). It may be of another version than this program.")
+      .arg(unreadable_);
+}
+
+void RunnerProcess::Finish() {
+  silence_.stop();
+  force_.stop();
+  list_.reset();
+  pending_.clear();
+  running_ = false;
+  const RunnerResult result = std::move(result_);
+  emit finished(result);
+}
