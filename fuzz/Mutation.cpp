@@ -54,7 +54,7 @@ class Mutator {
       Step();
       if (bytes_.size() > kMaxSize) bytes_.resize(kMaxSize);
     }
-    return {std::move(bytes_), std::move(history_)};
+    return {file, std::move(bytes_), std::move(history_)};
   }
 
  private:

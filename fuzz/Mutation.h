@@ -8,6 +8,7 @@
 
 /// A damaged file, and what was done to it.
 struct Mutation {
+  std::filesystem::path source;  ///< the undamaged file
   std::string bytes;
   std::string history;  ///< "table-lf.pdf, 2048 bytes appended"
 };

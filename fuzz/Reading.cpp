@@ -154,6 +154,20 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
   return losses;
 }
 
+bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged) {
+  const std::size_t count = before.pages.size();
+  if (after.pageCount != before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
+  if (after.objects < before.objects) return false;
+  for (std::size_t page = 0; page < count; ++page) {
+    std::string missing;
+    for (const std::string& word : WordsMissing(before.pages[page].text, after.pages[page].text)) missing += word + ' ';
+    const auto words = SortedWords(missing);
+    const auto misread = WordsMissing(missing, undamaged.pages[page].text);
+    if (misread.size() < words.size()) return false;
+  }
+  return true;
+}
+
 std::uint64_t HashOf(const std::string& bytes) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;

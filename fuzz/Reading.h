@@ -39,6 +39,9 @@ bool SamePages(const Reading& a, const Reading& b);
 /// becomes true when a page shows other words besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
 
+/// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it.
+bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged);
+
 /// FNV-1a.
 std::uint64_t HashOf(const std::string& bytes);
 

@@ -49,18 +49,14 @@ std::string InformationKey(int key) {
 }
 
 // One character for each byte.
-std::string Utf8FromBytes(const std::string& bytes) {
-  std::wstring text;
-  for (const char byte : bytes) text += static_cast<wchar_t>(static_cast<unsigned char>(byte));
-  return Utf8FromWide(text);
+std::wstring WideFromBytes(const std::string& bytes) {
+  std::wstring text(bytes.size(), L'\0');
+  std::transform(bytes.begin(), bytes.end(), text.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
+  return text;
 }
 
 std::string Fact(Document& document, int key) {
-  if (key > kInformationActionUriBytes)
-    return Utf8FromBytes(document.Links().ActionUri(key - kInformationActionUriBytes));
   switch (key) {
-    case kInformationBaseUrlBytes:
-      return Utf8FromBytes(document.BaseUrl());
     case kInformationSaveMode:
       return NameOf(document.Plan().mode);
     case kInformationWhyRewrite:
@@ -118,7 +114,12 @@ wchar_t* HPLGetBaseURL(int instance) {
 }
 
 wchar_t* HPLGetInformation(int instance, int key) {
-  return Guarded<wchar_t*>(instance, [&](Call& call) { return WideFromUtf8(Fact(call.Selected(), key)); });
+  return Guarded<wchar_t*>(instance, [&](Call& call) {
+    Document& document = call.Selected();
+    if (key == kInformationBaseUrlBytes) return WideFromBytes(document.BaseUrl());
+    if (key <= kInformationActionUriBytes) return WideFromUtf8(Fact(document, key));
+    return WideFromBytes(document.Links().ActionUri(key - kInformationActionUriBytes));
+  });
 }
 
 int HPLSetInformation(int instance, int key, void* value) {

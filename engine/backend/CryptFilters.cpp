@@ -13,6 +13,8 @@ namespace {
 constexpr const char* kKnownMethods[] = {"/V2", "/AESV2", "/AESV3"};
 constexpr char kNone[] = "/None";
 constexpr int kFirstWithCryptFilters = 4;
+constexpr int kStandardLength = 40;  // of a key in bits
+constexpr int kLongestKey = 256;
 
 int IntegerOr(QPDFObjectHandle dictionary, const char* key, int standard) {
   QPDFObjectHandle value = dictionary.getKey(key);
@@ -63,13 +65,18 @@ std::optional<std::string> EncryptionWithoutNone(QPDF& document) {
       throw EngineError(kErrorUnsupportedSecurity, "unknown encryption method " + name);
     }
   }
-  return changed ? std::optional(copy.unparse()) : std::nullopt;
+  if (!changed) return std::nullopt;
+  // Readers that know this method go by the length.
+  const int length = IntegerOr(encrypt, "/Length", kStandardLength);
+  if (length < kStandardLength || length > kLongestKey || length % 8 != 0) {
+    throw EngineError(kErrorUnsupportedSecurity, "no key has " + std::to_string(length) + " bits");
+  }
+  return copy.unparse();
 }
 
 std::optional<std::string> EncryptionWithKeyLength(QPDF& document) {
   QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
   if (!encrypt.isDictionary()) return std::nullopt;
-  constexpr int kStandardLength = 40;
   constexpr int kParsersGuess = 128;
   const int version = IntegerOr(encrypt, "/V", 0);
   int length = 0;

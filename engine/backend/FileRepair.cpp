@@ -97,6 +97,26 @@ void RemoveEndOfLine(std::string& text) {
   if (!text.empty() && text.back() == '\r') text.pop_back();
 }
 
+QPDFObjectHandle DictionaryOf(QPDFObjectHandle object) {
+  return object.isStream() ? object.getDict() : object;
+}
+
+// Whether an object may be a new version of another.
+bool SameKind(QPDFObjectHandle one, QPDFObjectHandle other) {
+  if (one.getTypeCode() != other.getTypeCode()) return false;
+  if (!DictionaryOf(one).isDictionary()) return true;
+  return DictionaryOf(one).getKey("/Type").unparse() == DictionaryOf(other).getKey("/Type").unparse();
+}
+
+bool SameObject(QPDFObjectHandle one, QPDFObjectHandle other) {
+  if (one.getTypeCode() != other.getTypeCode()) return false;
+  if (!one.isStream()) return one.unparseResolved() == other.unparseResolved();
+  const std::shared_ptr<Buffer> data = one.getRawStreamData();
+  const std::shared_ptr<Buffer> others = other.getRawStreamData();
+  return one.getDict().unparse() == other.getDict().unparse() && data->getSize() == others->getSize() &&
+         std::equal(data->getBuffer(), data->getBuffer() + data->getSize(), others->getBuffer());
+}
+
 // The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
 std::string FirstIdentifier(const std::string& identifier) {
   try {
@@ -138,7 +158,7 @@ std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
   }
   tail.headerOffset = QuickReader::HeaderOffset(file);
   for (const std::string& key : document.getTrailer().getKeys()) {
-    if (QuickReader::IsRepeatedEntry(key))
+    if (QuickReader::IsRepeatedEntry(key) && !IsInventedKey(key))
       tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
   }
   std::vector<FileTail::KeptObject> kept;
@@ -181,9 +201,9 @@ bool FileRepair::Finds(ObjectId id) {
 
 // Of the newest trailer that has a usable one: a value, or a reference to an object that is there.
 std::string FileRepair::TrailerEntry(const std::string& key) {
-  const std::vector<std::string>& trailers = Scan().trailers;
+  const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
   for (auto trailer = trailers.rbegin(); trailer != trailers.rend(); ++trailer) {
-    std::string value = LenientEntry(*trailer, key);
+    std::string value = LenientEntry(trailer->text, key);
     if (value.empty()) continue;
     const std::optional<ObjectId> reference = ToReference(value);
     // An object in an object stream shows later; the encryption dictionary is never in one (ISO 32000-1, 7.5.7).
@@ -194,19 +214,25 @@ std::string FileRepair::TrailerEntry(const std::string& key) {
   return key == "/Encrypt" && Finds(encryption) ? encryption.Reference() : std::string();
 }
 
-// Joined files: they have objects of the same numbers, and what is encrypted in one is not in the other.
-void FileRepair::CheckOneDocument() {
+// What one document has encrypted is not in another.
+void FileRepair::CheckOneEncryption() {
   std::set<std::string> values;
+  for (const FileScan::Trailer& trailer : Scan().trailers) {
+    if (!LenientEntry(trailer.text, "/Root").empty()) values.insert(LenientEntry(trailer.text, "/Encrypt"));
+  }
+  if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+}
+
+// Why the file seems to be several that were joined: they have objects of the same numbers. Empty for one document.
+std::string FileRepair::MixedDocuments() {
   std::set<std::string> identifiers;
-  for (const std::string& trailer : Scan().trailers) {
-    if (LenientEntry(trailer, "/Root").empty()) continue;
-    values.insert(LenientEntry(trailer, "/Encrypt"));
-    const std::string identifier = FirstIdentifier(LenientEntry(trailer, "/ID"));
+  for (const FileScan::Trailer& trailer : Scan().trailers) {
+    if (LenientEntry(trailer.text, "/Root").empty()) continue;
+    const std::string identifier = FirstIdentifier(LenientEntry(trailer.text, "/ID"));
     if (!identifier.empty()) identifiers.insert(identifier);
   }
-  if (identifiers.size() > 1) throw CannotRepair("the file is made of parts of several documents");
-  if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
-  if (HoldsTwoDocuments()) throw CannotRepair("the file holds two documents");
+  if (identifiers.size() > 1) return "the file is made of parts of several documents";
+  return HoldsTwoDocuments() ? "the file holds two documents" : "";
 }
 
 // Whether there is a header between objects.
@@ -302,9 +328,9 @@ std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
     if (!empty && catalog.isDictionary()) empty = id;
     return LeadsToPage(catalog);
   };
-  const std::vector<std::string>& trailers = Scan().trailers;
+  const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
   for (auto trailer = trailers.rbegin(); trailer != trailers.rend(); ++trailer) {
-    const std::optional<ObjectId> root = ToReference(LenientEntry(*trailer, "/Root"));
+    const std::optional<ObjectId> root = ToReference(LenientEntry(trailer->text, "/Root"));
     if (root && leads(*root)) return root;
   }
   const std::vector<FileScan::Object>& objects = Scan().objects;
@@ -318,6 +344,19 @@ std::optional<ObjectId> FileRepair::FindRoot(QPDF& document, const Kept& kept) {
   return empty;
 }
 
+// Whether no trailer and no catalog leads anywhere else.
+bool FileRepair::IsOnlyRoot(ObjectId root) {
+  const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
+  const bool named = std::all_of(trailers.begin(), trailers.end(), [&](const FileScan::Trailer& trailer) {
+    return ToReference(LenientEntry(trailer.text, "/Root")).value_or(root) == root;
+  });
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const auto catalogs = std::count_if(objects.begin(), objects.end(), [&](const FileScan::Object& object) {
+    return object.kind == Kind::kCatalog || object.id.number == root.number;
+  });
+  return named && catalogs <= 1;
+}
+
 FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   FileTail tail;
   tail.headerOffset = QuickReader::HeaderOffset(*file_);
@@ -326,9 +365,9 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
   // Numbers of objects that are not kept are not given to new ones either.
   if (!Newest().empty()) tail.size = std::max(tail.size, Newest().back().id.number + 1);
   if (!kept.empty()) tail.size = std::max(tail.size, kept.back().id.number + 1);
-  const std::vector<std::string>& trailers = Scan().trailers;
+  const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
   for (auto trailer = trailers.rbegin(); trailer != trailers.rend() && tail.entries.empty(); ++trailer) {
-    if (ToReference(LenientEntry(*trailer, "/Root")) == root) tail.entries = RepeatedEntries(*trailer);
+    if (ToReference(LenientEntry(trailer->text, "/Root")) == root) tail.entries = RepeatedEntries(trailer->text);
   }
   for (const char* const key : {"/Info", "/ID", "/Encrypt"}) {
     const std::string value = TrailerEntry(key);
@@ -359,6 +398,8 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     const std::uint64_t size = stream.dataEnd - stream.data;
     if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
     std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
+    // Readers differ about where one that runs into another object ends.
+    if (data.find(" 0 obj") != std::string::npos) throw CannotRepair("a stream with a wrong length holds objects");
     // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
     if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
     dictionary->Set("/Length", std::to_string(data.size()));
@@ -378,19 +419,30 @@ const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
   return found != objects.end() && found->offset == offset ? &*found : nullptr;
 }
 
+// Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
+// may stand inside a damaged one. And a damaged catalog would be written anew.
+void FileRepair::CheckDamagedObjects(const FileTail& tail) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  std::map<std::uint32_t, std::size_t> versions;
+  for (const FileScan::Object& object : objects) ++versions[object.id.number];
+  for (const FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object == nullptr) continue;
+    const bool inside = object != &objects.front() && (object - 1)->damaged;
+    const bool unclear = versions[kept.id.number] > 1 && (object->damaged || inside);
+    if (unclear || (object->damaged && kept.id == tail.root)) {
+      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
+    }
+  }
+}
+
 // What readers make of such damage changes when the cross-references become sound.
 void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
   if (encrypted && !document.isEncrypted()) throw CannotRepair("the encryption dictionary is damaged");
-  for (const FileTail::KeptObject& kept : *tail.kept) {
-    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
-    if (object != nullptr && object->damaged) {
-      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
-    }
-  }
+  CheckDamagedObjects(tail);
   for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
-    // The parser's key for a value that has none.
-    if (key.compare(0, 9, "/QPDFFake") == 0 && value.isIndirect()) throw CannotRepair("the catalog is damaged");
+    if (IsInventedKey(key) && value.isIndirect()) throw CannotRepair("the catalog is damaged");
   }
   for (const QPDFExc& warning : document.getWarnings()) {
     const std::string text = warning.getObject() + warning.getMessageDetail();
@@ -480,23 +532,82 @@ void FileRepair::PutPreferred(Kept& kept) const {
   }
 }
 
-// Of a file with something else after it: the objects that its own cross-references name, if they lead to a page.
-std::optional<FileTail> FileRepair::FindEarlierEnd(const std::string& password) {
+// The newest version of a file with something else after it.
+std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::string& password) {
   const std::vector<std::uint64_t>& ends = Scan().ends;
   for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
     View view{file_, "\n%%EOF\n", *end};
     try {
-      const std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
-      if (document == nullptr || !LeadsToPage(document->getRoot())) continue;
+      std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
+      if (document == nullptr) continue;
+      ObjectStreams(file_->Size()).Check(*document);
+      if (!LeadsToPage(document->getRoot())) continue;
       std::optional<FileTail> tail = CompleteTail(*document, *file_);
+      if (!tail) continue;
       // Numbers in the rest of the file are not given to new objects.
-      if (tail) tail->size = std::max(tail->size, Newest().back().id.number + 1);
-      if (tail) return tail;
+      if (!Newest().empty()) tail->size = std::max(tail->size, Newest().back().id.number + 1);
+      return Version{*end, std::move(*tail), std::move(document)};
     } catch (const std::exception&) {
       // The next one.
     }
   }
   return std::nullopt;
+}
+
+// Whether what stands after the version's end is an update of it: a trailer there continues its cross-references, or
+// has its identifier (ISO 32000-1, 7.5.6 and 14.4).
+bool FileRepair::IsUpdated(const Version& version) {
+  const std::string identifier = FirstIdentifier(version.tail.Value("/ID"));
+  const std::string digits = file_->ReadAt(version.end - std::min<std::uint64_t>(version.end, 20), 20);
+  return std::any_of(Scan().trailers.begin(), Scan().trailers.end(), [&](const FileScan::Trailer& trailer) {
+    if (trailer.offset < version.end) return false;
+    const std::string previous = LenientEntry(trailer.text, "/Prev");
+    const std::size_t start = digits.size() - std::min(digits.size(), previous.size());
+    if (!previous.empty() && digits.compare(start, std::string::npos, previous) == 0) return true;
+    return !identifier.empty() && FirstIdentifier(LenientEntry(trailer.text, "/ID")) == identifier;
+  });
+}
+
+// Whether a catalog that stands or is named after the version's end leads to pages, too.
+bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
+  const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
+  for (const FileScan::Trailer& trailer : Scan().trailers) {
+    const std::optional<ObjectId> root = ToReference(LenientEntry(trailer.text, "/Root"));
+    if (trailer.offset >= version.end && root && leads(*root)) return true;
+  }
+  return std::any_of(Scan().objects.begin(), Scan().objects.end(), [&](const FileScan::Object& object) {
+    return object.offset >= version.end && object.kind == Kind::kCatalog && leads(object.id);
+  });
+}
+
+// Whether the version is the document, and objects after its end are not. mupdf and libqpdf look for "startxref" in the
+// last kilobyte of a file, poppler in the last 24; a reader that does not find it takes the last object of each number.
+// So the version counts where rebuilding leads to nothing else; where readers see two documents, the file is refused.
+bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages) {
+  constexpr std::uint64_t kFarthestStartXref = 24 * 1024;
+  std::set<std::uint32_t> later;
+  for (const FileTail::KeptObject& object : kept) {
+    const bool inFile = object.stream == 0 && object.offset + version.tail.headerOffset >= version.end;
+    if (inFile || (object.stream != 0 && later.count(object.stream) != 0)) later.insert(object.id.number);
+  }
+  for (const FileTail::KeptObject& object : kept) {
+    if (object.stream != 0 && later.count(object.stream) != 0) later.insert(object.id.number);
+  }
+  if (later.empty() || IsUpdated(version)) return false;
+  if (!rebuiltHasPages) return true;
+  bool displaced = false;
+  bool plausible = true;
+  VisitReachable(*version.document, [&](QPDFObjectHandle object) {
+    if (later.count(static_cast<std::uint32_t>(object.getObjectID())) == 0) return;
+    const QPDFObjectHandle other = rebuilt.getObject(object.getObjGen());
+    displaced = displaced || !SameObject(object, other);
+    plausible = plausible && SameKind(object, other);
+  });
+  const bool another = AnotherRootAfter(version, rebuilt);
+  if (!displaced && !another) return true;
+  const bool found = version.end == Scan().ends.back() && file_->Size() - version.end <= kFarthestStartXref;
+  if (found || another || !plausible) throw CannotRepair("objects of another document follow the end of the file");
+  return false;
 }
 
 FileRepair::Result FileRepair::Open(const std::string& password) {
@@ -509,7 +620,11 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   PutPreferred(kept);
   const bool streams = std::any_of(Newest().begin(), Newest().end(),
                                    [](const FileScan::Object& object) { return object.kind == Kind::kObjectStream; });
-  CheckOneDocument();
+  CheckOneEncryption();
+  const std::string mixed = MixedDocuments();
+  const bool followed = !Scan().ends.empty() && !Newest().empty() && Scan().objects.back().offset > Scan().ends.front();
+  std::optional<Version> earlier = followed ? FindEarlierVersion(password) : std::nullopt;
+  if (!mixed.empty() && !earlier) throw CannotRepair(mixed);
   std::shared_ptr<QPDF> document = OpenWithStandIn(kept, password);
   if (document != nullptr && streams) {
     const Kept plain = kept;
@@ -525,20 +640,28 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
   const bool pages = root && LeadsToPage(ObjectOf(*document, *root));
+  // Readers agree on the only catalog, even if what they make of its page tree differs.
+  const bool severalRoots = root && (!ObjectOf(*document, *root).hasKey("/Pages") || !IsOnlyRoot(*root));
   const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
+  const bool counts = earlier && EarlierVersionCounts(*earlier, *document, kept, pages);
+  if (!counts && !mixed.empty()) throw CannotRepair(mixed);
+  if (!counts && pages) earlier.reset();
+  if (!pages && !followed) earlier = FindEarlierVersion(password);
   document.reset();
   Result result;
-  std::optional<FileTail> earlier = pages ? std::nullopt : FindEarlierEnd(password);
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
-  if (!pages && !earlier && !noPages) throw CannotRepair("the pages are not found");
-  result.tail = earlier ? std::move(*earlier) : MakeTail(*root, std::move(kept));
+  if (!pages && !earlier && !noPages && severalRoots) throw CannotRepair("the pages are not found");
+  result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
+  // Readers that read the file from its start would take the update for a part of the value that the file ends in.
+  if (Scan().cutOff) result.tail.repaired = "\n>>\nendobj\n";
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;
   CheckObjects(*result.document, result.tail);
   CompareWithParser(result.view, password);
+  const std::size_t before = result.tail.repaired.size();
   RepairStreams(*result.document, result.tail);
-  if (result.tail.repaired.empty()) return result;
+  if (result.tail.repaired.size() == before) return result;
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   return result;

@@ -54,12 +54,22 @@ class FileRepair {
 
  private:
   using Kept = std::vector<FileTail::KeptObject>;
+  // What the file is up to one of its ends, if its own cross-references lead to all of that.
+  struct Version {
+    std::uint64_t end;
+    FileTail tail;
+    std::shared_ptr<QPDF> document;
+  };
 
   const std::vector<FileScan::Object>& Newest();
   std::string TrailerEntry(const std::string& key);
-  void CheckOneDocument();
+  void CheckOneEncryption();
+  std::string MixedDocuments();
   bool HoldsTwoDocuments();
-  std::optional<FileTail> FindEarlierEnd(const std::string& password);
+  std::optional<Version> FindEarlierVersion(const std::string& password);
+  bool IsUpdated(const Version& version);
+  bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
+  bool AnotherRootAfter(const Version& version, QPDF& rebuilt);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
@@ -67,8 +77,10 @@ class FileRepair {
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   void CheckMembers(QPDF& document, const Kept& kept) const;
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
+  bool IsOnlyRoot(ObjectId root);
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
+  void CheckDamagedObjects(const FileTail& tail);
   void CheckObjects(QPDF& document, const FileTail& tail);
   void CompareWithParser(BackendInputSource::View view, const std::string& password) const;
   void RepairStreams(QPDF& document, FileTail& tail);

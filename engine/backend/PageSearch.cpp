@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/backend/PageSearch.h"
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -42,6 +44,17 @@ bool LeadsToPage(QPDFObjectHandle catalog) {
     return !found;
   });
   return found;
+}
+
+bool IsInventedKey(const std::string& key) {
+  return key.compare(0, 9, "/QPDFFake") == 0;
+}
+
+bool HasInventedKeys(QPDFObjectHandle dictionary) {
+  if (!dictionary.isDictionary()) return false;
+  // Without looking at values: the guards against hostile files may be still to come.
+  const std::map<std::string, QPDFObjectHandle> entries = dictionary.getDictAsMap();
+  return std::any_of(entries.begin(), entries.end(), [](const auto& entry) { return IsInventedKey(entry.first); });
 }
 
 void VisitReachable(QPDF& document, const std::function<void(QPDFObjectHandle object)>& visit) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <qpdf/QPDF.hh>
+#include <string>
 
 namespace engine {
 
@@ -13,6 +14,10 @@ void VisitPageTree(QPDFObjectHandle catalog, const std::function<bool(QPDFObject
 
 // Whether a catalog's page tree has a page.
 bool LeadsToPage(QPDFObjectHandle catalog);
+
+// Whether the dictionary is damaged: the parser makes keys up for values that have none.
+bool HasInventedKeys(QPDFObjectHandle dictionary);
+bool IsInventedKey(const std::string& key);
 
 // How much of a document can be reached from the entries of its trailer.
 struct ReachableObjects {

@@ -96,11 +96,12 @@ bool PagesAreThere(QPDF& document, FileRepair& repair) {
 }  // namespace
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
-  return EntriesLeadToObjects(document, file, repair) && ObjectStreams(file.Size()).Check(document) &&
-         PagesAreThere(document, repair);
+  return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) &&
+         ObjectStreams(file.Size()).Check(document) && PagesAreThere(document, repair);
 }
 
 std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {
+  if (HasInventedKeys(document.getTrailer())) return {};
   const std::uint64_t headerOffset = QuickReader::HeaderOffset(file);
   FileWindow window(file);
   std::vector<FileTail::KeptObject> entries;

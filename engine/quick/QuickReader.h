@@ -5,11 +5,10 @@
 #include <optional>
 #include <string_view>
 
+#include "engine/base/InputFile.h"
 #include "engine/quick/QuickDocument.h"
 
 namespace engine {
-
-class InputFile;
 
 // Reads a document's catalog from the end of the file, at a cost that does not grow with the number of objects. It
 // reads plain intact files only: anything unusual or suspicious is left to a full parser (no value).
@@ -26,6 +25,7 @@ class QuickReader {
   // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers
   // agree on that, apart from those that rebuild the cross-references of every file with bytes before the header.
   static std::uint64_t HeaderOffset(const InputFile& file);
+  static bool StartsWithHeader(const InputFile& file) { return file.ReadAt(0, 5) == "%PDF-"; }
 
   // Whether an update's trailer repeats this entry (a key with its slash) of the trailer before it.
   static bool IsRepeatedEntry(std::string_view key);

@@ -144,6 +144,7 @@ class Scanner {
   struct Extent {
     std::uint64_t end = 0;
     bool whole = false;
+    bool cutOff = false;  // the file ends inside it
   };
 
   // Reads the value at `offset`; the text of damaged ones is cut short at a fixed length.
@@ -153,15 +154,18 @@ class Scanner {
       try {
         PdfLexer lexer(text);
         const PdfLexer::Value value = lexer.ReadValue();
-        extent = {offset + value.end, true};
+        extent = {offset + value.end, true, false};
         return lexer.Text(value);
       } catch (const PdfSyntaxError& error) {
+        extent.cutOff = error.truncated() && text.size() < size;
         if (error.truncated() && text.size() == size && size < kLargestObject && size <= lexingLeft_) {
           lexingLeft_ -= size;
           continue;
         }
       }
-      extent = {offset, false};
+      result.cutOff = result.cutOff || extent.cutOff;
+      extent.end = offset;
+      extent.whole = false;
       return window_.At(offset, kDamagedObject).substr(0, kDamagedObject);
     }
   }
@@ -174,18 +178,19 @@ class Scanner {
 
   std::uint64_t ReadTrailer(std::uint64_t offset) {
     Extent extent;
-    const std::string_view text = ReadValue(offset, extent);
+    std::string_view text = ReadValue(offset, extent);
     if (extent.whole && !StartsWith(text, "<<")) return offset;
-    AddTrailer(text);
+    if (!extent.whole) text = text.substr(0, std::min(text.find("obj"), text.find("startxref")));
+    AddTrailer(offset, text);
     return extent.end;
   }
 
-  void AddTrailer(std::string_view text) {
+  void AddTrailer(std::uint64_t offset, std::string_view text) {
     if (text.find("/Root") == std::string_view::npos && text.find("/Encrypt") == std::string_view::npos) return;
-    std::vector<std::string>& trailers = result.trailers;
+    std::vector<FileScan::Trailer>& trailers = result.trailers;
     // Of very many the newest and some of the oldest are enough.
     if (trailers.size() == kMostTrailers) trailers.erase(trailers.begin() + kMostTrailers / 8);
-    trailers.emplace_back(text.substr(0, kLongestTrailer));
+    trailers.push_back({offset, std::string(text.substr(0, kLongestTrailer))});
   }
 
   // Returns where to go on.
@@ -209,10 +214,10 @@ class Scanner {
         text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), stream - body)));
         data = StreamDataAfter(stream);
       }
-      object->cutOff = next == window_.Size() && !data;
+      object->cutOff = extent.cutOff && next == window_.Size() && !data;
     }
     object->kind = KindOf(text, data.has_value());
-    if (object->kind == Kind::kXrefStream || IsLikeTrailer(text)) AddTrailer(text);
+    if (object->kind == Kind::kXrefStream || IsLikeTrailer(text)) AddTrailer(object->offset, text);
     if (IsEncryption(text)) result.encryption = object->id;
     if (data) {
       end = StreamEnd(*data, text);

@@ -26,12 +26,19 @@ struct FileScan {
     std::uint64_t dataEnd = 0;
   };
 
+  struct Trailer {
+    std::uint64_t offset = 0;
+    std::string text;
+  };
+
   // In the order of the file; a number may occur several times.
   std::vector<Object> objects;
   // The dictionaries of trailers and cross-reference streams, in the order of the file. They may be damaged.
-  std::vector<std::string> trailers;
+  std::vector<Trailer> trailers;
   // Where the last "startxref" of the file and its number end, and some before it; the last one last.
   std::vector<std::uint64_t> ends;
+  // Whether the file ends inside a value.
+  bool cutOff = false;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
   // The offsets of headers "%PDF-" outside of objects, in the order of the file.

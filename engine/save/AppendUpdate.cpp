@@ -8,6 +8,7 @@
 
 #include "engine/base/InputFile.h"
 #include "engine/base/OutputFile.h"
+#include "engine/quick/QuickReader.h"
 #include "engine/save/FileIdentifier.h"
 
 namespace engine {
@@ -58,7 +59,10 @@ void ForEachRun(const std::vector<XrefEntry>& entries, Visit visit) {
 
 class Update {
  public:
-  Update(const InputFile& source, const FileTail& tail) : tail_(tail), base_(source.Size() - tail.headerOffset) {
+  Update(const InputFile& source, const FileTail& tail)
+      : tail_(tail),
+        base_(source.Size() - tail.headerOffset),
+        usesObjectStream_(!tail.OnlyTables() && !QuickReader::StartsWithHeader(source)) {
     char last = '\0';
     text_.reserve(kUsualSize);
     if (source.Size() > 0) source.ReadAt(source.Size() - 1, &last, 1);
@@ -72,7 +76,7 @@ class Update {
   void AddObjects(const std::vector<ChangedObject>& changes) {
     std::vector<const ChangedObject*> members;
     for (const ChangedObject& change : changes) {
-      if (UsesObjectStream() && change.id.generation == 0) {
+      if (usesObjectStream_ && change.id.generation == 0) {
         members.push_back(&change);
         continue;
       }
@@ -101,10 +105,6 @@ class Update {
 
  private:
   std::uint64_t Position() const { return base_ + text_.size(); }
-
-  // Some readers rebuild the cross-references of every file with bytes before its header, and then take an object of an
-  // object stream for newer than any other. A changed object has to be in an object stream to take its place.
-  bool UsesObjectStream() const { return tail_.headerOffset > 0 && !tail_.OnlyTables(); }
 
   // ISO 32000-1, 7.5.7.
   void AddObjectStream(const std::vector<const ChangedObject*>& members) {
@@ -217,6 +217,9 @@ class Update {
 
   const FileTail& tail_;
   const std::uint64_t base_;
+  // Some readers rebuild the cross-references of every file that does not start with a header, and then take an object
+  // of an object stream for newer than any other. A changed object has to be in an object stream to take its place.
+  const bool usesObjectStream_;
   std::string text_;
   std::vector<XrefEntry> entries_;
   std::uint32_t size_ = 0;

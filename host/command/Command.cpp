@@ -3,11 +3,10 @@
 
 #include <unistd.h>
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
 #include <QSet>
 
+#include "host/actions/ToolsFolders.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NamedInput.h"
@@ -23,18 +22,6 @@ std::string_view View(const QByteArray& bytes) {
 QStringList OptionsAsTyped(QStringList options) {
   for (QString& option : options) option.prepend(QStringLiteral("--"));
   return options;
-}
-
-// A relative folder would load code from whatever folder the user is in.
-QStringList FoldersOfEnvironment() {
-  const QStringList folders =
-      NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
-  for (const QString& folder : folders) {
-    if (QDir::isAbsolutePath(folder)) continue;
-    throw CommandError(kExitUsage,
-                       QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));
-  }
-  return folders;
 }
 
 void WarnOfMissing(const QStringList& folders) {
@@ -185,13 +172,9 @@ QStringList Command::ToolsFolders() const {
     }
     return {folder};
   }
-  const QStringList others = FoldersOfEnvironment();
+  const QStringList others = ToolsFoldersOfEnvironment();
   if (!IsSet("quiet")) WarnOfMissing(others);
-  const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
-  return QStringList{prefix + QStringLiteral("/lib/vorlane/Tools"),
-                     prefix + QStringLiteral("/local/lib/vorlane/Tools")} +
-         others;
+  return InstalledToolsFolders() + others;
 }
 
 void Command::AddLibraryOption() {

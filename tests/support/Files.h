@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -18,6 +19,15 @@ struct FileBytes {
 
   std::string bytes;
 };
+
+// How failed comparisons show Qt's texts, rather than as lists of characters.
+inline void PrintTo(const QString& text, std::ostream* out) {
+  *out << '"' << text.toStdString() << '"';
+}
+
+inline void PrintTo(const QByteArray& bytes, std::ostream* out) {
+  *out << '"' << bytes.toStdString() << '"';
+}
 
 // Creates or replaces a file with that content, and the folders above it.
 void WriteFile(const FileBytes& path, const FileBytes& content = "x");

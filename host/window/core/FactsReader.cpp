@@ -9,7 +9,7 @@
 namespace {
 
 // So many that starting the program does not count, and so few that what is asked later need not wait for long.
-constexpr int kMostFiles = 2000;
+constexpr int kMostFiles = 10000;
 // When a program has answered for no file, the next one gets so many times fewer.
 constexpr int kFewer = 8;
 constexpr int kMostBlamed = 3;

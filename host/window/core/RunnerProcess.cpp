@@ -10,6 +10,10 @@
 
 namespace {
 
+// Records are passed on so often: seldom enough that painting them does not slow the program down.
+constexpr int kGatherMs = 40;
+// And so many bytes of them at once, which take a few milliseconds to parse.
+constexpr int kPiece = 1 << 17;
 // Longer lines take too long to parse at once. The longest record holds a base URL of a few bytes.
 constexpr int kLongestLine = 1 << 22;
 constexpr int kLongestMessage = 4096;
@@ -35,8 +39,14 @@ void RunnerProcess::SetProgramFile(const QString& file) {
 }
 
 RunnerProcess::RunnerProcess(QObject* parent) : QObject(parent) {
-  connect(&process_, &QProcess::readyReadStandardOutput, this,
-          [this] { TakeOutput(process_.readAllStandardOutput()); });
+  gather_.setSingleShot(true);
+  connect(&process_, &QProcess::readyReadStandardOutput, this, [this] {
+    if (!gather_.isActive()) gather_.start(kGatherMs);
+  });
+  connect(&gather_, &QTimer::timeout, this, [this] {
+    TakeOutput(process_.read(kPiece));
+    if (process_.bytesAvailable() > 0) gather_.start(0);
+  });
   connect(&process_, &QProcess::readyReadStandardError, this,
           [this] { TakeMessages(process_.readAllStandardError()); });
   connect(&process_, &QProcess::errorOccurred, this, &RunnerProcess::Fail);
@@ -175,7 +185,8 @@ void RunnerProcess::Fail(QProcess::ProcessError error) {
 }
 
 void RunnerProcess::End(int code, QProcess::ExitStatus status) {
-  TakeOutput(process_.readAllStandardOutput());
+  gather_.stop();
+  while (process_.bytesAvailable() > 0) TakeOutput(process_.read(kPiece));
   // What a killed program had begun to print is no record.
   const bool isCut = status == QProcess::CrashExit;
   if ((skipping_ || !pending_.isEmpty()) && !isCut) TakeOutput("\n");

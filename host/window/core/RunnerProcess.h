@@ -69,7 +69,8 @@ class RunnerProcess : public QObject {
   void Kill();
 
  signals:
-  // At most what the pipe to the program holds, so that a turn of the event loop stays short.
+  // What came within a few hundredths of a second: not more, so that a turn of the event loop stays short, and not
+  // less, since each batch paints the window.
   void recordsReceived(const QVector<RunnerRecord>& records);
   void finished(const RunnerResult& result);
 
@@ -87,6 +88,7 @@ class RunnerProcess : public QObject {
 
   QProcess process_;
   std::unique_ptr<QTemporaryFile> list_;
+  QTimer gather_;
   QTimer silence_;
   QTimer force_;
   bool running_ = false;

@@ -2,77 +2,29 @@
 // The pointer on a real X server with a window manager. The guide's test has the keyboard and the buttons.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <memory>
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QProcess>
 #include <QThread>
 #include <QWindow>
-#include <stdexcept>
 
 #include "dialogs/CVorlaneDialog.h"
+#include "tests/support/XUser.h"
 #include "utils/CUtils.h"
 
 namespace {
 
-constexpr qint64 kPatienceMs = 20000;
-
-// Moves the pointer over a dialog from a thread of its own, so that the dialog runs its event loop meanwhile.
-class Pointer {
- public:
-  explicit Pointer(QDialog& dialog) : dialog_(dialog) {}
-
-  // Waits until the condition, checked in the GUI thread, holds.
-  void Await(const std::string& what, const std::function<bool()>& condition) {
-    QElapsedTimer waited;
-    for (waited.start(); !waited.hasExpired(kPatienceMs); QThread::msleep(5)) {
-      bool holds = false;
-      QMetaObject::invokeMethod(
-          qApp, [&] { holds = condition(); }, Qt::BlockingQueuedConnection);
-      if (holds) return;
-    }
-    throw std::runtime_error("waited in vain: " + what);
-  }
-  void AwaitFrame(const std::string& what, const QRect& frame) {
-    // The server's answer first: the program may still have reports of earlier steps to read.
-    const QString expected = QStringLiteral("X=%1\nY=%2\nWIDTH=%3\nHEIGHT=%4\n")
-                                 .arg(frame.x())
-                                 .arg(frame.y())
-                                 .arg(frame.width())
-                                 .arg(frame.height());
-    QString id;
-    Await(what, [&] {
-      id = QString::number(dialog_.winId());
-      return true;
-    });
-    QElapsedTimer waited;
-    for (waited.start(); !Do({"getwindowgeometry", "--shell", id}).contains(expected);) {
-      if (waited.hasExpired(kPatienceMs)) throw std::runtime_error("waited in vain: " + what);
-    }
-    QThread::msleep(20);
-    Await(what, [&] { return dialog_.frameGeometry() == frame; });
-  }
-  void Move(QPoint to) { Do({"mousemove", QString::number(to.x()), QString::number(to.y())}); }
-  void Drag(QPoint from, QPoint to) {
-    Move(from);
-    Do({"mousedown", "1"});
-    Await("the press", [] { return QApplication::mouseButtons() == Qt::LeftButton; });
-    for (int step = 1; step <= 4; ++step) Move(from + (to - from) * step / 4);
-    Do({"mouseup", "1"});
-    Await("the release", [] { return QApplication::mouseButtons() == Qt::NoButton; });
-  }
-
- private:
-  static QString Do(const QStringList& arguments) {
-    QProcess xdotool;
-    xdotool.start(QStringLiteral("xdotool"), arguments);
-    if (!xdotool.waitForFinished() || xdotool.exitCode() != 0) throw std::runtime_error("xdotool failed");
-    return QString::fromUtf8(xdotool.readAllStandardOutput());
-  }
-
-  QDialog& dialog_;
-};
+void AwaitFrame(QDialog& dialog, const std::string& what, const QRect& frame) {
+  // The server's answer first: the program may still have reports of earlier steps to read.
+  const QString expected = QStringLiteral("X=%1\nY=%2\nWIDTH=%3\nHEIGHT=%4\n")
+                               .arg(frame.x())
+                               .arg(frame.y())
+                               .arg(frame.width())
+                               .arg(frame.height());
+  QString id;
+  XUser::InGui([&] { id = QString::number(dialog.winId()); });
+  XUser::Await(what, [&] { return XUser::Do({"getwindowgeometry", "--shell", id}).contains(expected); });
+  QThread::msleep(20);
+  XUser::Await(what, [&] { return dialog.frameGeometry() == frame; });
+}
 
 class ResizableDialog : public CVorlaneDialog {
  public:
@@ -83,7 +35,7 @@ class ResizableDialog : public CVorlaneDialog {
   }
 };
 
-void dragEverywhere(Pointer& pointer, QDialog& dialog) {
+void dragEverywhere(XUser& pointer, QDialog& dialog) {
   QRect start;
   pointer.Await("the dialog", [&] {
     start = dialog.frameGeometry();
@@ -92,7 +44,7 @@ void dragEverywhere(Pointer& pointer, QDialog& dialog) {
   const QPoint header(start.left() + 60, start.top() + 20);
   pointer.Drag(header, header + QPoint(120, -90));
   start.translate(120, -90);
-  pointer.AwaitFrame("the dialog to follow the pointer", start);
+  AwaitFrame(dialog, "the dialog to follow the pointer", start);
   struct Zone {
     const char* name;
     QPoint grip;
@@ -107,30 +59,20 @@ void dragEverywhere(Pointer& pointer, QDialog& dialog) {
     const QPoint out = zone.outwards * 40;
     const QRect grown = start.adjusted(qMin(out.x(), 0), qMin(out.y(), 0), qMax(out.x(), 0), qMax(out.y(), 0));
     pointer.Drag(zone.grip, zone.grip + out);
-    pointer.AwaitFrame(zone.name, grown);
+    AwaitFrame(dialog, zone.name, grown);
     pointer.Drag(zone.grip + out, zone.grip);
-    pointer.AwaitFrame(zone.name, start);
+    AwaitFrame(dialog, zone.name, start);
     pointer.Drag(zone.grip, zone.grip - out);  // below the minimum
     pointer.Move(start.center());
-    pointer.AwaitFrame(zone.name, start);
+    AwaitFrame(dialog, zone.name, start);
   }
 }
 
 TEST(XServer, TheHeaderMovesAndTheEdgesResizeDownToTheMinimum) {
   ASSERT_TRUE(CUtils::CheckOpenGLSupport()) << "the X server has no OpenGL";
   ResizableDialog dialog;
-  const std::unique_ptr<QThread> thread(QThread::create([&] {
-    try {
-      Pointer pointer(dialog);
-      dragEverywhere(pointer, dialog);
-    } catch (const std::exception& error) {
-      ADD_FAILURE() << error.what();
-    }
-    QMetaObject::invokeMethod(&dialog, "reject", Qt::QueuedConnection);
-  }));
-  thread->start();
-  dialog.exec();
-  thread->wait();
+  dialog.open();
+  XUser::Run([&](XUser& pointer) { dragEverywhere(pointer, dialog); });
 }
 
 }  // namespace

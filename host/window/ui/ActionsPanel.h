@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QTimer>
+#include <QWidget>
+
+#include "host/window/ui/Choice.h"
+#include "host/window/ui/Favorites.h"
+
+class ActionCatalog;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+// What can be done: the actions by group, the favorites, the action lists by category, opened files and what was done
+// lately. What another program writes into their folders appears by itself.
+class ActionsPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  // Keeps a reference to the catalog. Shows nothing before the first Refresh().
+  explicit ActionsPanel(ActionCatalog& catalog, QWidget* parent = nullptr);
+
+  void Refresh();
+  // Marks the list or favorite of that file and makes it visible.
+  void ShowFile(const QString& file);
+
+ signals:
+  // The action's settings are to be entered.
+  void actionChosen(const QString& actionName);
+  void choiceMade(const Choice& choice);
+  void editWanted(const Choice& choice);
+  void helpWanted(const QString& actionName);
+  void problem(const QString& message);
+
+ protected:
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+ private:
+  QTreeWidgetItem* AddHeading(const QString& text);
+  void AddActions();
+  void AddFavorites();
+  void AddLists();
+  void AddOpenedFiles();
+  void AddRecent();
+  void Watch();
+  void Choose(QTreeWidgetItem* item);
+  Choice ChoiceOf(QTreeWidgetItem* item);
+  Favorite FavoriteOf(const QTreeWidgetItem* item) const;
+  void ShowMenu(const QPoint& position);
+  void RenameFavorite(const Favorite& favorite);
+  void RemoveFavorite(const Favorite& favorite);
+  void RemoveList(const QString& file);
+
+  ActionCatalog& catalog_;
+  QTreeWidget* tree_;
+  QVector<Favorite> favorites_;
+  QFileSystemWatcher watcher_;
+  QTimer refresh_;
+};

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/ui/FavoriteDialog.h"
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QImageReader>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStyle>
+#include <QToolButton>
+
+#include "utils/CActionUtils.h"
+
+namespace {
+
+constexpr int kIconSize = 128;
+const char* const kIconKey = "VorlaneActionsIcon";
+
+QString ImageFilter() {
+  QStringList patterns;
+  for (const QByteArray& format : QImageReader::supportedImageFormats()) {
+    patterns += QStringLiteral("*.") + QString::fromLatin1(format);
+  }
+  return patterns.join(QLatin1Char(' '));
+}
+
+}  // namespace
+
+FavoriteDialog::FavoriteDialog(QWidget* parent, const Favorite& favorite) : QDialog(parent), icon_(favorite.icon) {
+  setObjectName(QStringLiteral("favoriteDialog"));
+  setWindowTitle(tr("Save as Favorite"));
+  setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
+  const int size = 2 * style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
+  iconButton_ = new QToolButton;
+  iconButton_->setIcon(icon_);
+  iconButton_->setIconSize(QSize(size, size));
+  iconButton_->setToolTip(tr("Choose another picture"));
+  iconButton_->setAccessibleName(iconButton_->toolTip());
+  name_ = new QLineEdit(favorite.name);
+  name_->setObjectName(QStringLiteral("favoriteName"));
+  name_->setMinimumWidth(fontMetrics().averageCharWidth() * 30);
+  name_->selectAll();
+  auto* const label = new QLabel(tr("&Name:"));
+  label->setBuddy(name_);
+  problem_ = new QLabel;
+  problem_->setObjectName(QStringLiteral("favoriteProblem"));
+  problem_->setWordWrap(true);
+  auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+  save_ = buttons->button(QDialogButtonBox::Save);
+  auto* const layout = new QGridLayout(this);
+  layout->addWidget(iconButton_, 0, 0, 3, 1);
+  layout->addWidget(label, 0, 1);
+  layout->addWidget(name_, 1, 1);
+  layout->addWidget(problem_, 2, 1);
+  layout->addWidget(buttons, 3, 0, 1, 2);
+  layout->setColumnStretch(1, 1);
+  name_->setFocus();
+  connect(iconButton_, &QToolButton::clicked, this, &FavoriteDialog::ChooseIcon);
+  connect(name_, &QLineEdit::textChanged, this, &FavoriteDialog::Check);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  Check();
+}
+
+void FavoriteDialog::ChooseIcon() {
+  const QString key = QLatin1String(kIconKey);
+  const QString file =
+      QFileDialog::getOpenFileName(this, tr("Picture of the Favorite"), CActionUtils::GetLastVisitedLocation(key),
+                                   tr("Pictures (%1)").arg(ImageFilter()));
+  if (file.isEmpty()) return;
+  CActionUtils::SaveLastVisitedLocation(key, QFileInfo(file).path());
+  const QPixmap picture(file);
+  if (picture.isNull()) {
+    problem_->setText(tr("%1 is not a picture that can be read. Choose another one.").arg(QFileInfo(file).fileName()));
+    return;
+  }
+  icon_ = QIcon(picture.scaled(kIconSize, kIconSize, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  iconButton_->setIcon(icon_);
+}
+
+void FavoriteDialog::Check() {
+  const QString why = Favorites::NameProblem(name_->text());
+  save_->setEnabled(why.isEmpty());
+  const bool isTaken = why.isEmpty() && Favorites::Exists(name_->text());
+  problem_->setText(isTaken                   ? tr("The favorite of this name will be replaced.")
+                    : name_->text().isEmpty() ? QString()
+                                              : why);
+}
+
+bool FavoriteDialog::Ask(QWidget* parent, Favorite* favorite) {
+  FavoriteDialog dialog(parent, *favorite);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  favorite->name = dialog.name_->text();
+  favorite->icon = dialog.icon_;
+  return true;
+}
