@@ -939,6 +939,10 @@ Lizenz: Apache-2.0</translation>
         <source>Not all links could be read.</source>
         <translation>Nicht alle Links konnten gelesen werden.</translation>
     </message>
+    <message>
+        <source>No viewer can use this base URL: %1.</source>
+        <translation>Kein Betrachter kann diese Basis-URL verwenden: %1.</translation>
+    </message>
 </context>
 <context>
     <name>PreviewPanel</name>
@@ -1102,6 +1106,42 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>The backup cannot be made: %1.</source>
         <translation>Die Sicherungskopie lässt sich nicht anlegen: %1.</translation>
+    </message>
+    <message>
+        <source>The base URL does not end in a slash. Firefox then drops its last part; Chrome and MuPDF join it with the link.</source>
+        <translation>Die Basis-URL endet nicht mit einem Schrägstrich. Firefox lässt dann ihren letzten Teil weg, Chrome und MuPDF hängen den Link daran.</translation>
+    </message>
+    <message>
+        <source>The base URL is written as %1.</source>
+        <translation>Die Basis-URL wird als %1 geschrieben.</translation>
+    </message>
+    <message>
+        <source>Not every viewer understands such a host name. %1 is safer.</source>
+        <translation>Nicht jeder Betrachter versteht einen solchen Rechnernamen. %1 ist sicherer.</translation>
+    </message>
+    <message>
+        <source>A base URL should have no question mark and no number sign: viewers differ in what they make of it.</source>
+        <translation>Eine Basis-URL sollte weder Fragezeichen noch Raute enthalten: Die Betrachter machen Verschiedenes daraus.</translation>
+    </message>
+    <message>
+        <source>Of %1 relative links, %2 lead elsewhere in Chrome than in Firefox.</source>
+        <translation>Von %1 relativen Links führen %2 in Chrome woandershin als in Firefox.</translation>
+    </message>
+    <message>
+        <source>Its certification permits filling in forms only: readers may report the change.</source>
+        <translation>Die Zertifizierung erlaubt nur das Ausfüllen von Formularen: Leseprogramme können die Änderung melden.</translation>
+    </message>
+    <message>
+        <source>Readers may report the change, since the file is certified.</source>
+        <translation>Leseprogramme können die Änderung melden, denn die Datei ist zertifiziert.</translation>
+    </message>
+    <message>
+        <source>The whole file is written anew, which breaks its signatures.</source>
+        <translation>Die ganze Datei wird neu geschrieben; das bricht ihre Signaturen.</translation>
+    </message>
+    <message>
+        <source>The whole file is written anew: %1.</source>
+        <translation>Die ganze Datei wird neu geschrieben: %1.</translation>
     </message>
 </context>
 <context>
