@@ -653,7 +653,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (!pages && !earlier && !noPages && severalRoots) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
   // Readers that read the file from its start would take the update for a part of the value that the file ends in.
-  if (Scan().cutOff) result.tail.repaired = "\nendobj\n";
+  if (Scan().cutOff) result.tail.repaired = "\n>>\nendobj\n";
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;

@@ -2,6 +2,7 @@
 #include "engine/backend/PageSearch.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -50,8 +51,10 @@ bool IsInventedKey(const std::string& key) {
 }
 
 bool HasInventedKeys(QPDFObjectHandle dictionary) {
-  const std::set<std::string> keys = dictionary.isDictionary() ? dictionary.getKeys() : std::set<std::string>();
-  return std::any_of(keys.begin(), keys.end(), IsInventedKey);
+  if (!dictionary.isDictionary()) return false;
+  // Without looking at values: the guards against hostile files may be still to come.
+  const std::map<std::string, QPDFObjectHandle> entries = dictionary.getDictAsMap();
+  return std::any_of(entries.begin(), entries.end(), [](const auto& entry) { return IsInventedKey(entry.first); });
 }
 
 void VisitReachable(QPDF& document, const std::function<void(QPDFObjectHandle object)>& visit) {

@@ -34,6 +34,12 @@ namespace engine {
 
 namespace {
 
+// The parser calls streams that it cannot decode unsupported as well.
+bool TellsOfEncryption(const QPDFExc& error) {
+  const std::string text = error.getObject() + error.getMessageDetail();
+  return error.getErrorCode() == qpdf_e_unsupported && text.find("encrypt") != std::string::npos;
+}
+
 // The parser's exceptions as the engine's.
 template <typename Body>
 auto Translated(Body&& body) {
@@ -47,8 +53,7 @@ auto Translated(Body&& body) {
     throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
     if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
-    throw EngineError(error.getErrorCode() == qpdf_e_unsupported ? kErrorUnsupportedSecurity : kErrorDamaged,
-                      error.what());
+    throw EngineError(TellsOfEncryption(error) ? kErrorUnsupportedSecurity : kErrorDamaged, error.what());
   } catch (const std::exception& error) {
     if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(kErrorDamaged, error.what());
@@ -205,9 +210,7 @@ void QpdfDocument::Load(const std::string& password) {
     repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = true;
   } catch (const EngineError& error) {
-    // The parser calls a cross-reference stream that it cannot decode unsupported as well.
-    const bool mayBeDamaged = error.code() == kErrorDamaged || error.code() == kErrorUnsupportedSecurity;
-    if (!mayBeDamaged || !RepairIsBounded(*file_)) throw;
+    if (error.code() != kErrorDamaged || !RepairIsBounded(*file_)) throw;
   }
   std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
   if (!opened) asItIs.reset();
@@ -295,14 +298,10 @@ BackendDocument::PageGeometry QpdfDocument::Page(int page) {
 }
 
 BackendDocument::Encryption QpdfDocument::EncryptionMethod() {
-  int revision = 0;
-  int permissions = 0;
-  int version = 0;
-  QPDF::encryption_method_e streams = QPDF::e_none;
-  QPDF::encryption_method_e strings = QPDF::e_none;
-  QPDF::encryption_method_e files = QPDF::e_none;
-  if (!qpdf_->isEncrypted(revision, permissions, version, streams, strings, files)) return {};
-  const QPDF::encryption_method_e method = streams != QPDF::e_none ? streams : strings;
+  const std::optional<EncryptionOf> encryption = EncryptionOf::Document(*qpdf_);
+  if (!encryption) return {};
+  const QPDF::encryption_method_e method =
+      encryption->streams != QPDF::e_none ? encryption->streams : encryption->strings;
   const bool aes = method == QPDF::e_aes || method == QPDF::e_aesv3;
   return {aes ? 2 : 1, static_cast<int>(qpdf_->getEncryptionKey().size()) * 8};
 }

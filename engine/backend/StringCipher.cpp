@@ -80,24 +80,28 @@ std::optional<std::string> DecryptAes(const std::string& key, std::string bytes)
 
 }  // namespace
 
-StringCipher StringCipher::For(QPDF& document, ObjectId object) {
-  int revision = 0;
+std::optional<EncryptionOf> EncryptionOf::Document(QPDF& document) {
+  EncryptionOf result;
   int permissions = 0;
-  int version = 0;
-  QPDF::encryption_method_e streams = QPDF::e_none;
-  QPDF::encryption_method_e strings = QPDF::e_none;
   QPDF::encryption_method_e files = QPDF::e_none;
-  if (!document.isEncrypted(revision, permissions, version, streams, strings, files)) {
-    return StringCipher(Method::kNone, "");
+  if (!document.isEncrypted(result.revision, permissions, result.version, result.streams, result.strings, files)) {
+    return std::nullopt;
   }
+  return result;
+}
+
+StringCipher StringCipher::For(QPDF& document, ObjectId object) {
+  const std::optional<EncryptionOf> encryption = EncryptionOf::Document(document);
+  if (!encryption) return StringCipher(Method::kNone, "");
+  const int version = encryption->version;
   constexpr int kFirstWithCryptFilters = 4;
-  if (version < kFirstWithCryptFilters) strings = QPDF::e_rc4;
+  const QPDF::encryption_method_e strings = version < kFirstWithCryptFilters ? QPDF::e_rc4 : encryption->strings;
   if (strings == QPDF::e_none) return StringCipher(Method::kNone, "");
   if (strings == QPDF::e_unknown) throw EngineError(kErrorUnsupportedSecurity, "the strings' encryption is unknown");
 
   const bool aes = strings != QPDF::e_rc4;
   std::string key = QPDF::compute_data_key(document.getEncryptionKey(), static_cast<int>(object.number),
-                                           static_cast<int>(object.generation), aes, version, revision);
+                                           static_cast<int>(object.generation), aes, version, encryption->revision);
   if (aes && key.size() != AES128_KEY_SIZE && key.size() != AES256_KEY_SIZE) {
     throw EngineError(kErrorUnsupportedSecurity, "the file's key is none of AES");
   }

@@ -9,6 +9,17 @@
 
 namespace engine {
 
+// How the parser says that a document is encrypted.
+struct EncryptionOf {
+  int version = 0;   // /V
+  int revision = 0;  // /R
+  QPDF::encryption_method_e streams = QPDF::e_none;
+  QPDF::encryption_method_e strings = QPDF::e_none;
+
+  // No value for a document that is not encrypted.
+  static std::optional<EncryptionOf> Document(QPDF& document);
+};
+
 // Encrypts and decrypts the strings of one object of a document with the document's own key (ISO 32000-1, 7.6.2; ISO
 // 32000-2, 7.6.3).
 class StringCipher {

@@ -21,8 +21,12 @@ void RequireUrl(const char* option, const QString& url) {
 }  // namespace
 
 LinksCommand::LinksCommand()
-    : BatchCommand(QStringLiteral("links"), QStringLiteral("Lists relative links and where viewers lead for them.")) {
-  AddOption(QStringLiteral("all"), QStringLiteral("Also lists links that have a scheme."));
+    : BatchCommand(
+          QStringLiteral("links"),
+          QStringLiteral(
+              "Lists the relative links of annotations, outlines and forms, and where viewers lead for them.")) {
+  AddOption(QStringLiteral("all"),
+            QStringLiteral("Also lists links that have a scheme; '--check' looks all links up."));
   AddOption(
       QStringLiteral("base"),
       QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
@@ -55,7 +59,7 @@ void LinksCommand::Check() {
   if (IsSet("base")) {
     if (!Value("base").isEmpty()) RequireUrl("base", Value("base"));
     const QString base = UrlAsWritten(Value("base"));
-    options_.base = LinkBase{base, {base.toLatin1()}};
+    options_.base = LinkBase{base, base.isEmpty() ? ViewerRules::Base() : ViewerRules::Base(base.toLatin1())};
   }
   for (const QString& text : parser_.values(QStringLiteral("check"))) {
     options_.checks.emplace_back(text);
@@ -101,10 +105,10 @@ bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
   QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));
   if (counts.relative > 0) {
-    text += QStringLiteral(", %1 relative; viewers disagree on %2 of these, %3 without a base URL")
-                .arg(counts.relative)
-                .arg(counts.disagreeing)
-                .arg(counts.withoutBase);
+    text += QStringLiteral(", %1 relative; viewers ").arg(counts.relative) +
+            (counts.disagreeing > 0 ? QStringLiteral("disagree on %1 of these").arg(counts.disagreeing)
+                                    : QStringLiteral("agree on these"));
+    if (counts.withoutBase > 0) text += QStringLiteral(", %1 without a base URL").arg(counts.withoutBase);
   } else if (counts.links > 0) {
     text += QStringLiteral(", none relative");
   }

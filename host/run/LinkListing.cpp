@@ -14,7 +14,7 @@
 namespace {
 
 std::string Heading(const std::string& file, const std::optional<LinkBase>& base) {
-  const std::string from = base ? "base URL " + base->text.toStdString() : "no base URL";
+  const std::string from = base && base->inViewers.bytes ? "base URL " + base->text.toStdString() : "no base URL";
   return (Console::OneLine(file) + ": " + Console::OneLine(from) + '\n').toStdString();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Damaged files, each named by its defect in quick/files/make-damaged.py: what other readers read before, they read
 // after a save.
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -132,6 +133,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   const std::string streams = Damaged("startxref-wrong-object-streams");
   std::string unreadable = streams;
   unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
+  std::string unknown = Damaged("junk-after-object-streams");
+  unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
   const std::string plain = Damaged("startxref-wrong");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
@@ -144,7 +147,11 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
       {"two documents", plain + plain},
       {"an object stream", unreadable},
-      {"an object", changed("/BaseFont", "/BaseFont ] ")},
+      {"an object stream with a filter of no standard", unknown},
+      {"an object that has another version", plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
+      {"pages of another document after the end",
+       PlainPdf().Bytes() + "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
+           std::string(2048, ' ')},
       {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"a page count that readers refuse", changed("/Count 1", "/Count 999")},
   };
@@ -153,6 +160,38 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
     EXPECT_FALSE(Load("damaged.pdf", bytes));
     EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
   }
+}
+
+// As under "ulimit -s 64".
+TEST_F(RepairTest, NeedsLittleStack) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs more";
+#endif
+  const auto save = [](void* library) -> void* {
+    auto& engine = *static_cast<HalvexPDFLibraryCPDylibCPP1311*>(library);
+    const std::wstring file = Wide(DAMAGED_FILES "/startxref-wrong-object-streams.pdf");
+    const bool saved =
+        engine.LoadFromFile(file, L"") == 1 && engine.SetBaseURL(kUrl) == 1 && engine.SaveToFile(L"out.pdf") == 1;
+    return saved ? library : nullptr;
+  };
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, &attributes, save, &library_), 0);
+  pthread_attr_destroy(&attributes);
+  void* saved = nullptr;
+  ASSERT_EQ(pthread_join(thread, &saved), 0);
+  EXPECT_EQ(saved, &library_);
+}
+
+// Only so many bytes of a password count (ISO 32000-2, 7.6.4.3.3).
+TEST_F(RepairTest, LongPasswordsOpen) {
+  const std::string counted(127, 'p');
+  ASSERT_EQ(RunTool("qpdf --encrypt " + counted + " o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf long.pdf").status,
+            3);
+  EXPECT_EQ(library_.LoadFromFile(L"long.pdf", Wide(counted + "and more")), 1);
+  EXPECT_EQ(library_.LoadFromFile(L"long.pdf", Wide(counted.substr(1))), 0);
 }
 
 TEST_F(RepairTest, NumbersInMasseTakeLimitedMemory) {

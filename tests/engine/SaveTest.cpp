@@ -197,6 +197,8 @@ TEST_F(SaveTest, UnknownEncryptionOfStringsIsRefused) {
       {"stmf-undefined", "/StmF /StdCF", "/StmF /Other"},
       {"cf-missing", "/CF ", "/FC "},
       {"cfm-unknown", "/CFM /AESV2", "/CFM /ROT13"},
+      {"cfm-none-with-an-odd-length", "/CFM /AESV2 /Length 16 >> >> /Filter /Standard /Length 128",
+       "/CFM /None /Length 16 >> >> /Filter /Standard /Length 29"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

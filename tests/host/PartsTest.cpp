@@ -75,6 +75,23 @@ TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {
   EXPECT_EQ(object["warnings"].toArray(), QJsonArray({"", "two"}));
 }
 
+// A reader that leaves some there holds up its worker.
+TEST(RecordFraming, OneReadTakesWhatAPipeHolds) {
+  std::string bytes;
+  for (int i = 0; i < 100; ++i) RecordFraming::Append(bytes, {std::string(500, 'x')});
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_TRUE(Console::WriteAll(ends[1], bytes));
+  RecordFraming::Reader reader;
+  RecordFraming::Fields fields;
+  ASSERT_TRUE(reader.Fill(ends[0]));
+  int records = 0;
+  while (reader.Next(fields)) ++records;
+  EXPECT_EQ(records, 100);
+  close(ends[0]);
+  close(ends[1]);
+}
+
 // What the query prints into a pipe when the second file, then the third, then the first is read.
 QByteArrayList AnswersIntoAPipe(bool prompt) {
   InputList inputs(false, nullptr);

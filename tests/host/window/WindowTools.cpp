@@ -51,7 +51,6 @@ QStringList MakePdfs(const QList<QByteArray>& names, const QByteArray& pdf) {
   QStringList paths;
   for (const QByteArray& name : names) {
     paths += Here(name);
-    QDir().mkpath(QFileInfo(paths.constLast()).path());
     WriteFile(paths.constLast(), pdf);
   }
   return paths;

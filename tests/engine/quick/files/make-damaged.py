@@ -116,9 +116,20 @@ def incremental():
     yield "catalog-key-missing", broken(plain(catalog=b"(no key) /Lang (en) ").table())
 
 
+def kept_although_odd():
+    sound = plain().table().out
+    yield "objects-after-the-end", sound + b"20 0 obj\n<< /Type /Catalog >>\nendobj\ntrailer << /Root 20 0 R /ID [ <31> <31> ] >>\n" + b"%" * 2000
+    yield "object-damaged", broken(plain().table()).replace(b"/BaseFont", b"/BaseFont ] ")
+    # The key is damaged, and the stream has the number of the page tree.
+    yield "xref-stream-damaged", in_streams().xref_stream(number=2).out.replace(b"/Index", b"/Ind<x", 1)
+    yield "header-misspelt-object-streams", in_streams().xref_stream().out.replace(b"%PDF-", b"%PFD-", 1)
+    yield "header-after-5-bytes-truncated-in-trailer", broken(
+        File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())[:-40].rsplit(b"/Root", 1)[0]
+
+
 def main(folder):
     os.makedirs(folder, exist_ok=True)
-    files = [(name, "incremental", "-", data) for name, data in incremental()]
+    files = [(name, "incremental", "-", data) for name, data in [*incremental(), *kept_although_odd()]]
     root = objects()[1]
     files.append(("catalog-in-trailer", "rewrite", "-", plain(font=b"C#2341").table(
         trailer=b"/Size 8 /Root " + root).out))
