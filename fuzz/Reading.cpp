@@ -159,6 +159,7 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
   if (after.pageCount != before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
   if (after.objects < before.objects) return false;
   for (std::size_t page = 0; page < count; ++page) {
+    if (Words(after.pages[page].text) == Words(undamaged.pages[page].text)) continue;
     std::string missing;
     for (const std::string& word : WordsMissing(before.pages[page].text, after.pages[page].text)) missing += word + ' ';
     const auto words = SortedWords(missing);
@@ -166,6 +167,19 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
     if (misread.size() < words.size()) return false;
   }
   return true;
+}
+
+bool KeepsLetters(const Reading& before, const Reading& after) {
+  if (after.pageCount != before.pageCount || after.objects < before.objects) return false;
+  return std::equal(before.pages.begin(), before.pages.end(), after.pages.begin(), after.pages.end(),
+                    [](const PageReading& had, const PageReading& has) {
+                      std::size_t at = 0;
+                      return std::all_of(had.text.begin(), had.text.end(), [&](char letter) {
+                        if (letter == ' ') return true;
+                        at = has.text.find(letter, at);
+                        return at++ != std::string::npos;
+                      });
+                    });
 }
 
 std::uint64_t HashOf(const std::string& bytes) {

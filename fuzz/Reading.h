@@ -39,7 +39,12 @@ bool SamePages(const Reading& a, const Reading& b);
 /// becomes true when a page shows other words besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
 
-/// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it.
+/// True when `after` has as many pages as `before`, and each all the letters in the same order: other spaces between
+/// them, or more letters, as where a font was found.
+bool KeepsLetters(const Reading& before, const Reading& after);
+
+/// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it,
+/// or those of `undamaged`.
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged);
 
 /// FNV-1a.

@@ -15,6 +15,7 @@
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
 #include "engine/backend/RawObjects.h"
+#include "engine/backend/Soundness.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
@@ -130,6 +131,15 @@ std::string FirstIdentifier(const std::string& identifier) {
   }
 }
 
+bool EndsWithMark(const InputFile& file) {
+  constexpr std::uint64_t kWindow = 64;
+  const std::uint64_t size = std::min(kWindow, file.Size());
+  const std::string end = file.ReadAt(file.Size() - size, static_cast<std::size_t>(size));
+  const std::size_t mark = end.rfind("%%EOF");
+  return mark != std::string::npos &&
+         std::all_of(end.begin() + static_cast<std::ptrdiff_t>(mark) + 5, end.end(), PdfLexer::IsSpace);
+}
+
 // The trailer's entries that an update repeats.
 std::vector<FileTail::Entry> RepeatedEntries(const std::string& trailer) {
   std::vector<FileTail::Entry> entries;
@@ -199,6 +209,19 @@ bool FileRepair::Finds(ObjectId id) {
   return found != objects.end() && found->id == id && found->kind != Kind::kXrefStream;
 }
 
+bool FileRepair::EndIsClosed() {
+  return (EndsWithMark(*file_) && QuickReader::HeaderOffset(*file_) == 0) || Closing().empty();
+}
+
+std::string FileRepair::Closing() {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const bool inStream = !objects.empty() && objects.back().data != 0 && objects.back().dataEnd == file_->Size();
+  // Readers that rebuild the file read values outside of objects, too.
+  const bool rebuilt = QuickReader::HeaderOffset(*file_) > 0 && !EndsWithMark(*file_);
+  // They differ about what it is that does not end.
+  return Scan().damagedAtEnd || inStream || rebuilt ? "\n>))))\n]\n>>\nendstream\nendobj\n" : "";
+}
+
 // Of the newest trailer that has a usable one: a value, or a reference to an object that is there.
 std::string FileRepair::TrailerEntry(const std::string& key) {
   const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
@@ -221,6 +244,8 @@ void FileRepair::CheckOneEncryption() {
     if (!LenientEntry(trailer.text, "/Root").empty()) values.insert(LenientEntry(trailer.text, "/Encrypt"));
   }
   if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+  const bool named = !values.empty() && !values.begin()->empty();
+  if (named && TrailerEntry("/Encrypt").empty()) throw CannotRepair("the encryption dictionary is not found");
 }
 
 // Why the file seems to be several that were joined: they have objects of the same numbers. Empty for one document.
@@ -542,7 +567,7 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
       std::shared_ptr<QPDF> document = OpenParser(view, password, Recovery::kOff);
       if (document == nullptr) continue;
       ObjectStreams(file_->Size()).Check(*document);
-      if (!LeadsToPage(document->getRoot())) continue;
+      if (!LeadsToPage(document->getRoot()) || !EntriesLeadToObjects(*document, *file_, *this)) continue;
       std::optional<FileTail> tail = CompleteTail(*document, *file_);
       if (!tail) continue;
       // Numbers in the rest of the file are not given to new objects.
@@ -656,8 +681,8 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
   if (!pages && !earlier && !noPages && (severalRoots || streams)) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
-  // Readers that read the file from its start would take the update for a part of that value.
-  if (Scan().damagedAtEnd) result.tail.repaired = "\n]\n>>\nendobj\n";
+  // Readers that read the file from its start would take the update for a part of that value or stream.
+  result.tail.repaired = Closing();
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;

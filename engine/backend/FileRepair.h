@@ -45,6 +45,10 @@ class FileRepair {
   // Whether the file has the object, outside of object streams.
   bool Finds(ObjectId id);
 
+  // Whether nothing is cut off where an update begins. Readers that rebuild the file even after a save, as some do when
+  // bytes stand before the header, would take the update for a part of a value or stream that does not end.
+  bool EndIsClosed();
+
   // Objects that replace others of the same number.
   void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
 
@@ -62,6 +66,8 @@ class FileRepair {
   };
 
   const std::vector<FileScan::Object>& Newest();
+  // What ends a value or stream that the end of the file cuts off; empty when there is none.
+  std::string Closing();
   std::string TrailerEntry(const std::string& key);
   void CheckOneEncryption();
   std::string MixedDocuments();

@@ -206,9 +206,11 @@ void QpdfDocument::Load(const std::string& password) {
   bool opened = false;
   try {
     OpenView(password, Recovery::kOff);
-    if (Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    const bool closed = repair.EndIsClosed();
+    const bool decrypted = !LosesEncryption(*qpdf_);
+    if (closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));
-    opened = true;
+    opened = closed && decrypted;
   } catch (const EngineError& error) {
     if (error.code() != kErrorDamaged || !RepairIsBounded(*file_)) throw;
   }
@@ -226,7 +228,8 @@ void QpdfDocument::Load(const std::string& password) {
   if (opened) {
     // Readers that rebuild such a file do so with an update that continues its cross-references, too. They would not
     // with a complete section.
-    if (!QuickReader::ReadTail(*file_)) throw EngineError(kErrorDamaged, "the cross-references are damaged");
+    const bool usable = QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair);
+    if (!usable) throw EngineError(kErrorDamaged, "the cross-references are damaged");
     qpdf_ = asItIs;
     return;
   }

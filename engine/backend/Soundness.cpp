@@ -54,14 +54,6 @@ bool StandsAt(FileWindow& window, const Place& place) {
   }
 }
 
-bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& repair) {
-  constexpr std::size_t kBlock = 4096;  // objects may be far apart
-  FileWindow window(file, kBlock);
-  const std::vector<Place> places = PlacesOf(document, QuickReader::HeaderOffset(file));
-  return std::all_of(places.begin(), places.end(),
-                     [&](const Place& place) { return StandsAt(window, place) || !repair.Finds(place.id); });
-}
-
 // Whether the object refers to one that has no entry but is in the file.
 bool Dangles(QPDFObjectHandle object, const XrefTable& table, FileRepair& repair) {
   const auto lost = [&](const QPDFObjectHandle& value) {
@@ -95,9 +87,26 @@ bool PagesAreThere(QPDF& document, FileRepair& repair) {
 
 }  // namespace
 
+bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& repair) {
+  constexpr std::size_t kBlock = 4096;  // objects may be far apart
+  FileWindow window(file, kBlock);
+  const std::vector<Place> places = PlacesOf(document, QuickReader::HeaderOffset(file));
+  // Some readers do not read a section with entries for numbers beyond /Size.
+  QPDFObjectHandle size = document.getTrailer().getKey("/Size");
+  const auto mayBeMissing = [&](ObjectId id) {
+    return size.isInteger() && id.number < size.getUIntValue() && !repair.Finds(id);
+  };
+  return std::all_of(places.begin(), places.end(),
+                     [&](const Place& place) { return StandsAt(window, place) || mayBeMissing(place.id); });
+}
+
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
   return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) &&
          ObjectStreams(file.Size()).Check(document) && PagesAreThere(document, repair);
+}
+
+bool LosesEncryption(QPDF& document) {
+  return document.getTrailer().getDictAsMap().count("/Encrypt") != 0 && !document.isEncrypted();
 }
 
 std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file) {

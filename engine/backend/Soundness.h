@@ -14,6 +14,13 @@ namespace engine {
 // Throws EngineError kErrorDamaged when object streams inflate to far more than the file can hold.
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair);
 
+// Whether every entry that names a place in the file leads to its object, or nothing in the file is that object.
+bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& repair);
+
+// Whether the trailer names an encryption dictionary and the document, opened without recovery, seems not to be
+// encrypted.
+bool LosesEncryption(QPDF& document);
+
 // The objects outside of object streams that the cross-references lead to.
 std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& file);
 

@@ -147,6 +147,10 @@ std::uint64_t QuickReader::HeaderOffset(const InputFile& file) {
   return 0;
 }
 
+bool QuickReader::StartsWithHeader(const InputFile& file) {
+  return IsHeader(file.ReadAt(0, 16));
+}
+
 bool QuickReader::IsRepeatedEntry(std::string_view key) {
   constexpr std::string_view kOwnToSection[] = {"/Size", "/Root",    "/Prev",         "/XRefStm", "/Type",
                                                 "/W",    "/Index",   "/Length",       "/Filter",  "/DecodeParms",

@@ -25,7 +25,7 @@ class QuickReader {
   // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers
   // agree on that, apart from those that rebuild the cross-references of every file with bytes before the header.
   static std::uint64_t HeaderOffset(const InputFile& file);
-  static bool StartsWithHeader(const InputFile& file) { return file.ReadAt(0, 5) == "%PDF-"; }
+  static bool StartsWithHeader(const InputFile& file);
 
   // Whether an update's trailer repeats this entry (a key with its slash) of the trailer before it.
   static bool IsRepeatedEntry(std::string_view key);

@@ -64,6 +64,9 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
 }
 
 void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
+  // An offset into the number of another object shows that others are wrong, too.
+  std::string storage;
+  if (offset > 0 && !PdfLexer::IsDelimiter(file.View(offset - 1, 1, storage).front())) throw PdfSyntaxError();
   PdfFileText::Object object = file.ReadObject(offset);
   streamNumber_ = object.id.number;
   const RawDictionary& dictionary = trailer_.emplace(std::move(object.dictionary));

@@ -137,6 +137,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
   std::string notXref = Damaged("xref-stream-damaged");
   notXref.replace(notXref.find("<< /Type /XRef"), 2, "  ");
+  std::string undecrypted = ReadText("encrypted.pdf");
+  undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   const std::string plain = Damaged("startxref-wrong");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
@@ -147,6 +149,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
     std::string bytes;
   } rows[] = {
       {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
+      {"an encryption dictionary whose number is damaged", undecrypted},
       {"two documents", plain + plain},
       {"an object stream", unreadable},
       {"an object stream with a filter of no standard", unknown},

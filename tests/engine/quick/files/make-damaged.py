@@ -110,6 +110,14 @@ def incremental():
     yield "header-after-5-bytes", broken(File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())
     yield "header-after-5-bytes-object-streams", broken(File(lead=b"junk\n", base=5).put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream())
+    late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
+    yield "header-after-5-bytes-stream-cut-off", late.xref_stream().out[:-60]
+    late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
+    yield "header-after-5-bytes-object-cut-off", late.table().out + b"20 0 obj\n<< /ID [ <31"
+    yield "header-doubled-object-streams", b"%PDF-" + File().put(contents()).put_in_stream(
+        8, objects(b"/URI << /Base (old) >> ")).xref_stream().out
+    yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
+        b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
     yield "number-signs-in-names", broken(plain(font=b"C#2341").table())
     yield "size-too-small", plain().table(size=4).out
