@@ -33,9 +33,7 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
     }
     if (object.isArray() || object.isDictionary() || object.isStream()) open.push_back(object);
   };
-  for (const auto& [key, value] : root.ditems()) {
-    if (key != "/URI") visit(value);
-  }
+  open.push_back(root);
   while (!open.empty()) {
     QPDFObjectHandle object = open.back();
     open.pop_back();
@@ -46,7 +44,8 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
     for (const auto& [key, value] : (object.isStream() ? object.getDict() : object).ditems()) {
       // The library invents keys for values without one.
       const bool invented = key.compare(0, 9, "/QPDFFake") == 0;
-      if (!invented && (key != "/Length" || !object.isStream())) visit(value);
+      if (key == "/URI" && object.getObjGen() == root.getObjGen()) continue;
+      if (!invented && key != "/Length") visit(value);
     }
   }
   return count;

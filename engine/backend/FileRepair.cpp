@@ -468,13 +468,14 @@ void FileRepair::CompareWithParser(View view, const std::string& password) const
                    [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
     view = {file_, "", std::nullopt};
     const std::shared_ptr<QPDF> rebuilt = OpenParser(view, password, Recovery::kOn);
-    if (rebuilt == nullptr || !LeadsToPage(rebuilt->getRoot())) return;
+    if (rebuilt == nullptr) return;
     ObjectStreams(file_->Size()).Check(*rebuilt);
     const QPDFObjGen root = rebuilt->getRoot().getObjGen();
     VisitReachable(*rebuilt, [&](QPDFObjectHandle object) {
       const QPDFObjGen id = object.getObjGen();
       all = all && (id == root || reached.count(id) != 0);
     });
+    all = all || rebuilt->getAllPages().empty();
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const TooManyTokens&) {
@@ -568,7 +569,7 @@ bool FileRepair::IsUpdated(const Version& version) {
   });
 }
 
-// Whether a catalog that stands or is named after the version's end leads to pages, too.
+// Whether a catalog that stands or is named after the version's end leads, or may lead, to pages, too.
 bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
   const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
   for (const FileScan::Trailer& trailer : Scan().trailers) {
@@ -576,7 +577,9 @@ bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
     if (trailer.offset >= version.end && root && leads(*root)) return true;
   }
   return std::any_of(Scan().objects.begin(), Scan().objects.end(), [&](const FileScan::Object& object) {
-    return object.offset >= version.end && object.kind == Kind::kCatalog && leads(object.id);
+    if (object.offset < version.end) return false;
+    // A catalog may be in an object stream.
+    return object.kind == Kind::kObjectStream || (object.kind == Kind::kCatalog && leads(object.id));
   });
 }
 
@@ -640,7 +643,8 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (document == nullptr) return {};
   const std::optional<ObjectId> root = FindRoot(*document, kept);
   const bool pages = root && LeadsToPage(ObjectOf(*document, *root));
-  // Readers agree on the only catalog, even if what they make of its page tree differs.
+  // Readers agree on the only catalog, even if what they make of its page tree differs. They do not always agree on
+  // what is in object streams.
   const bool severalRoots = root && (!ObjectOf(*document, *root).hasKey("/Pages") || !IsOnlyRoot(*root));
   const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
   const bool counts = earlier && EarlierVersionCounts(*earlier, *document, kept, pages);
@@ -650,10 +654,10 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   document.reset();
   Result result;
   if (!root && !earlier) throw EngineError(kErrorDamaged, "no catalog");
-  if (!pages && !earlier && !noPages && severalRoots) throw CannotRepair("the pages are not found");
+  if (!pages && !earlier && !noPages && (severalRoots || streams)) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
-  // Readers that read the file from its start would take the update for a part of the value that the file ends in.
-  if (Scan().cutOff) result.tail.repaired = "\n>>\nendobj\n";
+  // Readers that read the file from its start would take the update for a part of that value.
+  if (Scan().damagedAtEnd) result.tail.repaired = "\n]\n>>\nendobj\n";
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;

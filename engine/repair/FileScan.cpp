@@ -155,6 +155,7 @@ class Scanner {
         PdfLexer lexer(text);
         const PdfLexer::Value value = lexer.ReadValue();
         extent = {offset + value.end, true, false};
+        result.damagedAtEnd = false;
         return lexer.Text(value);
       } catch (const PdfSyntaxError& error) {
         extent.cutOff = error.truncated() && text.size() < size;
@@ -163,7 +164,7 @@ class Scanner {
           continue;
         }
       }
-      result.cutOff = result.cutOff || extent.cutOff;
+      result.damagedAtEnd = true;
       extent.end = offset;
       extent.whole = false;
       return window_.At(offset, kDamagedObject).substr(0, kDamagedObject);

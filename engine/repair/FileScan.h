@@ -37,8 +37,8 @@ struct FileScan {
   std::vector<Trailer> trailers;
   // Where the last "startxref" of the file and its number end, and some before it; the last one last.
   std::vector<std::uint64_t> ends;
-  // Whether the file ends inside a value.
-  bool cutOff = false;
+  // Whether the last value of the file is damaged or cut off.
+  bool damagedAtEnd = false;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
   // The offsets of headers "%PDF-" outside of objects, in the order of the file.

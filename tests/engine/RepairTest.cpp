@@ -135,6 +135,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
   std::string unknown = Damaged("junk-after-object-streams");
   unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
+  std::string notXref = Damaged("xref-stream-damaged");
+  notXref.replace(notXref.find("<< /Type /XRef"), 2, "  ");
   const std::string plain = Damaged("startxref-wrong");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
@@ -148,6 +150,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"two documents", plain + plain},
       {"an object stream", unreadable},
       {"an object stream with a filter of no standard", unknown},
+      {"a page tree with the number of something else", notXref},
       {"an object that has another version", plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
       {"pages of another document after the end",
        PlainPdf().Bytes() + "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +

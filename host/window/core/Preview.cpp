@@ -69,6 +69,7 @@ void Preview::GiveUp() {
   RunnerProcess* const old = runner_.release();
   old->disconnect(this);
   if (!old->IsRunning()) return old->deleteLater();
+  old->setParent(this);
   connect(old, &RunnerProcess::finished, old, &QObject::deleteLater);
   old->Kill();
 }

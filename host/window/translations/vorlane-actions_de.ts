@@ -297,11 +297,11 @@
     </message>
     <message>
         <source>Unreadable</source>
-        <translation>Nicht lesbar</translation>
+        <translation>Unlesbar</translation>
     </message>
     <message>
         <source>Needs password</source>
-        <translation>Passwort nötig</translation>
+        <translation>Passwort?</translation>
     </message>
     <message>
         <source>Waiting</source>
@@ -317,7 +317,7 @@
     </message>
     <message>
         <source>Failed</source>
-        <translation>Fehlgeschlagen</translation>
+        <translation>Fehler</translation>
     </message>
     <message>
         <source>Cancelled</source>
@@ -396,7 +396,7 @@
     </message>
     <message>
         <source>Shows the files that have this text in one of their columns, such as &quot;failed&quot;</source>
-        <translation>Zeigt die Dateien, die diesen Text in einer ihrer Spalten haben, etwa „fehlgeschlagen“</translation>
+        <translation>Zeigt die Dateien, die diesen Text in einer ihrer Spalten haben, etwa „fehler“</translation>
     </message>
     <message>
         <source>Add F&amp;older…</source>
