@@ -5,22 +5,12 @@
 #include <cstring>
 #include <QByteArray>
 
+#include "utils/AsciiCharacters.h"
+
 namespace {
 
-bool IsAlpha(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-bool IsHexDigit(char c) {
-  return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 bool MayBeInUri(char c) {
-  return IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr);
+  return Ascii::IsAlpha(c) || Ascii::IsDigit(c) || (c != '\0' && std::strchr("-._~:/?#[]@!$&'()*+,;=", c) != nullptr);
 }
 
 // The text with only the characters that a URI may have (RFC 3986, clause 2 and appendix C).
@@ -31,11 +21,12 @@ QByteArray Encoded(const QString& text) {
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
     if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
-    const bool escape = c == '%' && i + 2 < bytes.size() && IsHexDigit(bytes[i + 1]) && IsHexDigit(bytes[i + 2]);
+    const bool escape =
+        c == '%' && i + 2 < bytes.size() && Ascii::IsHexDigit(bytes[i + 1]) && Ascii::IsHexDigit(bytes[i + 2]);
     if (escape || MayBeInUri(c)) {
       result += c;
     } else {
-      result += '%' + QByteArray(1, c).toHex().toUpper();
+      result += Ascii::PercentEncoded(c);
     }
   }
   return result;
@@ -43,11 +34,11 @@ QByteArray Encoded(const QString& text) {
 
 // How long the scheme at the start is, with its colon; 0 for none.
 int SchemeLength(const QByteArray& text) {
-  if (text.isEmpty() || !IsAlpha(text[0])) return 0;
+  if (text.isEmpty() || !Ascii::IsAlpha(text[0])) return 0;
   for (int i = 1; i < text.size(); ++i) {
     const char c = text[i];
     if (c == ':') return i + 1;
-    if (!IsAlpha(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
+    if (!Ascii::IsAlpha(c) && !Ascii::IsDigit(c) && c != '+' && c != '-' && c != '.') return 0;
   }
   return 0;
 }
@@ -125,7 +116,7 @@ QByteArray WithPlainEncodings(const QByteArray& text) {
       continue;
     }
     const char c = QByteArray::fromHex(text.mid(i + 1, 2)).at(0);
-    const bool unreserved = IsAlpha(c) || IsDigit(c) || (c != '\0' && std::strchr("-._~", c) != nullptr);
+    const bool unreserved = Ascii::IsAlpha(c) || Ascii::IsDigit(c) || (c != '\0' && std::strchr("-._~", c) != nullptr);
     result += unreserved ? QByteArray(1, c) : text.mid(i, 3).toUpper();
     i += 2;
   }

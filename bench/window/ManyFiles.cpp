@@ -89,5 +89,9 @@ int main(int argc, char** argv) {
             OutputChoice());
   ProcessUntil([&] { return finished; });
   Report("run", clock.elapsed(), stall);
-  return model.PathsWith(FileState::kDone).size() == model.Count() ? 0 : 1;
+  for (int row = 0; row < model.Count(); ++row) {
+    const FileRow& file = model.Row(row);
+    if (file.state != FileState::kDone) qFatal("%s: %s", qPrintable(file.path), qPrintable(file.reason));
+  }
+  return 0;
 }

@@ -8,20 +8,10 @@
 
 #include "engine/links/DictionaryView.h"
 #include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
 namespace {
-
-std::optional<ObjectId> ReferenceIn(std::string_view value) {
-  if (!IsReference(value)) return std::nullopt;
-  try {
-    return PdfLexer::ToReference(value);
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
-}
 
 // Nodes still to be visited, and the objects that were.
 class Agenda {
@@ -39,7 +29,7 @@ class Agenda {
     const auto end = static_cast<std::ptrdiff_t>(nodes_.size());
     std::size_t index = 0;
     for (const std::string_view element : ArrayElements(array.text)) {
-      const std::optional<ObjectId> id = ReferenceIn(element);
+      const std::optional<ObjectId> id = PdfLexer::FindReference(element);
       if (!id || visited_.insert(*id).second) {
         nodes_.push_back(Resolve(objects_, array, element, ElementStep(index)));
       }
@@ -65,7 +55,7 @@ std::vector<ObjectId> ReadOutlineItems(ObjectTexts& objects, ObjectId catalog) {
   std::set<ObjectId> visited;
   std::vector<ObjectId> following;  // the next items of the levels above
   const LocatedValue outlines = Entry(objects, LoadObject(objects, catalog), "/Outlines");
-  std::optional<ObjectId> item = ReferenceIn(DictionaryView(outlines.text).Find("/First"));
+  std::optional<ObjectId> item = PdfLexer::FindReference(DictionaryView(outlines.text).Find("/First"));
   while (item || !following.empty()) {
     if (!item) {
       item = following.back();
@@ -78,8 +68,8 @@ std::vector<ObjectId> ReadOutlineItems(ObjectTexts& objects, ObjectId catalog) {
     const LocatedValue value = LoadObject(objects, *item);
     const DictionaryView dictionary(value.text);
     if (IsDictionary(value.text)) items.push_back(value.holder);
-    if (const auto next = ReferenceIn(dictionary.Find("/Next"))) following.push_back(*next);
-    item = ReferenceIn(dictionary.Find("/First"));
+    if (const auto next = PdfLexer::FindReference(dictionary.Find("/Next"))) following.push_back(*next);
+    item = PdfLexer::FindReference(dictionary.Find("/First"));
   }
   return items;
 }

@@ -26,7 +26,6 @@ class XrefChain {
   const std::vector<Link>& Links() const { return links_; }
   // The section that startxref names.
   const XrefSection& Last() const { return links_.front().section; }
-  bool IsHybrid() const { return links_.front().beside.has_value(); }
   // The entry in force for an object in use.
   XrefSection::Entry Find(std::uint32_t number) const;
 

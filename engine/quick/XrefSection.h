@@ -35,7 +35,6 @@ class XrefSection {
   const RawDictionary& Trailer() const { return *trailer_; }
   // One more than the highest object number with an entry here.
   std::uint64_t EndNumber() const;
-  std::size_t SubsectionCount() const { return subsections_.size(); }
   // No value when this section does not have an entry for the object.
   std::optional<Entry> Find(std::uint32_t number) const;
   // Calls visit(number, entry) for every entry. Throws as well when two entries are for one object.

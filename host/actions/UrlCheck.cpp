@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QUrl>
 
+#include "utils/AsciiCharacters.h"
+
 namespace {
 
 bool IsDrivePath(const QString& url) {
@@ -41,11 +43,7 @@ bool IsAscii(const QString& text) {
 QString UrlAsWritten(const QString& url) {
   QByteArray written;
   for (const char byte : url.toUtf8()) {
-    if (static_cast<unsigned char>(byte) < 0x80) {
-      written += byte;
-    } else {
-      written += '%' + QByteArray(1, byte).toHex().toUpper();
-    }
+    written += static_cast<unsigned char>(byte) < 0x80 ? QByteArray(1, byte) : Ascii::PercentEncoded(byte);
   }
   return QString::fromLatin1(written);
 }

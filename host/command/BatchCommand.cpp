@@ -7,8 +7,11 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
+#include "host/base/Interruption.h"
 #include "host/base/NativeName.h"
 #include "host/files/InputList.h"
+#include "host/run/FileQuery.h"
+#include "host/run/WorkerPool.h"
 
 namespace {
 
@@ -72,6 +75,19 @@ void BatchCommand::CheckWorkerOptions() {
     throw CommandError(kExitUsage,
                        QStringLiteral("Option '--timeout' needs worker processes, but '--jobs 0' forbids them."));
   }
+}
+
+int BatchCommand::Ask(FileQuery& query, std::size_t files) const {
+  // To start worker processes takes longer than to read one file.
+  const bool here = Jobs() == 0 || (files == 1 && !IsSet("jobs") && !IsSet("timeout"));
+  if (here) {
+    query.RunHere();
+  } else {
+    Interruption::Install();
+    WorkerPool(query, files, static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
+  }
+  query.Finish();
+  return Interruption::Signal();
 }
 
 void BatchCommand::RefuseEmpty(std::initializer_list<const char*> names) const {

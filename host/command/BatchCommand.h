@@ -7,6 +7,7 @@
 
 #include "host/command/SettingsCommand.h"
 
+class FileQuery;
 class InputList;
 
 // A command that works on many files in worker processes: which files, and what each process may take.
@@ -30,6 +31,9 @@ class BatchCommand : public SettingsCommand {
   int Jobs() const { return jobs_; }
   std::chrono::seconds TimeLimit() const { return std::chrono::seconds(timeout_); }
   std::size_t MemoryLimit() const { return memoryLimit_; }
+
+  // Asks all files, in worker processes where these are worth their start. Returns the interrupting signal, or 0.
+  int Ask(FileQuery& query, std::size_t files) const;
 
   // Throws CommandError when one of the options is given an empty name.
   void RefuseEmpty(std::initializer_list<const char*> names) const;

@@ -5,9 +5,7 @@
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Counted.h"
-#include "host/base/Interruption.h"
 #include "host/files/InputList.h"
-#include "host/run/WorkerPool.h"
 
 namespace {
 
@@ -80,16 +78,7 @@ int LinksCommand::Execute() {
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;
   LinkListing listing(inputs, question, options_);
-  // To start worker processes takes longer than to read one file.
-  const bool here = Jobs() == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
-  if (here) {
-    listing.RunHere();
-  } else {
-    Interruption::Install();
-    WorkerPool(listing, inputs.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
-  }
-  listing.Finish();
-  if (const int signal = Interruption::Signal()) return kExitSignalBase + signal;
+  if (const int signal = Ask(listing, inputs.Count())) return kExitSignalBase + signal;
   const LinkCounts& counts = listing.Counts();
   const bool strictlyWrong = IsSet("strict") && counts.disagreeing + counts.withoutBase > 0;
   const bool complete = listing.IsComplete() && counts.incomplete == 0;

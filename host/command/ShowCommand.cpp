@@ -3,11 +3,9 @@
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
-#include "host/base/Interruption.h"
 #include "host/files/InputList.h"
 #include "host/run/DocumentFacts.h"
 #include "host/run/FileQuery.h"
-#include "host/run/WorkerPool.h"
 
 ShowCommand::ShowCommand()
     : BatchCommand(QStringLiteral("show"),
@@ -50,15 +48,6 @@ int ShowCommand::Execute() {
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   FileQuery query(inputs, question);
-  // To start worker processes takes longer than to read one file.
-  const bool here = Jobs() == 0 || (inputs.Count() == 1 && !IsSet("jobs") && !IsSet("timeout"));
-  if (here) {
-    query.RunHere();
-  } else {
-    Interruption::Install();
-    WorkerPool(query, inputs.Count(), static_cast<std::size_t>(Jobs()), TimeLimit()).Run();
-  }
-  query.Finish();
-  if (const int signal = Interruption::Signal()) return kExitSignalBase + signal;
+  if (const int signal = Ask(query, inputs.Count())) return kExitSignalBase + signal;
   return query.IsComplete() ? kExitDone : kExitSomeFailed;
 }

@@ -7,14 +7,10 @@
 #include <QUrl>
 #include <vector>
 
+#include "utils/AsciiCharacters.h"
+
 namespace {
 
-bool IsAlpha(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool IsSlash(char c) {
   return c == '/' || c == '\\';
 }
@@ -26,7 +22,7 @@ QByteArray Encoded(const QByteArray& text, const char* more) {
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
     if (code < 0x20 || code > 0x7E || std::strchr(more, c) != nullptr) {
-      encoded += '%' + QByteArray(1, c).toHex().toUpper();
+      encoded += Ascii::PercentEncoded(c);
     } else {
       encoded += c;
     }
@@ -53,10 +49,11 @@ QByteArray Stripped(const QByteArray& text) {
 // The scheme at the start, in lower case; empty when there is none.
 QByteArray SchemeOf(const QByteArray& text) {
   const int colon = text.indexOf(':');
-  if (colon < 1 || !IsAlpha(text[0])) return {};
+  if (colon < 1 || !Ascii::IsAlpha(text[0])) return {};
   const QByteArray scheme = text.left(colon);
-  const bool valid = std::all_of(scheme.begin(), scheme.end(),
-                                 [](char c) { return IsAlpha(c) || IsDigit(c) || c == '+' || c == '-' || c == '.'; });
+  const bool valid = std::all_of(scheme.begin(), scheme.end(), [](char c) {
+    return Ascii::IsAlpha(c) || Ascii::IsDigit(c) || c == '+' || c == '-' || c == '.';
+  });
   return valid ? scheme.toLower() : QByteArray();
 }
 
@@ -101,7 +98,7 @@ bool LooksLikeAddress(const QByteArray& host) {
   QByteArrayList parts = host.split('.');
   if (parts.size() > 1 && parts.last().isEmpty()) parts.removeLast();
   const QByteArray& last = parts.last();
-  const bool digits = !last.isEmpty() && std::all_of(last.begin(), last.end(), IsDigit);
+  const bool digits = !last.isEmpty() && std::all_of(last.begin(), last.end(), Ascii::IsDigit);
   return digits || ((last.startsWith("0x") || last.startsWith("0X")) && AddressNumber(last));
 }
 
@@ -214,7 +211,7 @@ bool WebUrl::ParseAuthority(QByteArray authority) {
 
 bool WebUrl::ParsePort(const QByteArray& text) {
   if (text.isEmpty()) return true;
-  if (!std::all_of(text.begin(), text.end(), IsDigit)) return false;
+  if (!std::all_of(text.begin(), text.end(), Ascii::IsDigit)) return false;
   bool valid = false;
   const int port = text.toUShort(&valid);
   if (valid && port != DefaultPort(scheme_)) port_ = ':' + QByteArray::number(port);

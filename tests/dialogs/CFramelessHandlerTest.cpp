@@ -80,18 +80,6 @@ TEST(CCursorPosCalculator, MovesTheStripsButNotTheMoveBarInwardsByTheInset) {
                            {{300, 393}, ""}});
 }
 
-TEST(CCursorPosCalculator, ResetClearsTheFlagsAndKeepsTheSizes) {
-  CCursorPosCalculator calculator;
-  calculator.moveBarHeight = 20;
-  calculator.recalculate(QPoint(2, 2), QRect(0, 0, 50, 50));
-  EXPECT_EQ(zones(calculator), "LTtlM");
-  EXPECT_TRUE(calculator.nearLeftEdge && calculator.nearTopEdge);
-  calculator.reset();
-  EXPECT_EQ(zones(calculator), "");
-  EXPECT_FALSE(calculator.nearLeftEdge || calculator.nearTopEdge);
-  EXPECT_EQ(calculator.borderWidth + calculator.moveBarHeight, 25);
-}
-
 TEST(FramelessGeometry, ResizesByTheZoneThatWasPressedDownToTheMinimum) {
   const QSize minimum(200, 150);
   struct Case {

@@ -184,14 +184,6 @@ TEST(CVorlaneDialog, HeaderButtonsReachTheSubclassOnceAndTheCloseButtonRejects) 
   EXPECT_EQ(dialog.exec(), QDialog::Rejected);
 }
 
-TEST(CVorlaneDialog, EveryTextIsTranslated) {
-  const PseudoLocale pseudo;
-  FormDialog dialog(nullptr, false);
-  dialog.VDaddTopButtons();
-  dialog.VDaddCloseButton();
-  EXPECT_EQ(UntranslatedTexts(dialog), QStringList("Title"));
-}
-
 }  // namespace
 
 #include "CVorlaneDialogTest.moc"

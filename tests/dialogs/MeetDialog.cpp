@@ -19,7 +19,7 @@ void MeetDialog(const QString& objectName, const std::function<void(QDialog&)>& 
       timer->stop();
       timer->deleteLater();
       meet(*dialog);
-    } else if (waited.hasExpired(10000)) {
+    } else if (waited.hasExpired(60000)) {
       timer->stop();
       timer->deleteLater();
       ADD_FAILURE() << "no dialog " << objectName.toStdString();

@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <fstream>
 
 #include "tests/engine/EngineFixture.h"
 
 namespace {
 
 using ContractTest = EngineFixture;
-
-long ResidentKilobytes() {
-  long total = 0;
-  long resident = 0;
-  std::ifstream("/proc/self/statm") >> total >> resident;
-  return resident * sysconf(_SC_PAGESIZE) / 1024;
-}
 
 }  // namespace
 
@@ -175,21 +166,4 @@ TEST_F(ContractTest, FontsAreListedLineByLine) {
   }
   EXPECT_EQ(library_.GetInstalledFontsByCharset(99, 1), L"");
   EXPECT_EQ(library_.LastErrorCode(), kErrorBadArgument);
-}
-
-TEST_F(ContractTest, RepeatedCallsDoNotGrowTheProcess) {
-  ASSERT_TRUE(Load("plain.pdf", PlainPdf().Bytes()));
-  const std::wstring url = L"http://example.com/" + std::wstring(10000, L'x');
-  const auto repeat = [&](int times) {
-    for (int i = 0; i < times; ++i) {
-      library_.SetBaseURL(i % 2 == 0 ? url : L"b");
-      library_.SetBreakString(url);  // refused
-      library_.GetBaseURL();
-    }
-  };
-  // An address sanitizer holds 256 MB of what was freed before it gives any of it back.
-  repeat(5000);
-  const long before = ResidentKilobytes();
-  repeat(5000);
-  EXPECT_LT(ResidentKilobytes() - before, 100 * 1024);  // 300 MB pass through
 }

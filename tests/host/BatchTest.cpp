@@ -66,14 +66,14 @@ TEST(Batch, AWorkerThatDiesCostsTheFileItHeld) {
   for (const char* jobs : {"1", "2"}) {
     QDir("out").removeRecursively();
     const ProgramResult result =
-        RunProgram(ProbeRun({"--jobs", jobs, "--timeout", "1", "--report", "r.json", "--output-dir", "out"}) + files);
+        RunProgram(ProbeRun({"--jobs", jobs, "--timeout", "3", "--report", "r.json", "--output-dir", "out"}) + files);
     EXPECT_EQ(result.code, 1);
     const auto report = ReadReport(ReadFile("r.json"));
     EXPECT_EQ(report.size(), files.size());
     EXPECT_EQ(report["in/abort.pdf"]["reason"].toString(), "crashed: signal 6");
     EXPECT_EQ(report["in/abort2.pdf"]["reason"].toString(), "crashed: signal 6");
     EXPECT_EQ(report["in/exit.pdf"]["reason"].toString(), "crashed: exit code 0");
-    EXPECT_EQ(report["in/hang.pdf"]["reason"].toString(), "took longer than the time limit of 1 s");
+    EXPECT_EQ(report["in/hang.pdf"]["reason"].toString(), "took longer than the time limit of 3 s");
     EXPECT_EQ(QDir("out").entryList(QDir::Files | QDir::Hidden).size(), 60);
   }
 }
@@ -239,20 +239,6 @@ TEST(Batch, SeveralRunsOverOneFolderLoseNoUpdate) {
     const QList<QByteArray> parts = line.split('\t');
     EXPECT_EQ(parts.last().size(), done[parts.first()]) << line.toStdString();
   }
-}
-
-TEST(Batch, ResumeSkipsWhatWasDoneAndTheReportStaysWhole) {
-  const QStringList files = MakeFiles(20);
-  const QStringList run = ProbeRun({"--set", "log=log", "--output-dir", "out", "--report", "r.json"});
-  QFile::remove("in/f007.pdf");
-  EXPECT_EQ(RunProgram(run + files).code, 1);
-  WriteFile("in/f007.pdf", MakePdf());
-  QFile::remove("log");
-  EXPECT_EQ(RunProgram(run + QStringList{"--resume", "r.json"} + files).code, 0);
-  EXPECT_EQ(ReadFile("log").count("work"), 1);
-  const auto report = ReadReport(ReadFile("r.json"));
-  EXPECT_EQ(report.size(), files.size());
-  for (const QJsonObject& record : report) EXPECT_EQ(record["status"].toString(), "done");
 }
 
 TEST(Batch, GuiActionsGetAPlatform) {

@@ -23,6 +23,7 @@ QStringList Words(const char* text) {
 TEST(Commands, SlipsAreCode2AndTouchNothing) {
   for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) WriteFile(name, MakePdf(kOld));
   WriteFile("not.tsf", "neither");
+  WriteFile("r.jsonl", "");
   QDir().mkdir("d");
   const std::pair<const char*, const char*> rows[] = {
       {"run --action Set~Base~URL --set BaseUrlString=http://x/ --in-place a.pdf b.pdf",
@@ -94,6 +95,19 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"actions extra", "Unexpected argument 'extra'"},
       {"edit --action A --context attic", "--context"},
       {"actions --tools-dir", "Missing value"},
+      {"run --action Probe --output-dir o --backup .bak a.pdf", "needs '--in-place'"},
+      {"run --action Probe --in-place --backup= a.pdf", "needs a name"},
+      {"run --action Probe --in-place --backup /x a.pdf", "'/'"},
+      {"run --action Probe --in-place --backup -old.PDF a.pdf", ".pdf"},
+      {"run --action Probe --in-place --only-if= a.pdf", "takes none, differs or a URL"},
+      {"run --action Probe --in-place --only-if differ a.pdf", "Did you mean 'differs'?"},
+      {"run --action Probe -o b.pdf --dry-run a.pdf", "use '--force'"},
+      {"run --action Probe -o a.pdf --force a.pdf", "is the input"},
+      {"run --action Probe -o . a.pdf", "is a folder"},
+      {"run --action Probe -d o --force a.pdf", "needs '--output'"},
+      {"run --action Probe --in-place --report r.csv a.pdf", "report --csv"},
+      {"run --action Probe --output-dir a.pdf/o --dry-run a.pdf", "output folder"},
+      {"run --action Probe --in-place --dry-run --report r.jsonl --resume ./r.jsonl a.pdf", "dry run"},
   };
   for (const auto& [line, message] : rows) {
     QStringList words = Words(line);
@@ -106,7 +120,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
   }
   for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) EXPECT_EQ(ReadFile(name), MakePdf(kOld)) << name;
   EXPECT_EQ(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-            QStringList({"-dash.pdf", "a.pdf", "b.pdf", "d", "not.tsf"}));
+            QStringList({"-dash.pdf", "a.pdf", "b.pdf", "d", "not.tsf", "r.jsonl"}));
 }
 
 TEST(Commands, AnActionIsACommand) {
@@ -195,15 +209,19 @@ TEST(Commands, ListsAreMadeWithoutADisplay) {
 
 TEST(Commands, PasswordsAreTriedInTurn) {
   WriteFile("plain.pdf", MakePdf());
-  for (const char* password : {"one", "two"}) {
-    ASSERT_EQ(QProcess::execute("qpdf",
-                                {"--encrypt", password, "owner", "256", "--", "plain.pdf", QString(password) + ".pdf"}),
-              0);
+  for (const char* password : {"", "one", "two"}) {
+    const QStringList encrypt{"--encrypt", password, "owner", "256", "--", "plain.pdf", QString(password) + ".pdf"};
+    ASSERT_EQ(QProcess::execute("qpdf", encrypt), 0);
   }
-  const QStringList files{"plain.pdf", "one.pdf", "two.pdf"};
-  EXPECT_EQ(RunProgram(QStringList{"show", "--password", "one", "--password", "two"} + files).code, 0);
-  EXPECT_EQ(RunProgram(QStringList{"show", "--password-file", "-"} + files, "one\r\ntwo\n").code, 0);
-  EXPECT_EQ(RunProgram(QStringList{"show", "--password", "one"} + files).code, 1);
+  // The passwords of some files do not lock out those that open without one.
+  const QStringList files{"plain.pdf", ".pdf", "one.pdf", "two.pdf"};
+  const QStringList set{"set-base-url", "http://new/", "--in-place", "--password", "one", "--password", "two"};
+  EXPECT_EQ(RunProgram(set + files).code, 0);
+  const ProgramResult shown = RunProgram(QStringList{"show", "--password-file", "-"} + files, "one\r\ntwo\n");
+  EXPECT_EQ(shown.out.count("http://new/"), 4) << shown.err.toStdString();
+  const ProgramResult wrong = RunProgram(QStringList{"show", "--password", "one"} + files);
+  EXPECT_EQ(wrong.code, 1);
+  EXPECT_EQ(wrong.err, "two.pdf: wrong password\n");
 }
 
 TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {

@@ -90,7 +90,7 @@ TEST(Waiting, OneSignalEndsIt) {
     EXPECT_FALSE(process->waitForFinished(isRead ? 1000 : 200)) << row.join(' ').toStdString();
     Interrupt(*process, SIGTERM);
     // Its standard input stays open meanwhile.
-    EXPECT_TRUE(process->waitForFinished(10000)) << row.join(' ').toStdString();
+    EXPECT_TRUE(process->waitForFinished(60000)) << row.join(' ').toStdString();
     EXPECT_EQ(process->exitCode(), 128 + SIGTERM) << row.join(' ').toStdString();
     if (reader >= 0) close(reader);
   }
@@ -101,14 +101,14 @@ TEST(Stopped, TimeInWhichNothingRunsCostsNoFile) {
   for (const bool workerAlone : {false, true}) {
     QFile::remove("log");
     const auto process = StartProgram(ProbeRun(
-        {"--set", "log=log", "--output-dir", "out", "--report", "-", "--jobs", "1", "--timeout", "2", "steps.pdf"}));
+        {"--set", "log=log", "--output-dir", "out", "--report", "-", "--jobs", "1", "--timeout", "4", "steps.pdf"}));
     WaitForLines("log", 2);
     const auto id = static_cast<pid_t>(process->processId());
     const QString children = QString("/proc/%1/task/%1/children").arg(id);
     const pid_t stopped = workerAlone ? ReadFile(children).trimmed().toInt() : -id;
     ASSERT_NE(stopped, 0) << "this would stop every process of the tests";
     ASSERT_EQ(kill(stopped, SIGSTOP), 0);
-    sleep(3);
+    sleep(5);
     ASSERT_EQ(kill(stopped, SIGCONT), 0);
     const ProgramResult result = FinishProgram(*process);
     EXPECT_EQ(result.code, 0) << result.err.toStdString();

@@ -124,16 +124,6 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
   EXPECT_EQ(ReadFile("out/own.pdf"), MakePdf());
   EXPECT_EQ(QDir("out").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
             QStringList({"good.pdf", "own.pdf", "taken.pdf"}));
-
-  WriteFile("pw", "user\n");
-  EXPECT_EQ(RunProgram(kSet + QStringList{"--password-file", "pw", "--output-dir", "out", "in/locked.pdf"}).code, 0);
-  const ProgramResult wrong = RunProgram(kSet + QStringList{"--password", "x", "--in-place", "in/locked.pdf"});
-  EXPECT_EQ(wrong.code, 1);
-  EXPECT_THAT(wrong.err.toStdString(), HasSubstr("in/locked.pdf: wrong password"));
-  // The password of some files does not lock out those that open without one.
-  ASSERT_EQ(QProcess::execute("qpdf", {"--encrypt", "", "owner", "256", "--", "in/good.pdf", "in/open.pdf"}), 0);
-  EXPECT_EQ(RunProgram(kSet + QStringList{"--password", "user", "--in-place", "in/open.pdf", "in/locked.pdf"}).code, 0);
-  EXPECT_EQ(RunProgram({"show", "--password", "user", "in/open.pdf", "in/locked.pdf"}).out.count("http://new/"), 2);
 }
 
 TEST(Program, AFullDiskKeepsTheOriginal) {

@@ -99,34 +99,6 @@ TEST(DryRun, ListsWhatWouldBecomeOfEachFile) {
               testing::AllOf(HasSubstr("(incremental, to out/a.pdf)"), HasSubstr("(unchanged, replaces out/b.pdf)")));
 }
 
-TEST(RunOptions, WhatCannotBeIsCode2AndTouchesNothing) {
-  WriteFile("a.pdf", kNone);
-  WriteFile("r.jsonl", "");
-  const std::pair<QStringList, const char*> rows[] = {
-      {{"--output-dir", "o", "--backup", "~"}, "needs '--in-place'"},
-      {{"--in-place", "--backup", ""}, "needs a name"},
-      {{"--in-place", "--backup", "/x"}, "'/'"},
-      {{"--in-place", "--backup", "-old.PDF"}, ".pdf"},
-      {{"--in-place", "--only-if", ""}, "takes none, differs or a URL"},
-      {{"--in-place", "--only-if", "differ"}, "Did you mean 'differs'?"},
-      {{"-o", "r.jsonl"}, "use '--force'"},
-      {{"-o", "r.jsonl", "--dry-run"}, "use '--force'"},
-      {{"-o", "a.pdf", "--force"}, "is the input"},
-      {{"-o", "."}, "is a folder"},
-      {{"-d", "o", "--force"}, "needs '--output'"},
-      {{"--in-place", "--report", "r.csv"}, "report --csv"},
-      {{"--output-dir", "a.pdf/o", "--dry-run"}, "output folder"},
-      {{"--in-place", "--dry-run", "--report", "r.jsonl", "--resume", "./r.jsonl"}, "dry run"}};
-  for (const auto& [options, message] : rows) {
-    const ProgramResult result = RunProgram(ProbeRun(options + QStringList{"a.pdf"}));
-    EXPECT_EQ(result.code, 2) << options.join(' ').toStdString();
-    EXPECT_THAT(result.err.toStdString(), HasSubstr(message));
-    EXPECT_EQ(result.err.count('\n'), 1) << result.err.toStdString();
-  }
-  EXPECT_EQ(Names(), QStringList({"a.pdf", "r.jsonl"}));
-  EXPECT_EQ(ReadFile("a.pdf"), kNone);
-}
-
 TEST(OnlyIf, ChoosesByWhatTheFilesHold) {
   QDir().mkdir("in");
   const std::pair<const char*, const char*> rows[] = {{"none", "done skipped skipped"},
@@ -233,84 +205,56 @@ TEST(Backup, WithoutItNothingIsSaved) {
   EXPECT_EQ(Names("in").size(), 1);
 }
 
-// What came between two runs, and how many files the second one does.
-struct BetweenRuns {
-  const char* name;
-  void (*change)(QStringList& run);
-  int worked;
-  const char* note;
-
-  friend std::ostream& operator<<(std::ostream& out, const BetweenRuns& row) { return out << row.name; }
-};
-
-class Resume : public testing::TestWithParam<BetweenRuns> {};
-
-TEST_P(Resume, LeavesOutWhatTheSameJobHasDoneAndIsAsItWasLeft) {
-  for (const char* report : {"r.json", "r.jsonl"}) {
-    for (const QStringList& output : {QStringList{"--in-place"}, QStringList{"--output-dir", "out"}}) {
-      QDir("out").removeRecursively();
-      QStringList files;
-      for (int i = 0; i < 5; ++i) files += QString("f%1.pdf").arg(i);
-      for (const QString& file : files) WriteFile(file, kNone);
-      QFile::remove("log");
-      QFile::remove(report);
-      QStringList run = ProbeRun(output + QStringList{"--set", "log=log", "--report", report, "--resume", report});
-      EXPECT_EQ(RunProgram(run + files).code, 0);
-      QFile::remove("log");
-      GetParam().change(run);
-      const ProgramResult result = RunProgram(run + files);
-      EXPECT_EQ(result.code, 0);
-      EXPECT_EQ(ReadFile("log").count("work"), GetParam().worked) << report << output[0].toStdString();
-      EXPECT_THAT(result.err.toStdString(), HasSubstr(GetParam().note));
-      const auto records = ReadReport(ReadFile(report));
-      EXPECT_EQ(records.size(), files.size());
-      EXPECT_TRUE(report == QByteArray("r.jsonl") || ReadFile(report).count("\"file\"") == files.size());
-      const QString folder = output[0] == "--in-place" ? "" : "out/";
-      const QByteArray url = run.filter("baseUrlString").first().section('=', 1).toUtf8();
-      for (const QString& file : files) EXPECT_EQ(BaseUrlOf(folder + file), url) << file.toStdString();
-    }
-  }
-}
-
 // The saved file of either kind of output.
 QString SavedFile() {
   return QFile::exists("out") ? "out/f3.pdf" : "f3.pdf";
 }
 
-void RemoveKeys(const char* report) {
-  if (!QFile::exists(report)) return;
+void RemoveKeys() {
+  const QString report = QFile::exists("r.json") ? "r.json" : "r.jsonl";
   QByteArray text = ReadFile(report);
   for (int at = 0; (at = text.indexOf(",\"job\"")) >= 0;) text.remove(at, text.indexOf(",\"warnings\"", at) - at);
-  WriteFile(report, "");
-  QFile::resize(report, 0);
   WriteFile(report, text);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Changes, Resume,
-    testing::Values(BetweenRuns{"nothing", [](QStringList&) {}, 0, "5 done before"},
-                    BetweenRuns{"settings",
-                                [](QStringList& run) { run.replaceInStrings("http://new/", "http://corrected/"); }, 5,
-                                "done again: 5 (they were done with other actions or settings)"},
-                    BetweenRuns{"touched",
-                                [](QStringList&) {
-                                  QProcess::execute("touch", {"-d", "2001-01-01", SavedFile()});
-                                },
-                                1, "done again: 1 (they were changed or removed since)"},
-                    BetweenRuns{"grown",
-                                [](QStringList&) {
-                                  QFile file(SavedFile());
-                                  ASSERT_TRUE(file.open(QIODevice::Append));
-                                  file.write("\n");
-                                },
-                                1, "done again: 1"},
-                    BetweenRuns{"older report",
-                                [](QStringList&) {
-                                  RemoveKeys("r.json");
-                                  RemoveKeys("r.jsonl");
-                                },
-                                5, "done again: 5 (the report does not say"}),
-    [](const auto& row) { return QString(row.param.name).remove(' ').toStdString(); });
+TEST(Resume, LeavesOutWhatTheSameJobHasDoneAndIsAsItWasLeft) {
+  const struct {
+    void (*change)(QStringList& run);  // between two runs
+    int worked;                        // how many files the second one does
+    const char* note;
+  } rows[] = {{[](QStringList&) {}, 0, "5 done before"},
+              {[](QStringList& run) { run.replaceInStrings("http://new/", "http://corrected/"); }, 5,
+               "done again: 5 (they were done with other actions or settings)"},
+              {[](QStringList&) { SetTime(SavedFile(), QDateTime::fromSecsSinceEpoch(1000000000)); }, 1,
+               "done again: 1 (they were changed or removed since)"},
+              {[](QStringList&) { WriteFile(SavedFile(), ReadFile(SavedFile()) + '\n'); }, 1, "done again: 1"},
+              {[](QStringList&) { RemoveKeys(); }, 5, "done again: 5 (the report does not say"}};
+  for (const char* report : {"r.json", "r.jsonl"}) {
+    for (const QStringList& output : {QStringList{"--in-place"}, QStringList{"--output-dir", "out"}}) {
+      for (const auto& row : rows) {
+        for (const char* old : {"log", "r.json", "r.jsonl"}) QFile::remove(old);
+        QDir("out").removeRecursively();
+        QStringList files;
+        for (int i = 0; i < 5; ++i) files += QString("f%1.pdf").arg(i);
+        for (const QString& file : files) WriteFile(file, kNone);
+        QStringList run = ProbeRun(output + QStringList{"--set", "log=log", "--report", report, "--resume", report});
+        EXPECT_EQ(RunProgram(run + files).code, 0);
+        QFile::remove("log");
+        row.change(run);
+        const ProgramResult result = RunProgram(run + files);
+        EXPECT_EQ(result.code, 0);
+        EXPECT_EQ(ReadFile("log").count("work"), row.worked) << row.note << report << output[0].toStdString();
+        EXPECT_THAT(result.err.toStdString(), HasSubstr(row.note));
+        const auto records = ReadReport(ReadFile(report));
+        EXPECT_EQ(records.size(), files.size());
+        EXPECT_TRUE(report == QByteArray("r.jsonl") || ReadFile(report).count("\"file\"") == files.size());
+        const QString folder = output[0] == "--in-place" ? "" : "out/";
+        const QByteArray url = run.filter("baseUrlString").first().section('=', 1).toUtf8();
+        for (const QString& file : files) EXPECT_EQ(BaseUrlOf(folder + file), url) << file.toStdString();
+      }
+    }
+  }
+}
 
 TEST(Resume, ValuesMadeForEachFileBelongToTheJob) {
   QDir().mkpath("site/sub");

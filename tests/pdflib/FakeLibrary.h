@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <dlfcn.h>
+
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -28,3 +31,24 @@ struct FakeRecorder {
 };
 
 extern "C" FakeRecorder* FakeLibraryRecorder();
+
+// Keeps a recording library open, with a fresh record that survives the wrapper under test.
+class OpenFakeLibrary {
+ public:
+  explicit OpenFakeLibrary(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
+    recorder_ = reinterpret_cast<decltype(&FakeLibraryRecorder)>(Symbol("FakeLibraryRecorder"))();
+    *recorder_ = FakeRecorder();
+  }
+  ~OpenFakeLibrary() { dlclose(handle_); }
+  OpenFakeLibrary(const OpenFakeLibrary&) = delete;
+  OpenFakeLibrary& operator=(const OpenFakeLibrary&) = delete;
+
+  FakeRecorder* operator->() const { return recorder_; }
+  void* Symbol(const std::string& name) const { return dlsym(handle_, name.c_str()); }
+  // Calls recorded since the last Take().
+  std::vector<FakeCall> Take() const { return std::exchange(recorder_->calls, {}); }
+
+ private:
+  void* handle_;
+  FakeRecorder* recorder_;
+};

@@ -25,25 +25,6 @@ std::wstring Wide(const char* path) {
   return std::wstring(path, path + std::strlen(path));
 }
 
-// Keeps the recording library open, so that its record survives the wrapper under test.
-class OpenFake {
- public:
-  explicit OpenFake(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
-    const auto recorder = reinterpret_cast<FakeRecorder* (*)()>(dlsym(handle_, "FakeLibraryRecorder"));
-    recorder_ = recorder();
-    *recorder_ = FakeRecorder();
-  }
-  ~OpenFake() { dlclose(handle_); }
-  FakeRecorder* operator->() const { return recorder_; }
-  void* Symbol(const std::string& name) const { return dlsym(handle_, name.c_str()); }
-  // Calls recorded since the last Take().
-  std::vector<FakeCall> Take() const { return std::exchange(recorder_->calls, {}); }
-
- private:
-  void* handle_;
-  FakeRecorder* recorder_;
-};
-
 // A distinct value for each argument position; byte strings hold a NUL, every third wide string is empty.
 template <typename T>
 T ArgumentAt(int position) {
@@ -113,7 +94,8 @@ R CallWithSamples(Wrapper& wrapper, R (Wrapper::*member)(A...), std::index_seque
 }
 
 template <typename R, typename... A>
-void CheckForwarding(const OpenFake& fake, Wrapper& wrapper, const std::string& name, R (Wrapper::*member)(A...)) {
+void CheckForwarding(const OpenFakeLibrary& fake, Wrapper& wrapper, const std::string& name,
+                     R (Wrapper::*member)(A...)) {
   SCOPED_TRACE(name);
   const std::string kinds{KindOf<std::decay_t<A>>()...};
 
@@ -179,7 +161,7 @@ void CheckAllDefaults(Wrapper& wrapper) {
 }  // namespace
 
 TEST(Wrapper, EveryMemberForwardsToItsOwnFunction) {
-  const OpenFake fake(FAKELIBRARY_FILE);
+  const OpenFakeLibrary fake(FAKELIBRARY_FILE);
   Wrapper wrapper(Wide(FAKELIBRARY_FILE));
   ASSERT_TRUE(wrapper.LibraryLoaded());
   fake->wideResult = {L'a', L'\0', L'\U0010FFFF', L'\0'};
@@ -197,7 +179,7 @@ TEST(Wrapper, AnswersDefaultsAndTouchesNothingWhenNotReady) {
   }
   for (const char* path : {FAKELIBRARYWITHOUTORDINARY_FILE, FAKELIBRARYWITHOUTSERVICE_FILE}) {
     SCOPED_TRACE(path);
-    const OpenFake fake(path);
+    const OpenFakeLibrary fake(path);
     {
       Wrapper incomplete(Wide(path));
       EXPECT_FALSE(incomplete.LibraryLoaded());
@@ -215,7 +197,7 @@ TEST(Wrapper, AnswersDefaultsAndTouchesNothingWhenNotReady) {
 }
 
 TEST(Wrapper, ReleasesTheInstanceOnlyWhenItsIdIsAboveZero) {
-  const OpenFake fake(FAKELIBRARY_FILE);
+  const OpenFakeLibrary fake(FAKELIBRARY_FILE);
   for (const int id : {7, 0, -3}) {
     fake->instanceId = id;
     { EXPECT_TRUE(Wrapper(Wide(FAKELIBRARY_FILE)).LibraryLoaded()); }
@@ -239,7 +221,7 @@ TEST(Wrapper, KeepsTheLibraryToItselfAndClosesIt) {
 }
 
 TEST(Wrapper, OnlyAMissingNameThatIsNotOptionalMarksItAsNotLoaded) {
-  const OpenFake fake(FAKELIBRARY_FILE);
+  const OpenFakeLibrary fake(FAKELIBRARY_FILE);
   Wrapper wrapper(Wide(FAKELIBRARY_FILE));
   EXPECT_EQ(reinterpret_cast<void*>(wrapper.AttachFunction("HPLPageCount", false)), fake.Symbol("HPLPageCount"));
   EXPECT_EQ(wrapper.AttachFunction("HPLAbsent", true), nullptr);
@@ -255,7 +237,7 @@ TEST(Wrapper, KeepsTheLowEightBitsOfTheFileName) {
 }
 
 TEST(Wrapper, HugeStringsPassOrAreRefusedWhole) {
-  const OpenFake fake(FAKELIBRARY_FILE);
+  const OpenFakeLibrary fake(FAKELIBRARY_FILE);
   Wrapper wrapper(Wide(FAKELIBRARY_FILE));
   fake.Take();
   std::wstring url(1'000'000, L'\U0001F600');
@@ -280,7 +262,7 @@ TEST(Wrapper, HugeStringsPassOrAreRefusedWhole) {
 }
 
 TEST(Wrapper, OddResultsAreEmpty) {
-  const OpenFake fake(FAKELIBRARY_FILE);
+  const OpenFakeLibrary fake(FAKELIBRARY_FILE);
   Wrapper wrapper(Wide(FAKELIBRARY_FILE));
   fake->wideResult = L"text";
   fake->byteResult = "text";

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -98,12 +97,11 @@ TEST_F(ShowDialog, AnEmptyMapShowsAnEmptyFieldAndClearEmptiesIt) {
 TEST_F(ShowDialog, StartsFromTheDocumentUnlessToldNotTo) {
   HalvexPDFLibraryCPDylibCPP1311 document(QStringLiteral(FAKELIBRARY_FILE).toStdWString());
   ASSERT_TRUE(document.LibraryLoaded());
-  void* const library = dlopen(FAKELIBRARY_FILE, RTLD_NOW);
-  FakeRecorder& recorder = *reinterpret_cast<decltype(&FakeLibraryRecorder)>(dlsym(library, "FakeLibraryRecorder"))();
+  const OpenFakeLibrary library(FAKELIBRARY_FILE);
   info_.document = &document;
   const QString url = QString::fromUtf8("x\xf0\x9f\x98\x80\xc3\xa9");
   for (const QString& answer : {url, QString()}) {  // an empty one replaces what is stored, too
-    recorder.wideResult = answer.toStdWString();
+    library->wideResult = answer.toStdWString();
     for (const bool skip : {true, false}) {
       info_.skipDocumentValue = skip;
       settings_ = {{"baseUrlString", "stored"}, {"other", 7}};
@@ -116,7 +114,6 @@ TEST_F(ShowDialog, StartsFromTheDocumentUnlessToldNotTo) {
       EXPECT_EQ(settings_, Map({{"baseUrlString", expected}, {"other", 7}}));
     }
   }
-  dlclose(library);
 }
 
 TEST_F(ShowDialog, HasItsTitleIconTabOrderAndSlotsAndHidesTheListButtonOnRequest) {

@@ -31,15 +31,11 @@ class Action : public testing::Test {
 // The recording library's wrapper, and the text that the last SetBaseURL handed to it.
 class RecordedDocument {
  public:
-  RecordedDocument() : wrapper_(std::wstring(kFile, kFile + std::strlen(kFile))), handle_(dlopen(kFile, RTLD_NOW)) {
-    recorder_ = reinterpret_cast<FakeRecorder* (*)()>(dlsym(handle_, "FakeLibraryRecorder"))();
-    recorder_->calls.clear();
-  }
-  ~RecordedDocument() { dlclose(handle_); }
+  RecordedDocument() : wrapper_(std::wstring(kFile, kFile + std::strlen(kFile))) { library_.Take(); }
   HalvexPDFLibraryCPDylibCPP1311* Wrapper() { return &wrapper_; }
 
   std::wstring TakeUrl() {
-    const auto calls = std::exchange(recorder_->calls, {});
+    const auto calls = library_.Take();
     EXPECT_FALSE(calls.empty());
     if (calls.empty()) return {};
     EXPECT_EQ(calls.back().name, "HPLSetBaseURL");
@@ -53,9 +49,8 @@ class RecordedDocument {
 
  private:
   static constexpr const char* kFile = FAKELIBRARY_FILE;
+  OpenFakeLibrary library_{kFile};
   HalvexPDFLibraryCPDylibCPP1311 wrapper_;
-  void* handle_;
-  FakeRecorder* recorder_;
 };
 
 }  // namespace

@@ -40,7 +40,7 @@ std::unique_ptr<QProcess> StartProgram(const QStringList& arguments) {
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input) {
   process.write(input);
   process.closeWriteChannel();
-  EXPECT_TRUE(process.waitForFinished(60000)) << "it hangs";
+  EXPECT_TRUE(process.waitForFinished(200000)) << "it hangs";
   ProgramResult result;
   result.code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : 128 + process.exitCode();
   result.out = process.readAllStandardOutput();
@@ -54,7 +54,7 @@ ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input) 
 }
 
 void WaitForLines(const QString& file, int lines) {
-  for (int i = 0; i < 4000 && QByteArray::fromStdString(ReadText(file)).count('\n') < lines; ++i) usleep(5000);
+  for (int i = 0; i < 40000 && QByteArray::fromStdString(ReadText(file)).count('\n') < lines; ++i) usleep(5000);
 }
 
 QStringList ProbeRun(const QStringList& more) {
@@ -105,7 +105,7 @@ QMap<QString, QJsonObject> ReadReport(const QByteArray& report) {
 QByteArray BaseUrlOf(const QString& file) {
   QProcess mutool;
   mutool.start("mutool", {"show", file, "trailer/Root/URI/Base"});
-  EXPECT_TRUE(mutool.waitForFinished());
+  EXPECT_TRUE(mutool.waitForFinished(-1));
   QByteArray url = mutool.readAllStandardOutput().trimmed();
   return url == "null" ? QByteArray() : url.mid(1, url.size() - 2);
 }

@@ -25,7 +25,7 @@ std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
 ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());
 
-// Waits until a running program has written so many lines to the file; for 20 s at most.
+// Waits until a running program has written so many lines to the file; for 200 s at most.
 void WaitForLines(const QString& file, int lines);
 
 // "run" with the Probe action.

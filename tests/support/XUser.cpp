@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr qint64 kPatienceMs = 20000;
+constexpr qint64 kPatienceMs = 60000;
 
 }  // namespace
 

@@ -59,14 +59,4 @@ TEST(ViewerRules, LeadWhereTheEnginesDo) {
   }
 }
 
-// Only MuPDF reads the strings as text strings; Poppler ends at a zero byte.
-TEST(ViewerRules, StringsInUtf16AreBytesToMostEngines) {
-  const QByteArray uri("\xFE\xFF\0c", 4);
-  const QByteArray base("https://e.org/");
-  EXPECT_EQ(ViewerRules::PdfJs(uri, base), ViewerRules::Target("https://e.org/%C3%BE%C3%BF%00c"));
-  EXPECT_EQ(ViewerRules::Pdfium(uri, base), ViewerRules::Target(base + uri));
-  EXPECT_EQ(ViewerRules::MuPdf(uri, base), ViewerRules::Target("https://e.org/c"));
-  EXPECT_EQ(ViewerRules::Poppler(uri, base), ViewerRules::Target("https://e.org/\xFE\xFF"));
-}
-
 }  // namespace

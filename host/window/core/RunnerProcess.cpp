@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QJsonDocument>
 
 #include "host/base/ExitCode.h"
@@ -22,6 +24,13 @@ constexpr int kLongestMessage = 4096;
 constexpr int kEndWaits[] = {300, 2500, 1000};
 
 QString gProgramFile;
+
+// In memory where the user has a folder there: a busy disk would make the window wait.
+QString ListTemplate() {
+  const QString runtime = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
+  const bool isUsable = QDir::isAbsolutePath(runtime) && QFileInfo(runtime).isWritable();
+  return (isUsable ? runtime : QDir::tempPath()) + QStringLiteral("/vorlane-XXXXXX");
+}
 
 std::string_view View(const QByteArray& bytes) {
   return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
@@ -98,7 +107,7 @@ void RunnerProcess::Start(const RunnerRequest& request) {
 }
 
 bool RunnerProcess::WriteList(const QStringList& files) {
-  list_ = std::make_unique<QTemporaryFile>();
+  list_ = std::make_unique<QTemporaryFile>(ListTemplate());
   bool written = list_->open();
   for (const QString& file : files) {
     const QByteArray name = NativeName::ToBytes(file) + '\0';

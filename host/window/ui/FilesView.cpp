@@ -89,7 +89,7 @@ class ReasonDelegate : public QStyledItemDelegate {
 };
 
 QString TextOf(const QModelIndex& index) {
-  return index.data(Qt::DisplayRole).toString().simplified();
+  return index.data(FileTableModel::kFullTextRole).toString().simplified();
 }
 
 }  // namespace
@@ -335,7 +335,7 @@ void FilesView::CopyRows() const {
 
 void FilesView::CopyCell() const {
   const QModelIndex cell = table_->currentIndex();
-  if (cell.isValid()) QApplication::clipboard()->setText(cell.data(Qt::DisplayRole).toString());
+  if (cell.isValid()) QApplication::clipboard()->setText(cell.data(FileTableModel::kFullTextRole).toString());
 }
 
 void FilesView::RemoveSelected() {

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "engine/base/InputFile.h"
 #include "tests/engine/quick/FullParser.h"
 #include "tests/engine/quick/QuickBaseUrl.h"
@@ -18,11 +16,9 @@ using engine::QuickReader;
 TEST(QuickReaderTest, AnswersAsTheFullParserOrNotAtAll) {
   for (const SampleFile& sample : SampleFile::All(QUICK_SAMPLES)) {
     SCOPED_TRACE(sample.name);
-    const auto start = std::chrono::steady_clock::now();
     const auto input = InputFile::Open(sample.Path());
     const auto document = QuickReader::Read(*input);
     const auto tail = QuickReader::ReadTail(*input);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     EXPECT_LT(input->BytesRead(), 64 * 1024u + 4 * input->Size());
 
     EXPECT_EQ(document.has_value(), sample.kind == "answered");

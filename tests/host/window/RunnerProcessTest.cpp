@@ -103,7 +103,7 @@ echo "{\"arguments\":\"$*\"}")sh");
   EXPECT_EQ(watched.records[2].json["password"].toString(), "secret");
   const QString arguments = watched.records[4].json["arguments"].toString();
   EXPECT_THAT(arguments.toStdString(), testing::StartsWith("show --json --password-file - --files-from /"));
-  EXPECT_TRUE(QDir(QDir::tempPath()).entryList({"vorlane-run.*", "*.??????"}, QDir::Files).isEmpty());
+  EXPECT_TRUE(QDir(qgetenv("XDG_RUNTIME_DIR")).isEmpty());
 }
 
 TEST(RunnerProcess, ReadsFloodsInPieces) {

@@ -13,6 +13,7 @@
 #include <QThread>
 #include <QTreeWidget>
 #include <QWindow>
+#include <stdexcept>
 #include <vector>
 
 #include "host/files/HostFolders.h"
@@ -187,8 +188,15 @@ TEST_F(WindowOnX, FilesAreDroppedFromAnotherProgram) {
 // The window of a program of its own, once it is there, with the keys going to it.
 void Activate(const QProcess& program, const QString& title) {
   const QString pid = QString::number(program.processId());
-  const QString id =
-      XUser::Do({"search", "--sync", "--onlyvisible", "--all", "--pid", pid, "--name", title}).simplified();
+  QString id;
+  for (int tries = 0; id.isEmpty(); ++tries) {
+    try {
+      id = XUser::Do({"search", "--sync", "--onlyvisible", "--all", "--pid", pid, "--name", title}).simplified();
+    } catch (const std::exception&) {
+      // The search fails when a window goes away meanwhile.
+      if (tries == 5) throw;
+    }
+  }
   XUser::Do({"windowactivate", "--sync", id});
 }
 
