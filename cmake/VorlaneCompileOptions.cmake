@@ -8,7 +8,8 @@ function(vorlane_compile_options target)
   if(VORLANE_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     # PUBLIC: whoever links an instrumented static library needs the run time too.
-    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+    # The sanitizer opens libraries in the caller's place: only the program's older kind of run path then still counts.
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined -Wl,--disable-new-dtags)
   endif()
   if(VORLANE_SANITIZE_THREADS)
     target_compile_options(${target} PRIVATE -fsanitize=thread -O1 -g)
