@@ -101,6 +101,8 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
 }
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
+  QPDFObjectHandle size = document.getTrailer().getKey("/Size");
+  if (size.isInteger() && size.getIntValue() > QuickReader::kLargestSize) return false;
   return !HasInventedKeys(document.getTrailer()) && EntriesLeadToObjects(document, file, repair) &&
          ObjectStreams(file.Size()).Check(document) && PagesAreThere(document, repair);
 }

@@ -2,7 +2,6 @@
 #include "engine/quick/QuickReader.h"
 
 #include <algorithm>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -70,7 +69,7 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const RawDic
   if (!stream) tail.kind = trailer.Has("/XRefStm") ? FileTail::Kind::kHybrid : FileTail::Kind::kTable;
   if (stream) tail.kind = FileTail::Kind::kStream;
   const std::uint64_t size = trailer.Unsigned("/Size");
-  if (size == 0 || size >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) throw PdfSyntaxError();
+  if (size == 0 || size > QuickReader::kLargestSize) throw PdfSyntaxError();
   tail.size = static_cast<std::uint32_t>(size);
   tail.root = trailer.Reference("/Root");
   for (const RawDictionary::Entry& entry : trailer.Entries()) {

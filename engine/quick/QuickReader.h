@@ -16,6 +16,9 @@ namespace engine {
 // All members throw EngineError kErrorFileUnreadable when the file cannot be read.
 class QuickReader {
  public:
+  // Some readers do not read files whose /Size is larger (ISO 32000-1, table C.1).
+  static constexpr std::uint32_t kLargestSize = 8388608;
+
   static std::optional<QuickDocument> Read(const InputFile& file);
 
   // The last cross-reference section alone, of encrypted files too and of files with bytes before the header. For a
@@ -25,6 +28,7 @@ class QuickReader {
   // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers
   // agree on that, apart from those that rebuild the cross-references of every file with bytes before the header.
   static std::uint64_t HeaderOffset(const InputFile& file);
+  // Whether the header, with a version, is the first thing in the file.
   static bool StartsWithHeader(const InputFile& file);
 
   // Whether an update's trailer repeats this entry (a key with its slash) of the trailer before it.

@@ -116,6 +116,7 @@ def incremental():
     yield "header-after-5-bytes-object-cut-off", late.table().out + b"20 0 obj\n<< /ID [ <31"
     yield "header-doubled-object-streams", b"%PDF-" + File().put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream().out
+    yield "size-of-too-many-objects", in_streams().xref_stream().out.replace(b"/Size ", b"/Size 9999999", 1)
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
