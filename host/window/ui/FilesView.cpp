@@ -223,7 +223,7 @@ void FilesView::MakeTable() {
   header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int letter = fontMetrics().averageCharWidth();
   const QPair<int, int> columns[] = {
-      {FileTableModel::kName, 24},    {FileTableModel::kState, 14},     {FileTableModel::kReason, 36},
+      {FileTableModel::kName, 24},    {FileTableModel::kState, 19},     {FileTableModel::kReason, 36},
       {FileTableModel::kBaseUrl, 28}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 8},
       {FileTableModel::kSigned, 10},  {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 20}};
   for (int place = 0; place < FileTableModel::kColumnCount; ++place) {
