@@ -51,6 +51,5 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(COPY ${changelog} DESTINATION ${share}/doc/${package})
   file(GLOB compressed ${share}/man/man?/*.? ${share}/doc/${package}/changelog)
   execute_process(COMMAND gzip -9n ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  configure_file(${source}/packaging/deb/${component}.lintian-overrides ${share}/lintian/overrides/${package} COPYONLY)
 endforeach()
-configure_file(${source}/packaging/deb/dev.lintian-overrides
-  ${dev}/share/lintian/overrides/${CPACK_DEBIAN_DEV_PACKAGE_NAME} COPYONLY)
