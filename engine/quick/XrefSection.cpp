@@ -82,6 +82,18 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   const StreamDecoder::Coding coding = StreamDecoder::ReadCoding(dictionary);
   if (coding.columns != 0 && coding.columns != widths_[0] + widths_[1] + widths_[2]) throw PdfSyntaxError();
   decoder_ = std::make_unique<StreamDecoder>(file.File(), file.HeaderOffset() + object.dataOffset, length, coding);
+  CheckRows();
+}
+
+// Where rows are missing, some readers rebuild the cross-references. Long streams are not decoded for this alone.
+void XrefSection::CheckRows() const {
+  constexpr std::uint64_t kMostDecoded = 64 * 1024;
+  std::uint64_t size = 0;
+  for (const Subsection& subsection : subsections_) {
+    if (subsection.count > kMostDecoded) return;
+    size += subsection.count * (widths_[0] + widths_[1] + widths_[2]);
+  }
+  if (size <= kMostDecoded && decoder_->Decode(static_cast<std::size_t>(size)).size() < size) throw PdfSyntaxError();
 }
 
 void XrefSection::ReadWidths(std::string_view text) {

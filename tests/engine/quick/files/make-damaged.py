@@ -117,6 +117,8 @@ def incremental():
     yield "header-doubled-object-streams", b"%PDF-" + File().put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream().out
     yield "size-of-too-many-objects", in_streams().xref_stream().out.replace(b"/Size ", b"/Size 9999999", 1)
+    yield "xref-stream-rows-missing", re.sub(rb"/Index \[[^]]*\] /Size \d+", rb"/Size 45", in_streams(
+        catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
