@@ -156,10 +156,6 @@ void FileTableModel::SetStates(const QVector<FileStateChange>& changes) {
   Announce(changed, kState, kReason);
 }
 
-void FileTableModel::SetState(const QString& path, FileState state, const QString& reason) {
-  SetStates({{path, state, reason}});
-}
-
 void FileTableModel::Announce(QVector<int> rows, Column first, Column last) {
   std::sort(rows.begin(), rows.end());
   for (int begin = 0; begin < rows.size();) {

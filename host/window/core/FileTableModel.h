@@ -92,7 +92,6 @@ class FileTableModel : public QAbstractTableModel {
   // Nothing for facts that are not known any more.
   void SetFacts(const QVector<QPair<QString, std::optional<FileFacts>>>& facts);
   void SetStates(const QVector<FileStateChange>& changes);
-  void SetState(const QString& path, FileState state, const QString& reason = QString());
 
   // "Ready", "Failed" and so on, translated.
   static QString StateName(FileState state);

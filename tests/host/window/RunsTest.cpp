@@ -129,7 +129,7 @@ TEST(FactsReader, ReadsWhatFilesHold) {
   EXPECT_TRUE(model.Row(model.RowOf(encrypted)).facts->encrypted);
 
   // What a run has said of a file stays.
-  model.SetState(odd, State::kDone);
+  model.SetStates({{odd, State::kDone, {}}});
   WriteFile(odd, MakePdf());
   reader.Refresh({odd, Here("unknown.pdf")});
   ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
