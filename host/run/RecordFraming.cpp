@@ -24,6 +24,7 @@ Length LengthAt(std::string_view buffer, std::size_t offset) {
 // Layout: size of what follows, number of fields, their lengths, their bytes. `record` begins with the second.
 void Split(std::string_view record, RecordFraming::Fields& fields) {
   const Length count = LengthAt(record, 0);
+  fields.reserve(count);
   std::size_t bytes = sizeof(Length) * (1 + count);
   for (Length i = 0; i < count; ++i) {
     const Length length = LengthAt(record, sizeof(Length) * (1 + i));
