@@ -72,9 +72,7 @@ class Members {
   }
 
  private:
-  QJsonValue Take(const char* name) {
-    return object_.take(QLatin1String(name));
-  }
+  QJsonValue Take(const char* name) { return object_.take(QLatin1String(name)); }
 
   QJsonObject object_;
   QString origin_;
