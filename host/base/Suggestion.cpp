@@ -22,8 +22,6 @@ int EditDistance(const QString& one, const QString& other) {
   return row.back();
 }
 
-}  // namespace
-
 QString NearestWord(const QString& typed, const QStringList& known) {
   constexpr int kLongest = 100;
   if (typed.size() > kLongest) return {};
@@ -40,6 +38,8 @@ QString NearestWord(const QString& typed, const QStringList& known) {
   }
   return nearest;
 }
+
+}  // namespace
 
 QString Suggestion(const QString& typed, const QStringList& known) {
   const QString word = NearestWord(typed, known);

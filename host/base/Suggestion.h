@@ -4,9 +4,6 @@
 #include <QString>
 #include <QStringList>
 
-// The known word that a mistyped one most likely means: the nearest by edits, and near enough. Letter case does not
-// count. Empty when none is near.
-QString NearestWord(const QString& typed, const QStringList& known);
-
-// " Did you mean 'WORD'?", or nothing when no known word is near.
+// " Did you mean 'WORD'?" with the known word that is the fewest edits away; empty when no known word is near. Letter
+// case does not count.
 QString Suggestion(const QString& typed, const QStringList& known);

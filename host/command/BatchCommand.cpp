@@ -98,11 +98,3 @@ int BatchCommand::Ask(FileQuery& query, std::size_t files) const {
   query.Finish();
   return Interruption::Signal();
 }
-
-void BatchCommand::RefuseEmpty(std::initializer_list<const char*> names) const {
-  for (const char* name : names) {
-    if (IsSet(name) && Value(name).isEmpty()) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
-    }
-  }
-}

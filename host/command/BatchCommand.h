@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <initializer_list>
 
 #include "host/command/SettingsCommand.h"
 
@@ -37,9 +36,6 @@ class BatchCommand : public SettingsCommand {
   FileQuestion Question() const;
   // Asks all files, in worker processes where these are worth their start. Returns the interrupting signal, or 0.
   int Ask(FileQuery& query, std::size_t files) const;
-
-  // Throws CommandError when one of the options is given an empty name.
-  void RefuseEmpty(std::initializer_list<const char*> names) const;
 
  private:
   int jobs_ = 0;

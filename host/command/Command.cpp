@@ -151,6 +151,14 @@ void Command::Exclude(const char* one, const char* other) const {
   }
 }
 
+void Command::RefuseEmpty(std::initializer_list<const char*> names) const {
+  for (const char* name : names) {
+    if (IsSet(name) && Value(name).isEmpty()) {
+      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
+    }
+  }
+}
+
 void Command::RefuseArguments() const {
   const QStringList arguments = parser_.positionalArguments();
   if (!arguments.isEmpty()) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <initializer_list>
 #include <QCommandLineParser>
 #include <QMap>
 #include <QString>
@@ -52,6 +53,8 @@ class Command {
   int Number(const char* name, int fallback, int least, int most) const;
   // Throws CommandError when both options are set.
   void Exclude(const char* one, const char* other) const;
+  // Throws CommandError when one of the options is given an empty name.
+  void RefuseEmpty(std::initializer_list<const char*> names) const;
   // Throws CommandError when there is an argument that is not an option.
   void RefuseArguments() const;
   // Marks an option that may be given more than once.

@@ -33,9 +33,8 @@
 
 namespace {
 
-std::optional<FileIdentity> IdentityOf(const std::string& path) {
-  const std::optional<FileStatus> status = FileLookup().Get(path);
-  return status ? std::optional(status->identity) : std::nullopt;
+[[noreturn]] void Refuse(const char* message) {
+  throw CommandError(kExitUsage, QLatin1String(message));
 }
 
 // With its slash; empty for the current one.
@@ -180,7 +179,6 @@ void RunCommand::CheckAction() const {
 }
 
 void RunCommand::Check() {
-  const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
   CheckPasswordOptions();
   CheckAction();
   CheckSettingsOptions();
@@ -188,31 +186,30 @@ void RunCommand::Check() {
   Exclude("output", "in-place");
   Exclude("output", "output-dir");
   if (!IsSet("output-dir") && !IsSet("in-place") && !IsSet("output")) {
-    refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
+    Refuse("Either '--output-dir' or '--in-place' is needed, or '--output' for one file.");
   }
   RefuseEmpty({"list", "output", "output-dir", "report", "resume", "backup"});
   CheckInputOptions();
   CheckStandardInput({"files-from", "password-file", "settings"});
   CheckOutputOptions();
-  if (IsSet("exit-zero") && !IsSet("report")) refuse("Option '--exit-zero' needs '--report'.");
+  if (IsSet("exit-zero") && !IsSet("report")) Refuse("Option '--exit-zero' needs '--report'.");
   CheckWorkerOptions();
 }
 
 void RunCommand::CheckOutputOptions() const {
-  const auto refuse = [](const char* message) { throw CommandError(kExitUsage, QLatin1String(message)); };
   if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
-    refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
+    Refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
   }
   if (IsSet("force") && !IsSet("output") && !IsSet("output-dir")) {
-    refuse("Option '--force' needs '--output' or '--output-dir'.");
+    Refuse("Option '--force' needs '--output' or '--output-dir'.");
   }
   CheckCondition();
   if (!IsSet("backup")) return;
-  if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
+  if (!IsSet("in-place")) Refuse("Option '--backup' needs '--in-place'.");
   const QString suffix = Value("backup");
-  if (suffix.contains(QLatin1Char('/'))) refuse("The suffix of '--backup' cannot contain '/'.");
+  if (suffix.contains(QLatin1Char('/'))) Refuse("The suffix of '--backup' cannot contain '/'.");
   if (suffix.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) {
-    refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
+    Refuse("The suffix of '--backup' cannot end in \".pdf\": the next run over the folder would change the backups.");
   }
 }
 
@@ -326,8 +323,7 @@ int RunCommand::Execute() {
   ActionCatalog catalog(ToolsFolders());
   settings.actions = LoadActions(catalog, warnings_);
 
-  const std::string outputFolder = BytesOf("output-dir").toStdString();
-  const std::optional<FileIdentity> existingOutput = outputFolder.empty() ? std::nullopt : IdentityOf(outputFolder);
+  const std::optional<FileIdentity> existingOutput = IdentityOf(BytesOf("output-dir").toStdString());
   InputList inputs(IsSet("recursive"), existingOutput ? &*existingOutput : nullptr);
   CollectInputs(inputs);
   ProtectedFiles protectedFiles = OtherInputs();

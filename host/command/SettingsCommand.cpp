@@ -72,10 +72,7 @@ void SettingsCommand::CheckSettingsOptions() const {
   if (IsSet("root") && !IsSet("set-each")) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--root' is of use with '--set-each' only."));
   }
-  for (const char* option : {"action", "settings", "root"}) {
-    if (!IsSet(option) || !Value(option).isEmpty()) continue;
-    throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(option)));
-  }
+  RefuseEmpty({"action", "settings", "root"});
 }
 
 StoredSettings SettingsCommand::Stored() const {

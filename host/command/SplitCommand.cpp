@@ -67,11 +67,9 @@ void WriteParts(const std::string& prefix, const std::vector<std::vector<std::st
 }  // namespace
 
 SplitCommand::SplitCommand()
-    : Command(QStringLiteral("split"), QStringLiteral("Splits a list of files into N parts of about as many bytes.")) {
-  AddOption(QStringLiteral("files-from"),
-            QStringLiteral("Reads more names from a file, or '-': one a line, or NUL-separated."),
-            QStringLiteral("FILE"));
-  AddOption(QStringLiteral("recursive"), QStringLiteral("A folder means the PDF files below it."));
+    : BatchCommand(QStringLiteral("split"),
+                   QStringLiteral("Splits a list of files into N parts of about as many bytes.")) {
+  AddInputOptions();
   AddOption(
       QStringLiteral("output-dir"),
       QStringLiteral("The folder that all parts will write to: refuses files that would get the same name there."),
@@ -80,8 +78,7 @@ SplitCommand::SplitCommand()
             QStringLiteral("How the parts' names begin (default: part-): part-0000.part, part-0001.part and so on."),
             QStringLiteral("PREFIX"));
   parser_.addPositionalArgument(QStringLiteral("N"), QStringLiteral("The number of parts."), QStringLiteral("N"));
-  parser_.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("PDF files, or folders with --recursive."),
-                                QStringLiteral("FILE..."));
+  AddFileArgument();
   AddExample(QStringLiteral("split 100 --files-from files.txt"));
   AddExample(QStringLiteral("split 8 --recursive --output-dir out --prefix lists/part- archive/"));
 }
@@ -93,13 +90,8 @@ void SplitCommand::Check() {
     throw CommandError(kExitUsage,
                        QStringLiteral("The first argument is the number of parts, from 1 to %1.").arg(kMostParts));
   }
-  for (const char* name : {"files-from", "output-dir"}) {
-    if (IsSet(name) && Value(name).isEmpty()) {
-      throw CommandError(kExitUsage, QStringLiteral("Option '--%1' needs a name.").arg(QLatin1String(name)));
-    }
-  }
-  if (arguments.size() == 1 && !IsSet("files-from"))
-    throw CommandError(kExitUsage, QStringLiteral("No file is given."));
+  RefuseEmpty({"output-dir"});
+  CheckInputOptions();
 }
 
 // Each part knows its own outputs only, so that two parts would overwrite each other's, or each other's inputs.
@@ -130,11 +122,9 @@ int SplitCommand::Execute() {
     throw CommandError(kExitUsage, QStringLiteral("There are parts already, for example '%1'; remove them first.")
                                        .arg(NativeName::ToText(existing.front())));
   }
-  const std::optional<FileStatus> output =
-      IsSet("output-dir") ? FileLookup().Get(BytesOf("output-dir").toStdString()) : std::nullopt;
-  InputList inputs(IsSet("recursive"), output ? &output->identity : nullptr);
-  for (const QString& file : parser_.positionalArguments().mid(1)) inputs.Add(NativeName::ToBytes(file).toStdString());
-  if (IsSet("files-from")) inputs.AddFrom(BytesOf("files-from").toStdString());
+  const std::optional<FileIdentity> output = IdentityOf(BytesOf("output-dir").toStdString());
+  InputList inputs(IsSet("recursive"), output ? &*output : nullptr);
+  CollectInputs(inputs);
   RefuseCollisions(inputs);
 
   const std::vector<std::size_t> files = DifferentFiles(inputs);

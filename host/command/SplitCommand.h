@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "host/command/Command.h"
+#include "host/command/BatchCommand.h"
 
 class InputList;
 
 // Splits a list of files into parts of about as many bytes, for runs on several machines.
-class SplitCommand : public Command {
+class SplitCommand : public BatchCommand {
  public:
   SplitCommand();
 
  protected:
+  QStringList FileArguments() const override { return parser_.positionalArguments().mid(1); }
   void Check() override;
   int Execute() override;
 

@@ -21,3 +21,8 @@ std::optional<FileStatus> FileLookup::Get(const std::string& name) {
     return std::nullopt;
   return FileStatus(status);
 }
+
+std::optional<FileIdentity> IdentityOf(const std::string& name) {
+  const std::optional<FileStatus> status = FileLookup().Get(name);
+  return status ? std::optional(status->identity) : std::nullopt;
+}

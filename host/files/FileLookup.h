@@ -37,6 +37,9 @@ struct FileStatus {
   std::uint64_t size;
 };
 
+// The identity of a file or folder that exists and can be reached, links followed.
+std::optional<FileIdentity> IdentityOf(const std::string& name);
+
 // stat() for many names. Neighbours mostly lie in one folder, whose own path is looked up once.
 class FileLookup {
  public:

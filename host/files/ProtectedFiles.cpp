@@ -18,11 +18,6 @@ std::string FolderOf(const std::string& name) {
   return slash == std::string::npos ? "./" : name.substr(0, slash + 1);
 }
 
-std::optional<FileIdentity> IdentityOf(const std::string& name) {
-  const std::optional<FileStatus> status = FileLookup().Get(name);
-  return status ? std::optional(status->identity) : std::nullopt;
-}
-
 }  // namespace
 
 ProtectedFiles::Entry ProtectedFiles::Describe(std::string name) {

@@ -16,6 +16,7 @@
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Interruption.h"
+#include "host/files/LeftoverFiles.h"
 
 namespace {
 
@@ -25,15 +26,6 @@ constexpr std::size_t kNotBegun = ~std::size_t{0};
 bool Send(int results, std::size_t item, std::string message) {
   RecordFraming::Wrap(message, {std::string_view(reinterpret_cast<const char*>(&item), sizeof item)});
   return Console::WriteAll(results, message);
-}
-
-// The names that the PDF library of this project gives its temporary files.
-bool IsTemporaryName(const std::string& path) {
-  const std::string name = path.substr(path.rfind('/') + 1);  // npos + 1 is 0
-  const auto ends = [&](std::string_view end) {
-    return name.size() >= end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
-  };
-  return name.compare(0, 9, ".vorlane-") == 0 && ends(".tmp");
 }
 
 }  // namespace
@@ -131,7 +123,7 @@ std::vector<WorkerProcess::TemporaryFile> WorkerProcess::TemporaryFiles() const 
     const std::string name = std::filesystem::read_symlink(entry.path(), none).string();
     struct stat link = {};
     struct stat file = {};
-    if (none || !IsTemporaryName(name)) continue;
+    if (none || !LeftoverFiles::IsName(std::string_view(name).substr(name.rfind('/') + 1))) continue;
     // The entry's mode is how the file was opened.
     if (lstat(entry.path().c_str(), &link) != 0 || (link.st_mode & S_IWUSR) == 0) continue;
     if (stat(entry.path().c_str(), &file) == 0) files.push_back({name, file.st_dev, file.st_ino});
