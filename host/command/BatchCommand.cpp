@@ -54,8 +54,8 @@ void BatchCommand::CollectInputs(InputList& inputs) const {
 
 void BatchCommand::AddWorkerOptions() {
   AddOption(QStringLiteral("jobs"),
-            QStringLiteral("Worker processes (default: the cores); 0 runs everything in one process, for actions that "
-                           "gather across documents."),
+            QStringLiteral("Worker processes (default: as many as cores); 0 does everything in one process, which "
+                           "actions need that gather across documents."),
             QStringLiteral("N"));
   AddOption(QStringLiteral("timeout"),
             QStringLiteral("A file fails that takes longer (default: 900; 0: no limit; none with --jobs 0). Time in "

@@ -69,15 +69,16 @@ EditCommand::EditCommand()
                       QStringLiteral("Opens an action's settings dialog and prints the settings.")) {
   AddActionOption();
   AddSettingsOptions();
-  AddOption(QStringLiteral("document"), QStringLiteral("The document that is open in the host."),
+  AddOption(QStringLiteral("document"), QStringLiteral("The document that is open while the dialog is."),
             QStringLiteral("FILE"));
-  AddOption(QStringLiteral("context"), QStringLiteral("main (default), preview or standalone: where it opens from."),
+  AddOption(QStringLiteral("context"),
+            QStringLiteral("The window that the dialog opens from: main (default), preview or standalone."),
             QStringLiteral("CONTEXT"));
   AddOption(QStringLiteral("list"), QStringLiteral("Edits the settings of an action in this list."),
             QStringLiteral("NAME|FILE.xqq"));
   AddOption(QStringLiteral("index"), QStringLiteral("The action's number in the list, from 0."), QStringLiteral("N"));
   AddOption(QStringLiteral("print-command"), QStringLiteral("Prints the command line that does what was set."));
-  AddOption(QStringLiteral("apply"), QStringLiteral("Does with the document what was set, in place."));
+  AddOption(QStringLiteral("apply"), QStringLiteral("Runs the action on the document with these settings, in place."));
   AddToolsOption();
   AddLibraryOption();
   AddPasswordOptions();

@@ -37,7 +37,7 @@ LinksCommand::LinksCommand()
   AddOption(QStringLiteral("strict"),
             QStringLiteral("Exit code 1 when a relative link has no base URL or viewers disagree on it."));
   AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON object for each link, one a line."));
-  AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each link."));
+  AddOption(QStringLiteral("csv"), QStringLiteral("Prints CSV with a row for each link."));
   AddInputOptions();
   AddFileArgument();
   AddPasswordOptions();

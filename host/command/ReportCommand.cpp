@@ -14,7 +14,7 @@ ReportCommand::ReportCommand()
                            "NUL-separated."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("json"), QStringLiteral("Prints a JSON object, with all names."));
-  AddOption(QStringLiteral("csv"), QStringLiteral("Prints a table with a row for each file."));
+  AddOption(QStringLiteral("csv"), QStringLiteral("Prints CSV with a row for each file."));
   parser_.addPositionalArgument(QStringLiteral("REPORT"), QStringLiteral("Reports of both forms, or '-'."),
                                 QStringLiteral("REPORT..."));
   AddExample(QStringLiteral("report r.jsonl"));

@@ -162,7 +162,7 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : BatchComma
   AddOption(QStringLiteral("allow-breaking-signatures"),
             QStringLiteral("Also saves signed documents that can only be rewritten, and certified ones that permit no "
                            "change."));
-  AddOption(QStringLiteral("gui"), QStringLiteral("For actions that paint."));
+  AddOption(QStringLiteral("gui"), QStringLiteral("Starts a window system, for actions that paint."));
   AddOption(QStringLiteral("exit-zero"),
             QStringLiteral("Ends with 0 also when documents failed; the report names them."));
   AddOption(QStringLiteral("quiet"), QStringLiteral("Prints errors only."));

@@ -24,7 +24,7 @@ void SettingsCommand::AddSettingsOptions() {
   AddOption(QStringLiteral("clear"), QStringLiteral("Makes a setting empty; may be repeated."), QStringLiteral("KEY"));
   AddOption(QStringLiteral("settings"),
             QStringLiteral("Settings from a file (.tsf or JSON), from JSON, or from '-' as 'edit' prints them; --set "
-                           "and --clear go before them."),
+                           "and --clear override them."),
             QStringLiteral("FILE|JSON"));
   for (const char* option : {"set", "clear"}) AllowRepeated(option);
 }
@@ -97,7 +97,7 @@ void SettingsCommand::CheckStoredFor(const StoredSettings& stored, const QString
 }
 
 QString SettingsCommand::ActionNameWith(const StoredSettings& stored) const {
-  const QString name = IsSet("action") ? Value("action") : stored.actionName;
+  QString name = IsSet("action") ? Value("action") : stored.actionName;
   if (name.isEmpty()) {
     throw CommandError(kExitUsage, QStringLiteral("The settings do not name their action; '--action' is needed."));
   }

@@ -26,7 +26,7 @@ ProtectedFiles::Entry ProtectedFiles::Describe(std::string name) {
     std::error_code none;
     const std::string destination = std::filesystem::read_symlink(name, none).string();
     if (none) break;
-    name = destination.front() == '/' ? destination : FolderOf(name) + destination;
+    name = destination.front() == '/' ? destination : FolderOf(name).append(destination);
   }
   return {{}, IdentityOf(name), IdentityOf(FolderOf(name)), BaseOf(name)};
 }
