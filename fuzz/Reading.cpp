@@ -83,6 +83,8 @@ std::string Reading::ToBytes() const {
   Put(bytes, opened);
   Put(bytes, objects);
   Put(bytes, pageCount);
+  Put(bytes, notFound);
+  Put(bytes, doubtfulStrings);
   PutText(bytes, baseUrl);
   Put(bytes, pages.size());
   for (const PageReading& page : pages) {
@@ -98,6 +100,8 @@ Reading Reading::FromBytes(const std::string& bytes) {
   reading.opened = parts.Next<bool>();
   reading.objects = parts.Next<std::uint64_t>();
   reading.pageCount = parts.Next<std::uint64_t>();
+  reading.notFound = parts.Next<std::uint64_t>();
+  reading.doubtfulStrings = parts.Next<bool>();
   reading.baseUrl = parts.NextText();
   const auto count = parts.Next<std::size_t>();
   for (std::size_t page = 0; page < count; ++page) {
