@@ -14,8 +14,8 @@
 
 namespace engine {
 
-// Reads PDF tokens and objects from a text (ISO 32000-1, 7.2 and 7.3) without building them: what is wanted is their
-// extent. Strict: what readers are known to take differently throws PdfSyntaxError. Needs no recursion.
+// Finds PDF tokens and objects in a text (ISO 32000-1, 7.2 and 7.3): their kind, begin and end. Strict: syntax that
+// readers are known to treat differently throws PdfSyntaxError. Not recursive, so nesting takes no stack.
 class PdfLexer {
  public:
   enum class Kind {

@@ -104,7 +104,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"run --action Probe -o b.pdf --dry-run a.pdf", "use '--force'"},
       {"run --action Probe -o a.pdf --force a.pdf", "is the input"},
       {"run --action Probe -o . a.pdf", "is a folder"},
-      {"run --action Probe -d o --force a.pdf", "needs '--output'"},
+      {"run --action Probe --in-place --force a.pdf", "needs '--output'"},
       {"run --action Probe --in-place --report r.csv a.pdf", "report --csv"},
       {"run --action Probe --output-dir a.pdf/o --dry-run a.pdf", "output folder"},
       {"run --action Probe --in-place --dry-run --report r.jsonl --resume ./r.jsonl a.pdf", "dry run"},
