@@ -135,6 +135,14 @@ std::string FirstIdentifier(const std::string& identifier) {
   }
 }
 
+// Ends whatever value or stream is open: a hexadecimal string, then strings, arrays and dictionaries however deep.
+std::string MakeClosing() {
+  constexpr std::size_t kDeepest = 64;
+  std::string text = "\n>" + std::string(kDeepest, ')') + '\n';
+  for (std::size_t i = 0; i < kDeepest; ++i) text += "]>>";
+  return text + "\nendstream\nendobj\n";
+}
+
 bool EndsWithMark(const InputFile& file) {
   constexpr std::uint64_t kWindow = 64;
   const std::uint64_t size = std::min(kWindow, file.Size());
@@ -223,10 +231,7 @@ std::string FileRepair::Closing() {
   // Readers that rebuild the file read values outside of objects, too.
   const bool rebuilt = QuickReader::HeaderOffset(*file_) > 0 && !EndsWithMark(*file_);
   if (!Scan().damage && !inStream && !rebuilt) return {};
-  // They differ about what it is that does not end, and how deep in others it is.
-  constexpr std::size_t kDeepest = 64;
-  static const std::string closing =
-      "\n>" + std::string(kDeepest, ')') + '\n' + std::string(kDeepest, ']') + "\n>>\nendstream\nendobj\n";
+  static const std::string closing = MakeClosing();
   // A repair of this kind may have closed it before.
   const bool closed = !inStream && !rebuilt && WordSearch(*file_, closing).From(*Scan().damage) < file_->Size();
   return closed ? "" : closing;
