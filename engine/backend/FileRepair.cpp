@@ -266,11 +266,15 @@ void FileRepair::CheckOneEncryption() {
 // Why the file seems to be several that were joined: they have objects of the same numbers. Empty for one document.
 std::string FileRepair::MixedDocuments() {
   std::set<std::string> identifiers;
+  std::set<std::string> roots;
   for (const FileScan::Trailer& trailer : Scan().trailers) {
-    if (LenientEntry(trailer.text, "/Root").empty()) continue;
-    const std::string identifier = FirstIdentifier(LenientEntry(trailer.text, "/ID"));
-    if (!identifier.empty()) identifiers.insert(identifier);
+    const std::string root = LenientEntry(trailer.text, "/Root");
+    if (root.empty()) continue;
+    roots.insert(root);
+    identifiers.insert(FirstIdentifier(LenientEntry(trailer.text, "/ID")));
   }
+  // An update may leave the identifier out; it has the same catalog then.
+  if (roots.size() == 1) identifiers.erase("");
   if (identifiers.size() > 1) return "the file is made of parts of several documents";
   return HoldsTwoDocuments() ? "the file holds two documents" : "";
 }
