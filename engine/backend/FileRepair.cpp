@@ -316,6 +316,8 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
       // It may be encrypted or not.
       throw CannotRepair("an object stream cannot be read");
     }
+    const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
+    if (object.damaged || !whole) throw CannotRepair("an object stream is damaged");
     for (std::uint32_t index = 0; index < members.size(); ++index) {
       const std::uint32_t number = members[index];
       // A stream cannot be in an object stream.
