@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
+#include "engine/backend/CompleteTail.h"
 #include "engine/backend/CryptFilters.h"
 #include "engine/backend/FileRepair.h"
 #include "engine/backend/NameEscapes.h"
