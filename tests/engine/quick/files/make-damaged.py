@@ -131,6 +131,8 @@ def incremental():
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
         b"/Columns 7", b"/Columns 7 7")
+    yield "xref-stream-number-too-high", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"99999999\1", in_streams(
+        catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
