@@ -14,10 +14,6 @@ constexpr std::uint32_t kReplacement = 0xFFFD;
 constexpr std::uint32_t kFirstRawByte = 0xDC80;  // the unit of the byte 0x80
 constexpr std::uint32_t kLastRawByte = 0xDCFF;
 
-std::uint32_t CharacterOf(wchar_t unit) {
-  // NOLINTNEXTLINE(bugprone-signed-char-misuse): units are 32 bits wide, so nothing is extended.
-  return static_cast<std::uint32_t>(unit);
-}
 bool IsCharacter(std::uint32_t unit) {
   return unit < 0xD800 || (unit > 0xDFFF && unit <= 0x10FFFF);
 }

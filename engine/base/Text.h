@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 // Conversions between the library's wide texts, one 32-bit unit a character, and the bytes that files hold. All of them
 // take time in proportion to the text.
 namespace engine {
+
+// The number of a unit of a wide text.
+inline std::uint32_t CharacterOf(wchar_t unit) {
+  // NOLINTNEXTLINE(bugprone-signed-char-misuse): units are 32 bits wide, so nothing is extended.
+  return static_cast<std::uint32_t>(unit);
+}
 
 // UTF-8; units that are not characters (surrogates, above U+10FFFF) become U+FFFD.
 std::string Utf8FromWide(std::wstring_view text);

@@ -62,14 +62,9 @@ int HelpCommand::Execute() {
 QString HelpCommand::HelpOfAction(const QString& name) const {
   ActionCatalog catalog(ToolsFolders());
   CActionInterface* action = catalog.Find(name);
-  QStringList known = commands_;
-  for (const ActionCatalog::Entry& entry : catalog.All()) {
-    const auto description = SettingsDescription::Of(entry.action->GetActionName());
-    if (action == nullptr && description && description->CommandName() == name) action = entry.action;
-    known += entry.action->GetActionName();
-    if (description) known += description->CommandName();
-  }
+  if (action == nullptr) action = catalog.FindCommand(name);
   if (action == nullptr) {
+    const QStringList known = commands_ + catalog.CommandNames() + catalog.ActionNames();
     QString message = QStringLiteral("There is no command and no action '%1'.").arg(name) + Suggestion(name, known);
     for (const QString& problem : catalog.Problems()) message += QStringLiteral(" Not loaded: ") + problem;
     throw CommandError(kExitUsage, message);
