@@ -42,7 +42,7 @@ class FileRepair {
   bool Finds(ObjectId id);
 
   // Whether nothing is cut off where an update begins. Readers that rebuild the file even after a save, as some do when
-  // bytes stand before the header, would take the update for a part of a value or stream that does not end.
+  // bytes are before the header, would take the update for a part of a value or stream that does not end.
   bool EndIsClosed();
 
   // Objects that replace others of the same number.

@@ -146,7 +146,7 @@ const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
 }
 
 // Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
-// may stand inside a damaged one. And a damaged catalog would be written anew.
+// may be inside a damaged one. And a damaged catalog would be written anew.
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   std::map<std::uint32_t, std::size_t> versions;

@@ -65,7 +65,7 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
   return std::nullopt;
 }
 
-// Whether what stands after the version's end is an update of it: a trailer there continues its cross-references, or
+// Whether what follows the version's end is an update of it: a trailer there continues its cross-references, or
 // has its identifier (ISO 32000-1, 7.5.6 and 14.4).
 bool FileRepair::IsUpdated(const Version& version) {
   const std::string identifier = FirstIdentifier(version.tail.Value("/ID"));
@@ -79,7 +79,7 @@ bool FileRepair::IsUpdated(const Version& version) {
   });
 }
 
-// Whether a catalog that stands or is named after the version's end leads, or may lead, to pages, too.
+// Whether a catalog that is, or is named, after the version's end leads, or may lead, to pages, too.
 bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
   const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
   for (const FileScan::Trailer& trailer : Scan().trailers) {
