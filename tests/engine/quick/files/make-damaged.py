@@ -99,6 +99,11 @@ def incremental():
     yield "length-past-the-keyword", broken(
         File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
+    # The update has another font, in the stream whose length it mends.
+    page = objects()
+    page[3] = page[3].replace(b">> >> ", b">> ").replace(b" >>>>", b" >> ").rstrip(b">")
+    font = {4: contents()[4].replace(b"/Length 35", b"/Length 9 /Font << /F1 6 0 R >>")}
+    yield "page-open", broken(File().put(font).put({k: v for k, v in page.items() if k != 3}).put({3: page[3]}).table())
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
     yield "string-with-objects", broken(plain(catalog=b"/Note (\n2 0 obj << /Type /Pages >> endobj\n3 0 obj null) ").table())
