@@ -259,7 +259,7 @@ class Fuzzer {
            LosesOnlyMisread(before_[i].reading, after, undamaged);
   }
 
-  // Poppler, where it finds no trailer, goes by the section at the start of a linearized file, which leads to the file
+  // Poppler, where it finds no trailer, takes the section at the start of a linearized file, which leads to the file
   // as it was before all updates.
   bool ReadEarlierVersionBefore(std::size_t i, const Reading& after) const {
     if (mode_ == "rewrite" || kReaders[i].read != ReadWithPoppler) return false;

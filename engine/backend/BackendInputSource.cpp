@@ -31,7 +31,7 @@ bool IsEndOfLine(char character) {
 BackendInputSource::BackendInputSource(View view) : view_(std::move(view)), name_(view_.file->Path()) {}
 
 qpdf_offset_t BackendInputSource::Size() const {
-  return static_cast<qpdf_offset_t>(view_.End() + view_.appended.size());
+  return static_cast<qpdf_offset_t>(view_.End()) + static_cast<qpdf_offset_t>(view_.appended.size());
 }
 
 // The bytes at the position; the position stays.

@@ -24,10 +24,6 @@ class CannotRepair : public EngineError {
   explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
 };
 
-// What a complete section for all objects of the document's cross-references has; no value when the catalog is not an
-// object of its own.
-std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file);
-
 // Makes a damaged file readable by adding one complete cross-reference section for every object in it. The parser then
 // sees the file's bytes and that section, which is what a save appends.
 class FileRepair {
@@ -46,7 +42,7 @@ class FileRepair {
   bool Finds(ObjectId id);
 
   // Whether nothing is cut off where an update begins. Readers that rebuild the file even after a save, as some do when
-  // bytes stand before the header, would take the update for a part of a value or stream that does not end.
+  // bytes are before the header, would take the update for a part of a value or stream that does not end.
   bool EndIsClosed();
 
   // Objects that replace others of the same number.
@@ -65,6 +61,12 @@ class FileRepair {
     std::shared_ptr<QPDF> document;
   };
 
+  static QPDFObjectHandle ObjectOf(QPDF& document, ObjectId id);
+  // Cross-references are not rebuilt, as every object is where its entry says. Streams with a wrong length are read as
+  // far as they go.
+  static std::shared_ptr<QPDF> OpenRecovering(BackendInputSource::View& view, const std::string& password);
+  // The bytes of the first part of /ID, which stays the same in all versions of a file (ISO 32000-1, 14.4).
+  static std::string FirstIdentifier(const std::string& identifier);
   const std::vector<FileScan::Object>& Newest();
   // What ends a value or stream that the end of the file cuts off; empty when there is none.
   std::string Closing();

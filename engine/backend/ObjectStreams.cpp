@@ -41,7 +41,7 @@ std::array<Role, 256> MakeRoles() {
   for (std::size_t i = 0; i < roles.size(); ++i) {
     roles[i] = PdfLexer::IsDelimiter(static_cast<char>(i)) ? Role::kSpace : Role::kRegular;
   }
-  for (const unsigned char opening : {'[', '<', '(', '/'}) roles[opening] = Role::kOpening;
+  for (const char opening : {'[', '<', '(', '/'}) roles[static_cast<unsigned char>(opening)] = Role::kOpening;
   return roles;
 }
 

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
+#include "engine/backend/CompleteTail.h"
 #include "engine/backend/CryptFilters.h"
 #include "engine/backend/FileRepair.h"
 #include "engine/backend/NameEscapes.h"
@@ -479,7 +480,7 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     for (const auto& [key, value] : edits.Trailer()) trailer.replaceKey(key, Parse(*copy, value));
     expected = ReachableObjects::Of(*copy);
     CheckReadable(*copy);
-    // The parser does without these entries and the key's /Length, but the writer goes by them.
+    // The parser does without these entries and the key's /Length, but the writer reads them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     if (!IsIdentifier(trailer.getKey("/ID"))) {
       trailer.replaceKey("/ID", Encrypted() ? QPDFObjectHandle::parse("[()()]") : QPDFObjectHandle::newNull());

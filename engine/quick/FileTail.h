@@ -27,7 +27,7 @@ struct FileTail {
   // Where an object is that a complete section names.
   struct KeptObject {
     ObjectId id;
-    std::uint64_t offset = 0;  // of "N G obj" from the header; of no use in an object stream
+    std::uint64_t offset = 0;  // of "N G obj" from the header; not used in an object stream
     std::uint32_t stream = 0;  // the number of the object stream that the object is in; 0 for none
     std::uint32_t index = 0;   // its index there
   };
@@ -43,7 +43,7 @@ struct FileTail {
   // /Root, /Prev, /XRefStm and what describes the cross-reference stream itself.
   std::vector<Entry> entries;
   // For a file whose own sections do not serve: all its objects, each number once. The update then has one complete
-  // section without /Prev, and startXref and kind are of no use.
+  // section without /Prev, and startXref and kind are not used.
   std::optional<std::vector<KeptObject>> kept;
   // Written after the file, before everything else: objects that are in `kept` with their places there.
   std::string repaired;

@@ -26,7 +26,7 @@ class QuickReader {
   // continues them, too.
   static std::optional<FileTail> ReadTail(const InputFile& file);
 
-  // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers
+  // Where offsets count from: the header if it is in the first 1024 bytes, otherwise the start of the file. Readers
   // agree on that, apart from those that rebuild the cross-references of every file with bytes before the header.
   static std::uint64_t HeaderOffset(const InputFile& file);
   // Whether the header, with a version, is the first thing in the file.

@@ -48,7 +48,7 @@ class StreamDecoder {
   z_stream inflater_ = {};
   bool finished_ = false;
   std::string input_;
-  std::string filtered_;  // inflated bytes that are no whole row yet
+  std::string filtered_;  // inflated bytes of a row that is not complete
   std::string decoded_;
 };
 

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kWidestField = 8;
 constexpr std::size_t kMostSubsections = 1 << 16;
+constexpr std::uint32_t kHighestNumber = 8388607;  // ISO 32000-1, table C.1
 constexpr std::uint64_t kMostObjects = std::numeric_limits<std::int32_t>::max();
 
 bool IsTable(std::string_view text) {
@@ -69,6 +70,7 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   if (offset > 0 && !PdfLexer::IsDelimiter(file.View(offset - 1, 1, storage).front())) throw PdfSyntaxError();
   PdfFileText::Object object = file.ReadObject(offset);
   streamNumber_ = object.id.number;
+  if (streamNumber_ > kHighestNumber) throw PdfSyntaxError();
   const RawDictionary& dictionary = trailer_.emplace(std::move(object.dictionary));
   if (dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
   const std::uint64_t length = dictionary.Unsigned("/Length");

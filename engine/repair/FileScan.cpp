@@ -45,14 +45,6 @@ std::optional<std::uint64_t> ToNumber(std::string_view text) {
   }
 }
 
-std::optional<ObjectId> ToReference(std::string_view text) {
-  try {
-    return PdfLexer::ToReference(text);
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
-}
-
 // Takes the digits at the end of the text away.
 std::string_view TakeDigits(std::string_view& text) {
   std::size_t begin = text.size();
@@ -282,7 +274,7 @@ class Scanner {
     };
     if (const auto count = ToNumber(length)) {
       if (fits(*count)) return data + *count;
-    } else if (const auto reference = ToReference(length)) {
+    } else if (const auto reference = PdfLexer::FindReference(length)) {
       const auto known = lengths_.find(reference->number);
       lengthsMissing = lengthsMissing || known == lengths_.end();
       if (known != lengths_.end()) {
@@ -303,7 +295,7 @@ class Scanner {
   WordSearch objectEnds_;
   const Lengths& lengths_;
   std::uint64_t insideUntil_ = 0;  // the end of a stream that is open
-  std::uint64_t lexingLeft_;  // bytes that values longer than the first window may still cost
+  std::uint64_t lexingLeft_;       // bytes that values longer than the first window may still cost
 };
 
 std::vector<std::uint64_t> FindEnds(const InputFile& file) {

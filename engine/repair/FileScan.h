@@ -20,12 +20,12 @@ struct FileScan {
     ObjectId id;
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
-    bool cutOff = false;   // the file ends inside it
-    // Its text, or its stream's dictionary, is no PDF syntax, or its stream does not end with its keyword: readers may
+    bool cutOff = false;  // the file ends inside it
+    // Its text, or its stream's dictionary, is not PDF syntax, or its stream does not end with its keyword: readers may
     // take what follows for a part of it.
     bool damaged = false;
     bool inside = false;  // follows such an object, before the next end of a stream if that is one
-    // Of streams: where the data begin, and where they end by what stands there.
+    // Of streams: where the data begin, and where they end in the file, whatever /Length is.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
   };
@@ -48,12 +48,13 @@ struct FileScan {
   // The offsets of headers "%PDF-" outside of objects, in the order of the file.
   std::vector<std::uint64_t> headers;
 
-  // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
-  // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
+  // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths
+  // in other objects. Text inside streams and strings is not taken for objects. Never fails on damage. Throws
+  // EngineError as InputFile does.
   static FileScan Of(const InputFile& file, std::uint64_t start);
 };
 
-// The value of a key of a dictionary, as it stands in the text; empty when there is none. Where the dictionary is
+// The value of a key of a dictionary, as it is in the text; empty when there is none. Where the dictionary is
 // damaged it is the first value after the key, at any depth.
 std::string LenientEntry(const std::string& dictionary, const std::string& key);
 

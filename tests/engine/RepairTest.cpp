@@ -143,10 +143,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
-  ASSERT_EQ(RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES
-                    "/startxref-wrong.pdf zeroed.pdf")
-                .status,
-            3);
+  ASSERT_EQ(
+      RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf zeroed.pdf")
+          .status,
+      3);
   std::string zeroed = ReadText("zeroed.pdf");
   zeroed.replace(zeroed.find("stream\n", zeroed.find("/ObjStm")) + 60, 16, 16, '\0');
   std::string unnamed = PlainPdf().Bytes();
@@ -168,6 +168,11 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"two trailers, one without identifier", plain + "trailer << /Root 7 0 R >>\n"},
       {"an object stream", unreadable},
       {"an object stream with a filter of no standard", unknown},
+      {"a damaged object in an object stream",
+       plain +
+           "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 16 >>\nstream\n8 0 << /FT ] >> \nendstream\nendobj\n"},
+      {"an object stream without its end",
+       plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
       {"a page tree with the number of something else", notXref},
       {"an object that has another version", plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
       {"pages of another document after the end",
@@ -175,9 +180,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
            std::string(2048, ' ')},
       {"the number of a missing page after the end, bytes before the header",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
-      {"an object that stands in a stream without an end, too",
+      {"an object of which another version is in a stream without an end",
        changed("(Hello) Tj", "(Hello) endobj\n5 0 obj\n<< /Wrong /Font >>\nendobj\n")},
-      {"a page of the next free number, which for one reader stands in a string", inString},
+      {"a page with the next free number that one reader finds in a string", inString},
       {"an encryption dictionary without a key", withoutKey},
       {"an encrypted object stream, bytes before the header", "junk\n" + zeroed},
       {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
@@ -188,6 +193,27 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
     SCOPED_TRACE(what);
     EXPECT_FALSE(Load("damaged.pdf", bytes));
     EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
+  }
+}
+
+// At opening only so many rows of a cross-reference stream are counted.
+TEST_F(RepairTest, RowsMissingFromALongXrefStreamLoseNothing) {
+  for (const XrefKind kind : {XrefKind::kStream, XrefKind::kObjectStreams}) {
+    std::string bytes = LargePdf(kind, 20000, false);
+    bytes[bytes.rfind("/Size 2") + 7] = '9';
+    ASSERT_TRUE(Load("damaged.pdf", bytes)) << library_.LastErrorCode();
+    ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+    ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1) << library_.LastErrorCode();
+    EXPECT_EQ(library_.GetInformation(1004), L"incremental");
+    for (const char* const ask :
+         {"qpdf --show-npages $FILE", "pdfinfo $FILE", "mutool show -g $FILE trailer/Root/Pages/Count"}) {
+      const auto pages = [&](const char* file) {
+        return RunTool("FILE=" + std::string(file) + "; { " + ask + "; } 2>&1 | grep -aoE '^(Pages: +)?20000$'").output;
+      };
+      const std::string before = pages("damaged.pdf");
+      EXPECT_TRUE(before.empty() || pages("out.pdf") == before) << ask;
+    }
+    EXPECT_NE(RunTool("mutool show out.pdf trailer/Root/URI/Base 2>&1").output.find("example.org"), std::string::npos);
   }
 }
 

@@ -99,6 +99,11 @@ def incremental():
     yield "length-past-the-keyword", broken(
         File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
+    # The update has another font, in the stream whose length it mends.
+    page = objects()
+    page[3] = page[3].replace(b">> >> ", b">> ").replace(b" >>>>", b" >> ").rstrip(b">")
+    font = {4: contents()[4].replace(b"/Length 35", b"/Length 9 /Font << /F1 6 0 R >>")}
+    yield "page-open", broken(File().put(font).put({k: v for k, v in page.items() if k != 3}).put({3: page[3]}).table())
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
     yield "string-with-objects", broken(plain(catalog=b"/Note (\n2 0 obj << /Type /Pages >> endobj\n3 0 obj null) ").table())
@@ -131,6 +136,8 @@ def incremental():
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
         b"/Columns 7", b"/Columns 7 7")
+    yield "xref-stream-number-too-high", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"99999999\1", in_streams(
+        catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())

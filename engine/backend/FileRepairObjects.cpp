@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: Apache-2.0
+// The objects of a repaired file: those in object streams, those that are damaged, streams with wrong lengths.
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <map>
+#include <new>
+#include <set>
+
+#include "engine/backend/CryptFilters.h"
+#include "engine/backend/FileRepair.h"
+#include "engine/backend/ObjectStreams.h"
+#include "engine/backend/PageSearch.h"
+#include "engine/backend/ParserOpening.h"
+#include "engine/backend/RawObjects.h"
+#include "engine/base/InputFile.h"
+#include "engine/quick/QuickReader.h"
+#include "engine/repair/FileWindow.h"
+#include "engine/syntax/DictionaryText.h"
+#include "engine/syntax/PdfLexer.h"
+#include "engine/syntax/PdfSyntaxError.h"
+
+namespace engine {
+
+namespace {
+
+using Kind = FileScan::Kind;
+using View = BackendInputSource::View;
+
+// Streams with wrong lengths are copied in memory.
+constexpr std::uint64_t kLargestRepairedStreams = 128 * 1024 * 1024;
+
+void RemoveEndOfLine(std::string& text) {
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  if (!text.empty() && text.back() == '\r') text.pop_back();
+}
+
+}  // namespace
+
+// With the objects in object streams. Of several objects of one number the last one in the file counts.
+FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
+  std::map<std::uint32_t, FileTail::KeptObject> all;
+  std::map<std::uint32_t, std::uint64_t> places;
+  for (const FileTail::KeptObject& object : plain) {
+    all[object.id.number] = object;
+    places[object.id.number] = object.offset;
+  }
+  ObjectStreams streams(file_->Size());
+  const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
+  for (const FileScan::Object& object : Newest()) {
+    if (object.kind != Kind::kObjectStream || object.id.generation != 0) continue;
+    const std::uint64_t place = object.offset - headerOffset;
+    const std::vector<std::uint32_t> members = streams.Members(ObjectOf(document, object.id));
+    if (members.empty() && !document.isEncrypted()) {
+      // It may be encrypted or not.
+      throw CannotRepair("an object stream cannot be read");
+    }
+    const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
+    if (object.damaged || !whole) throw CannotRepair("an object stream is damaged");
+    for (std::uint32_t index = 0; index < members.size(); ++index) {
+      const std::uint32_t number = members[index];
+      // A stream cannot be in an object stream.
+      if (number == 0 || number == object.id.number) continue;
+      const auto [known, added] = places.try_emplace(number, place);
+      if (!added && known->second > place) continue;
+      known->second = place;
+      all[number] = {{number, 0}, 0, object.id.number, index};
+    }
+  }
+  Kept kept;
+  for (const auto& [number, object] : all) {
+    // What is in a stream that another object has replaced is gone.
+    const auto stream = object.stream != 0 ? all.find(object.stream) : all.end();
+    if (object.stream != 0 && (stream == all.end() || stream->second.stream != 0)) continue;
+    kept.push_back(object);
+  }
+  return kept;
+}
+
+// A member that cannot be read does not take the place of an object outside of object streams.
+FileRepair::Kept FileRepair::WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain) {
+  Kept result = kept;
+  auto other = plain.begin();
+  for (FileTail::KeptObject& object : result) {
+    while (other != plain.end() && other->id.number < object.id.number) ++other;
+    if (other == plain.end() || other->id.number != object.id.number || object.stream == 0) continue;
+    if (ObjectOf(document, object.id).isNull()) object = *other;
+  }
+  return result;
+}
+
+// Readers differ about what is left of a damaged object stream, and about a damaged object in it.
+void FileRepair::CheckMembers(QPDF& document, const Kept& kept) const {
+  Kept members;
+  std::copy_if(kept.begin(), kept.end(), std::back_inserter(members),
+               [](const FileTail::KeptObject& object) { return object.stream != 0; });
+  std::stable_sort(members.begin(), members.end(), [](const auto& a, const auto& b) { return a.stream < b.stream; });
+  RawObjects objects(document, *file_, QuickReader::HeaderOffset(*file_));
+  ObjectStreams streams(file_->Size());
+  std::uint32_t stream = 0;
+  for (const FileTail::KeptObject& member : members) {
+    if (member.stream != stream) streams.Members(ObjectOf(document, {member.stream, 0}));
+    stream = member.stream;
+    if (!streams.Decoded() || !objects.Text(member.id)) throw CannotRepair("an object stream is damaged");
+  }
+}
+
+// The stream with the right /Length, when its own does not lead to its end: with sound cross-references, readers trust
+// /Length. Its data stay as they are, encrypted or not. No value when the /Length is right.
+std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
+                                                  FileWindow& window) const {
+  const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
+  try {
+    PdfLexer lexer(head);
+    lexer.ReadObjectHeader();
+    std::optional<DictionaryText> dictionary = DictionaryText::Parse(std::string(lexer.Text(lexer.ReadValue())));
+    if (!dictionary) return std::nullopt;
+    QPDFObjectHandle parsed = ObjectOf(document, stream.id);
+    QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
+    if (length.isInteger() && length.getIntValue() >= 0) {
+      const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
+      if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
+    }
+    const std::uint64_t size = stream.dataEnd - stream.data;
+    if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
+    std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
+    // Readers differ about where one that runs into another object ends.
+    if (data.find(" 0 obj") != std::string::npos) throw CannotRepair("a stream with a wrong length holds objects");
+    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
+    if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
+    dictionary->Set("/Length", std::to_string(data.size()));
+    return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
+           dictionary->Text() + "\nstream\n" + data + "\nendstream\nendobj\n";
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
+// The object whose number is at the offset; null when the scan found none there.
+const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  const auto found =
+      std::lower_bound(objects.begin(), objects.end(), offset,
+                       [](const FileScan::Object& object, std::uint64_t place) { return object.offset < place; });
+  return found != objects.end() && found->offset == offset ? &*found : nullptr;
+}
+
+// Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
+// may be inside a damaged one. And a damaged catalog would be written anew.
+void FileRepair::CheckDamagedObjects(const FileTail& tail) {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  std::map<std::uint32_t, std::size_t> versions;
+  for (const FileScan::Object& object : objects) ++versions[object.id.number];
+  for (const FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object == nullptr) continue;
+    const bool unclear = versions[kept.id.number] > 1 && (object->damaged || object->inside);
+    if (unclear || (object->damaged && kept.id == tail.root)) {
+      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
+    }
+  }
+}
+
+// What readers make of such damage changes when the cross-references become sound.
+void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
+  const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
+  if ((encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document)) {
+    throw CannotRepair("the encryption dictionary is damaged");
+  }
+  CheckDamagedObjects(tail);
+  for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
+    if (IsInventedKey(key) && value.isIndirect()) throw CannotRepair("the catalog is damaged");
+  }
+  for (const QPDFExc& warning : document.getWarnings()) {
+    const std::string text = warning.getObject() + warning.getMessageDetail();
+    if (TellsOfLackOfMemory(text)) throw std::bad_alloc();
+    const bool identifier = text.find("/ID in trailer") != std::string::npos && !TrailerEntry("/ID").empty();
+    if (identifier || text.find("encryption") != std::string::npos) {
+      throw CannotRepair("the encryption dictionary is damaged");
+    }
+  }
+  QPDFObjectHandle pages = document.getRoot().getKey("/Pages");
+  QPDFObjectHandle count = pages.isDictionary() ? pages.getKey("/Count") : pages;
+  if (count.isInteger() && count.getIntValue() > static_cast<long long>(tail.kept->size())) {
+    throw CannotRepair("the page tree counts more pages than there are objects");
+  }
+}
+
+// What the parser reaches with cross-references that it rebuilds itself has to be there.
+void FileRepair::CompareWithParser(View view, const std::string& password) const {
+  bool all = true;
+  try {
+    std::set<QPDFObjGen> reached;
+    VisitReachable(*OpenRecovering(view, password),
+                   [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
+    view = {file_, "", std::nullopt};
+    const std::shared_ptr<QPDF> rebuilt = OpenParser(view, password, Recovery::kOn);
+    if (rebuilt == nullptr) return;
+    ObjectStreams(file_->Size()).Check(*rebuilt);
+    const QPDFObjGen root = rebuilt->getRoot().getObjGen();
+    VisitReachable(*rebuilt, [&](QPDFObjectHandle object) {
+      const QPDFObjGen id = object.getObjGen();
+      all = all && (id == root || reached.count(id) != 0);
+    });
+    all = all || rebuilt->getAllPages().empty();
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const TooManyTokens&) {
+    return;  // what cannot be read at all cannot be compared
+  } catch (const std::exception&) {
+    return;
+  }
+  if (!all) throw CannotRepair("another way to repair the file finds other objects");
+}
+
+// Puts the streams with a wrong /Length after the file with the right one.
+void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
+  FileWindow window(*file_);
+  for (FileTail::KeptObject& kept : *tail.kept) {
+    const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
+    if (object == nullptr || object->data == 0) continue;
+    const std::optional<std::string> stream = WithLength(document, *object, window);
+    if (!stream) continue;
+    if (tail.repaired.empty()) tail.repaired = "\n";
+    kept.offset = file_->Size() + tail.repaired.size() - tail.headerOffset;
+    tail.repaired += *stream;
+    if (tail.repaired.size() > kLargestRepairedStreams) {
+      throw CannotRepair("the streams with wrong lengths are too large to be copied");
+    }
+  }
+}
+
+}  // namespace engine
