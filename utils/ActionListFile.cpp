@@ -94,6 +94,18 @@ bool ActionListFile::Create(const QString& path, const QString& name, const QStr
   });
 }
 
+bool ActionListFile::Store(const QString& path, const ActionListFile& list) {
+  return SettingsFile::Change(path, [&](QSettings& file) {
+    file.setValue(kName, list.name);
+    file.setValue(kCategory, list.category);
+    for (int number = 0; file.contains(Key(kActionName, number)); ++number) {
+      file.remove(Key(kActionName, number));
+      file.remove(Key(kActionSettings, number));
+    }
+    for (std::size_t i = 0; i < list.entries.size(); ++i) SetEntry(file, static_cast<int>(i), list.entries[i]);
+  });
+}
+
 bool ActionListFile::Append(const QString& path, const Entry& entry) {
   return SettingsFile::Change(path, [&](QSettings& file) {
     int number = 0;

@@ -38,6 +38,8 @@ struct ActionListFile {
   static bool Create(const QString& path, const QString& name, const QString& category, const Entry& entry);
   /// Adds an action under the lowest number that is free. False when it cannot be written.
   static bool Append(const QString& path, const Entry& entry);
+  /// Replaces the name, the category and all actions; what else the file has stays. False when it cannot be written.
+  static bool Store(const QString& path, const ActionListFile& list);
   /// Removes one action; those after it get the next lower numbers. False when it cannot be written.
   static bool Remove(const QString& path, int number);
   /// Replaces the settings of one action. False when it cannot be written.

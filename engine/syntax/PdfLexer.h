@@ -74,6 +74,7 @@ class PdfLexer {
   // The bytes of a literal or hexadecimal string object.
   static std::string ToBytes(std::string_view text);
 
+  static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
   static bool IsSpace(char c) { return ClassOf(c) == Class::kSpace; }
   static bool IsDelimiter(char c) { return ClassOf(c) != Class::kRegular; }
 

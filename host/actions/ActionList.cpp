@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/actions/ActionList.h"
 
+#include <cstdio>
 #include <QFile>
 #include <QFileInfo>
 
 #include "host/base/CommandError.h"
+#include "host/base/NativeName.h"
 #include "host/base/Suggestion.h"
 #include "utils/CUtils.h"
 
@@ -80,6 +82,22 @@ QString ActionList::Locate(const QString& name) {
 void ActionList::Create(const QString& file, const QString& name, const QString& category,
                         const ActionListFile::Entry& entry) {
   CheckWritten(file, ActionListFile::Create(file, name, category, entry));
+}
+
+QString ActionList::FileAfterRename(const QString& file, const QString& newName) {
+  const QFileInfo info(file);
+  const QString named = QFileInfo(ActionListFile::PathOf(ActionListFile::Read(file).name)).fileName();
+  if (info.fileName() != named) return file;
+  return info.path() + QLatin1Char('/') + QFileInfo(ActionListFile::PathOf(newName)).fileName();
+}
+
+QString ActionList::Store(const QString& file, const ActionListFile& list) {
+  const QString renamed = FileAfterRename(file, list.name);
+  CheckWritten(file, ActionListFile::Store(file, list));
+  if (renamed == file) return file;
+  CheckWritten(renamed,
+               std::rename(NativeName::ToBytes(file).constData(), NativeName::ToBytes(renamed).constData()) == 0);
+  return renamed;
 }
 
 void ActionList::Append(const QString& file, const ActionListFile::Entry& entry) {

@@ -20,8 +20,13 @@ ActionListFile Read(const QString& file, QStringList* warnings = nullptr);
 QString Locate(const QString& name);
 // The same for a list that may not be there.
 std::optional<QString> Find(const QString& name);
-// Makes a list of one action, in place of what is there. Throws when it cannot be written, as the next three.
+// Makes a list of one action, in place of what is there. Throws when it cannot be written, as the next four.
 void Create(const QString& file, const QString& name, const QString& category, const ActionListFile::Entry& entry);
+// Writes name, category and actions into a list; all else in the file stays. A file that is named after its list gets
+// the new name, in place of what is there. Returns the list's file.
+QString Store(const QString& file, const ActionListFile& list);
+// Where Store() would leave the list.
+QString FileAfterRename(const QString& file, const QString& newName);
 void Append(const QString& file, const ActionListFile::Entry& entry);
 void RemoveAction(const QString& file, int index);
 // Removes a file that is an action list.

@@ -16,6 +16,17 @@ std::string ErrorText(int error) {
   return std::generic_category().message(error);
 }
 
+// Where the part begins that an output folder repeats: after the last "/./". Nothing when that part would lead out of
+// the output folder.
+std::optional<std::size_t> MarkedPart(const std::string& name) {
+  constexpr std::string_view kMark = "/./";
+  const std::size_t mark = name.rfind(kMark);
+  if (mark == std::string::npos) return std::nullopt;
+  const std::size_t begin = mark + kMark.size();
+  const bool leadsOut = name.compare(begin, 3, "../") == 0 || name.find("/../", begin) != std::string::npos;
+  return leadsOut ? std::nullopt : std::optional(begin);
+}
+
 std::string RealPath(std::string_view name) {
   char* const found = realpath(std::string(name).c_str(), nullptr);
   std::string path = found != nullptr ? found : "";
@@ -61,7 +72,9 @@ void InputList::Add(const std::string& name) {
   if (recursive_ && isFolder) return AddFolder(name.back() == '/' ? name : name + '/');
   const std::size_t base = name.rfind('/') + 1;  // npos + 1 is 0
   foldersOfNames_.insert(name.substr(0, base));
-  AddFile(name, base, status, isFolder ? "is a folder (use --recursive for the files below it)" : "");
+  const std::optional<std::size_t> marked = MarkedPart(name);
+  AddFile(name, marked.value_or(base), status, isFolder ? "is a folder (use --recursive for the files below it)" : "");
+  entries_.back().fromFolder = marked.has_value() ? 1 : 0;
 }
 
 void InputList::AddFrom(const std::string& listFile) {

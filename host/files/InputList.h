@@ -20,7 +20,7 @@ class InputList {
   // that is not entered: the output's own.
   InputList(bool recursive, const FileIdentity* leaveOut) : recursive_(recursive), leaveOut_(leaveOut) {}
 
-  // Throws as Interruption::Check does, as the next one.
+  // "folder/./below/a.pdf" counts as found below "folder". Throws as Interruption::Check does, as the next one.
   void Add(const std::string& name);
   // The names of a file, "-" for the standard input: separated by NUL if one occurs, else by newlines; empty names are
   // left out. Throws CommandError(kExitUsage) when it cannot be read.
@@ -50,7 +50,7 @@ class InputList {
   struct Entry {
     std::uint64_t offset;
     std::uint32_t relative : 31;   // where the relative part starts
-    std::uint32_t fromFolder : 1;  // found below a folder
+    std::uint32_t fromFolder : 1;  // below a given folder
     std::int32_t sameAs;
   };
 

@@ -143,6 +143,20 @@ TEST(Batch, FoldersKeepTheirShapeAndTheSameFileIsDoneOnce) {
   EXPECT_EQ(inPlace.out.count("\"skipped\""), 2);
 }
 
+TEST(Batch, NamesSayWhichPartAnOutputFolderRepeats) {
+  const struct {
+    const char* name;
+    const char* output;
+  } cases[] = {{"d/./a.pdf", "out/a.pdf"},   {"d/./sub/a.pdf", "out/sub/a.pdf"},     {"./d/./sub/./b.pdf", "out/b.pdf"},
+               {"d/sub/b.pdf", "out/b.pdf"}, {"d/./sub/../../d/c.pdf", "out/c.pdf"}, {"d/./../d/d.pdf", "out/d.pdf"}};
+  QDir().mkpath("d/sub");
+  for (const auto& each : cases) {
+    WriteFile(each.name, MakePdf());
+    const auto report = ReadReport(RunProgram(ProbeRun({"--output-dir", "out", "--report", "-", each.name})).out);
+    EXPECT_EQ(report[each.name]["output"].toString().toStdString(), each.output);
+  }
+}
+
 TEST(Batch, NeitherDepthNorRightsMakeFoldersSilent) {
   // Deeper than descriptors and path names go; a later file shows that the walk comes back.
   const QByteArray part(100, 'd');

@@ -3,6 +3,7 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QProcess>
 #include <QSaveFile>
 #include <QTimer>
 
@@ -30,10 +31,22 @@ FileState StateOf(const QJsonObject& record, const QString& reason) {
   return unchanged ? FileState::kUnchanged : FileState::kDone;
 }
 
+// Without the mark of FileTableModel::NamesForFolder. Paths have no such part.
+QString PathOf(QString name) {
+  return name.replace(QStringLiteral("/./"), QStringLiteral("/"));
+}
+
 FileOutcome WithoutRecord(const FileStateChange& change) {
   FileOutcome outcome;
   outcome.change = change;
   return outcome;
+}
+
+// An error message, or an empty text.
+QString Write(const QString& name, const QByteArray& bytes) {
+  QSaveFile file(name);
+  const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+  return written ? QString() : BatchRun::tr("The report cannot be written to %1: %2.").arg(name, file.errorString());
 }
 
 bool HasNotBegun(const RunnerResult& result) {
@@ -51,7 +64,7 @@ BatchRun::~BatchRun() {
   runner_.disconnect(this);
 }
 
-void BatchRun::Start(const QStringList& files, const ActionChoice& action, const OutputChoice& output) {
+void BatchRun::Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
   Q_ASSERT(!running_);
   running_ = true;
   summary_ = BatchSummary();
@@ -61,10 +74,13 @@ void BatchRun::Start(const QStringList& files, const ActionChoice& action, const
   files_.clear();
   open_.clear();
   QVector<FileOutcome> waiting;
-  for (const QString& file : files) {
+  QStringList given;
+  for (const QString& name : names) {
+    const QString file = PathOf(name);
     if (open_.contains(file)) continue;
     open_.insert(file);
     files_ += file;
+    given += name;
     waiting.append(WithoutRecord({file, FileState::kWaiting, {}}));
   }
   emit filesChanged(waiting);
@@ -79,7 +95,7 @@ void BatchRun::Start(const QStringList& files, const ActionChoice& action, const
   }
   RunnerRequest request;
   request.arguments = RunArguments(action, output);
-  request.files = files_;
+  request.files = given;
   request.passwords = output.passwords;
   request.silenceLimit = kSilenceLimit;
   runner_.Start(request);
@@ -116,10 +132,9 @@ QStringList BatchRun::OutputFolders() const {
 void BatchRun::Take(const QVector<RunnerRecord>& records) {
   QVector<FileOutcome> outcomes;
   for (const RunnerRecord& record : records) {
-    if (!open_.contains(TextOf(record.json, "file"))) continue;
+    if (!open_.remove(PathOf(TextOf(record.json, "file")))) continue;
     report_ += record.line + '\n';
     outcomes.append(OutcomeOf(record.json));
-    open_.remove(outcomes.constLast().change.path);
   }
   Settle(outcomes);
 }
@@ -127,7 +142,7 @@ void BatchRun::Take(const QVector<RunnerRecord>& records) {
 FileOutcome BatchRun::OutcomeOf(const QJsonObject& record) {
   FileOutcome outcome;
   const QString reason = TextOf(record, "reason");
-  outcome.change = {TextOf(record, "file"), StateOf(record, reason), RecordTexts::PlainReason(reason)};
+  outcome.change = {PathOf(TextOf(record, "file")), StateOf(record, reason), RecordTexts::PlainReason(reason)};
   outcome.output = TextOf(record, "output");
   outcome.backup = TextOf(record, "backup");
   outcome.baseUrl = TextOf(record, "baseUrlAfter");
@@ -200,13 +215,29 @@ void BatchRun::End(const RunnerResult& result) {
   emit finished(summary);
 }
 
-QString BatchRun::SaveReport(const QString& file) const {
-  QSaveFile report(file);
-  if (!report.open(QIODevice::WriteOnly)) return report.errorString();
-  if (file.endsWith(QLatin1String(".jsonl"), Qt::CaseInsensitive)) {
-    report.write(report_);
-  } else {
-    report.write("[\n" + report_.left(report_.size() - 1).replace("\n", ",\n") + "\n]\n");
-  }
-  return report.commit() ? QString() : report.errorString();
+void BatchRun::SaveReport(const QString& file) {
+  const auto isNamed = [&](const char* ending) { return file.endsWith(QLatin1String(ending), Qt::CaseInsensitive); };
+  if (isNamed(".csv")) return SaveTable(file);
+  const QByteArray array = "[\n" + report_.left(report_.size() - 1).replace("\n", ",\n") + "\n]\n";
+  emit reportSaved(Write(file, isNamed(".jsonl") ? report_ : array));
+}
+
+void BatchRun::SaveTable(const QString& file) {
+  auto* const program = new QProcess(this);
+  connect(program, &QProcess::errorOccurred, this, [this, program](QProcess::ProcessError error) {
+    if (error != QProcess::FailedToStart) return;
+    emit reportSaved(program->errorString());
+    program->deleteLater();
+  });
+  connect(program, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+          [this, program, file](int code, QProcess::ExitStatus status) {
+            const bool isMade = status == QProcess::NormalExit && code <= kExitSomeFailed;
+            const QByteArray messages = program->readAllStandardError();
+            emit reportSaved(isMade ? Write(file, program->readAllStandardOutput()) : QString::fromUtf8(messages));
+            program->deleteLater();
+          });
+  program->start(RunnerProcess::ProgramFile(),
+                 {QStringLiteral("report"), QStringLiteral("--csv"), QStringLiteral("-")});
+  program->write(report_);
+  program->closeWriteChannel();
 }

@@ -41,9 +41,10 @@ class BatchRun : public QObject {
   // Ends a running program as ~RunnerProcess does.
   ~BatchRun() override;
 
-  // Not while a run is going on. All files change to kWaiting first; a file that is named twice counts once. finished()
-  // comes exactly once, never from within this call, also when ProblemOf() has something against the choices.
-  void Start(const QStringList& files, const ActionChoice& action, const OutputChoice& output);
+  // Not while a run is going on. The names are paths, or FileTableModel::NamesForFolder of them; signals have the
+  // paths. All files change to kWaiting first; a file that is named twice counts once. finished() comes exactly once,
+  // never from within this call, also when ProblemOf() has something against the choices.
+  void Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
   bool IsRunning() const;
   // As RunnerProcess::Cancel: the files in hand are finished, the others are cancelled. A second call gives up those in
   // hand too.
@@ -55,19 +56,22 @@ class BatchRun : public QObject {
   QStringList Unfinished() const;
   // The folders of the files that were written, each once, in their order.
   QStringList OutputFolders() const;
-  // Writes the lines of the last run's report: one JSON object a line (".jsonl") or an array of them. Returns an error
-  // message, or an empty text.
-  QString SaveReport(const QString& file) const;
+  // Writes the last run's report, in the form that the file's ending asks for: a table (".csv"), one JSON object a line
+  // (".jsonl"), or an array of them. reportSaved() comes once.
+  void SaveReport(const QString& file);
 
  signals:
   void filesChanged(const QVector<FileOutcome>& outcomes);
   void progress(int done, int total);
   void finished(const BatchSummary& summary);
+  // `problem` is empty, or a sentence for people.
+  void reportSaved(const QString& problem);
 
  private:
   void Take(const QVector<RunnerRecord>& records);
   FileOutcome OutcomeOf(const QJsonObject& record);
   void End(const RunnerResult& result);
+  void SaveTable(const QString& file);
   // What is to be said of the files without a record.
   FileStateChange Leftover(const RunnerResult& result) const;
   void Settle(const QVector<FileOutcome>& outcomes);

@@ -13,19 +13,7 @@ constexpr int kMostFiles = 10000;
 // When a program has answered for no file, the next one gets so many times fewer.
 constexpr int kFewer = 8;
 constexpr int kMostBlamed = 3;
-
-bool IsAboutReading(FileState state) {
-  switch (state) {
-    case FileState::kNew:
-    case FileState::kReading:
-    case FileState::kReady:
-    case FileState::kUnreadable:
-    case FileState::kNeedsPassword:
-      return true;
-    default:
-      return false;
-  }
-}
+constexpr std::chrono::milliseconds kRowsInterval(20);
 
 QString Encryption(const QJsonObject& encrypted) {
   QString text = encrypted.value(QLatin1String("algorithm")).toString();
@@ -104,13 +92,14 @@ bool FactsReader::IsReading() const {
 }
 
 int FactsReader::Left() const {
-  return static_cast<int>(waiting_.size()) + unanswered_.size();
+  return static_cast<int>(waiting_.size()) + skipped_.size() + inHand_.size() - next_;
 }
 
 void FactsReader::Enqueue(const QStringList& paths) {
   for (const QString& path : paths) {
-    if (isWaiting_.contains(path)) continue;
-    isWaiting_.insert(path);
+    const int row = model_.RowOf(path);
+    if (row < 0 || model_.Row(row).isQueued) continue;
+    model_.SetQueued(row, true);
     waiting_.push_back(path);
   }
   BeginSoon();
@@ -124,9 +113,9 @@ void FactsReader::EnqueueNewRows(int first, int last) {
   Enqueue(paths);
 }
 
-// Rows mostly come in several batches.
+// Rows mostly come in several batches: one program for all of them is faster than two.
 void FactsReader::BeginSoon() {
-  if (!runner_.IsRunning() && !paused_ && !waiting_.empty()) begin_.start(0);
+  if (!runner_.IsRunning() && !paused_ && !waiting_.empty() && !begin_.isActive()) begin_.start(kRowsInterval);
 }
 
 QStringList FactsReader::TakeNext() {
@@ -134,8 +123,10 @@ QStringList FactsReader::TakeNext() {
   while (!waiting_.empty() && paths.size() < most_) {
     const QString path = std::move(waiting_.front());
     waiting_.pop_front();
-    isWaiting_.remove(path);
-    if (model_.RowOf(path) >= 0) paths += path;
+    const int row = model_.RowOf(path);
+    if (row < 0 || !model_.Row(row).isQueued) continue;
+    model_.SetQueued(row, false);
+    paths += path;
   }
   return paths;
 }
@@ -143,17 +134,15 @@ QStringList FactsReader::TakeNext() {
 void FactsReader::Begin() {
   if (runner_.IsRunning() || paused_) return;
   inHand_ = TakeNext();
-  unanswered_ = QSet<QString>(inHand_.begin(), inHand_.end());
-  answered_ = 0;
+  next_ = 0;
+  skipped_.clear();
   interrupted_ = false;
   passwordsInHand_ = passwords_;
   if (inHand_.isEmpty()) {
     emit progress(0);
     return;
   }
-  QVector<FileStateChange> changes;
-  for (const QString& path : qAsConst(inHand_)) changes.append({path, FileState::kReading, {}});
-  SetReadingStates(changes);
+  model_.SetReading(inHand_);
   RunnerRequest request;
   request.arguments = QStringList{QStringLiteral("show"), QStringLiteral("--json"), QStringLiteral("--timeout"),
                                   QString::number(fileLimit_.count())};
@@ -163,50 +152,45 @@ void FactsReader::Begin() {
   runner_.Start(request);
 }
 
-void FactsReader::SetReadingStates(const QVector<FileStateChange>& changes) {
-  QVector<FileStateChange> fitting;
-  for (const FileStateChange& change : changes) {
-    const int row = model_.RowOf(change.path);
-    if (row >= 0 && IsAboutReading(model_.Row(row).state)) fitting.append(change);
-  }
-  model_.SetStates(fitting);
-}
-
 void FactsReader::Take(const QVector<RunnerRecord>& records) {
-  QVector<QPair<QString, std::optional<FileFacts>>> facts;
-  QVector<FileStateChange> changes;
+  QVector<FileReading> readings;
   QStringList again;
   for (const RunnerRecord& record : records) {
     const QString path = record.json.value(QLatin1String("file")).toString();
-    if (!unanswered_.remove(path)) continue;
-    ++answered_;
+    const auto found = std::find(inHand_.cbegin() + next_, inHand_.cend(), path);
+    if (found == inHand_.cend()) continue;
+    const int place = static_cast<int>(found - inHand_.cbegin());
+    skipped_ += inHand_.mid(next_, place - next_);
+    next_ = place + 1;
     const QString error = record.json.value(QLatin1String("error")).toString();
     const bool needsPassword = RecordTexts::IsAboutPassword(error);
     if (needsPassword && passwords_ != passwordsInHand_) again += path;
     if (error.isEmpty()) {
-      facts.append({path, FactsOf(record.json)});
-      changes.append({path, FileState::kReady, {}});
+      readings.append({path, FactsOf(record.json), FileState::kReady, {}});
     } else {
-      facts.append({path, std::nullopt});
-      changes.append(
-          {path, needsPassword ? FileState::kNeedsPassword : FileState::kUnreadable, RecordTexts::PlainReason(error)});
+      readings.append({path, std::nullopt, needsPassword ? FileState::kNeedsPassword : FileState::kUnreadable,
+                       RecordTexts::PlainReason(error)});
     }
   }
-  model_.SetFacts(facts);
-  SetReadingStates(changes);
+  model_.SetReadings(readings);
   Enqueue(again);
   emit progress(Left());
 }
 
+QStringList FactsReader::Unanswered() const {
+  return skipped_ + inHand_.mid(next_);
+}
+
 void FactsReader::End(const RunnerResult& result) {
-  if (unanswered_.isEmpty()) {
+  if (Unanswered().isEmpty()) {
     blamed_ = 0;
     most_ = std::min(most_ * kFewer, kMostFiles);
   } else {
     EndEarly(result);
   }
   inHand_.clear();
-  unanswered_.clear();
+  skipped_.clear();
+  next_ = 0;
   emit progress(Left());
   BeginSoon();
 }
@@ -214,11 +198,12 @@ void FactsReader::End(const RunnerResult& result) {
 void FactsReader::EndEarly(const RunnerResult& result) {
   const bool refused = !result.started || (result.exitCode >= kExitUsage && result.exitCode < kExitSignalBase);
   if (interrupted_) return PutBack();
-  if (refused && answered_ == 0) return GiveUp(result.error);
+  const bool hasAnswered = next_ > 0;
+  if (refused && !hasAnswered) return GiveUp(result.error);
   if (result.exitCode == kExitDone || result.exitCode == kExitSomeFailed) {
     return Blame(result.error.isEmpty() ? tr("vorlane-run says nothing about this file.") : result.error);
   }
-  if (answered_ > 0) return PutBack();
+  if (hasAnswered) return PutBack();
   if (inHand_.size() > 1) {
     most_ = std::max(inHand_.size() / kFewer, 1);
     return PutBack();
@@ -229,25 +214,29 @@ void FactsReader::EndEarly(const RunnerResult& result) {
 
 // In their order, before those that wait.
 void FactsReader::PutBack() {
-  for (auto path = inHand_.crbegin(); path != inHand_.crend(); ++path) {
-    if (!unanswered_.contains(*path) || isWaiting_.contains(*path)) continue;
-    isWaiting_.insert(*path);
+  const QStringList paths = Unanswered();
+  for (auto path = paths.crbegin(); path != paths.crend(); ++path) {
+    const int row = model_.RowOf(*path);
+    if (row < 0 || model_.Row(row).isQueued) continue;
+    model_.SetQueued(row, true);
     waiting_.push_front(*path);
   }
 }
 
 void FactsReader::Blame(const QString& reason) {
-  QVector<FileStateChange> changes;
-  for (const QString& path : qAsConst(unanswered_)) changes.append({path, FileState::kUnreadable, reason});
-  SetReadingStates(changes);
+  QVector<FileReading> readings;
+  for (const QString& path : Unanswered()) readings.append({path, std::nullopt, FileState::kUnreadable, reason});
+  model_.SetReadings(readings);
 }
 
 void FactsReader::GiveUp(const QString& message) {
   QVector<FileStateChange> changes;
   for (const QString& path : model_.PathsWith(FileState::kReading)) changes.append({path, FileState::kNew, {}});
   model_.SetStates(changes);
+  for (const QString& path : waiting_) {
+    if (const int row = model_.RowOf(path); row >= 0) model_.SetQueued(row, false);
+  }
   waiting_.clear();
-  isWaiting_.clear();
   blamed_ = 0;
   most_ = kMostFiles;
   emit problem(message);

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <deque>
 #include <QObject>
-#include <QSet>
 #include <QStringList>
 #include <QTimer>
 
@@ -45,24 +44,23 @@ class FactsReader : public QObject {
   void BeginSoon();
   void Begin();
   QStringList TakeNext();
+  // Of the files in hand those without a record.
+  QStringList Unanswered() const;
   void PutBack();
   void Take(const QVector<RunnerRecord>& records);
   void End(const RunnerResult& result);
   void EndEarly(const RunnerResult& result);
   void Blame(const QString& reason);
   void GiveUp(const QString& message);
-  // Leaves out files whose state is not about reading.
-  void SetReadingStates(const QVector<FileStateChange>& changes);
 
   FileTableModel& model_;
   RunnerProcess runner_;
-  std::deque<QString> waiting_;
-  QSet<QString> isWaiting_;
-  QStringList inHand_;        // of the running program
-  QSet<QString> unanswered_;  // of these
-  int answered_ = 0;          // by the running program
-  int most_;                  // files for one program
-  int blamed_ = 0;            // files in a row with which the program could do nothing
+  std::deque<QString> waiting_;  // their rows are queued
+  QStringList inHand_;           // of the running program, which answers in their order
+  int next_ = 0;                 // of these, the first after the last answer
+  QStringList skipped_;          // of those before it, the ones without an answer
+  int most_;                     // files for one program
+  int blamed_ = 0;               // files in a row with which the program could do nothing
   QStringList passwords_;
   QStringList passwordsInHand_;
   bool paused_ = false;

@@ -11,6 +11,19 @@
 
 namespace {
 
+bool IsAboutReading(FileState state) {
+  switch (state) {
+    case FileState::kNew:
+    case FileState::kReading:
+    case FileState::kReady:
+    case FileState::kUnreadable:
+    case FileState::kNeedsPassword:
+      return true;
+    default:
+      return false;
+  }
+}
+
 // Removing more separate ranges than this is shown as one reset: views take long over each of them.
 constexpr int kMostRanges = 64;
 
@@ -45,12 +58,12 @@ FileTableModel::FileTableModel(QObject* parent) : QAbstractTableModel(parent) {
 int FileTableModel::Add(const QVector<FoundFile>& files) {
   std::vector<std::unique_ptr<FileRow>> added;
   for (const FoundFile& file : files) {
-    if (canonicalNames_.contains(file.canonical) || rowOfPath_.contains(file.path)) continue;
-    canonicalNames_.insert(file.canonical);
-    rowOfPath_.insert(file.path, Count() + static_cast<int>(added.size()));
+    if (rowOfName_.contains(file.canonical) || rowOfName_.contains(file.path)) continue;
+    const int row = Count() + static_cast<int>(added.size());
+    rowOfName_.insert(file.path, row);
+    if (file.canonical != file.path) rowOfName_.insert(file.canonical, row);
     added.push_back(std::make_unique<FileRow>());
-    added.back()->path = file.path;
-    added.back()->canonical = file.canonical;
+    static_cast<FoundFile&>(*added.back()) = file;
   }
   const int count = static_cast<int>(added.size());
   if (count == 0) return 0;
@@ -92,26 +105,30 @@ void FileTableModel::Remove(QVector<int> rows) {
 
 void FileTableModel::RemoveRange(int first, int last) {
   for (int row = first; row <= last; ++row) {
-    rowOfPath_.remove(Row(row).path);
-    canonicalNames_.remove(Row(row).canonical);
+    rowOfName_.remove(Row(row).path);
+    rowOfName_.remove(Row(row).canonical);
   }
   rows_.erase(rows_.begin() + first, rows_.begin() + last + 1);
 }
 
 void FileTableModel::CountRowsFrom(int first) {
-  for (int row = first; row < Count(); ++row) rowOfPath_[Row(row).path] = row;
+  for (int row = first; row < Count(); ++row) rowOfName_[Row(row).path] = rowOfName_[Row(row).canonical] = row;
 }
 
 void FileTableModel::Clear() {
   beginResetModel();
   rows_.clear();
-  rowOfPath_.clear();
-  canonicalNames_.clear();
+  rowOfName_.clear();
   endResetModel();
 }
 
+// Mostly rows are asked for one after the other.
 int FileTableModel::RowOf(const QString& path) const {
-  return rowOfPath_.value(path, -1);
+  const int next = lastRow_ + 1;
+  if (next < Count() && Row(next).path == path) return lastRow_ = next;
+  const int row = rowOfName_.value(path, -1);
+  if (row < 0 || Row(row).path != path) return -1;  // not by a canonical name
+  return lastRow_ = row;
 }
 
 QStringList FileTableModel::Paths() const {
@@ -128,32 +145,55 @@ QStringList FileTableModel::PathsWith(FileState state) const {
   return paths;
 }
 
-FileRow* FileTableModel::Find(const QString& path) {
-  const int row = RowOf(path);
-  return row < 0 ? nullptr : rows_[static_cast<std::size_t>(row)].get();
+QStringList FileTableModel::NamesForFolder(const QStringList& paths) const {
+  QStringList names;
+  for (const QString& path : paths) {
+    const int row = RowOf(path);
+    const int below = row < 0 ? 0 : Row(row).below;
+    names += below == 0 ? path : QString(path).insert(below, QStringLiteral("./"));
+  }
+  return names;
 }
 
-void FileTableModel::SetFacts(const QVector<QPair<QString, std::optional<FileFacts>>>& facts) {
+void FileTableModel::SetReadings(const QVector<FileReading>& readings) {
   QVector<int> changed;
-  for (const auto& [path, fact] : facts) {
-    FileRow* const row = Find(path);
-    if (row == nullptr) continue;
-    row->facts = fact;
-    changed += RowOf(path);
+  for (const FileReading& reading : readings) {
+    const int row = RowOf(reading.path);
+    if (row < 0) continue;
+    FileRow& file = *rows_[static_cast<std::size_t>(row)];
+    file.facts = reading.facts;
+    if (IsAboutReading(file.state)) SetState(file, reading.state, reading.reason);
+    changed += row;
   }
-  Announce(changed, kPages, kEncrypted);
+  Announce(changed, kPages, kReason);
+}
+
+void FileTableModel::SetReading(const QStringList& paths) {
+  QVector<int> changed;
+  for (const QString& path : paths) {
+    const int row = RowOf(path);
+    if (row < 0 || !IsAboutReading(Row(row).state)) continue;
+    if (SetState(*rows_[static_cast<std::size_t>(row)], FileState::kReading, {})) changed += row;
+  }
+  Announce(changed, kState, kReason);
 }
 
 void FileTableModel::SetStates(const QVector<FileStateChange>& changes) {
   QVector<int> changed;
   for (const FileStateChange& change : changes) {
-    FileRow* const row = Find(change.path);
-    if (row == nullptr || (row->state == change.state && row->reason == change.reason)) continue;
-    row->state = change.state;
-    row->reason = change.reason;
-    changed += RowOf(change.path);
+    const int row = RowOf(change.path);
+    if (row < 0) continue;
+    if (SetState(*rows_[static_cast<std::size_t>(row)], change.state, change.reason)) changed += row;
   }
   Announce(changed, kState, kReason);
+}
+
+// Whether that is a change.
+bool FileTableModel::SetState(FileRow& row, FileState state, const QString& reason) {
+  if (row.state == state && row.reason == reason) return false;
+  row.state = state;
+  row.reason = reason;
+  return true;
 }
 
 void FileTableModel::Announce(QVector<int> rows, Column first, Column last) {

@@ -5,7 +5,6 @@
 #include <optional>
 #include <QAbstractTableModel>
 #include <QHash>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -46,17 +45,25 @@ struct FileStateChange {
 
 // A file that was found, with the name by which it is known whatever links lead to it.
 struct FoundFile {
-  QString path;  // absolute
+  QString path;  // absolute, without "." parts
   QString canonical;
+  int below = 0;  // where the part begins that is below the added folder; 0 for a file that was added by itself
 };
 Q_DECLARE_METATYPE(QVector<FoundFile>)
 
-struct FileRow {
+// What was read of a file.
+struct FileReading {
   QString path;
-  QString canonical;
+  std::optional<FileFacts> facts;  // nothing when they are not known any more
+  FileState state = FileState::kReady;
+  QString reason;
+};
+
+struct FileRow : FoundFile {
   std::optional<FileFacts> facts;
   FileState state = FileState::kNew;
   QString reason;
+  bool isQueued = false;  // to be read
 };
 
 // The files of the window, in the order in which they were added. Rows are found by path in constant time; paths of
@@ -88,10 +95,14 @@ class FileTableModel : public QAbstractTableModel {
   int RowOf(const QString& path) const;
   QStringList Paths() const;
   QStringList PathsWith(FileState state) const;
+  // The files as vorlane-run takes them so that an output folder repeats the added folders: "/added/./below/a.pdf".
+  QStringList NamesForFolder(const QStringList& paths) const;
 
-  // Nothing for facts that are not known any more.
-  void SetFacts(const QVector<QPair<QString, std::optional<FileFacts>>>& facts);
+  // The states change only where they are about reading: what a run has said of a file stays.
+  void SetReadings(const QVector<FileReading>& readings);
+  void SetReading(const QStringList& paths);  // to kReading, under the same condition
   void SetStates(const QVector<FileStateChange>& changes);
+  void SetQueued(int row, bool queued) { rows_[static_cast<std::size_t>(row)]->isQueued = queued; }
 
   // "Ready", "Failed" and so on, translated.
   static QString StateName(FileState state);
@@ -102,7 +113,7 @@ class FileTableModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
-  FileRow* Find(const QString& path);
+  bool SetState(FileRow& row, FileState state, const QString& reason);
   void RemoveRange(int first, int last);
   void CountRowsFrom(int first);
   // Tells the views of changed rows: neighbours together.
@@ -112,6 +123,6 @@ class FileTableModel : public QAbstractTableModel {
   static QVariant SortKey(const FileRow& row, int column);
 
   std::vector<std::unique_ptr<FileRow>> rows_;
-  QHash<QString, int> rowOfPath_;
-  QSet<QString> canonicalNames_;
+  QHash<QString, int> rowOfName_;  // by path and by canonical name
+  mutable int lastRow_ = -1;       // of RowOf()
 };

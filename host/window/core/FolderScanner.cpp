@@ -21,8 +21,8 @@
 namespace {
 
 // Batches are taken one in a turn of the event loop, so that it stays short with views that sort what comes.
-constexpr int kMostInBatch = 500;
-constexpr std::chrono::milliseconds kBatchInterval(5);
+constexpr int kMostInBatch = 2000;
+constexpr std::chrono::milliseconds kBatchInterval(4);
 constexpr int kMostProblems = 100;
 
 struct GivenUp {};
@@ -42,6 +42,13 @@ bool HasPdfHeader(const std::string& file) {
   stream.read(start, sizeof start);
   const std::string_view text(start, static_cast<std::size_t>(stream.gcount()));
   return text.find("%PDF-") != std::string_view::npos;
+}
+
+// Without "." parts and doubled slashes, which mean nothing; what ".." means depends on links.
+QString Plain(const QString& path) {
+  QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+  parts.removeAll(QStringLiteral("."));
+  return QLatin1Char('/') + parts.join(QLatin1Char('/'));
 }
 
 std::string_view View(const QByteArray& bytes) {
@@ -118,18 +125,21 @@ class FolderScanner::Search {
   }
 
   void Walk(const std::string& folder) {
+    const int below = folder == "/" ? 1 : NativeName::ToText(folder).size() + 1;
     bool any = false;
     WalkFolder(folder, {IsWanted}, [&](const FolderEntry& entry) {
       any = true;
       if (entry.error != 0) return Report(entry.path, qt_error_string(entry.error));
       if (!entry.status) return Report(entry.path, tr("the link leads to no file"));
-      Add(entry.path);
+      Add(entry.path, below);
     });
     if (!any) Report(folder, tr("no PDF file in this folder"));
   }
 
-  void Add(const std::string& path) {
-    const FoundFile file{NativeName::ToText(path), NativeName::ToText(names_.Of(path))};
+  void Add(const std::string& path, int below = 0) {
+    const std::string canonical = names_.Of(path);
+    const QString name = NativeName::ToText(path);
+    const FoundFile file{name, canonical == path ? name : NativeName::ToText(canonical), below};
     const QMutexLocker locker(&mutex_);
     found_.append(file);
   }
@@ -167,7 +177,7 @@ FolderScanner::~FolderScanner() {
 }
 
 void FolderScanner::Scan(const QStringList& paths) {
-  for (const QString& path : paths) waiting_ += QDir::current().absoluteFilePath(path);
+  for (const QString& path : paths) waiting_ += Plain(QDir::current().absoluteFilePath(path));
   cancelled_ = false;
   if (!thread_ && !waiting_.isEmpty()) Begin();
 }

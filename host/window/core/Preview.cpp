@@ -123,7 +123,7 @@ void Preview::EndDryRun(const RunnerResult& result) {
   if (data_.after != data_.before) {
     const QString unusable = data_.after.isEmpty() ? QString() : CheckUrl(data_.after, UrlUse::kOther).error;
     if (!unusable.isEmpty()) {
-      data_.warnings += tr("No viewer can use this base URL: %1.").arg(unusable);
+      data_.warnings += tr("No viewer can use this base URL.") + QLatin1Char(' ') + RecordTexts::PlainReason(unusable);
       return Finish();
     }
     // An empty one lists what the links do without any.

@@ -43,6 +43,53 @@ constexpr Text kTexts[] = {
     {"interrupted", QT_TRANSLATE_NOOP("RecordTexts", "Cancelled. The file stays as it was.")},
     {"the same file as (.*)", QT_TRANSLATE_NOOP("RecordTexts", "It is the same file as %1.")},
     {"cannot make the backup (.*)", QT_TRANSLATE_NOOP("RecordTexts", "The backup cannot be made: %1.")},
+    {"not a regular file|is a folder.*", QT_TRANSLATE_NOOP("RecordTexts", "This is not a file.")},
+    {"a folder has that name", QT_TRANSLATE_NOOP("RecordTexts", "A folder has the name of the result.")},
+    {"the PDF library does not support this|the PDF library failed",
+     QT_TRANSLATE_NOOP("RecordTexts", "The PDF library cannot do this with the file.")},
+    {"a part of the PDF library that this needs is missing",
+     QT_TRANSLATE_NOOP("RecordTexts", "A part of this program is missing. Please install it again.")},
+    {"encrypted in a way that is not supported",
+     QT_TRANSLATE_NOOP("RecordTexts", "The file is encrypted in a way that this program cannot read.")},
+    {"the file is too large", QT_TRANSLATE_NOOP("RecordTexts", "The file is too large.")},
+    {"hangs in the system and cannot be ended",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "The system does not answer when the file is read. Its disk or network may be at fault.")},
+    {"its output (.*) would overwrite (?:an input|the .*)",
+     QT_TRANSLATE_NOOP(
+         "RecordTexts",
+         "The result %1 would replace a file that this run reads. Choose another folder for the results.")},
+    {"cannot make the folder of its output (.*)",
+     QT_TRANSLATE_NOOP("RecordTexts", "The folder of the result %1 cannot be made.")},
+    {"its path is too long .*", QT_TRANSLATE_NOOP("RecordTexts", "The path of the file is too long for the system.")},
+    {"(?:cannot read the folder|cannot be looked up): (.*)",
+     QT_TRANSLATE_NOOP("RecordTexts", "The file cannot be looked up: %1.")},
+    {"Cannot make the output folder '(.*)': .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "The folder for the results cannot be made: %1. Choose another one.")},
+    {"Cannot use the action list '(.*)': .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "The action list %1 cannot be used: it is damaged, or cannot be read.")},
+    {"Cannot (?:write|remove) the action list '(.*?)'.*",
+     QT_TRANSLATE_NOOP(
+         "RecordTexts",
+         "The action list %1 cannot be written. Check that its folder can be written and that the disk is not full.")},
+    {"Cannot use the settings '(.*)': .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "The settings file %1 cannot be used: it is damaged, or is for something else.")},
+    // Why an address cannot be used.
+    {"it is a path on a drive, not a URL",
+     QT_TRANSLATE_NOOP("RecordTexts", "It is a path on a drive, not an address.")},
+    {"it has no scheme, such as https://", QT_TRANSLATE_NOOP("RecordTexts", "It has no beginning such as https://.")},
+    {"it has a space or a control character; .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "It has a space or a control character; write a space as %20.")},
+    {"it has the character (.*), which no URL may hold",
+     QT_TRANSLATE_NOOP("RecordTexts", "It has the character %1, which no address can have.")},
+    {"it has a '%' without two hexadecimal digits after it",
+     QT_TRANSLATE_NOOP("RecordTexts", "It has a percent sign without two hexadecimal digits after it.")},
+    {"it is not a valid URL", QT_TRANSLATE_NOOP("RecordTexts", "It is not a valid address.")},
+    {"it names no host", QT_TRANSLATE_NOOP("RecordTexts", "It names no host, such as example.org.")},
+    {"'.*': not every viewer follows links with the scheme '(.*):'",
+     QT_TRANSLATE_NOOP("RecordTexts", "Not every viewer follows links that begin with %1:.")},
+    {"'.*': it has a password, .*",
+     QT_TRANSLATE_NOOP("RecordTexts", "The base URL has a password, which every reader of the file can see.")},
     // What a run may want to be known.
     {"'.*': it does not end in \"/\": .*", QT_TRANSLATE_NOOP("RecordTexts",
                                                              "The base URL does not end in a slash. Firefox then drops "
@@ -93,6 +140,12 @@ bool RecordTexts::IsAboutPassword(const QString& reason) {
 }
 
 QString RecordTexts::PlainReason(const QString& reason) {
+  if (reason.isEmpty()) return {};
+  static const QRegularExpression ofAction(QStringLiteral("^action '([^']*)': (.*)$"));
+  if (const QRegularExpressionMatch match = ofAction.match(reason); match.hasMatch()) {
+    return QCoreApplication::translate("RecordTexts", "The action \"%1\" failed.").arg(ShownText(match.captured(1))) +
+           QLatin1Char(' ') + PlainReason(match.captured(2));
+  }
   for (std::size_t i = 0; i < Patterns().size(); ++i) {
     const QRegularExpressionMatch match = Patterns()[i].match(reason);
     if (!match.hasMatch()) continue;
@@ -101,7 +154,6 @@ QString RecordTexts::PlainReason(const QString& reason) {
     return shown;
   }
   QString sentence = QString(reason).remove(OptionAdvice());
-  if (sentence.isEmpty()) return sentence;
   sentence[0] = sentence[0].toUpper();
   if (sentence.back().isLetterOrNumber()) sentence += QLatin1Char('.');
   return sentence;

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QStandardPaths>
 
 #include "host/base/ExitCode.h"
 #include "host/base/NativeName.h"
@@ -13,7 +14,7 @@
 namespace {
 
 // Records are passed on so often: seldom enough that painting them does not slow the program down.
-constexpr int kGatherMs = 40;
+constexpr int kGatherMs = 50;
 // And so many bytes of them at once, which take a few milliseconds to parse.
 constexpr int kPiece = 1 << 17;
 // Longer lines take too long to parse at once. The longest record holds a base URL of a few bytes.
@@ -25,11 +26,22 @@ constexpr int kEndWaits[] = {300, 2500, 1000};
 
 QString gProgramFile;
 
-// In memory where the user has a folder there: a busy disk would make the window wait.
-QString ListTemplate() {
+// In memory first, where the user has a folder there: a busy disk would make the window wait. The next folder is for
+// when the one before it is full or cannot be written.
+QStringList ListFolders() {
   const QString runtime = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
-  const bool isUsable = QDir::isAbsolutePath(runtime) && QFileInfo(runtime).isWritable();
-  return (isUsable ? runtime : QDir::tempPath()) + QStringLiteral("/vorlane-XXXXXX");
+  QStringList folders{QDir::tempPath(), QStandardPaths::writableLocation(QStandardPaths::CacheLocation)};
+  if (QDir::isAbsolutePath(runtime)) folders.prepend(runtime);
+  folders.removeDuplicates();
+  return folders;
+}
+
+// Nothing when not all could be written; `*error` says why.
+std::unique_ptr<QTemporaryFile> WriteTemporary(const QString& folder, const QByteArray& bytes, QString* error) {
+  auto file = std::make_unique<QTemporaryFile>(folder + QStringLiteral("/vorlane-XXXXXX"));
+  if (file->open() && file->write(bytes) == bytes.size() && file->flush()) return file;
+  *error = file->errorString();
+  return nullptr;
 }
 
 std::string_view View(const QByteArray& bytes) {
@@ -107,15 +119,20 @@ void RunnerProcess::Start(const RunnerRequest& request) {
 }
 
 bool RunnerProcess::WriteList(const QStringList& files) {
-  list_ = std::make_unique<QTemporaryFile>(ListTemplate());
-  bool written = list_->open();
-  for (const QString& file : files) {
-    const QByteArray name = NativeName::ToBytes(file) + '\0';
-    written = written && list_->write(name) == name.size();
+  QByteArray names;
+  for (const QString& file : files) names += NativeName::ToBytes(file) + '\0';
+  const QStringList folders = ListFolders();
+  QDir().mkpath(folders.constLast());
+  QString error;
+  for (auto folder = folders.begin(); folder != folders.end() && !list_; ++folder) {
+    list_ = WriteTemporary(*folder, names, &error);
   }
-  written = written && list_->flush();
-  if (!written) GiveUp(tr("Cannot write a temporary file: %1").arg(list_->errorString()));
-  return written;
+  if (!list_) {
+    GiveUp(tr("No temporary file can be written (%1). Free some space on the disk of one of these folders, then try "
+              "again: %2")
+               .arg(error, folders.join(QStringLiteral(", "))));
+  }
+  return list_ != nullptr;
 }
 
 // finished() never comes from within Start().
@@ -141,8 +158,7 @@ void RunnerProcess::TakeOutput(const QByteArray& bytes) {
   QVector<RunnerRecord> records;
   int begin = 0;
   for (int end = bytes.indexOf('\n'); end >= 0; end = bytes.indexOf('\n', begin)) {
-    pending_ += bytes.mid(begin, end - begin);
-    TakeLine(pending_, records);
+    TakeLine(pending_.isEmpty() ? bytes.mid(begin, end - begin) : pending_ + bytes.mid(begin, end - begin), records);
     pending_.clear();
     skipping_ = false;
     begin = end + 1;

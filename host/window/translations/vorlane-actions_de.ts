@@ -29,6 +29,37 @@
     </message>
 </context>
 <context>
+    <name>ActionText</name>
+    <message>
+        <source>Set Base URL</source>
+        <translation>Basis-URL setzen</translation>
+    </message>
+    <message>
+        <source>Make Links Absolute</source>
+        <translation>Links absolut machen</translation>
+    </message>
+    <message>
+        <source>Document Properties</source>
+        <translation>Dokumenteigenschaften</translation>
+    </message>
+    <message>
+        <source>Base URL</source>
+        <translation>Basis-URL</translation>
+    </message>
+    <message>
+        <source>removes the base URL</source>
+        <translation>entfernt die Basis-URL</translation>
+    </message>
+    <message>
+        <source>uses the document&apos;s own base URL</source>
+        <translation>nimmt die eigene Basis-URL des Dokuments</translation>
+    </message>
+    <message>
+        <source>Remove the document&apos;s base URL afterwards</source>
+        <translation>Danach die Basis-URL des Dokuments entfernen</translation>
+    </message>
+</context>
+<context>
     <name>ActionsPanel</name>
     <message>
         <source>What to do</source>
@@ -134,6 +165,10 @@
         <source>Opened Files</source>
         <translation>Geöffnete Dateien</translation>
     </message>
+    <message>
+        <source>&amp;Edit List…</source>
+        <translation>Liste &amp;bearbeiten…</translation>
+    </message>
 </context>
 <context>
     <name>BatchRun</name>
@@ -160,6 +195,10 @@
     <message>
         <source>Cancelled.</source>
         <translation>Abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The report cannot be written to %1: %2.</source>
+        <translation>Der Bericht kann nicht nach %1 geschrieben werden: %2.</translation>
     </message>
 </context>
 <context>
@@ -195,6 +234,10 @@
     <message>
         <source>Edit &amp;Settings…</source>
         <translation>Ein&amp;stellungen …</translation>
+    </message>
+    <message>
+        <source>Edit Li&amp;st…</source>
+        <translation>Liste &amp;bearbeiten…</translation>
     </message>
 </context>
 <context>
@@ -490,6 +533,69 @@
     </message>
 </context>
 <context>
+    <name>ListDialog</name>
+    <message>
+        <source>Edit Action List</source>
+        <translation>Aktionsliste bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>Actions of the list</source>
+        <translation>Aktionen der Liste</translation>
+    </message>
+    <message>
+        <source>&amp;Settings…</source>
+        <translation>&amp;Einstellungen…</translation>
+    </message>
+    <message>
+        <source>&amp;Up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <source>&amp;Down</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>&amp;Hinzufügen</translation>
+    </message>
+    <message>
+        <source>%1 (not installed)</source>
+        <translation>%1 (nicht installiert)</translation>
+    </message>
+    <message>
+        <source>Add an action: a list has at least one.</source>
+        <translation>Fügen Sie eine Aktion hinzu: Eine Liste hat mindestens eine.</translation>
+    </message>
+    <message>
+        <source>Replace the action list &quot;%1&quot;?</source>
+        <translation>Aktionsliste „%1“ ersetzen?</translation>
+    </message>
+    <message>
+        <source>There is another list of this name. It is lost.</source>
+        <translation>Es gibt eine andere Liste dieses Namens. Sie geht verloren.</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Ersetzen</translation>
+    </message>
+    <message>
+        <source>Another program has changed or removed it since it was opened here.</source>
+        <translation>Ein anderes Programm hat sie geändert oder entfernt, seit sie hier geöffnet wurde.</translation>
+    </message>
+    <message>
+        <source>The list %1 is damaged: saving it would lose what cannot be read in it.</source>
+        <translation>Die Liste %1 ist beschädigt: Beim Speichern ginge verloren, was in ihr nicht lesbar ist.</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>PDF Actions</source>
@@ -744,6 +850,14 @@ Lizenz: Apache-2.0</translation>
         <source>Stop and Close</source>
         <translation>Anhalten und schließen</translation>
     </message>
+    <message>
+        <source>The report is saved.</source>
+        <translation>Der Bericht ist gespeichert.</translation>
+    </message>
+    <message>
+        <source>Tables for spreadsheets (*.csv)</source>
+        <translation>Tabellen für Tabellenprogramme (*.csv)</translation>
+    </message>
 </context>
 <context>
     <name>NoticeBar</name>
@@ -940,8 +1054,8 @@ Lizenz: Apache-2.0</translation>
         <translation>Nicht alle Links konnten gelesen werden.</translation>
     </message>
     <message>
-        <source>No viewer can use this base URL: %1.</source>
-        <translation>Kein Betrachter kann mit dieser Basis-URL etwas anfangen: %1.</translation>
+        <source>No viewer can use this base URL.</source>
+        <translation>Kein Anzeigeprogramm kann diese Basis-URL verwenden.</translation>
     </message>
 </context>
 <context>
@@ -1143,13 +1257,109 @@ Lizenz: Apache-2.0</translation>
         <source>The whole file is written anew: %1.</source>
         <translation>Die ganze Datei wird neu geschrieben: %1.</translation>
     </message>
+    <message>
+        <source>This is not a file.</source>
+        <translation>Das ist keine Datei.</translation>
+    </message>
+    <message>
+        <source>A folder has the name of the result.</source>
+        <translation>Ein Ordner trägt den Namen des Ergebnisses.</translation>
+    </message>
+    <message>
+        <source>The PDF library cannot do this with the file.</source>
+        <translation>Die PDF-Bibliothek kann dies mit der Datei nicht tun.</translation>
+    </message>
+    <message>
+        <source>A part of this program is missing. Please install it again.</source>
+        <translation>Ein Teil dieses Programms fehlt. Bitte installieren Sie es neu.</translation>
+    </message>
+    <message>
+        <source>The file is encrypted in a way that this program cannot read.</source>
+        <translation>Die Datei ist auf eine Weise verschlüsselt, die dieses Programm nicht lesen kann.</translation>
+    </message>
+    <message>
+        <source>The file is too large.</source>
+        <translation>Die Datei ist zu groß.</translation>
+    </message>
+    <message>
+        <source>The system does not answer when the file is read. Its disk or network may be at fault.</source>
+        <translation>Das System antwortet nicht, wenn die Datei gelesen wird. Ihr Datenträger oder das Netz kann gestört sein.</translation>
+    </message>
+    <message>
+        <source>The result %1 would replace a file that this run reads. Choose another folder for the results.</source>
+        <translation>Das Ergebnis %1 würde eine Datei ersetzen, die dieser Lauf liest. Wählen Sie einen anderen Ordner für die Ergebnisse.</translation>
+    </message>
+    <message>
+        <source>The folder of the result %1 cannot be made.</source>
+        <translation>Der Ordner des Ergebnisses %1 kann nicht angelegt werden.</translation>
+    </message>
+    <message>
+        <source>The path of the file is too long for the system.</source>
+        <translation>Der Pfad der Datei ist zu lang für das System.</translation>
+    </message>
+    <message>
+        <source>The file cannot be looked up: %1.</source>
+        <translation>Die Datei kann nicht nachgeschlagen werden: %1.</translation>
+    </message>
+    <message>
+        <source>The folder for the results cannot be made: %1. Choose another one.</source>
+        <translation>Der Ordner für die Ergebnisse kann nicht angelegt werden: %1. Wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>The action list %1 cannot be used: it is damaged, or cannot be read.</source>
+        <translation>Die Aktionsliste %1 ist nicht verwendbar: Sie ist beschädigt oder nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>The action list %1 cannot be written. Check that its folder can be written and that the disk is not full.</source>
+        <translation>Die Aktionsliste %1 kann nicht geschrieben werden. Prüfen Sie, ob ihr Ordner beschreibbar und der Datenträger nicht voll ist.</translation>
+    </message>
+    <message>
+        <source>The settings file %1 cannot be used: it is damaged, or is for something else.</source>
+        <translation>Die Einstellungsdatei %1 ist nicht verwendbar: Sie ist beschädigt oder für etwas anderes.</translation>
+    </message>
+    <message>
+        <source>It is a path on a drive, not an address.</source>
+        <translation>Sie ist ein Pfad auf einem Laufwerk, keine Adresse.</translation>
+    </message>
+    <message>
+        <source>It has no beginning such as https://.</source>
+        <translation>Ihr fehlt ein Anfang wie https://.</translation>
+    </message>
+    <message>
+        <source>It has a space or a control character; write a space as %20.</source>
+        <translation>Sie enthält ein Leer- oder Steuerzeichen; schreiben Sie ein Leerzeichen als %20.</translation>
+    </message>
+    <message>
+        <source>It has the character %1, which no address can have.</source>
+        <translation>Sie enthält das Zeichen %1, das in keiner Adresse stehen darf.</translation>
+    </message>
+    <message>
+        <source>It has a percent sign without two hexadecimal digits after it.</source>
+        <translation>Sie enthält ein Prozentzeichen, dem nicht zwei Hexadezimalziffern folgen.</translation>
+    </message>
+    <message>
+        <source>It is not a valid address.</source>
+        <translation>Sie ist keine gültige Adresse.</translation>
+    </message>
+    <message>
+        <source>It names no host, such as example.org.</source>
+        <translation>Sie nennt keinen Rechner wie example.org.</translation>
+    </message>
+    <message>
+        <source>Not every viewer follows links that begin with %1:.</source>
+        <translation>Nicht jedes Anzeigeprogramm folgt Links, die mit %1: beginnen.</translation>
+    </message>
+    <message>
+        <source>The base URL has a password, which every reader of the file can see.</source>
+        <translation>Die Basis-URL enthält ein Passwort, das jeder Leser der Datei sehen kann.</translation>
+    </message>
+    <message>
+        <source>The action &quot;%1&quot; failed.</source>
+        <translation>Die Aktion „%1“ ist gescheitert.</translation>
+    </message>
 </context>
 <context>
     <name>RunnerProcess</name>
-    <message>
-        <source>Cannot write a temporary file: %1</source>
-        <translation>Eine temporäre Datei lässt sich nicht schreiben: %1</translation>
-    </message>
     <message>
         <source>Cannot start %1 (%2). It belongs to this program; please install it again.</source>
         <translation>%1 lässt sich nicht starten (%2). Es gehört zu diesem Programm; bitte installieren Sie es neu.</translation>
@@ -1173,6 +1383,10 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>vorlane-run printed lines that cannot be read (%1). It may be of another version than this program.</source>
         <translation>vorlane-run hat unlesbare Zeilen ausgegeben (%1). Vielleicht hat es eine andere Version als dieses Programm.</translation>
+    </message>
+    <message>
+        <source>No temporary file can be written (%1). Free some space on the disk of one of these folders, then try again: %2</source>
+        <translation>Es kann keine temporäre Datei geschrieben werden (%1). Geben Sie auf dem Datenträger eines dieser Ordner Platz frei und versuchen Sie es erneut: %2</translation>
     </message>
 </context>
 <context>

@@ -16,6 +16,7 @@
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
 #include "host/base/CommandError.h"
+#include "host/window/core/RecordTexts.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/Messages.h"
 #include "host/window/ui/MutedLabel.h"
@@ -26,16 +27,16 @@
 
 namespace {
 
-enum class Kind { kHeading, kAction, kFavorite, kList, kFile, kRecent };
+using Kind = ActionsPanel::Kind;
 constexpr int kKindRole = Qt::UserRole;
-constexpr int kValueRole = Qt::UserRole + 1;  // the action's name, the file, or a recent entry's number
+constexpr int kValueRole = Qt::UserRole + 1;
 
 Kind KindOf(const QTreeWidgetItem* item) {
   return item == nullptr ? Kind::kHeading : static_cast<Kind>(item->data(0, kKindRole).toInt());
 }
 
 QString ValueOf(const QTreeWidgetItem* item) {
-  return item->data(0, kValueRole).toString();
+  return item == nullptr ? QString() : item->data(0, kValueRole).toString();
 }
 
 QTreeWidgetItem* AddItem(QTreeWidget* tree, Kind kind, const QString& text, const QIcon& icon, const QVariant& value) {
@@ -63,7 +64,8 @@ ActionsPanel::ActionsPanel(ActionCatalog& catalog, QWidget* parent) : QWidget(pa
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(tree_);
 
-  connect(tree_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { Choose(item); });
+  connect(tree_, &QTreeWidget::itemClicked, this,
+          [this](QTreeWidgetItem* item) { Choose(KindOf(item), ValueOf(item)); });
   connect(tree_, &QTreeWidget::customContextMenuRequested, this, &ActionsPanel::ShowMenu);
   refresh_.setSingleShot(true);
   refresh_.setInterval(100);
@@ -74,7 +76,7 @@ ActionsPanel::ActionsPanel(ActionCatalog& catalog, QWidget* parent) : QWidget(pa
 void ActionsPanel::Refresh() {
   const QTreeWidgetItem* const current = tree_->currentItem();
   const Kind kind = KindOf(current);
-  const QString value = current != nullptr ? ValueOf(current) : QString();
+  const QString value = ValueOf(current);
   const int position = tree_->verticalScrollBar()->value();
   tree_->clear();
   favorites_ = Favorites::All();
@@ -124,11 +126,12 @@ QTreeWidgetItem* ActionsPanel::AddHeading(const QString& text) {
 
 void ActionsPanel::AddActions() {
   QMap<QString, QVector<CActionInterface*>> groups;
-  for (const ActionCatalog::Entry& entry : catalog_.All()) groups[entry.action->GetGroupName()] += entry.action;
+  for (const ActionCatalog::Entry& entry : catalog_.All())
+    groups[ActionText(entry.action->GetGroupName())] += entry.action;
   for (auto group = groups.begin(); group != groups.end(); ++group) {
     AddHeading(group.key());
     for (CActionInterface* const action : group.value()) {
-      const QString name = action->GetDisplayName();
+      const QString name = ActionText(action->GetDisplayName());
       AddItem(tree_, Kind::kAction, name, ActionIcon(action->GetDefaultIcon()), action->GetActionName())
           ->setToolTip(0, tr("Enter the settings of \"%1\"").arg(name));
     }
@@ -142,8 +145,8 @@ void ActionsPanel::AddFavorites() {
   if (!favorites_.isEmpty()) AddHeading(tr("Favorites"));
   for (const Favorite& favorite : favorites_) {
     AddItem(tree_, Kind::kFavorite, favorite.name, favorite.icon, favorite.file)
-        ->setToolTip(
-            0, favorite.actionName + QLatin1Char('\n') + DescribeSettings(favorite.actionName, favorite.settings));
+        ->setToolTip(0, ActionText(favorite.actionName) + QLatin1Char('\n') +
+                            DescribeSettings(favorite.actionName, favorite.settings));
   }
 }
 
@@ -158,7 +161,7 @@ void ActionsPanel::AddLists() {
     AddHeading(category.isEmpty() ? tr("Action Lists") : tr("Action Lists: %1").arg(category));
     for (const auto& [file, list] : lists) {
       QStringList actions;
-      for (const ActionListFile::Entry& entry : list.entries) actions += entry.actionName;
+      for (const ActionListFile::Entry& entry : list.entries) actions += ActionText(entry.actionName);
       const QString name = list.name.isEmpty() ? QFileInfo(file).completeBaseName() : list.name;
       AddItem(tree_, Kind::kList, name, Choices::ListIcon(), file)->setToolTip(0, actions.join(QLatin1Char('\n')));
     }
@@ -185,83 +188,85 @@ void ActionsPanel::AddRecent() {
     // Of a single setting the value says enough.
     if (!details.contains(QLatin1Char('\n'))) line = line.section(QStringLiteral(": "), 1);
     if (line.isEmpty()) line = details;
-    AddItem(tree_, Kind::kRecent, line.isEmpty() ? action->GetDisplayName() : line,
+    AddItem(tree_, Kind::kRecent, line.isEmpty() ? ActionText(action->GetDisplayName()) : line,
             ActionIcon(action->GetDefaultIcon()), i)
-        ->setToolTip(0, action->GetDisplayName() + QLatin1Char('\n') + details);
+        ->setToolTip(0, ActionText(action->GetDisplayName()) + QLatin1Char('\n') + details);
   }
 }
 
 bool ActionsPanel::eventFilter(QObject* object, QEvent* event) {
   if (object != tree_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(object, event);
+  const Kind kind = KindOf(tree_->currentItem());
+  const QString value = ValueOf(tree_->currentItem());
   switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space:
-      Choose(tree_->currentItem());
+      Choose(kind, value);
       return true;
     case Qt::Key_F2:
-      if (KindOf(tree_->currentItem()) == Kind::kFavorite) RenameFavorite(FavoriteOf(tree_->currentItem()));
+      if (kind == Kind::kFavorite) RenameFavorite(FavoriteOf(value));
       return true;
     case Qt::Key_Delete:
-      if (KindOf(tree_->currentItem()) == Kind::kFavorite) RemoveFavorite(FavoriteOf(tree_->currentItem()));
-      if (KindOf(tree_->currentItem()) == Kind::kList) RemoveList(ValueOf(tree_->currentItem()));
+      if (kind == Kind::kFavorite) RemoveFavorite(FavoriteOf(value));
+      if (kind == Kind::kList) RemoveList(value);
       return true;
     default:
       return QWidget::eventFilter(object, event);
   }
 }
 
-Favorite ActionsPanel::FavoriteOf(const QTreeWidgetItem* item) const {
+Favorite ActionsPanel::FavoriteOf(const QString& file) const {
   for (const Favorite& favorite : favorites_) {
-    if (favorite.file == ValueOf(item)) return favorite;
+    if (favorite.file == file) return favorite;
   }
   return {};
 }
 
-Choice ActionsPanel::ChoiceOf(QTreeWidgetItem* item) {
+Choice ActionsPanel::ChoiceOf(Kind kind, const QString& value) {
   QString why;
   Choice choice;
-  const Kind kind = KindOf(item);
   if (kind == Kind::kFavorite) {
-    const Favorite favorite = FavoriteOf(item);
+    const Favorite favorite = FavoriteOf(value);
     choice = Choices::OfAction(catalog_, favorite.actionName, favorite.settings, &why, favorite.name, favorite.icon);
     choice.favorite = favorite.name;
   } else if (kind == Kind::kList || kind == Kind::kFile) {
-    choice = Choices::OfFile(catalog_, ValueOf(item), &why);
+    choice = Choices::OfFile(catalog_, value, &why);
   } else if (kind == Kind::kRecent) {
-    const RecentSettings::Entry entry = RecentSettings::All().value(item->data(0, kValueRole).toInt());
+    const RecentSettings::Entry entry = RecentSettings::All().value(value.toInt());
     choice = Choices::OfAction(catalog_, entry.actionName, entry.settings, &why);
   }
   if (!why.isEmpty()) emit problem(why);
   return choice;
 }
 
-void ActionsPanel::Choose(QTreeWidgetItem* item) {
-  if (KindOf(item) == Kind::kHeading) return;
-  if (KindOf(item) == Kind::kAction) {
-    emit actionChosen(ValueOf(item));
+void ActionsPanel::Choose(Kind kind, const QString& value) {
+  if (kind == Kind::kHeading) return;
+  if (kind == Kind::kAction) {
+    emit actionChosen(value);
     return;
   }
-  const Choice choice = ChoiceOf(item);
+  const Choice choice = ChoiceOf(kind, value);
   if (choice.IsSet()) emit choiceMade(choice);
 }
 
+// The items may be replaced while the menu is open.
 void ActionsPanel::ShowMenu(const QPoint& position) {
-  QTreeWidgetItem* const item = tree_->itemAt(position);
-  const Kind kind = KindOf(item);
+  const Kind kind = KindOf(tree_->itemAt(position));
+  const QString value = ValueOf(tree_->itemAt(position));
   if (kind == Kind::kHeading) return;
-  const QString value = ValueOf(item);
   QMenu menu(this);
-  menu.addAction(kind == Kind::kAction ? tr("Enter &Settings…") : tr("&Use"), this, [=] { Choose(item); });
+  menu.addAction(kind == Kind::kAction ? tr("Enter &Settings…") : tr("&Use"), this, [=] { Choose(kind, value); });
   if (kind == Kind::kAction) menu.addAction(tr("&Help"), this, [=] { emit helpWanted(value); });
-  if (kind == Kind::kFavorite || kind == Kind::kRecent) {
-    menu.addAction(tr("&Edit Settings…"), this, [=] {
-      const Choice choice = ChoiceOf(item);
+  const bool isList = kind == Kind::kList || (kind == Kind::kFile && Choices::IsListFile(value));
+  if (isList || kind == Kind::kFavorite || kind == Kind::kRecent) {
+    menu.addAction(isList ? tr("&Edit List…") : tr("&Edit Settings…"), this, [=] {
+      const Choice choice = ChoiceOf(kind, value);
       if (choice.IsSet()) emit editWanted(choice);
     });
   }
   if (kind == Kind::kFavorite) {
-    const Favorite favorite = FavoriteOf(item);
+    const Favorite favorite = FavoriteOf(value);
     menu.addAction(tr("&Rename…"), this, [=] { RenameFavorite(favorite); });
     menu.addSeparator();
     menu.addAction(tr("Re&move…"), this, [=] { RemoveFavorite(favorite); });
@@ -321,7 +326,7 @@ void ActionsPanel::RemoveList(const QString& file) {
   try {
     ActionList::RemoveFile(file);
   } catch (const CommandError& error) {
-    emit problem(error.Message());
+    emit problem(RecordTexts::PlainReason(error.Message()));
   }
   refresh_.start();
 }

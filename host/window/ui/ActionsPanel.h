@@ -18,6 +18,9 @@ class ActionsPanel : public QWidget {
   Q_OBJECT
 
  public:
+  // What an entry is; its value is the action's name, the file, or a recent entry's number.
+  enum class Kind { kHeading, kAction, kFavorite, kList, kFile, kRecent };
+
   // Keeps a reference to the catalog. Shows nothing before the first Refresh().
   explicit ActionsPanel(ActionCatalog& catalog, QWidget* parent = nullptr);
 
@@ -44,9 +47,9 @@ class ActionsPanel : public QWidget {
   void AddOpenedFiles();
   void AddRecent();
   void Watch();
-  void Choose(QTreeWidgetItem* item);
-  Choice ChoiceOf(QTreeWidgetItem* item);
-  Favorite FavoriteOf(const QTreeWidgetItem* item) const;
+  void Choose(Kind kind, const QString& value);
+  Choice ChoiceOf(Kind kind, const QString& value);
+  Favorite FavoriteOf(const QString& file) const;
   void ShowMenu(const QPoint& position);
   void RenameFavorite(const Favorite& favorite);
   void RemoveFavorite(const Favorite& favorite);

@@ -7,6 +7,7 @@
 #include "host/actions/ActionList.h"
 #include "host/actions/StoredSettings.h"
 #include "host/base/CommandError.h"
+#include "host/window/core/RecordTexts.h"
 #include "host/window/ui/SettingsText.h"
 
 namespace {
@@ -41,7 +42,7 @@ Choice Choices::OfAction(ActionCatalog& catalog, const QString& actionName, cons
                    .arg(actionName);
     return {};
   }
-  return {ActionChoice::Action(actionName, settings), title.isEmpty() ? action->GetDisplayName() : title,
+  return {ActionChoice::Action(actionName, settings), title.isEmpty() ? ActionText(action->GetDisplayName()) : title,
           DescribeSettings(actionName, settings), icon.isNull() ? ActionIcon(action->GetDefaultIcon()) : icon,
           QString()};
 }
@@ -70,13 +71,13 @@ Choice Choices::OfFile(ActionCatalog& catalog, const QString& file, QString* pro
         return {};
       }
       const QString settings = DescribeSettings(entry.actionName, entry.settings);
-      lines += QStringLiteral("%1. %2").arg(lines.size() + 1).arg(entry.actionName) +
+      lines += QStringLiteral("%1. %2").arg(lines.size() + 1).arg(ActionText(entry.actionName)) +
                (settings.isEmpty() ? QString() : QStringLiteral(" – ") + settings.simplified());
     }
     const QString title = list.name.isEmpty() ? QFileInfo(path).completeBaseName() : list.name;
     return {ActionChoice::List(path), title, lines.join(QLatin1Char('\n')), ListIcon(), QString()};
   } catch (const CommandError& error) {
-    *problem = error.Message();
+    *problem = RecordTexts::PlainReason(error.Message());
     return {};
   }
 }

@@ -19,6 +19,7 @@ struct Choice {
 
   bool IsSet() const { return action.kind != ActionChoice::Kind::kNone; }
   bool IsEditable() const { return action.kind == ActionChoice::Kind::kAction; }
+  bool IsList() const { return action.kind == ActionChoice::Kind::kList; }
 };
 
 // Makes choices. Functions that can fail return an unset choice and put the reason, for the user, into `*problem`.

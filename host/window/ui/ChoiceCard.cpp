@@ -46,7 +46,7 @@ ChoiceCard::ChoiceCard(QWidget* parent) : QFrame(parent) {
   details_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   title_->setTextFormat(Qt::PlainText);
 
-  edit_ = new QPushButton(tr("Edit &Settings…"));
+  edit_ = new QPushButton;
   edit_->setObjectName(QStringLiteral("editSettings"));
   favorite_ = new QToolButton;
   favorite_->setText(tr("Favorite"));
@@ -89,7 +89,8 @@ void ChoiceCard::SetChoice(const Choice& choice) {
                                    : tr("Choose above what is to be done with the files."));
   details_->setToolTip(choice.details);
   details_->setVisible(!details_->text().isEmpty());
-  edit_->setVisible(choice.IsEditable());
+  edit_->setText(choice.IsList() ? tr("Edit Li&st…") : tr("Edit &Settings…"));
+  edit_->setVisible(choice.IsEditable() || choice.IsList());
   favorite_->setVisible(choice.IsEditable());
   help_->setVisible(choice.IsEditable());
 }

@@ -12,6 +12,7 @@
 #include <QStyle>
 #include <QToolButton>
 
+#include "host/window/ui/Messages.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -90,10 +91,15 @@ void FavoriteDialog::Check() {
                                               : why);
 }
 
-bool FavoriteDialog::Ask(QWidget* parent, Favorite* favorite) {
-  FavoriteDialog dialog(parent, *favorite);
-  if (dialog.exec() != QDialog::Accepted) return false;
-  favorite->name = dialog.name_->text();
-  favorite->icon = dialog.icon_;
-  return true;
+QString FavoriteDialog::Save(QWidget* parent, Favorite favorite, bool ask) {
+  if (ask || Favorites::Exists(favorite.name) || !Favorites::NameProblem(favorite.name).isEmpty()) {
+    FavoriteDialog dialog(parent, favorite);
+    if (dialog.exec() != QDialog::Accepted) return {};
+    favorite.name = dialog.name_->text();
+    favorite.icon = dialog.icon_;
+  }
+  const QString problem = Favorites::Save(favorite);
+  if (problem.isEmpty()) return favorite.name;
+  Messages::Warn(parent, problem);
+  return {};
 }

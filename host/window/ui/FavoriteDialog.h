@@ -15,8 +15,9 @@ class FavoriteDialog : public QDialog {
   Q_OBJECT
 
  public:
-  // Begins with the favorite's name and icon. False when the user gave up.
-  static bool Ask(QWidget* parent, Favorite* favorite);
+  // Saves the favorite and returns its name; empty when the user gave up, or was told why it cannot be saved. Asks for
+  // the name and the icon if `ask`, or when the name is taken or cannot be one.
+  static QString Save(QWidget* parent, Favorite favorite, bool ask = false);
 
  private:
   FavoriteDialog(QWidget* parent, const Favorite& favorite);

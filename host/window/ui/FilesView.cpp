@@ -2,6 +2,7 @@
 #include "host/window/ui/FilesView.h"
 
 #include <algorithm>
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -85,6 +86,20 @@ class ReasonDelegate : public QStyledItemDelegate {
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
     option->textElideMode = Qt::ElideRight;
+  }
+};
+
+// Rows that cannot be seen are not painted when they change, as they do by the thousand while files are read.
+class FilesTable : public QTableView {
+ public:
+  using QTableView::QTableView;
+
+ protected:
+  void dataChanged(const QModelIndex& from, const QModelIndex& to, const QVector<int>& roles) override {
+    const int first = rowAt(0);
+    const int last = rowAt(viewport()->height() - 1);  // -1: below the last row
+    const bool isSeen = first >= 0 && to.row() >= first && (last < 0 || from.row() <= last);
+    if (isSeen || QAccessible::isActive()) QTableView::dataChanged(from, to, roles);
   }
 };
 
@@ -197,7 +212,7 @@ void FilesView::MakeTable() {
   // A row that changes stays where it is until Arrange(): a list that jumps about while it is read helps nobody.
   proxy_.setDynamicSortFilter(false);
 
-  table_ = new QTableView;
+  table_ = new FilesTable;
   table_->setObjectName(QStringLiteral("files"));
   table_->setAccessibleName(tr("Files"));
   table_->setModel(&proxy_);

@@ -6,6 +6,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "host/window/ui/SettingsText.h"
 #include "plugin/CActionInterface.h"
 #include "utils/CActionUtils.h"
 
@@ -41,12 +42,12 @@ void HelpWindow::ShowPage(QWidget* parent, CActionInterface& action) {
   // One that is being closed may still be there: its widgets are not to be those of the new one.
   if (openWindow != nullptr && !openWindow->isVisible()) delete openWindow;
   if (openWindow == nullptr) openWindow = new HelpWindow(parent);
-  openWindow->setWindowTitle(tr("Help: %1").arg(action.GetDisplayName()));
+  openWindow->setWindowTitle(tr("Help: %1").arg(ActionText(action.GetDisplayName())));
   CActionUtils::SetCurrentSection(action.GetDisplayName());
   CActionUtils::SetHelp(action.GetActionHelp());
   if (openWindow->page_->toPlainText().isEmpty()) {
     CActionUtils::SetHelpHtml(
-        tr("<p>The action \"%1\" has no help page.</p>").arg(action.GetDisplayName().toHtmlEscaped()));
+        tr("<p>The action \"%1\" has no help page.</p>").arg(ActionText(action.GetDisplayName()).toHtmlEscaped()));
   }
   openWindow->show();
   openWindow->raise();

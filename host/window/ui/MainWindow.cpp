@@ -25,14 +25,15 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 #include "host/base/PdfLibrary.h"
+#include "host/window/core/RecordTexts.h"
 #include "host/window/core/RunArguments.h"
 #include "host/window/ui/ActionsPanel.h"
 #include "host/window/ui/ChoiceCard.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/FavoriteDialog.h"
-#include "host/window/ui/Favorites.h"
 #include "host/window/ui/FilesView.h"
 #include "host/window/ui/HelpWindow.h"
+#include "host/window/ui/ListDialog.h"
 #include "host/window/ui/Messages.h"
 #include "host/window/ui/NoticeBar.h"
 #include "host/window/ui/OutputPanel.h"
@@ -254,6 +255,10 @@ void MainWindow::ConnectParts() {
     Desktop::ShowProgress(total > 0 ? static_cast<double>(done) / total : 0);
   });
   connect(&batch_, &BatchRun::finished, this, &MainWindow::OnFinished);
+  connect(&batch_, &BatchRun::reportSaved, this, [this](const QString& problem) {
+    if (problem.isEmpty()) return statusBar()->showMessage(tr("The report is saved."), 5000);
+    Messages::Warn(this, problem);
+  });
   connect(&preview_, &Preview::started, previewPanel_, &PreviewPanel::ShowBusy);
   connect(&preview_, &Preview::changed, this, [this](const PreviewData& preview) {
     const bool isAction = choice_.IsEditable();
@@ -416,9 +421,18 @@ void MainWindow::ChooseAction(const QString& actionName) {
 }
 
 void MainWindow::Edit(const Choice& choice) {
+  if (choice.IsList()) return EditList(choice.action.file);
   if (!choice.IsEditable()) return;
   const QString favorite = choice.favorite;
   if (RunSettingsDialog(choice.action.actionName, choice.action.settings, false)) choice_.favorite = favorite;
+}
+
+void MainWindow::EditList(const QString& file) {
+  if (running_ || dialogs_.IsRunning()) return;
+  const QString saved = ListDialog::Edit(this, catalog_, file);
+  if (saved.isEmpty()) return;
+  if (saved != file) RecentSettings::RemoveFile(file);
+  OpenChoiceFile(saved);
 }
 
 // Only of a file that vorlane-run has read and that is quickly opened: nothing about a file may take the window down or
@@ -436,7 +450,7 @@ std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> MainWindow::OpenDocument() {
     const std::string file = NativeName::ToBytes(model_.Row(row).path).toStdString();
     return PdfLibrary::LoadDocument(*library, file, passwords).empty() ? std::move(library) : nullptr;
   } catch (const CommandError& error) {
-    notice_->Add(error.Message());
+    notice_->Add(RecordTexts::PlainReason(error.Message()));
     return nullptr;
   }
 }
@@ -485,20 +499,14 @@ void MainWindow::SetChoice(const Choice& choice) {
   UpdatePreview();
 }
 
-// Asks for the name unless one is given, or when it cannot be used.
+// Asks for the name unless one is given.
 void MainWindow::SaveFavorite(const QString& name, const QIcon& icon) {
   if (!choice_.IsEditable()) return;
-  Favorite favorite{QString(), name, icon, choice_.action.actionName, choice_.action.settings};
-  if (name.isEmpty()) favorite.name = choice_.favorite;
-  const bool mustAsk = name.isEmpty() || Favorites::Exists(name) || !Favorites::NameProblem(name).isEmpty();
-  if (mustAsk && !FavoriteDialog::Ask(this, &favorite)) return;
-  const QString problem = Favorites::Save(favorite);
+  const QString start = name.isEmpty() ? choice_.favorite : name;
+  const QString saved = FavoriteDialog::Save(
+      this, {QString(), start, icon, choice_.action.actionName, choice_.action.settings}, name.isEmpty());
   actions_->Refresh();
-  if (!problem.isEmpty()) {
-    Messages::Warn(this, problem);
-  } else {
-    statusBar()->showMessage(tr("Saved as the favorite \"%1\"").arg(favorite.name), 5000);
-  }
+  if (!saved.isEmpty()) statusBar()->showMessage(tr("Saved as the favorite \"%1\"").arg(saved), 5000);
 }
 
 void MainWindow::ShowHelp(const QString& actionName) {
@@ -511,6 +519,11 @@ OutputChoice MainWindow::Output() const {
   OutputChoice output = output_->Output();
   output.passwords = passwords_;
   return output;
+}
+
+// A folder that was added keeps its shape below the output folder.
+QStringList MainWindow::NamesFor(const QStringList& files) const {
+  return output_->Output().inPlace ? files : model_.NamesForFolder(files);
 }
 
 QString MainWindow::ProblemOfRun() const {
@@ -532,7 +545,7 @@ void MainWindow::Run(const QStringList& files) {
   changed_.clear();
   SetRunning(true);
   output_->ShowRunning(0, static_cast<int>(files.size()));
-  batch_.Start(files, choice_.action, output);
+  batch_.Start(NamesFor(files), choice_.action, output);
 }
 
 void MainWindow::SetRunning(bool running) {
@@ -593,18 +606,19 @@ void MainWindow::OpenResults() {
 
 void MainWindow::SaveReport() {
   const QString key = QLatin1String(kReportKey);
-  const QString start = CActionUtils::GetLastVisitedLocation(key) + QStringLiteral("/report.json");
-  const QString file = QFileDialog::getSaveFileName(
-      this, tr("Save Report"), start,
-      tr("Reports (*.json)") + QStringLiteral(";;") + tr("Reports, one line for each file (*.jsonl)"));
+  const QString start = CActionUtils::GetLastVisitedLocation(key) + QStringLiteral("/report.csv");
+  const QStringList forms{tr("Tables for spreadsheets (*.csv)"), tr("Reports (*.json)"),
+                          tr("Reports, one line for each file (*.jsonl)")};
+  QString form = forms[0];
+  QString file = QFileDialog::getSaveFileName(this, tr("Save Report"), start, forms.join(QStringLiteral(";;")), &form);
   if (file.isEmpty()) return;
   CActionUtils::SaveLastVisitedLocation(key, QFileInfo(file).path());
-  const QString problem = batch_.SaveReport(file);
-  if (!problem.isEmpty()) Messages::Warn(this, problem);
+  if (QFileInfo(file).suffix().isEmpty()) file += form.mid(form.lastIndexOf(QLatin1Char('.'))).chopped(1);
+  batch_.SaveReport(file);
 }
 
 void MainWindow::CopyCommand() {
-  QApplication::clipboard()->setText(CommandText(choice_.action, Output(), model_.Paths()));
+  QApplication::clipboard()->setText(CommandText(choice_.action, Output(), NamesFor(model_.Paths())));
   statusBar()->showMessage(tr("The command is in the clipboard."), 5000);
 }
 
@@ -634,7 +648,7 @@ void MainWindow::UpdateReady() {
   run_->setEnabled(isReady);
   runSelected_->setEnabled(isReady && !files_->SelectedFiles().isEmpty());
   cancel_->setEnabled(running_);
-  edit_->setEnabled(!running_ && choice_.IsEditable());
+  edit_->setEnabled(!running_ && (choice_.IsEditable() || choice_.IsList()));
   favorite_->setEnabled(!running_ && choice_.IsEditable());
   help_->setEnabled(choice_.IsEditable());
   copyCommand_->setEnabled(problem.isEmpty());

@@ -57,6 +57,7 @@ class MainWindow : public QMainWindow {
 
   void ChooseAction(const QString& actionName);
   void Edit(const Choice& choice);
+  void EditList(const QString& file);
   // Whether settings were chosen.
   bool RunSettingsDialog(const QString& actionName, const QMap<QString, QVariant>& settings, bool withDocument);
   void UseResult(const QString& actionName, const SettingsDialogRunner::Result& result);
@@ -67,6 +68,7 @@ class MainWindow : public QMainWindow {
   void StartPending();
 
   OutputChoice Output() const;
+  QStringList NamesFor(const QStringList& files) const;
   QString ProblemOfRun() const;
   void Run(const QStringList& files);
   void Retry();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/ui/SettingsText.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 #include "host/actions/SettingsDescription.h"
@@ -10,6 +11,17 @@
 namespace {
 
 using Setting = SettingsDescription::Setting;
+
+// For lupdate: what plug-ins say of themselves is looked up by its text.
+[[maybe_unused]] constexpr const char* kActionTexts[] = {
+    QT_TRANSLATE_NOOP("ActionText", "Set Base URL"),
+    QT_TRANSLATE_NOOP("ActionText", "Make Links Absolute"),
+    QT_TRANSLATE_NOOP("ActionText", "Document Properties"),
+    QT_TRANSLATE_NOOP("ActionText", "Base URL"),
+    QT_TRANSLATE_NOOP("ActionText", "removes the base URL"),
+    QT_TRANSLATE_NOOP("ActionText", "uses the document's own base URL"),
+    QT_TRANSLATE_NOOP("ActionText", "Remove the document's base URL afterwards"),
+};
 
 // Nothing when the plug-in does not describe its settings, or does so wrongly.
 std::optional<SettingsDescription> DescriptionOf(const QString& actionName) {
@@ -31,9 +43,9 @@ QString Sentence(QString text) {
 
 // Empty for what need not be said.
 QString Describe(const Setting& setting, const QVariant& value) {
-  if (setting.type == SettingsDescription::Type::kSwitch) return value.toBool() ? setting.title : QString();
-  if (!value.toString().isEmpty()) return setting.title + QStringLiteral(": ") + value.toString();
-  return Sentence(setting.empty);
+  if (setting.type == SettingsDescription::Type::kSwitch) return value.toBool() ? ActionText(setting.title) : QString();
+  if (!value.toString().isEmpty()) return ActionText(setting.title) + QStringLiteral(": ") + value.toString();
+  return Sentence(ActionText(setting.empty));
 }
 
 // A last part with a dot is the name of a page.
@@ -44,6 +56,10 @@ bool LacksSlash(const QString& address) {
 }
 
 }  // namespace
+
+QString ActionText(const QString& text) {
+  return QCoreApplication::translate("ActionText", text.toUtf8().constData());
+}
 
 QString DescribeSettings(const QString& actionName, const QMap<QString, QVariant>& settings) {
   const std::optional<SettingsDescription> description = DescriptionOf(actionName);

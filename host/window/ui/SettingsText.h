@@ -8,6 +8,9 @@
 #include <QStringList>
 #include <QVariant>
 
+// A name or text of an action in the user's language: translated are those of the actions that come with this program.
+QString ActionText(const QString& text);
+
 // An action's settings in words, by the action's own description of them: "Base URL: https://example.org/". Each
 // setting is one line; the plug-in has to be loaded.
 QString DescribeSettings(const QString& actionName, const QMap<QString, QVariant>& settings);

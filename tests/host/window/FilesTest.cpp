@@ -120,7 +120,7 @@ TEST(FileTable, ShowsWhatFilesHold) {
   facts.signatures = 1;
   facts.certification = 1;
   facts.encrypted = true;
-  model.SetFacts({{"/f/b.pdf", facts}});
+  model.SetReadings({{"/f/b.pdf", facts, FileState::kReady, {}}});
   EXPECT_EQ(Shown(model, 0, FileTableModel::kName), "line break\xEF\xBF\xBD\xF0\x9F\x98\x80.pdf");
   EXPECT_EQ(Shown(model, 0, FileTableModel::kPages), "");
   EXPECT_EQ(Shown(model, 1, FileTableModel::kFolder), "/f");

@@ -106,6 +106,23 @@ echo "{\"arguments\":\"$*\"}")sh");
   EXPECT_TRUE(QDir(qgetenv("XDG_RUNTIME_DIR")).isEmpty());
 }
 
+// A folder for temporary files that cannot be used is passed over; without any, the message says what to do.
+TEST(RunnerProcess, FindsAFolderForItsList) {
+  const Runner runner("echo '{}'");
+  RunnerRequest request;
+  request.files = QStringList("/a.pdf");
+  const QByteArray temporary = qgetenv("TMPDIR");
+  qputenv("XDG_RUNTIME_DIR", "/nowhere");
+  EXPECT_EQ(Watched().Run(request).error, QString());
+  qputenv("TMPDIR", "/proc");
+  EXPECT_EQ(Watched().Run(request).error, QString());
+  qputenv("XDG_CACHE_HOME", "/proc/none");
+  const RunnerResult result = Watched().Run(request);
+  qputenv("TMPDIR", temporary);
+  EXPECT_FALSE(result.started);
+  EXPECT_THAT(result.error.toStdString(), HasSubstr("Free some space on the disk of one of these folders"));
+}
+
 TEST(RunnerProcess, ReadsFloodsInPieces) {
   const Runner runner(R"sh(
 yes '{"file":"a","status":"done"}' | head -n 50000

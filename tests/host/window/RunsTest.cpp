@@ -33,7 +33,7 @@ tr '\0' '\n' <"$list" | while read -r file; do
 done || kill -KILL $$)sh";
 
 QString Sample(const char* name) {
-  const QString copy = Here(name);
+  QString copy = Here(name);
   QFile::copy(QStringLiteral(VORLANE_SAMPLES "/") + QLatin1String(name), copy);
   return copy;
 }
@@ -257,11 +257,16 @@ TEST(BatchRun, WritesWhatTheCommandLineWrites) {
     EXPECT_EQ(watched.outcomes[file].baseUrl, QString("https://x/"));
   }
   EXPECT_EQ(watched.run.OutputFolders(), (QStringList{QDir::currentPath(), Here("out")}));
-  EXPECT_EQ(watched.run.SaveReport("r.json"), QString());
-  EXPECT_EQ(watched.run.SaveReport("r.jsonl"), QString());
+  QSignalSpy saved(&watched.run, &BatchRun::reportSaved);
+  for (const char* name : {"r.json", "r.jsonl", "r.csv", "missing/r.json", "missing/r.csv"}) {
+    saved.clear();
+    watched.run.SaveReport(name);
+    ASSERT_TRUE(Await([&] { return !saved.isEmpty(); }));
+    EXPECT_EQ(saved[0][0].toString().isEmpty(), *name == 'r') << name;
+  }
+  EXPECT_EQ(ReadFile("r.csv"), RunProgram({"report", "--csv", "r.jsonl"}).out);
   EXPECT_EQ(ReadReport(ReadFile("r.json")), ReadReport(ReadFile("r.jsonl")));
   EXPECT_EQ(ReadReport(ReadFile("r.json")).keys(), QStringList(watched.outcomes.keys()));
-  EXPECT_FALSE(watched.run.SaveReport("missing/r.json").isEmpty());
   EXPECT_EQ(watched.Run(files, SetBaseUrl("https://x/")).unchanged, 3);
 }
 

@@ -5,7 +5,9 @@
 #include <memory>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QDirIterator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -19,10 +21,12 @@
 #include <QtTest>
 #include <QUrl>
 
+#include "host/actions/ActionCatalog.h"
 #include "host/files/HostFolders.h"
 #include "host/window/core/FileTableModel.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/Favorites.h"
+#include "host/window/ui/ListDialog.h"
 #include "host/window/ui/MainWindow.h"
 #include "host/window/ui/SettingsDialogRunner.h"
 #include "plugin/CActionInterface.h"
@@ -150,6 +154,18 @@ class Window : public testing::Test {
       if (action->text().remove(QLatin1Char('&')) == text) return action->trigger();
     }
     FAIL() << "no command " << text.toStdString();
+  }
+
+  void RunCopiedCommand() {
+    Trigger("Copy as Command");
+    const QString command = QApplication::clipboard()->text();
+    QProcess shell;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("PATH", QFileInfo(VORLANE_RUN_FILE).path() + ':' + environment.value("PATH"));
+    shell.setProcessEnvironment(environment);
+    shell.start("sh", {"-c", command});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 0) << command.toStdString();
   }
 
   Runner runner_;
@@ -335,12 +351,72 @@ TEST_F(Window, WhatAnotherProgramWritesAppears) {
   EXPECT_TRUE(ActionListFile::All().isEmpty());
 }
 
+TEST_F(Window, AListIsEdited) {
+  const QString url = QStringLiteral("baseUrlString=");
+  for (const char* each : {"https://one/", "https://two/"}) {
+    ASSERT_EQ(RunProgram({"lists", "add", "My list", "--action", "Set Base URL", "--set", url + each}).code, 0);
+  }
+  ASSERT_EQ(RunProgram({"lists", "add", "Other", "--action", "Probe"}).code, 0);
+  QSettings(ActionListFile::PathOf("My list"), QSettings::IniFormat).setValue("Foreign", "stays");
+  ASSERT_TRUE(Await([&] { return Item("My list") && Item("Other"); }));
+  Choose("My list");
+  MeetDialog("listDialog", [](QDialog& dialog) {
+    Click(Child<QPushButton>(dialog, "stepDown"));
+    MeetSettings("https://new/");
+    Click(Child<QPushButton>(dialog, "stepSettings"));
+    MeetSettings("https://added/");
+    for (QAction* action : dialog.findChild<QMenu*>()->actions()) {
+      if (action->text() == "Set Base URL") action->trigger();
+    }
+    Child<QLineEdit>(dialog, "listName").setText("a/b");
+    EXPECT_FALSE(Child<QLabel>(dialog, "listProblem").text().isEmpty());
+    Child<QLineEdit>(dialog, "listName").setText("New name");
+    dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+  });
+  Click(Child<QPushButton>(*window_, "editSettings"));
+  const auto urls = [](const QString& file) {
+    QStringList found;
+    for (const auto& entry : ActionListFile::Read(file).entries) found += entry.settings["baseUrlString"].toString();
+    return found;
+  };
+  const QString renamed = ActionListFile::PathOf("New name");
+  EXPECT_EQ(urls(renamed), QStringList({"https://two/", "https://new/", "https://added/"}));
+  EXPECT_FALSE(QFile::exists(ActionListFile::PathOf("My list")));
+  EXPECT_EQ(QSettings(renamed, QSettings::IniFormat).value("Foreign"), "stays");
+  EXPECT_TRUE(Await([&] { return Item("New name") && !Item("My list"); }));
+  EXPECT_TRUE(Text("choiceDetails").remove(QChar(0x200b)).contains("3. "));
+
+  // Another list's name, a list that was changed meanwhile, and an empty one.
+  const QByteArray other = ReadFile(ActionListFile::PathOf("Other"));
+  MeetDialog("listDialog", [&](QDialog& dialog) {
+    auto* save = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save);
+    Child<QLineEdit>(dialog, "listName").setText("Other");
+    MeetBox("confirm", false);
+    save->click();
+    Child<QLineEdit>(dialog, "listName").setText("New name");
+    ASSERT_EQ(RunProgram({"lists", "add", "New name", "--action", "Probe"}).code, 0);
+    MeetBox("confirm", false);
+    save->click();
+    for (int i = 0; i < 3; ++i) Click(Child<QPushButton>(dialog, "stepRemove"));
+    EXPECT_FALSE(save->isEnabled());
+    dialog.reject();
+  });
+  UseMenu("New name", QString::fromUtf8("Edit List…"));
+  EXPECT_EQ(ReadFile(ActionListFile::PathOf("Other")), other);
+  EXPECT_EQ(urls(renamed).size(), 4);
+
+  WriteFile("damaged.xqq", "[General]\nActionName0=A\nActionName2=B\n");
+  MeetBox("warning", false);
+  ActionCatalog none({});
+  EXPECT_EQ(ListDialog::Edit(window_.get(), none, "damaged.xqq"), QString());
+}
+
 TEST_F(Window, ListsAndSettingsFilesAreOpened) {
   Open(MakePdfs({"a.pdf"}));
   window_->Open({QStringLiteral(VORLANE_SAMPLES "/Set_Base_URL.xqq")});
   EXPECT_NE(Item("Set_Base_URL"), nullptr);
   EXPECT_TRUE(Child<QPushButton>(*window_, "run").isEnabled());
-  EXPECT_FALSE(IsShown("editSettings")) << "a list has no settings of its own";
+  EXPECT_EQ(Child<QPushButton>(*window_, "editSettings").text(), QString::fromUtf8("Edit Li&st…"));
 
   QSettings file("kept.tsf", QSettings::IniFormat);
   file.setValue("ToolSettings", QVariantMap{{"ActionName", "Set Base URL"}, {"baseUrlString", kUrl}});
@@ -402,6 +478,31 @@ TEST_F(Window, AFolderThatCannotBeWrittenIsReportedForEachFileAndNothingIsLost) 
   ASSERT_TRUE(Await([&] { return IsShown("openResults"); }));
   EXPECT_EQ(ReadFile("a.pdf"), original);
   EXPECT_EQ(BaseUrlOf("out/a.pdf"), kUrl);
+}
+
+TEST_F(Window, AnAddedFolderKeepsItsShapeInTheOutputFolder) {
+  MakePdfs({"in/a.pdf", "in/x/a.pdf", "in/x/y/a.pdf", "other/b.pdf", "single/c.pdf"});
+  window_->Open({"in/.", "./other//", Here("single/c.pdf")});
+  ASSERT_TRUE(AwaitAll(FileState::kReady));
+  EXPECT_EQ(Model().Row(1).path, Here("in/x/a.pdf"));
+  ChooseUrl();
+  Child<QComboBox>(*window_, "place").setCurrentIndex(2);
+  const QStringList results{"a.pdf", "b.pdf", "c.pdf", "x/a.pdf", "x/y/a.pdf"};
+  for (const char* folder : {"window", "shell"}) {
+    Child<QLineEdit>(*window_, "outputFolder").setText(Here(folder));
+    if (folder == std::string("shell")) {
+      RunCopiedCommand();
+    } else {
+      Run();
+      ASSERT_TRUE(AwaitAll(FileState::kDone));
+    }
+    QStringList found;
+    for (QDirIterator file(folder, QDir::Files, QDirIterator::Subdirectories); file.hasNext();) {
+      found += file.next().section('/', 1);
+    }
+    found.sort();
+    EXPECT_EQ(found, results) << folder;
+  }
 }
 
 TEST_F(Window, AKilledRunLeavesTheWindowAndSaysWhatToDo) {
@@ -477,15 +578,7 @@ TEST_F(Window, FilesArePastedFilteredCopiedAndTakenOffTheList) {
 TEST_F(Window, ItsCommandDoesTheSameInAShell) {
   Open(MakePdfs({"a b's.pdf"}));
   ChooseUrl();
-  Trigger("Copy as Command");
-  const QString command = QApplication::clipboard()->text();
-  QProcess shell;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("PATH", QFileInfo(VORLANE_RUN_FILE).path() + ':' + environment.value("PATH"));
-  shell.setProcessEnvironment(environment);
-  shell.start("sh", {"-c", command});
-  ASSERT_TRUE(shell.waitForFinished());
-  EXPECT_EQ(shell.exitCode(), 0) << command.toStdString();
+  RunCopiedCommand();
   EXPECT_EQ(BaseUrlOf("a b's.pdf"), kUrl);
   EXPECT_TRUE(QFile::exists("a b's.pdf.bak"));
 }

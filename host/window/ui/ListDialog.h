@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QDialog>
+
+#include "host/window/ui/SettingsDialogRunner.h"
+#include "utils/ActionListFile.h"
+
+class ActionCatalog;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+// Edits an action list: its name, its actions, their order and their settings.
+class ListDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  // Returns the list's file, which a new name may have changed; empty when nothing was saved.
+  static QString Edit(QWidget* parent, ActionCatalog& catalog, const QString& file);
+
+ private:
+  ListDialog(QWidget* parent, ActionCatalog& catalog, const QString& file);
+  QWidget* MakeButtons();
+  void Show(int current);
+  void Update();
+  void Add(const QString& actionName);
+  void EditSettings();
+  void Move(int by);
+  void Remove();
+  // Whether settings were entered.
+  bool Ask(ActionListFile::Entry& entry);
+  QString Problem() const;
+  bool MayReplace();
+  void Save();
+
+  ActionCatalog& catalog_;
+  QString file_;
+  const ActionListFile before_;
+  ActionListFile list_;
+  SettingsDialogRunner dialogs_;
+  QLineEdit* name_;
+  QListWidget* steps_;
+  QLabel* problem_;
+  QPushButton* add_;
+  QPushButton* settings_;
+  QPushButton* up_;
+  QPushButton* down_;
+  QPushButton* remove_;
+  QPushButton* save_;
+};
