@@ -44,7 +44,8 @@ FileFacts FactsOf(const QJsonObject& json) {
 
 }  // namespace
 
-FactsReader::FactsReader(FileTableModel& model, QObject* parent) : QObject(parent), model_(model), most_(kMostFiles) {
+FactsReader::FactsReader(FileTableModel& model, const TimeLimits& limits, QObject* parent)
+    : QObject(parent), model_(model), limits_(limits), most_(kMostFiles) {
   begin_.setSingleShot(true);
   connect(&begin_, &QTimer::timeout, this, &FactsReader::Begin);
   connect(&runner_, &RunnerProcess::recordsReceived, this, &FactsReader::Take);
@@ -80,15 +81,6 @@ void FactsReader::SetPaused(bool paused) {
     runner_.Kill();
   }
   if (!paused) BeginSoon();
-}
-
-void FactsReader::SetTimeLimits(std::chrono::seconds file, std::chrono::milliseconds silence) {
-  fileLimit_ = file;
-  silenceLimit_ = silence;
-}
-
-bool FactsReader::IsReading() const {
-  return runner_.IsRunning();
 }
 
 int FactsReader::Left() const {
@@ -145,10 +137,10 @@ void FactsReader::Begin() {
   model_.SetReading(inHand_);
   RunnerRequest request;
   request.arguments = QStringList{QStringLiteral("show"), QStringLiteral("--json"), QStringLiteral("--timeout"),
-                                  QString::number(fileLimit_.count())};
+                                  QString::number(limits_.file.count())};
   request.files = inHand_;
   request.passwords = passwords_;
-  request.silenceLimit = silenceLimit_;
+  request.silenceLimit = limits_.silence;
   runner_.Start(request);
 }
 

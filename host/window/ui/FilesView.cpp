@@ -22,6 +22,7 @@
 #include "host/window/core/FileTableModel.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/MutedLabel.h"
+#include "host/window/ui/WrappingRow.h"
 
 namespace {
 
@@ -132,14 +133,18 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   connect(files, &QPushButton::clicked, this, &FilesView::addFilesWanted);
   connect(folder, &QPushButton::clicked, this, &FilesView::addFolderWanted);
 
-  auto* const bar = new QWidget;
-  auto* const row = new QHBoxLayout(bar);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->addWidget(files);
-  row->addWidget(folder);
-  row->addStretch(1);
-  row->addWidget(count_);
-  row->addWidget(filter_, 1);
+  auto* const buttons = new QWidget;
+  auto* const buttonRow = new QHBoxLayout(buttons);
+  buttonRow->setContentsMargins(0, 0, 0, 0);
+  buttonRow->addWidget(files);
+  buttonRow->addWidget(folder);
+  buttonRow->addStretch(1);
+  auto* const search = new QWidget;
+  auto* const searchRow = new QHBoxLayout(search);
+  searchRow->setContentsMargins(0, 0, 0, 0);
+  searchRow->addWidget(count_);
+  searchRow->addWidget(filter_);
+  filter_->setMinimumWidth(fontMetrics().averageCharWidth() * 32);
 
   MakeTable();
   pages_ = new QStackedWidget;
@@ -147,7 +152,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   auto* const full = new QWidget;
   auto* const fullLayout = new QVBoxLayout(full);
   fullLayout->setContentsMargins(0, 0, 0, 0);
-  fullLayout->addWidget(bar);
+  fullLayout->addWidget(new WrappingRow(buttons, search));
   fullLayout->addWidget(table_);
   pages_->addWidget(full);
   auto* const layout = new QVBoxLayout(this);
@@ -180,7 +185,11 @@ QWidget* FilesView::MakeEmptyPage() {
   QFont large = font();
   large.setPointSizeF(large.pointSizeF() * 1.5);
   title->setFont(large);
+  title->setWordWrap(true);
+  title->setAlignment(Qt::AlignCenter);
   auto* const hint = new MutedLabel(tr("Nothing is changed before you press Run."));
+  hint->setWordWrap(true);
+  hint->setAlignment(Qt::AlignCenter);
   auto* const files = new QPushButton(tr("A&dd Files…"));
   files->setObjectName(QStringLiteral("addFirstFiles"));
   auto* const folder = new QPushButton(tr("Add F&older…"));
@@ -194,9 +203,9 @@ QWidget* FilesView::MakeEmptyPage() {
   buttons->addStretch(1);
   auto* const layout = new QVBoxLayout(page);
   layout->addStretch(1);
-  layout->addWidget(title, 0, Qt::AlignHCenter);
+  layout->addWidget(title);
   layout->addLayout(buttons);
-  layout->addWidget(hint, 0, Qt::AlignHCenter);
+  layout->addWidget(hint);
   layout->addStretch(1);
   layout->setSpacing(fontMetrics().height());
   return page;
