@@ -293,6 +293,8 @@ TEST_F(WindowOnX, TwoWindowsOpenAtOnceAndEachClosesAlone) {
     programs.back()->start(VORLANE_ACTIONS_FILE, {QDir(folder).absolutePath()});
   }
   XUser::Run([&](XUser&) {
+    // A window that comes later would take the keys.
+    for (const auto& program : programs) Activate(*program, "^PDF Actions$");
     for (const auto& program : programs) {
       Activate(*program, "^PDF Actions$");
       XUser::Press("ctrl+q");
