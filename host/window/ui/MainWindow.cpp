@@ -156,7 +156,7 @@ void MainWindow::MakeMenus() {
   QMenu* const file = menuBar()->addMenu(tr("&File"));
   add(file, tr("Add &Files…"), QKeySequence::Open, [this] { AddFiles(); });
   add(file, tr("Add F&older…"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_O), [this] { AddFolder(); });
-  add(file, tr("Open Action &List or Settings…"), QKeySequence(Qt::CTRL + Qt::Key_L), [this] { OpenChoice(); });
+  add(file, tr("Open Action &List or Settings…"), QKeySequence(int{Qt::CTRL} + Qt::Key_L), [this] { OpenChoice(); });
   file->addSeparator();
   add(file, tr("&New Window"), QKeySequence::New, [] {
     auto* const window = new MainWindow;
@@ -178,7 +178,7 @@ void MainWindow::MakeMenus() {
   });
 
   QMenu* const action = menuBar()->addMenu(tr("&Action"));
-  run_ = add(action, tr("&Run"), QKeySequence(Qt::CTRL + Qt::Key_Return), [this] { Run(model_.Paths()); });
+  run_ = add(action, tr("&Run"), QKeySequence(int{Qt::CTRL} + Qt::Key_Return), [this] { Run(model_.Paths()); });
   runSelected_ = add(action, tr("Run on &Selected Files"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Return),
                      [this] { Run(files_->SelectedFiles()); });
   cancel_ = add(action, tr("&Cancel the Run"), QKeySequence::Cancel, [this] {
@@ -186,8 +186,8 @@ void MainWindow::MakeMenus() {
     batch_.Cancel();
   });
   action->addSeparator();
-  edit_ = add(action, tr("&Edit Settings…"), QKeySequence(Qt::CTRL + Qt::Key_E), [this] { Edit(choice_); });
-  favorite_ = add(action, tr("Save as &Favorite…"), QKeySequence(Qt::CTRL + Qt::Key_D),
+  edit_ = add(action, tr("&Edit Settings…"), QKeySequence(int{Qt::CTRL} + Qt::Key_E), [this] { Edit(choice_); });
+  favorite_ = add(action, tr("Save as &Favorite…"), QKeySequence(int{Qt::CTRL} + Qt::Key_D),
                   [this] { SaveFavorite(QString(), choice_.icon); });
   password_ = add(action, tr("Enter &Password…"), QKeySequence(), [this] { AskPassword(); });
   action->addSeparator();
