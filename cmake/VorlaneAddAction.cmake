@@ -53,7 +53,7 @@ function(vorlane_add_action)
   install(TARGETS ${arg_NAME} LIBRARY DESTINATION lib/vorlane/Tools COMPONENT runtime)
 endfunction()
 
-# Makes the settings file a resource under the target's name, so that two plug-ins in one process do not meet.
+# Makes the settings file a resource under the target's name, so that two plug-ins in one process have different ones.
 macro(_vorlane_add_settings)
   get_filename_component(settings ${arg_SETTINGS} ABSOLUTE)
   _vorlane_check_settings(${settings})

@@ -7,16 +7,16 @@ function(vorlane_compile_options target)
   endif()
   if(VORLANE_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
-    # PUBLIC: whoever links an instrumented static library needs the run time too.
-    # The sanitizer opens libraries in the caller's place: only the program's older kind of run path then still counts.
+    # PUBLIC: a target that links an instrumented static library needs the run time too.
+    # The sanitizer's dlopen() replaces the caller's: then only the program's older kind of run path is searched.
     target_link_options(${target} PUBLIC -fsanitize=address,undefined -Wl,--disable-new-dtags)
   endif()
   if(VORLANE_SANITIZE_THREADS)
     target_compile_options(${target} PRIVATE -fsanitize=thread -O1 -g)
     target_link_options(${target} PUBLIC -fsanitize=thread)
   endif()
-  # The counters are not atomic, which would take nine times as long in tight loops: the test of threads does not run with
-  # them. The tests are counted too, for the headers' inline functions that they alone call.
+  # The counters are not atomic, so the test of threads is left out; atomic ones would take nine times as long in tight
+  # loops. The tests are counted too, for inline functions that only they call.
   if(VORLANE_COVERAGE)
     target_compile_options(${target} PRIVATE --coverage)
     target_link_options(${target} PUBLIC --coverage)

@@ -60,15 +60,14 @@ class CFramelessHandler : public QObject {
   /// every event goes on to the watched object. Does nothing before activateOn().
   bool eventFilter(QObject* watched, QEvent* event) override;
 
-  /// The decisions, without a window.
-  /// The frame after the zone in `pressed` was dragged to `globalPos`; the axis that would fall below the minimum
-  /// keeps its extent. Empty when the drag turns the frame inside out.
+  /// The frame after the zone in `pressed` was dragged to `globalPos`; an axis that would fall below the minimum keeps
+  /// its extent. No value when an edge was dragged past the opposite one.
   static std::optional<QRect> resizedFrame(const CCursorPosCalculator& pressed, const QRect& frame,
                                            const QSize& minimumSize, const QPoint& globalPos);
-  /// The cursor that announces a resize at the point, if any.
+  /// The resize cursor for the zones in `hovered`; no value when it is on no edge.
   static std::optional<Qt::CursorShape> resizeCursor(const CCursorPosCalculator& hovered);
-  /// Where a window that was dragged out of the maximized state goes: under the cursor, but not beyond the sides of a
-  /// screen `availableWidth` wide, with its shadow margin off-screen.
+  /// The position of a window that is dragged out of the maximized state: under the cursor, but within the sides of a
+  /// screen that is `availableWidth` wide; the shadow margin may be outside.
   static QPoint restoredTopLeft(int cursorX, int frameWidth, int availableWidth);
 
  Q_SIGNALS:

@@ -38,8 +38,8 @@ void CSaveAsActionlistDialog::on_Save() {
 }
 
 void CSaveAsActionlistDialog::keyPressEvent(QKeyEvent* event) {
-  // Return in the name field has saved through the Save button by the time it arrives here; a second save would
-  // append the action twice, or overwrite the list with a map that has already lost its action's name.
+  // Return in the name field saves through the Save button before it arrives here. A second save would append the
+  // action twice, or overwrite the list with a map that no longer has the action's name.
   const bool saved = result() == QDialog::Accepted;
   if (!saved && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) on_Save();
   QDialog::keyPressEvent(event);

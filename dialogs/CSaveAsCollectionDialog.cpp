@@ -19,7 +19,7 @@ constexpr QSize kIconSize(128, 128);
 CSaveAsCollectionDialog::CSaveAsCollectionDialog(QWidget* parent, Qt::WindowFlags) : CVorlaneDialog(parent, false) {
   ui.setupUi(this);
   VDtitleLabel->setText(windowTitle());
-  // The row is narrower than the form's hints add up to; the room is missing from the spacer, not from a button's text.
+  // The widths in the form add up to more than the row has. The spacer gives way, so that the buttons keep their texts.
   ui.horizontalSpacer->changeSize(0, 20, QSizePolicy::Expanding, QSizePolicy::Minimum);
   VDaddMainWidget(ui.main_widget, true);
   if (height() < kMinimumHeight) setFixedHeight(kMinimumHeight);
@@ -43,7 +43,7 @@ void CSaveAsCollectionDialog::on_UpdateUI() {
 void CSaveAsCollectionDialog::on_Save() {
   if (!ui.saveButton->isEnabled() || !settings) return;
   settings->insert(QString("CollectionName"), ui.collectionNameLineEdit->text());
-  // Opens the settings history for the host and leaves it open: deliberately neither used here nor freed.
+  // Opens the settings history for the host. It is deliberately neither used here nor freed.
   // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): reported where the last reference ends.
   new CActionHistoryAPI(parent() ? parent()->objectName() : QString());
   accept();
@@ -61,7 +61,7 @@ void CSaveAsCollectionDialog::on_SaveToFile() {
   const QString file = QFileDialog::getSaveFileName(this, tr("Save Tool settings to file"), QDir::homePath(),
                                                     tr("Tool Settings Files (*.tsf)"));
   if (!settings) return;
-  const QMap<QString, QVariant> values = *settings;  // the dialog may end with reject()
+  const QMap<QString, QVariant> values = *settings;  // the map may be gone after reject()
   reject();
   if (file.isEmpty()) return;
   SettingsFile::Change(file, [&values](QSettings& tool) { tool.setValue(QString("ToolSettings"), values); });

@@ -23,7 +23,7 @@ QString geometryKey(const QObject& dialog) {
   return dialog.objectName() + QString("geometry");
 }
 
-// Runs and destroys a dialog that a settings dialog has made; false when it was destroyed together with that one.
+// Runs and destroys a save dialog; false when it was destroyed meanwhile, together with the settings dialog.
 template <class SaveDialog>
 bool runSaveDialog(const QPointer<SaveDialog> dialog, QMap<QString, QVariant>* settings) {
   dialog->setWindowFlags(dialog->windowFlags() & ~Qt::WindowContextHelpButtonHint);
@@ -63,7 +63,7 @@ void CSettingsDialogUtils::RunFavoritesDialog(CVorlaneDialog* dialog, QMap<QStri
                      QIcon::Off);
   auto* const favorites = new CSaveAsCollectionDialog(dialog);
   favorites->SetCollectionIcon(favorite);
-  // Past any override, unlike an action list.
+  // Not by an override of reject(), unlike after an action list.
   if (runSaveDialog<CSaveAsCollectionDialog>(favorites, settings)) dialog->QDialog::reject();
 }
 

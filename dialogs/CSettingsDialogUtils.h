@@ -24,20 +24,20 @@ class CSettingsDialogUtils {
 
   /// After the form's setupUi: puts the window's title into the header and the form into the content area, at its own
   /// fixed size, adds the toolbar's and the close button, and, under a preview window, restores the remembered
-  /// geometry. Afterwards every widget of the form has its size; set up pickers and whatever else needs it there.
+  /// geometry. Afterwards every widget of the form has its size; set up pickers, which need it, there.
   static void Complete(CVorlaneDialog* dialog, QWidget* form);
   /// Under a preview window, stores the dialog's geometry under its object name. A file that cannot be written is not
   /// reported.
   static void RememberGeometry(const CVorlaneDialog* dialog);
 
-  /// Asks for an action list, stores what the dialog's GetPrefs returns in it, and rejects the dialog.
+  /// Runs "Add To Action" with the settings that the dialog's GetPrefs writes, then rejects the dialog.
   template <class SettingsDialog>
   static void AddToActionList(SettingsDialog* dialog) {
     QMap<QString, QVariant> settings;
     dialog->GetPrefs(&settings);
     RunActionListDialog(dialog, &settings);
   }
-  /// Asks for a favorite's name, or for a file for what GetPrefs returns, and rejects the dialog.
+  /// Runs "Add To Favorites" with the settings that the dialog's GetPrefs writes, then rejects the dialog.
   template <class SettingsDialog>
   static void AddToFavorites(SettingsDialog* dialog) {
     QMap<QString, QVariant> settings;

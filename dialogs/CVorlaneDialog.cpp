@@ -83,13 +83,13 @@ QString resource(const char* file) {
   return QString(":/Vorlane/Resources/") + QLatin1String(file);
 }
 
-// Where the window's centre is the reference's; of two middle pixels of either, the one before.
+// The position at which the window's centre is that of the reference. Of two middle pixels the first one counts.
 QPoint centredTopLeft(const QRect& window, const QRect& reference) {
   return {(reference.left() + reference.right()) / 2 - (window.right() - window.left()) / 2,
           (reference.top() + reference.bottom()) / 2 - (window.bottom() - window.top()) / 2};
 }
 
-// A text of the header, at most as high as the header. Where room is short, one that may shrink ends in an ellipsis.
+// A text in the header, in a font that fits its height. With `mayShrink` it ends in an ellipsis where room is short.
 class HeaderLabel : public QLabel {
  public:
   HeaderLabel(QWidget* header, bool mayShrink) : QLabel(header), mayShrink_(mayShrink) {
@@ -119,8 +119,7 @@ class HeaderLabel : public QLabel {
   const bool mayShrink_;
 };
 
-// The form is white whatever the application's palette is, so its texts are black; one with a colour of its own keeps
-// it.
+// The form is white in every palette, so its texts are black. A widget with a text colour of its own keeps it.
 void writeBlackOnWhite(const QWidget* form) {
   for (QWidget* child : form->findChildren<QWidget*>()) {
     if (!qobject_cast<QLabel*>(child) && !qobject_cast<QGroupBox*>(child) && !qobject_cast<QRadioButton*>(child) &&
@@ -135,14 +134,14 @@ void writeBlackOnWhite(const QWidget* form) {
   }
 }
 
-// A least width set in the form may be less than what a large font needs. A fixed width stays.
+// A minimum width that the form sets may be too small for a large font. A fixed width stays.
 void keepTextWhole(QAbstractButton* button) {
   if (button->minimumWidth() == 0 || button->minimumWidth() == button->maximumWidth()) return;
   const int text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
   if (text + 2 * kButtonPadding > button->minimumWidth()) button->setMinimumWidth(button->minimumSizeHint().width());
 }
 
-// The style sheet puts a group's title at a fixed place, so a large one would cover what is in the group.
+// The style sheet puts a group's title at a fixed place, where a large one would cover the group's content.
 void keepTitleFree(QGroupBox* group) {
   if (!group->layout() || group->title().isEmpty()) return;
   QStyleOptionGroupBox option;
@@ -330,7 +329,7 @@ void CVorlaneDialog::applyContext(Context context) {
 }
 
 bool CVorlaneDialog::VDisInPreview() const {
-  // A dialog that was given another parent may have outlived the window.
+  // After setParent() the preview window may be gone.
   QObject* ancestor = parent();
   while (ancestor && ancestor != previewParent) ancestor = ancestor->parent();
   return ancestor && ancestor->objectName() == kPreviewName;
@@ -344,7 +343,7 @@ QSize CVorlaneDialog::roomFor(const QWidget* form, const QSize& stated) {
   resize(stated.expandedTo(VDMainVerticalLayout->totalMinimumSize()));
   layOut(this);
   for (auto* label : form->findChildren<QLabel*>()) {
-    // A layout takes one line for the least height of a text of several.
+    // A layout takes one line as the minimum height of a text of several lines.
     if (label->wordWrap()) label->setMinimumHeight(label->heightForWidth(label->width()));
   }
   layOut(this);
@@ -353,7 +352,7 @@ QSize CVorlaneDialog::roomFor(const QWidget* form, const QSize& stated) {
 
 void CVorlaneDialog::VDaddMainWidget(QWidget* form, bool fixedSize) {
   if (!form) return;
-  // A fixed width leaves out the frame's extra width on purpose.
+  // A fixed size deliberately leaves out the extra width.
   const QSize frame(fixedSize ? 0 : frameExtraWidth, frameExtraHeight);
   const QSize stated = form->size() + frame;
   VDcontentWidget->layout()->addWidget(form);

@@ -31,22 +31,22 @@ class CVorlaneDialog : public QDialog {
   CVorlaneDialog(QWidget* parent, bool flag);
   ~CVorlaneDialog() override;
 
-  /// Puts the form, at the size it has, into the content area; sizes the dialog around it and centres it on the preview
-  /// window or else on the primary screen. A fixed size is the form's own width and the dialog's height; otherwise that
-  /// size is the minimum. Where the form needs more, as with a large font, the dialog is that much larger. Texts of the
-  /// form's labels, group boxes, radio buttons and check boxes become black, unless they have a colour of their own.
-  /// Afterwards every widget of the form has its geometry. Null does nothing.
+  /// Puts the form into the content area. The dialog gets the form's size plus the shell's, and more where the form
+  /// needs it, as with a large font; it is centred on the preview window or else on the primary screen. With
+  /// `fixedSize` it cannot be resized, and its width is the form's alone; otherwise its size is the minimum. Texts of
+  /// the form's labels, group boxes, radio buttons and check boxes become black, unless they have a colour of their
+  /// own. Afterwards every widget of the form has its geometry. Null does nothing.
   void VDaddMainWidget(QWidget* form, bool fixedSize);
   /// Adds the header's close button, which rejects the dialog.
   void VDaddCloseButton();
-  /// The add-to-action-list and the add-to-favorites button. The subclass provides their slots on_VDShowSaveDialog()
-  /// and on_VDShowSaveCollectionDialog().
+  /// Adds the add-to-action-list and the add-to-favorites button. The subclass provides their slots
+  /// on_VDShowSaveDialog() and on_VDShowSaveCollectionDialog().
   void VDaddTopButtons();
   /// Hides the add-to-action-list button, as a host can ask for; does nothing before VDaddTopButtons.
   void VDhideAddToActionListButton();
 
  public Q_SLOTS:
-  /// Runs the dialog modally; QDialog::Accepted or QDialog::Rejected.
+  /// Runs the dialog modally and returns QDialog::Accepted or QDialog::Rejected.
   int exec() override;
 
  protected:

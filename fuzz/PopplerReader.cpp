@@ -6,7 +6,9 @@
 #include <poppler/TextOutputDev.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <set>
 
 #include "fuzz/Readers.h"
 
@@ -42,10 +44,19 @@ std::string TextOf(PDFDoc& document, int number) {
   return Words(text);
 }
 
+std::set<std::string>& MessagesOfMissing() {
+  static std::set<std::string> messages;
+  return messages;
+}
+
+void NoteMissing(ErrorCategory, Goffset, const char* message) {
+  if (std::strstr(message, "Invalid XRef entry") != nullptr) MessagesOfMissing().insert(message);
+}
+
 }  // namespace
 
 Reading ReadWithPoppler(const std::string& file) {
-  setErrorCallback([](ErrorCategory, Goffset, const char*) {});
+  setErrorCallback(NoteMissing);
   if (!globalParams) globalParams = std::make_unique<GlobalParams>();
   PDFDoc document(std::make_unique<GooString>(file));
   Reading reading;
@@ -56,5 +67,6 @@ Reading ReadWithPoppler(const std::string& file) {
     std::string text = TextOf(document, page);
     reading.pages.push_back({std::move(text), HashOf(Words(ContentOf(document, page)))});
   }
+  reading.notFound = MessagesOfMissing().size();
   return reading;
 }

@@ -72,6 +72,10 @@ Reading ReadWithQpdf(const std::string& file) {
       const std::uint64_t hash = HashOf(Words(content));
       reading.pages.push_back({std::move(content), hash});
     }
+    for (const QPDFExc& warning : pdf.getWarnings()) {
+      const std::string text = warning.getMessageDetail();
+      if (text.find("unknown encryption filter for strings") != std::string::npos) reading.doubtfulStrings = true;
+    }
     reading.opened = true;
   } catch (const std::exception&) {
     // Not opened.

@@ -69,6 +69,16 @@ std::vector<std::string> WordsMissing(const std::string& before, const std::stri
   return missing;
 }
 
+std::string WordsOfBoth(const std::string& a, const std::string& b) {
+  const auto one = SortedWords(a);
+  const auto other = SortedWords(b);
+  std::vector<std::string> both;
+  std::set_intersection(one.begin(), one.end(), other.begin(), other.end(), std::back_inserter(both));
+  std::string text;
+  for (const std::string& word : both) text += word + ' ';
+  return text;
+}
+
 std::string LostText(std::size_t page, const std::string& before, const std::string& after) {
   std::string missing;
   for (const std::string& word : WordsMissing(before, after)) missing += missing.empty() ? word : ' ' + word;
@@ -83,6 +93,8 @@ std::string Reading::ToBytes() const {
   Put(bytes, opened);
   Put(bytes, objects);
   Put(bytes, pageCount);
+  Put(bytes, notFound);
+  Put(bytes, doubtfulStrings);
   PutText(bytes, baseUrl);
   Put(bytes, pages.size());
   for (const PageReading& page : pages) {
@@ -98,6 +110,8 @@ Reading Reading::FromBytes(const std::string& bytes) {
   reading.opened = parts.Next<bool>();
   reading.objects = parts.Next<std::uint64_t>();
   reading.pageCount = parts.Next<std::uint64_t>();
+  reading.notFound = parts.Next<std::uint64_t>();
+  reading.doubtfulStrings = parts.Next<bool>();
   reading.baseUrl = parts.NextText();
   const auto count = parts.Next<std::size_t>();
   for (std::size_t page = 0; page < count; ++page) {
@@ -160,11 +174,8 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
   if (after.objects < before.objects) return false;
   for (std::size_t page = 0; page < count; ++page) {
     if (Words(after.pages[page].text) == Words(undamaged.pages[page].text)) continue;
-    std::string missing;
-    for (const std::string& word : WordsMissing(before.pages[page].text, after.pages[page].text)) missing += word + ' ';
-    const auto words = SortedWords(missing);
-    const auto misread = WordsMissing(missing, undamaged.pages[page].text);
-    if (misread.size() < words.size()) return false;
+    const std::string right = WordsOfBoth(before.pages[page].text, undamaged.pages[page].text);
+    if (!WordsMissing(right, after.pages[page].text).empty()) return false;
   }
   return true;
 }

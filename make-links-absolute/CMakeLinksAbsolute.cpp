@@ -14,8 +14,8 @@
 
 namespace {
 
-// What the link is to be; nothing for a relative one without a base URL. What stays is rewritten in ASCII where viewers
-// would not read its string alike.
+// The link's new text; no value for a relative link without a base URL. A link that stays is only rewritten in ASCII,
+// if viewers read its string in different encodings.
 std::optional<QString> NewUri(const QString& base, const DocumentLink& link) {
   const bool stays = link.uri.startsWith('#') || !IsRelativeLink(link.uri);
   if (!stays) return ResolvedLink(base, link.uri);
@@ -43,7 +43,7 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
   if (base.isEmpty()) base = QString::fromStdWString(document.GetBaseURL());
 
   int left = 0;
-  bool anchors = false;  // links within the document; they stay, and need the base URL that they have
+  bool anchors = false;  // links such as "#top"; they stay, and still need the base URL
   std::optional<DocumentLink> failed;
   const int error = VisitDocumentLinks(document, [&](const DocumentLink& link) {
     if (failed) return;
@@ -55,7 +55,7 @@ int CMakeLinksAbsolute::WorkProc(WorkProcInfoStruct* info) {
       if (SetDocumentLink(document, link, *target) != 0) failed = link;
     }
   });
-  // Once more, so that the last call is the one that failed: a host sees no other sign of it.
+  // Once more, so that the failed call is the last one: a host looks at the last error only.
   if (failed) {
     SetDocumentLink(document, *failed, NewUri(base, *failed).value_or(QString()));
     return 0;

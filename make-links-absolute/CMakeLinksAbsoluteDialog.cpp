@@ -7,7 +7,7 @@
 
 CMakeLinksAbsoluteDialog::CMakeLinksAbsoluteDialog(QWidget* parent) : CVorlaneDialog(parent, true) {
   ui.setupUi(this);
-  // As in the other settings dialogs; the style adds icons.
+  // The button box adds icons, which the other settings dialogs do not have.
   for (QAbstractButton* const button : ui.buttonBox->buttons()) {
     button->setIcon(QIcon());
     button->setMinimumWidth(75);

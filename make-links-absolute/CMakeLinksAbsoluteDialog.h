@@ -7,7 +7,7 @@
 #include "dialogs/CVorlaneDialog.h"
 #include "ui_MakeLinksAbsoluteDialog.h"
 
-/// Edits the settings "base" and "removeBase".
+/// Edits the settings "base" and "removeBase"; a settings dialog as CSettingsDialogUtils describes one.
 class CMakeLinksAbsoluteDialog : public CVorlaneDialog {
   Q_OBJECT
 

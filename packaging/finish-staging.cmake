@@ -24,8 +24,8 @@ execute_process(COMMAND strip --strip-unneeded --remove-section=.comment ${binar
 execute_process(COMMAND strip --strip-debug --remove-section=.comment --enable-deterministic-archives ${archives}
   COMMAND_ERROR_IS_FATAL ANY)
 
-# Not CPack's own call of dpkg-shlibdeps, with which come maintainer scripts that run ldconfig for the sake of libraries
-# below /usr/lib/vorlane, where ldconfig does not look.
+# Not by CPack, whose call of dpkg-shlibdeps also makes maintainer scripts that run ldconfig; it has nothing to do for
+# libraries below /usr/lib/vorlane.
 set(control ${CPACK_TOPLEVEL_DIRECTORY}/debian/control)
 file(WRITE ${control} "Source: any\n\nPackage: any\nArchitecture: any\n")
 execute_process(COMMAND dpkg-shlibdeps -O ${binaries} WORKING_DIRECTORY ${CPACK_TOPLEVEL_DIRECTORY}

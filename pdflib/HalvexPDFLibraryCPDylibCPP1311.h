@@ -12,16 +12,14 @@
 /// Access to the PDF library: opens the library file at run time, makes one library instance and forwards every call.
 ///
 /// State: fixed by the constructor. LibraryLoaded() is false when the file could not be opened or lacks a function; every
-/// member then returns 0, 0.0 or an empty string without touching the library.
-/// Errors: nothing is thrown or reported here; a failing library function reports through its result (commonly 0), and
-/// LastErrorCode() gives the reason.
-/// Strings: wide strings hold 32-bit code units and go to the library as they are; byte strings may hold any bytes, NUL
-/// included. A string whose size in bytes does not fit a 32-bit int is refused: the member returns its default and the
-/// library is not called. Results are copies that belong to the caller.
-/// Wide-string arguments become buffers that the library owns from then on; byte-string buffers are released here, after
-/// the call.
-/// Threads: one wrapper, and its instance, is used by one thread at a time. Threads with a wrapper each may work
-/// side by side with the free engine; whether they may with another library is that library's to say.
+/// member then returns 0, 0.0 or an empty string without calling the library.
+/// Errors: nothing is thrown. A library function that fails returns commonly 0, and LastErrorCode() has the reason.
+/// Strings: wide strings have 32-bit code units and are passed as they are; byte strings may have any bytes, also NUL.
+/// With a string whose size in bytes does not fit a 32-bit int, the member returns its default without calling the
+/// library. Results are copies that belong to the caller.
+/// Buffers: those of wide-string arguments belong to the library; those of byte strings are released after the call.
+/// Threads: one wrapper, and its instance, is used by one thread at a time. With the free engine, several threads may
+/// work at the same time with a wrapper each; for another library see its documentation.
 ///
 /// The object's layout (library handle, instance ID, flag, table of functions) is shared with the host, which makes
 /// wrappers with its own copy of this class and hands them to actions. It must not change.
@@ -42,11 +40,13 @@ class HalvexPDFLibraryCPDylibCPP1311 {
 
   /// Any library function; cast to its own type before it is called.
   using LibraryFunction = void (*)();
-  /// The library's function of that name, or null; null for one that is not optional marks the library as not loaded.
+  /// The library's function of that name, or null. A missing function that is not optional marks the library as not
+  /// loaded.
   LibraryFunction AttachFunction(const char* name, bool optional);
   /// A library buffer with the text's units and no terminating zero, owned by the library; null for an empty text.
   void* WideStringParm(const std::wstring& text);
-  /// A library buffer with the text's bytes, for an empty text too; `release` becomes 1: the caller releases the buffer.
+  /// A library buffer with the text's bytes, also for an empty text; the caller releases it when `release` is set to 1.
+  /// Null, and `release` 0, when the library is not loaded or the size does not fit an int.
   void* StringParm(const std::string& text, int& release);
   /// A copy of `length` units; empty for a null pointer or a length below 1.
   std::wstring WideStringResult(wchar_t* text, int length);
@@ -82,7 +82,7 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   double GetAnnotDblProperty(int index, int tag);
   /// A property of an annotation of the selected page, counted from 1; LibraryAnnotationTags.h has the tags.
   std::wstring GetAnnotStrProperty(int index, int tag);
-  /// The base URL as it stands in the document; empty for none.
+  /// The base URL as the document has it; empty for none.
   std::wstring GetBaseURL();
   /// An entry of the document information dictionary by its name; empty when there is none.
   std::wstring GetCustomInformation(const std::wstring& key);
@@ -132,9 +132,9 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   std::wstring LibraryVersion();
   /// The name of the library and its version.
   std::wstring LibraryVersionEx();
-  /// Opens and selects a document; 1, or 0 when it failed. The name and the password are UTF-8 on the way to the
-  /// system, with U+DC80 to U+DCFF for the bytes 0x80 to 0xFF. The password, user or owner, is ignored for a document
-  /// without one.
+  /// Opens and selects a document; 1, or 0 when it failed. The name and the password are passed on as UTF-8; the units
+  /// U+DC80 to U+DCFF become the bytes 0x80 to 0xFF. The password, user or owner, is ignored for a document without
+  /// one.
   int LoadFromFile(const std::wstring& fileName, const std::wstring& password);
   /// The same from the bytes of a file.
   int LoadFromString(const std::string& source, const std::wstring& password);
@@ -155,8 +155,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// Closes a document without saving it; 1, or 0 for an unknown ID. The latest opened of those left is selected in its
   /// place.
   int RemoveDocument(int documentId);
-  /// Saves the selected document; 1, or 0 when it failed and the file is what it was. A sound document is copied byte
-  /// for byte and the changes are appended (ISO 32000-1, 7.5.6).
+  /// Saves the selected document; 1, or 0 when it failed and an existing file is unchanged. A sound document is copied
+  /// byte for byte and the changes are appended (ISO 32000-1, 7.5.6).
   int SaveToFile(const std::wstring& fileName);
   /// The bytes that SaveToFile() would write; empty when it failed.
   std::string SaveToString();
@@ -187,8 +187,8 @@ class HalvexPDFLibraryCPDylibCPP1311 {
   /// @name Library functions of the closed library alone
   /// @{
 
-  /// Calls the library function of this name with "HPL" before it. What it does, and its arguments' meaning, units and
-  /// ranges, are in the closed library's documentation. The free engine returns the default of the result's type
+  /// Calls the library function of this name with "HPL" before it. The closed library's documentation has its purpose
+  /// and the meaning, units and ranges of its arguments. The free engine returns the default of the result's type
   /// (0, 0.0, an empty string) and sets the last error to kErrorNotSupported.
   int AddArcToPath(double a1, double a2, double a3);
   int AddBoxToPath(double a1, double a2, double a3, double a4);

@@ -5,7 +5,7 @@
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 
-// The forwarding members; inline, so that a call costs what a call through a function pointer costs.
+// The forwarding members; inline, so that a call costs as much as one through a function pointer.
 
 inline int HalvexPDFLibraryCPDylibCPP1311::AddArcToPath(double a1, double a2, double a3) { return Forward<int>(LibraryFunctionSlot::AddArcToPath, a1, a2, a3); }
 inline int HalvexPDFLibraryCPDylibCPP1311::AddBoxToPath(double a1, double a2, double a3, double a4) { return Forward<int>(LibraryFunctionSlot::AddBoxToPath, a1, a2, a3, a4); }

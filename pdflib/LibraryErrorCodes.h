@@ -3,9 +3,8 @@
 
 /// @file
 
-/// What LastErrorCode() returns with the engine of this project. Append-only: a number keeps its
-/// meaning for good. The last error is that of the latest library call of the instance; a call that succeeds sets it to
-/// 0.
+/// The results of LastErrorCode() with the engine of this project. Append-only: a number keeps its meaning for good.
+/// The last error is that of the instance's latest library call; a call that succeeds sets it to 0.
 enum LibraryErrorCode : int {
   kErrorNone = 0,              ///< the last call succeeded
   kErrorUnknownInstance = 1,   ///< no library instance has this ID

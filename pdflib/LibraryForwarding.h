@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// How a forwarding member reaches the library. Included by the wrapper's header only.
+// How a forwarding member calls the library. Included by the wrapper's header only.
 
 #include <cstddef>
 #include <limits>
@@ -24,7 +24,7 @@ struct HalvexPDFLibraryLayout {
                 "the wrapper ends with its table of functions");
 };
 
-// One argument on its way to the library: Fits() before anything is converted, then construction, the call, and Done().
+// One argument of a call: Fits() for all arguments first, then each is constructed, passed to the library, and Done().
 template <>
 struct HalvexPDFLibraryCPDylibCPP1311::Argument<int> {
   static bool Fits(int) { return true; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Makes the wrapper's inline members linkable for callers that only have their declarations. The linker takes this file
-// out of the kit's static library for such callers alone.
+// from the kit's static library for such callers only.
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 
 namespace {

@@ -12,7 +12,8 @@ class CSetBaseURL : public QObject, public CActionInterface {
   Q_INTERFACES(CActionInterface)
 
  public:
-  /// Sets the document's base URL; a missing setting sets an empty one. The library's result is not examined: always 0.
+  /// Sets the document's base URL; an empty one if the setting is missing. The library's result is not examined. Always
+  /// returns 0.
   int WorkProc(WorkProcInfoStruct* info) override;
   int ShowDialogProc(QWidget* parent, DialogLoadStruct* info) override;
   int PreSequenceProc(WorkProcInfoStruct* info) override;

@@ -26,7 +26,7 @@ void SetEntry(QSettings& file, int number, const ActionListFile::Entry& entry) {
   file.setValue(Key(kActionSettings, number), entry.settings);
 }
 
-// A map whose bytes are damaged reads as an empty one; a map that was stored empty has this line.
+// Whether the file has the line of a map that was stored empty. A damaged map reads as an empty one too.
 bool StoresEmptyMap(const QString& text, int number) {
   const QRegularExpression line(
       QString(R"~(^\s*%1\s*=\s*"?@Variant\(\\0\\0\\0\\b\\0\\0\\0\\0\)"?\s*$)~").arg(Key(kActionSettings, number)),
@@ -80,7 +80,7 @@ ActionListFile ActionListFile::Read(const QString& path) {
   const QStringList keys = values.allKeys();
   list.hasEntriesAfterGap =
       std::any_of(keys.begin(), keys.end(), [number](const QString& key) { return IsActionNameAfter(key, number); });
-  // A byte-order mark is a line that QSettings passes by, but complains about.
+  // QSettings skips a byte-order mark, but reports a format error.
   list.hasUnreadableLines = values.status() == QSettings::FormatError && !bytes.startsWith("\xef\xbb\xbf");
   return list;
 }

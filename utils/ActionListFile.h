@@ -23,8 +23,8 @@ struct ActionListFile {
   QString category;
   std::vector<Entry> entries;       ///< up to the first number without an action name
   bool hasEntriesAfterGap = false;  ///< actions with higher numbers than the first missing one were left out
-  bool hasUnreadableLines =
-      false;  ///< some lines are not settings and were left out; always false for a file with a byte-order mark
+  /// Some lines are not settings and were left out; always false for a file with a byte-order mark.
+  bool hasUnreadableLines = false;
 
   /// "<sequence folder>/<name with each space as "_">.xqq".
   static QString PathOf(const QString& name);
@@ -33,8 +33,8 @@ struct ActionListFile {
 
   /// A file that is missing or cannot be read is an empty list.
   static ActionListFile Read(const QString& path);
-  /// Writes a new list with one action in place of whatever is there. False when it cannot be written; an existing list
-  /// is then as it was.
+  /// Writes a list with one action and replaces what is there. False when it cannot be written; an existing list then
+  /// stays as it was.
   static bool Create(const QString& path, const QString& name, const QString& category, const Entry& entry);
   /// Adds an action under the lowest number that is free. False when it cannot be written.
   static bool Append(const QString& path, const Entry& entry);

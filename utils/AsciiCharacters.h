@@ -5,7 +5,7 @@
 
 namespace Ascii {
 
-// The character classes of RFC 3986, clause 2, whatever the locale.
+// The character classes of RFC 3986, clause 2; they do not depend on the locale.
 inline bool IsAlpha(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }

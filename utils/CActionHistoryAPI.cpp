@@ -18,7 +18,7 @@ const QLatin1String kPrefsKey("ActionPrefs");
 const QLatin1String kIconKey("ActionIcon");
 constexpr int kIconSize = 42;
 
-// The icon with one image pixel for each of its pixels, on every screen; a smaller one is centred.
+// The icon's normal image at one pixel for each logical pixel, on screens of every density; a smaller one is centred.
 QImage RenderIcon(const QIcon& icon) {
   const QPixmap pixmap = icon.pixmap(kIconSize, kIconSize, QIcon::Normal, QIcon::Off);
   QImage image(kIconSize, kIconSize, QImage::Format_ARGB32_Premultiplied);

@@ -10,13 +10,13 @@
 
 class QIcon;
 
-/// The settings history: an action's settings, each with an icon, as INI files in the collections folder, and one pass
-/// of browsing over those whose names begin with a prefix, newest first.
+/// The settings history: INI files in the collections folder, each with an action's settings and an icon. One object
+/// browses once over the files whose names begin with a prefix, newest first.
 ///
-/// The entries are taken once, by the constructor; files written later are not seen. GUI thread only.
+/// The constructor lists the files; those written later are not seen. GUI thread only.
 class CActionHistoryAPI {
  public:
-  /// Takes the files of the collections folder that match `prefix` followed by "*". The position is before the newest.
+  /// Lists the files of the collections folder that match `prefix` followed by "*". The position is before the newest.
   explicit CActionHistoryAPI(QString prefix);
   ~CActionHistoryAPI();
 
@@ -26,9 +26,9 @@ class CActionHistoryAPI {
   /// pointer is null.
   int SaveSettingsToHistory(QMap<QString, QVariant>* settings, QIcon* icon);
 
-  /// Moves by `step` entries towards the older ones (negative: towards the newer) and returns the settings found there,
-  /// to be deleted by the caller. Null when the position is outside the entries, where it stays until the next step, or
-  /// when the file holds no settings. The first call has to step by 1.
+  /// Moves by `step` entries towards the older ones (negative: towards the newer) and returns the settings there, which
+  /// the caller deletes. Null when the position is outside the entries (it stays there until the next step) or the file
+  /// has no settings. The first call has to step by 1.
   QMap<QString, QVariant>* LoadSettingsFromHistory(int step);
 
  private:

@@ -17,25 +17,24 @@ class QFont;
 class QLabel;
 class QTextEdit;
 
-/// The commands of the document-splitting actions; a command's number is its position. Nobody changes the list; global
-/// objects may use it before main().
+/// The commands of the document-splitting actions; a command's number is its position from 0. It must not be changed.
+/// Global objects may use it before main().
 extern QStringList gCommandsList;
 
-/// What actions and their dialogs share. All members are static. Those that take or make widgets, fonts, icons or
-/// settings files belong to the GUI thread; the others are pure. Nothing is reported but by the results, and no member
-/// keeps a settings file open. Settings maps belong to the caller.
+/// What actions and their dialogs share. All members are static. Those that use widgets, fonts, icons or settings files
+/// are for the GUI thread; the others are pure. Errors are reported by the results only. No member keeps a settings
+/// file open. Settings maps belong to the caller.
 ///
 /// Page ranges: a page-range text is a list of items separated by ",": a 1-based page number ("7") or two joined by "-"
 /// ("3-9"). Validate what the user typed with ValidatePageRange(); expand it with GetPageList() once the page count is
-/// known; compress the pages with CollectPageList() where consecutive stretches are wanted.
+/// known; CollectPageList() turns the pages into runs of consecutive ones.
 ///
 /// Remembered locations and links are kept in "<settings folder>/LastVisitedLocations.vsf" under a key that the caller
-/// chooses, one for each purpose; locations and links share the keys. What cannot be read counts as never saved, what
-/// cannot be written is lost.
+/// chooses, one for each purpose; locations and links share the keys. A value that cannot be read counts as never
+/// saved; one that cannot be written is lost.
 ///
-/// Pickers: each function fills a combo box, which owns what it is given; a second call replaces the first one's model
-/// and view. Call them when the combo box has its width: the popup is made 2 pixels narrower. Nothing is done with a
-/// null combo box.
+/// Pickers: each function fills a combo box, which owns its new model and view; a second call replaces them. Call it
+/// when the combo box has its width: the popup is made 2 pixels narrower. A null combo box does nothing.
 class CActionUtils {
  public:
   CActionUtils() = delete;
@@ -85,15 +84,17 @@ class CActionUtils {
   /// Adds the pages that a text names to `*pages` and sorts it, ascending. Pages that are in it already stay and are
   /// not added again. False, with `*pages` untouched, only for an empty text.
   ///
-  /// `pageCount` limits single pages and the first page of a range, not a range's last page: of 10 pages, "8-12" names
-  /// 8 to 12. Descending ranges name nothing. `skipOdd` and `skipEven` exclude pages, but an excluded single page is
-  /// read again from its next digit on ("15" without odd pages: 15, 5 and then the empty rest, page 0, which is even
-  /// and is taken), and once its item is used up, so is the whole rest of the text; when that leads to the end of the
-  /// text with everything excluded ("4" without even pages), the expansion ends there.
+  /// `pageCount` limits single pages and the first page of a range, but not its last page: of 10 pages, "8-12" names 8
+  /// to 12. A descending range names nothing.
   ///
-  /// The text is trusted to be well formed; what QString::toInt() does not read as a number counts as page 0, and pages
-  /// below 1 are not filtered out. A range takes memory for all its pages, so check a range's end against the document.
-  /// Throws std::bad_alloc, with `*pages` untouched, when a list cannot hold the pages. A null `pages` is not filled.
+  /// `skipOdd` and `skipEven` exclude pages. An excluded single page is read again from its next digit on: "15" without
+  /// odd pages is read as 15, as 5, and then as an empty text, which is page 0, even, and taken. After its last digit
+  /// the whole rest of the text is read in the same way. When all of that is excluded too ("4" without even pages), the
+  /// expansion ends there.
+  ///
+  /// The text is not checked: what QString::toInt() does not read as a number is page 0, and pages below 1 are not
+  /// filtered out. A range takes memory for all its pages, so check its end against the document first. Throws
+  /// std::bad_alloc, with `*pages` untouched, when a list cannot hold the pages. A null `pages` is not filled.
   static bool GetPageList(const QString& text, int pageCount, bool skipOdd, bool skipEven, QList<int>* pages);
 
   /// Appends the runs of consecutive pages in `*pages`, sorted ascending, to `*runs`: the first page and the number of
@@ -103,13 +104,12 @@ class CActionUtils {
   // ---- File search and file names ----
 
   /// The absolute paths of the files in `dir` whose suffix, the text after the last ".", is one of `suffixes` ("pdf",
-  /// not ".pdf"; case does not matter). Names are taken in case-sensitive order, and with `recursive` a folder's files
-  /// come at the place of the folder in that order. Symbolic links are neither listed nor followed, hidden entries are
-  /// left out, and so is what cannot be read. A name filter of `dir` holds for its own entries only. Backslashes become
-  /// slashes.
+  /// not ".pdf"; case does not matter). The names are in case-sensitive order; with `recursive` a folder's files come
+  /// at the folder's place in that order. Symbolic links are neither listed nor followed. Hidden entries and what
+  /// cannot be read are left out. A name filter of `dir` holds for its own entries only. Backslashes become slashes.
   static QStringList SearchFilesInDir(QDir dir, QStringList suffixes, bool recursive);
 
-  /// `number` in base 10, with "0" put in front until it is `width` characters long; a minus sign counts as one of them
+  /// `number` in base 10, with "0" before it until it is `width` characters long; a minus sign counts as one of them
   /// and follows the zeros: -5 with width 4 is "00-5".
   static QString GetStringWithLeadingZeroesFromNumber(int number, int width);
   /// The same for a given text.
@@ -139,7 +139,7 @@ class CActionUtils {
   /// The remembered path, or the user's desktop folder when there is none under that key.
   static QString GetLastVisitedLocation(QString key);
 
-  /// Puts a link before those remembered, each once (case matters) and five at most.
+  /// Remembers a link as the newest. Each link is kept once (case matters), and five at most.
   static void SaveLastEnteredLink(QString key, QString link);
   /// The remembered links, newest first.
   static QStringList GetLastEnteredLinks(QString key);
@@ -177,8 +177,8 @@ class CActionUtils {
   static double GetTextItemHeight(const QFont& font, const QString& html, double width);
 
   /// Draws plain text, black on transparent, into an image of `width` x `height` pixels (fractions cut off) and adds
-  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1 adds nothing. An image of more than
-  /// 256 MiB is painted smaller at once.
+  /// it, scaled to fit 128 x 128, to the icon's normal images. A side below 1 adds nothing. An image that would take
+  /// more than 256 MiB is painted at a smaller scale.
   static void GenerateTextItemIcon(double width, double height, const QString& text, QIcon* icon);
 
   // ---- Split commands ----

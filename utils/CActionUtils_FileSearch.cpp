@@ -6,7 +6,7 @@
 
 namespace {
 
-// A folder whose entries are being gone through.
+// A folder and the position in its entries.
 struct Level {
   explicit Level(QDir folder) : path(folder.absolutePath()) {
     folder.setSorting(QDir::Name);

@@ -31,7 +31,7 @@ std::vector<PageRange> PageRangeText::Ranges() const {
   const auto add = [&](int first, int last) {
     if (first <= pageCount && first <= last) ranges.emplace_back(first, last);
   };
-  // toInt() reads a long list of numbers to its end before it refuses it.
+  // A text with a comma is no number; toInt() would read a long one to its end first.
   const auto number = [&](int from, int to) {
     const QStringRef digits = text.midRef(from, to - from);
     return digits.contains(u',') ? 0 : digits.toInt();
@@ -42,8 +42,8 @@ std::vector<PageRange> PageRangeText::Ranges() const {
   for (int start = 0; start <= text.size();) {
     if (dash < start) dash = text.indexOf(u'-', start);
     if (dash < 0) dash = text.size() + 1;
-    // After an excluded item the whole rest of the text is read. With a comma in it, it is page 0, which is excluded
-    // too, so go straight to the last item.
+    // After an excluded item the whole rest of the text is read. As long as it has a comma it is page 0, which is
+    // excluded too, so skip to the last item.
     if (start > comma && dash > text.size()) start = std::max(start, lastItem);
     const int end = start > comma ? text.size() : comma;
     if (dash < end) {
@@ -73,7 +73,7 @@ void PageRangeText::AppendTo(QList<int>& pages) const {
     next = std::max(next, last + 1);
     count += next - std::min(first, next);
   }
-  // Throws before any memory is taken when a list cannot hold the pages.
+  // Throws before `pages` is changed when a list cannot hold the pages.
   if (skipOdd || skipEven) count /= 2;
   pages.reserve(static_cast<int>(std::min<qint64>(pages.size() + count, std::numeric_limits<int>::max())));
   for (const auto& [first, last] : ranges) {
@@ -124,11 +124,11 @@ bool CActionUtils::ValidatePageRange(QString text, bool allowDescending) {
     const QChar next = text.at(i + 1);
     if (IsDigit(text.at(i))) {
       if (IsDigit(next) || next == u',') continue;
-      // The one asymmetry: a comma may end the text, a dash may not.
+      // A comma may end the text, a dash may not.
       if (next != u'-' || itemHasDash || i + 2 == text.size()) return false;
       continue;
     }
-    // A comma or a dash: nothing else passed as the follower of a digit.
+    // A comma or a dash: nothing else may follow a digit.
     if (!StartsNumber(next)) return false;
     if (text.at(i) == u',') {
       itemStart = i + 1;

@@ -120,7 +120,7 @@ QIcon Lines(const LinePicker& picker, const std::vector<Line>& lines) {
   return QIcon(pixmap);
 }
 
-// The pattern of all pickers with icons. The combo box owns model and view, and deletes those of an earlier call.
+// Gives the combo box a new model and view; it owns them and deletes those of an earlier call.
 void BuildPicker(QComboBox* combo, QSize iconSize, int rowHeight, const QList<QStandardItem*>& items) {
   auto* model = new QStandardItemModel(combo);
   model->appendColumn(items);
@@ -133,10 +133,10 @@ void BuildPicker(QComboBox* combo, QSize iconSize, int rowHeight, const QList<QS
   view->setIconSize(iconSize);
   view->setColumnWidth(0, combo->width() - 2);
   view->setFixedWidth(combo->width() - 2);
-  view->verticalHeader()->setMinimumSectionSize(rowHeight);  // styles ask for more than these rows want
+  view->verticalHeader()->setMinimumSectionSize(rowHeight);  // the style's own minimum is higher
   for (int row = 0; row < items.size(); ++row) view->setRowHeight(row, rowHeight);
   view->setFixedHeight(rowHeight * items.size());
-  // Black on the style sheet's fixed colours, in every desktop theme: many select in white.
+  // The style sheet's colours are fixed, so the text is black in every desktop theme; many use white for a selection.
   QPalette palette = view->palette();
   palette.setColor(QPalette::Text, Qt::black);
   palette.setColor(QPalette::HighlightedText, Qt::black);
@@ -170,7 +170,7 @@ void CActionUtils::SetupColorPickerComboBox(QComboBox* combo, bool withNone) {
   items.append(new QStandardItem(FramedColor(iconSize, Qt::white), QString("Custom...")));
   BuildPicker(combo, iconSize, 17, items);
   combo->setMaxVisibleItems(4);
-  // Reaches "Custom..." only after "(none)"; without it there is no such row, and hosts expect none to be set.
+  // The row of "Custom..." after "(none)". Without "(none)" there is no such row, and nothing is set, as hosts expect.
   combo->setItemData(kCustomColorIndex, QColor(Qt::white), Qt::UserRole);
 }
 

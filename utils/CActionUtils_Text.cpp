@@ -22,13 +22,13 @@ void CActionUtils::GenerateTextItemIcon(double width, double height, const QStri
   constexpr double kMostPixels = 1 << 26;  // 256 MiB
   const QSize size(SaturatedInt(width), SaturatedInt(height));
   if (!icon || size.isEmpty()) return;
-  // What is larger is painted smaller at once: the icon is small in any case.
+  // A larger image is painted at a smaller scale: the icon is small in any case.
   const double scale = std::min(1.0, std::sqrt(kMostPixels / size.width() / size.height()));
   const QSize painted(static_cast<int>(size.width() * scale), static_cast<int>(size.height() * scale));
   QImage image(painted, QImage::Format_ARGB32);
   if (image.isNull()) return;
   image.fill(Qt::transparent);
-  // A painter reaches the first 32767 pixels only, so a larger image is painted in parts.
+  // A painter reaches only the first 32767 pixels of a side, so a larger image is painted in parts.
   for (int y = 0; y < painted.height(); y += kPart) {
     for (int x = 0; x < painted.width(); x += kPart) {
       QImage part(image.scanLine(y) + qint64{4} * x, std::min(kPart, painted.width() - x),

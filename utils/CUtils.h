@@ -7,12 +7,11 @@
 /// The host's folder layout, fresh temporary names, the application name, the installation type, the OpenGL check and
 /// length units.
 ///
-/// All members are static and used on the GUI thread (Convert() and IsOpenGLSufficient() are pure). Paths have forward
-/// slashes. Nothing is reported: the folder accessors neither create nor check anything, and what cannot be made is
+/// All members are static and for the GUI thread (Convert() and IsOpenGLSufficient() are pure). Paths have forward
+/// slashes. The folder accessors neither create nor check anything. Errors are not reported: what cannot be made is
 /// left out.
 ///
-/// Five accessors return a path with a doubled slash ("…/PDF Tools//Settings"): callers append file names to it as it
-/// is.
+/// Five accessors return a path with a doubled slash ("…/PDF Tools//Settings"). Hosts rely on it.
 class CUtils {
  public:
   CUtils() = delete;
@@ -43,17 +42,17 @@ class CUtils {
   /// The plug-ins: "./Tools", relative to the working directory.
   static QString GetActionFolder();
 
-  /// Creates whatever is missing of the tree above, and "<documents>/<QCoreApplication::applicationName()>" with
+  /// Creates the missing folders of the tree above, and "<documents>/<QCoreApplication::applicationName()>" with
   /// "Input" and "Output" in it. Each step makes one level; one that fails is skipped. Safe to repeat.
   static void SetupFolders();
 
-  /// Makes a fresh folder in the system's temporary folder. `*name` carries the wanted name in and the folder's full
-  /// path out. A taken name gets "_0", "_1", … "_99999" appended; when all are taken, the last one is returned as if it
-  /// were fresh. When the folder cannot be made, the temporary folder itself is returned, with a trailing slash in
+  /// Makes a new folder in the system's temporary folder. `*name` is the wanted name before and the folder's full path
+  /// after. A name that is taken gets "_0", "_1", … "_99999" appended; when all are taken, the last one is returned as
+  /// if it were new. When the folder cannot be made, the temporary folder itself is returned, with a trailing slash in
   /// `*name`. A null `name` makes nothing and returns the temporary folder.
   ///
-  /// Once a name is taken, the temporary folder's path and the name are read as a printf format for the number: callers
-  /// must not pass a name with a percent sign (see ExpandNumberFormat() for what becomes of one).
+  /// When a name is taken, the temporary folder's path and the name are a printf format for the number: do not pass a
+  /// name with a percent sign (ExpandNumberFormat() describes what becomes of it).
   static QDir GetNewTempFolder(QString* name);
 
   /// A path "<temporary folder>/<baseName>_<n>.pdf" that does not exist, with the lowest n of 1 to 9999; empty when all

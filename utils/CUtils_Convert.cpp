@@ -3,7 +3,7 @@
 
 double CUtils::Convert(long fromUnit, double value, long toUnit) {
   enum Unit : long { Inch, Centimetre, Millimetre, Point };
-  // No factors worked out beforehand: they would round differently.
+  // Precomputed factors would round differently.
   switch (fromUnit) {
     case Inch:
       if (toUnit == Centimetre) return value * 2.54;

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Asking for the version flags dereferences a null context where none can be made current.
+// QGLFormat::openGLVersionFlags() dereferences a null context where none can be made current.
 bool CanMakeContextCurrent() {
   if (QOpenGLContext::currentContext()) return true;
   QOpenGLContext context;
@@ -23,7 +23,7 @@ bool CanMakeContextCurrent() {
 
 bool CUtils::CheckOpenGLSupport() {
   if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return false;
-  // Making a context costs tens of milliseconds, and Qt too keeps the flags for the life of the process.
+  // A context costs tens of milliseconds. Qt keeps the flags for the life of the process, too.
   static const bool canAsk = CanMakeContextCurrent();
   return canAsk && IsOpenGLSufficient(static_cast<int>(QGLFormat::openGLVersionFlags()));
 }

@@ -17,7 +17,7 @@ using Kind = DocumentLink::Kind;
 constexpr const wchar_t* kTriggers[] = {L"A",  L"E",  L"X",  L"D", L"U", L"Fo", L"Bl", L"PO",
                                         L"PC", L"PV", L"PI", L"K", L"F", L"V",  L"C"};
 
-// The bytes that the information key is about; those of the text with a library that does not know the key.
+// The bytes that the information key returns; the text's own where the library does not have the key.
 QByteArray Bytes(HalvexPDFLibraryCPDylibCPP1311& library, int key, const QString& text) {
   const std::wstring bytes = library.GetInformation(key);
   return bytes.empty() ? text.toUtf8() : QString::fromStdWString(bytes).toLatin1();

@@ -21,25 +21,24 @@ struct DocumentLink {
   int page = 0;                   ///< from 1; 0 for outline items and for fields that are on no page
   int action = 0;  ///< for GetActionURL() and SetActionURL(); valid until the document is removed or saved onto itself
   QString uri;     ///< its text in the file
-  /// The string in the file, which most viewers take as bytes: for a text in UTF-16 or PDFDocEncoding not that of
-  /// `uri`.
+  /// The string's bytes in the file, as most viewers take it. They differ from `uri` for UTF-16 and PDFDocEncoding.
   QByteArray bytes;
 
-  /// Whether the string is neither ASCII nor UTF-8 without a byte order mark, so that viewers take it differently.
+  /// Whether the string is neither ASCII nor UTF-8 without a byte order mark; viewers read it differently then.
   bool HasOtherEncoding() const { return bytes != uri.toUtf8(); }
 };
 
 /// Visits every link of the library's selected document: page by page in the order of the annotations, then the outline
 /// items, then the fields that are on no page. URI actions of the document or of a page as such (/OpenAction, and /AA
 /// of either) are not visited. Each place is visited once; an action that several annotations share is visited for each
-/// of them. `visit` may change the link with SetDocumentLink(), and must select no other page or document. The selected
-/// page is afterwards what it was.
+/// of them. `visit` may change the link with SetDocumentLink(), but not select another page or document. The selected
+/// page is restored afterwards.
 ///
-/// A URI action without a string for its URI is not a link: viewers do nothing with it, or different things. Returns 0,
-/// or the LastErrorCode() of the first part that could not be read; the other parts are visited all the same.
+/// A URI action without a string for its URI is not a link: viewers ignore it, or differ. Returns 0, or the
+/// LastErrorCode() of the first part that could not be read; the other parts are visited all the same.
 int VisitDocumentLinks(HalvexPDFLibraryCPDylibCPP1311& library, const std::function<void(const DocumentLink&)>& visit);
 
-/// The bytes of the selected document's base URL; of most documents those of GetBaseURL().
+/// The bytes of the selected document's base URL in the file; for most documents, those of GetBaseURL() as UTF-8.
 QByteArray BaseUrlBytes(HalvexPDFLibraryCPDylibCPP1311& library);
 
 /// Gives the link another URI; stored with the next save. Returns 0, or the LastErrorCode().

@@ -3,6 +3,6 @@
 
 /// @file
 
-/// Makes the images and pages under ":/Vorlane/Resources/" available. They are linked in from a static library, so
-/// nothing registers them by itself. Safe to repeat; called before each use of them.
+/// Makes the images and pages under ":/Vorlane/Resources/" available. Call it before each use of them: resources in a
+/// static library are not registered automatically. Safe to repeat.
 void InitKitResources();

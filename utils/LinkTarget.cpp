@@ -32,7 +32,7 @@ QByteArray Encoded(const QString& text) {
   return result;
 }
 
-// How long the scheme at the start is, with its colon; 0 for none.
+// The length of the scheme at the start, with its colon; 0 for none.
 int SchemeLength(const QByteArray& text) {
   if (text.isEmpty() || !Ascii::IsAlpha(text[0])) return 0;
   for (int i = 1; i < text.size(); ++i) {
@@ -123,7 +123,7 @@ QByteArray WithPlainEncodings(const QByteArray& text) {
   return result;
 }
 
-// Host and port of an authority as they are written shortest; user information stays.
+// An authority with its host in lower case and without an empty or default port; user information stays.
 QByteArray WithPlainHost(const QByteArray& authority, const QByteArray& scheme) {
   const int host = std::max(authority.lastIndexOf('@') + 1, 2);
   QByteArray result = authority.left(host) + authority.mid(host).toLower();

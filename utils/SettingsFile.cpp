@@ -17,7 +17,7 @@ bool Write(QSettings& file, const std::function<void(QSettings&)>& change) {
   return file.status() != QSettings::AccessError;  // a format error is about lines that were read
 }
 
-// QSettings takes a file of the same size and time for the one it read before, and the file system's clock may not
+// QSettings does not read a file again that has the same size and time as before, and the file system's clock may not
 // advance for some milliseconds. So the new file gets a time after the old one's, unless that is in the future.
 void MakeNewerThan(const QString& path, const QDateTime& old) {
   constexpr int kMostAhead = 100;  // ms

@@ -11,9 +11,9 @@
 
 /// An INI settings file as it is on disk now.
 ///
-/// QSettings objects of one path share what one of them has read, and what it could not write, for the life of the
-/// process. So each object of this class opens the file through a symbolic link of its own: what another process wrote
-/// is always seen, and a failed write leaves nothing that a later one could write.
+/// QSettings objects of one path share a cache for the life of the process: it keeps what one of them has read, and
+/// what it could not write. So each object of this class opens the file through a symbolic link of its own. It always
+/// sees what another process wrote, and a later write does not store what an earlier one could not.
 class SettingsFile {
  public:
   explicit SettingsFile(const QString& path);

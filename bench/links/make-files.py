@@ -5,6 +5,10 @@ import pathlib
 import subprocess
 import sys
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tests/support"))
+from pdf_file import pdf_file
+
 LINKS = 5
 
 
@@ -22,16 +26,7 @@ def write(path, pages):
         objects += [b"<< /Type /Annot /Subtype /Link /Border [ 0 0 0 ] /Rect [ 72 %d 300 %d ] "
                     b"/A << /S /URI /URI (chapter%d/section%d.html) >> >>" % (700 - 20 * i, 712 - 20 * i, page, i)
                     for i in range(LINKS)]
-    out = bytearray(b"%PDF-1.5\n")
-    offsets = []
-    for number, text in enumerate(objects, 1):
-        offsets.append(len(out))
-        out += b"%d 0 obj\n%s\nendobj\n" % (number, text)
-    start = len(out)
-    out += b"xref\n0 %d\n0000000000 65535 f \n" % (len(objects) + 1)
-    out += b"".join(b"%010d 00000 n \n" % offset for offset in offsets)
-    out += b"trailer\n<< /Size %d /Root 1 0 R >>\nstartxref\n%d\n%%%%EOF\n" % (len(objects) + 1, start)
-    path.write_bytes(out)
+    path.write_bytes(pdf_file(objects))
 
 
 def main():

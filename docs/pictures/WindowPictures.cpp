@@ -35,14 +35,16 @@ template <typename Signal, typename Sender>
 void WaitFor(Sender* sender, Signal signal, const std::function<void()>& start) {
   QEventLoop loop;
   QObject::connect(sender, signal, &loop, &QEventLoop::quit);
-  QTimer::singleShot(kPatienceMs, &loop, [] { qFatal("waited in vain"); });
+  QTimer patience;
+  QObject::connect(&patience, &QTimer::timeout, [] { qFatal("waited in vain"); });
+  patience.start(kPatienceMs);
   start();
   loop.exec();
 }
 
 void WaitMs(int ms) {
   QEventLoop loop;
-  QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+  QTimer::singleShot(ms, &loop, SLOT(quit()));
   loop.exec();
 }
 

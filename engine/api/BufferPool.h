@@ -11,12 +11,12 @@
 
 namespace engine {
 
-// The string arguments of one instance. A handle is not an address but a number that is never used twice, in any
-// instance, so that one used after its release, or one of another instance, is not taken for a living buffer.
+// The string arguments of one instance. A handle is a number, not an address, and is never used twice in the process.
+// So a handle that was released, or belongs to another instance, is recognised as unknown.
 class BufferPool {
  public:
-  // A buffer for `size` bytes. Never null, which would mean an empty text: when the buffer cannot be made, the handle
-  // is one whose every use fails with the reason, and `error` is set to it.
+  // A buffer for `size` bytes. Never null, which would mean an empty text. When the buffer cannot be made, `error` is
+  // set and every use of the handle fails with that error.
   void* Create(int size, LibraryErrorCode& error);
   // Appends to the buffer. Throws EngineError: kErrorBadBuffer for an unknown handle or more bytes than it was made
   // for, kErrorBadArgument for a negative size or null with a size above 0. Nothing is appended then.

@@ -11,8 +11,8 @@
 
 namespace engine {
 
-// One call of an exported function, inside Guarded(): the instance, and the wide-string buffers that the call was
-// given. They are released with it, whatever happens.
+// One call of an exported function, inside Guarded(): the instance and the call's wide-string buffers, which the
+// destructor releases.
 class Call {
  public:
   Call(Instance& instance, const std::initializer_list<void*>& wideBuffers)
@@ -46,7 +46,7 @@ Instance* FindInstance(int id) noexcept;
 
 // The exception boundary, through which every exported function enters the engine: looks the instance up, runs
 // `body(call)`, stores its string result, sets the last error and frees the wide-string buffers. An unknown instance
-// and every exception give R(). `body` returns what the function does; text and bytes instead of pointers.
+// and every exception return R(). `body` returns the function's result, a string instead of a pointer.
 template <typename R, typename Body>
 R Guarded(int instanceId, const std::initializer_list<void*>& wideBuffers, Body&& body) noexcept {
   Instance* const instance = FindInstance(instanceId);

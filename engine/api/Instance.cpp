@@ -20,7 +20,7 @@ void RequireIntLength(std::size_t length) {
 }  // namespace
 
 int Instance::Add(std::unique_ptr<Document> document) {
-  // After two thousand million documents the numbers start again, past those still in use.
+  // After 2^31 - 1 documents the numbers start again and skip those in use.
   do {
     lastId_ = lastId_ == std::numeric_limits<int>::max() ? 1 : lastId_ + 1;
   } while (Find(lastId_) != documents_.end());

@@ -12,13 +12,14 @@
 
 namespace engine {
 
-// What one HPLCreateLibrary made: documents, the selected one, buffers, the latest string result and the last error.
+// The state that HPLCreateLibrary() makes: documents, the selected one, buffers, the latest string result, the last
+// error.
 class Instance {
  public:
-  // Takes the document over, selects it and returns its ID: positive, not given twice within the instance.
+  // Takes ownership of the document, selects it and returns its ID, which is positive and not in use.
   int Add(std::unique_ptr<Document> document);
-  // Throws EngineError kErrorNoDocument, as do all members that name a document. The selection of a removed document
-  // goes to the latest of those that are left.
+  // Throws EngineError kErrorNoDocument, as do all members that name a document. If the removed document was selected,
+  // the latest of the others is selected.
   void Remove(int documentId);
   void Select(int documentId);
   Document& Selected();

@@ -18,8 +18,8 @@ using engine::Guarded;
 
 namespace {
 
-// A set of characters by the number that the library's functions know it by, and a language (BCP 47) that needs it;
-// empty for whatever a font has.
+// A set of characters: its number in the library's functions, and a language (BCP 47) that needs it; an empty language
+// means every font.
 struct CharacterSet {
   int number;
   const char* language;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A definition of every library function that refuses the call. They are weak: one that is implemented elsewhere in
-// this folder takes the place of its refusal at link time.
+// A definition of every library function, which refuses the call. They are weak: a function that is implemented
+// elsewhere in this folder replaces the weak one at link time.
 
 #include <initializer_list>
 #include <type_traits>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The functions that a wrapper calls around every other one. They leave the last error alone unless they fail
-// themselves: it belongs to the call that they serve.
+// The functions that a wrapper calls before and after every other one. They set the last error only when they fail:
+// otherwise it is that of the call between them.
 
 #include <new>
 

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 
+#include "engine/backend/PageSearch.h"
 #include "engine/base/EngineError.h"
 
 namespace engine {
@@ -90,6 +92,16 @@ std::optional<std::string> EncryptionWithKeyLength(QPDF& document) {
   copy.replaceKey("/R", QPDFObjectHandle::newInteger(3));
   copy.replaceKey("/Length", QPDFObjectHandle::newInteger(length));
   return copy.unparse();
+}
+
+bool EncryptionIsDamaged(QPDF& document) {
+  QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
+  if (!encrypt.isDictionary()) return false;
+  QPDFObjectHandle filters = encrypt.getKey("/CF");
+  if (HasInventedKeys(encrypt) || HasInventedKeys(filters)) return true;
+  if (!filters.isDictionary()) return false;
+  const std::map<std::string, QPDFObjectHandle> named = filters.getDictAsMap();
+  return std::any_of(named.begin(), named.end(), [](const auto& filter) { return HasInventedKeys(filter.second); });
 }
 
 }  // namespace engine

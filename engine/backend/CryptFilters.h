@@ -19,4 +19,7 @@ std::optional<std::string> EncryptionWithoutNone(QPDF& document);
 // tables 20 and 25).
 std::optional<std::string> EncryptionWithKeyLength(QPDF& document);
 
+// Whether the encryption dictionary or a crypt filter in it is no PDF syntax: readers differ about what it means then.
+bool EncryptionIsDamaged(QPDF& document);
+
 }  // namespace engine

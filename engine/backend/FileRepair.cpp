@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "engine/backend/CryptFilters.h"
 #include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
@@ -33,6 +34,9 @@ namespace {
 using Kind = FileScan::Kind;
 using View = BackendInputSource::View;
 
+// Numbers from here on are for what only the parser sees. Lower ones may be those of missing objects that others refer
+// to.
+constexpr std::uint32_t kOwnNumbers = 8388000;
 // Streams with wrong lengths are copied in memory.
 constexpr std::uint64_t kLargestRepairedStreams = 128 * 1024 * 1024;
 
@@ -131,6 +135,14 @@ std::string FirstIdentifier(const std::string& identifier) {
   }
 }
 
+// Ends whatever value or stream is open: a hexadecimal string, then strings, arrays and dictionaries however deep.
+std::string MakeClosing() {
+  constexpr std::size_t kDeepest = 64;
+  std::string text = "\n>" + std::string(kDeepest, ')') + '\n';
+  for (std::size_t i = 0; i < kDeepest; ++i) text += "]>>";
+  return text + "\nendstream\nendobj\n";
+}
+
 bool EndsWithMark(const InputFile& file) {
   constexpr std::uint64_t kWindow = 64;
   const std::uint64_t size = std::min(kWindow, file.Size());
@@ -192,7 +204,7 @@ std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
 }
 
 const FileScan& FileRepair::Scan() {
-  if (!scan_) scan_ = FileScan::Of(*file_);
+  if (!scan_) scan_ = FileScan::Of(*file_, QuickReader::HeaderOffset(*file_));
   return *scan_;
 }
 
@@ -218,8 +230,11 @@ std::string FileRepair::Closing() {
   const bool inStream = !objects.empty() && objects.back().data != 0 && objects.back().dataEnd == file_->Size();
   // Readers that rebuild the file read values outside of objects, too.
   const bool rebuilt = QuickReader::HeaderOffset(*file_) > 0 && !EndsWithMark(*file_);
-  // They differ about what it is that does not end.
-  return Scan().damagedAtEnd || inStream || rebuilt ? "\n>))))\n]\n>>\nendstream\nendobj\n" : "";
+  if (!Scan().damage && !inStream && !rebuilt) return {};
+  static const std::string closing = MakeClosing();
+  // A repair of this kind may have closed it before.
+  const bool closed = !inStream && !rebuilt && WordSearch(*file_, closing).From(*Scan().damage) < file_->Size();
+  return closed ? "" : closing;
 }
 
 // Of the newest trailer that has a usable one: a value, or a reference to an object that is there.
@@ -251,11 +266,15 @@ void FileRepair::CheckOneEncryption() {
 // Why the file seems to be several that were joined: they have objects of the same numbers. Empty for one document.
 std::string FileRepair::MixedDocuments() {
   std::set<std::string> identifiers;
+  std::set<std::string> roots;
   for (const FileScan::Trailer& trailer : Scan().trailers) {
-    if (LenientEntry(trailer.text, "/Root").empty()) continue;
-    const std::string identifier = FirstIdentifier(LenientEntry(trailer.text, "/ID"));
-    if (!identifier.empty()) identifiers.insert(identifier);
+    const std::string root = LenientEntry(trailer.text, "/Root");
+    if (root.empty()) continue;
+    roots.insert(root);
+    identifiers.insert(FirstIdentifier(LenientEntry(trailer.text, "/ID")));
   }
+  // An update may leave the identifier out; it has the same catalog then.
+  if (roots.size() == 1) identifiers.erase("");
   if (identifiers.size() > 1) return "the file is made of parts of several documents";
   return HoldsTwoDocuments() ? "the file holds two documents" : "";
 }
@@ -274,7 +293,8 @@ View FileRepair::ViewOf(const Kept& kept, const FileTail& tail, const std::strin
   std::string entries = " /Root " + tail.root.Reference();
   for (const FileTail::Entry& entry : tail.entries) entries += ' ' + entry.key + ' ' + entry.value;
   const std::uint64_t position = file_->Size() + view.appended.size() - tail.headerOffset;
-  view.appended += Section(kept, std::max(tail.size, kept.empty() ? 1 : kept.back().id.number + 1), entries, position);
+  const std::uint32_t number = std::max({kOwnNumbers, tail.size, kept.empty() ? 1 : kept.back().id.number + 1});
+  view.appended += Section(kept, number, entries, position);
   return view;
 }
 
@@ -453,8 +473,7 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
-    const bool inside = object != &objects.front() && (object - 1)->damaged;
-    const bool unclear = versions[kept.id.number] > 1 && (object->damaged || inside);
+    const bool unclear = versions[kept.id.number] > 1 && (object->damaged || object->inside);
     if (unclear || (object->damaged && kept.id == tail.root)) {
       throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
     }
@@ -464,7 +483,9 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
 // What readers make of such damage changes when the cross-references become sound.
 void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
-  if (encrypted && !document.isEncrypted()) throw CannotRepair("the encryption dictionary is damaged");
+  if ((encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document)) {
+    throw CannotRepair("the encryption dictionary is damaged");
+  }
   CheckDamagedObjects(tail);
   for (const auto& [key, value] : document.getRoot().getDictAsMap()) {
     if (IsInventedKey(key) && value.isIndirect()) throw CannotRepair("the catalog is damaged");
@@ -531,6 +552,7 @@ void FileRepair::RepairStreams(QPDF& document, FileTail& tail) {
 // Opens the file with these objects and a catalog that is not in the file: the parser insists on one.
 std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& password) {
   FileTail tail = MakeTail({}, kept);
+  tail.size = std::max(tail.size, kOwnNumbers);
   std::string text;
   const auto add = [&](const std::string& body) {
     const ObjectId id{tail.size++, 0};
@@ -622,7 +644,8 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
     if (object.stream != 0 && later.count(object.stream) != 0) later.insert(object.id.number);
   }
   if (later.empty() || IsUpdated(version)) return false;
-  if (!rebuiltHasPages) return true;
+  const bool alwaysRebuilt = version.tail.headerOffset > 0;
+  if (!rebuiltHasPages && !alwaysRebuilt) return true;
   bool displaced = false;
   bool plausible = true;
   VisitReachable(*version.document, [&](QPDFObjectHandle object) {
@@ -631,10 +654,14 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
     displaced = displaced || !SameObject(object, other);
     plausible = plausible && SameKind(object, other);
   });
+  const char* const kMixed = "objects of another document follow the end of the file";
+  // Some readers take the last object of each number after the update, too.
+  if (displaced && alwaysRebuilt) throw CannotRepair(kMixed);
+  if (!rebuiltHasPages) return true;
   const bool another = AnotherRootAfter(version, rebuilt);
   if (!displaced && !another) return true;
   const bool found = version.end == Scan().ends.back() && file_->Size() - version.end <= kFarthestStartXref;
-  if (found || another || !plausible) throw CannotRepair("objects of another document follow the end of the file");
+  if (found || another || !plausible) throw CannotRepair(kMixed);
   return false;
 }
 

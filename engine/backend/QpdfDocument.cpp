@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "engine/backend/BackendInputSource.h"
+#include "engine/backend/CryptFilters.h"
 #include "engine/backend/FileRepair.h"
 #include "engine/backend/NameEscapes.h"
 #include "engine/backend/ObjectStreams.h"
@@ -115,6 +116,15 @@ bool SamePlace(const QPDFXRefEntry& one, const QPDFXRefEntry& other) {
                                         one.getObjStreamIndex() == other.getObjStreamIndex();
 }
 
+// What the parser makes of a damaged object is not what other readers make of it. To be called when all is read.
+void CheckReadable(QPDF& document) {
+  const std::vector<QPDFExc> warnings = document.getWarnings();
+  const bool damaged = std::any_of(warnings.begin(), warnings.end(), [](const QPDFExc& warning) {
+    return warning.getObject().compare(0, 7, "object ") == 0;
+  });
+  if (damaged) throw EngineError(kErrorDamaged, "objects of a document that has to be rewritten are damaged");
+}
+
 QPDFObjGen IdOf(ObjectId id) {
   return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
@@ -207,7 +217,7 @@ void QpdfDocument::Load(const std::string& password) {
   try {
     OpenView(password, Recovery::kOff);
     const bool closed = repair.EndIsClosed();
-    const bool decrypted = !LosesEncryption(*qpdf_);
+    const bool decrypted = !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_);
     if (closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = closed && decrypted;
@@ -216,21 +226,26 @@ void QpdfDocument::Load(const std::string& password) {
   }
   std::shared_ptr<QPDF> asItIs = std::move(qpdf_);
   if (!opened) asItIs.reset();
+  std::string reason;
   try {
     Repair(repair, password);
     return;
-  } catch (const CannotRepair&) {
+  } catch (const CannotRepair& error) {
     // Any other way to rebuild the file would lose what this one cannot describe.
     if (!opened) throw;
+    reason = error.what();
   } catch (const EngineError& error) {
     if (error.code() != kErrorDamaged) throw;
+    reason = error.what();
   }
   if (opened) {
     // Readers that rebuild such a file do so with an update that continues its cross-references, too. They would not
     // with a complete section.
-    const bool usable = QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair);
-    if (!usable) throw EngineError(kErrorDamaged, "the cross-references are damaged");
+    // A damaged catalog would be written as the parser reads it, and others read it otherwise.
+    const bool usable = QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair) &&
+                        !HasInventedKeys(asItIs->getRoot());
     qpdf_ = asItIs;
+    if (!usable || !KnownTail()) throw EngineError(kErrorDamaged, reason);
     return;
   }
   OpenView(password, Recovery::kOn);
@@ -463,6 +478,7 @@ void QpdfDocument::Rewrite(const Edits& edits, OutputFile& output) {
     QPDFObjectHandle trailer = copy->getTrailer();
     for (const auto& [key, value] : edits.Trailer()) trailer.replaceKey(key, Parse(*copy, value));
     expected = ReachableObjects::Of(*copy);
+    CheckReadable(*copy);
     // The parser does without these entries and the key's /Length, but the writer goes by them.
     trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
     if (!IsIdentifier(trailer.getKey("/ID"))) {

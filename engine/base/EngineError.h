@@ -8,7 +8,7 @@
 
 namespace engine {
 
-// A failure with the code that LastErrorCode() answers for it and a sentence for a log.
+// A failure: the code that LastErrorCode() returns for it, and a sentence for a log.
 class EngineError : public std::runtime_error {
  public:
   EngineError(LibraryErrorCode code, const std::string& message) : std::runtime_error(message), code_(code) {}

@@ -13,12 +13,12 @@
 
 namespace engine {
 
-// A file, or bytes in memory, opened for reading. It stays readable while the object lives, even when the name is
-// removed or given to another file meanwhile; CheckUnchanged() reports that. Not for several threads.
+// A file, or bytes in memory, opened for reading. It stays readable while the object lives, even when its name is
+// removed or given to another file; CheckUnchanged() reports that. For one thread at a time.
 class InputFile : public std::enable_shared_from_this<InputFile> {
  public:
-  // Differs between two states of a file. The inode is not used again while the file is open here, so another program's
-  // save by rename always shows. A change in place shows by size or time, and the time is only as fine as the kernel's.
+  // Differs between two states of a file. A save by rename always shows: the inode is not used again while the file is
+  // open here. A change in place shows by size or time, and the time is only as fine as the kernel's clock.
   struct Identity {
     static Identity Of(const struct stat& status);
 
@@ -56,7 +56,7 @@ class InputFile : public std::enable_shared_from_this<InputFile> {
   // as in /sys, because its size was never true.
   std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) const;
   std::string ReadAt(std::uint64_t offset, std::size_t count) const;
-  // The same bytes where they are: in this object or, if they had to be read, in `storage`.
+  // The same bytes without a copy: they are in this object or, if they had to be read, in `storage`.
   std::string_view ViewAt(std::uint64_t offset, std::size_t count, std::string& storage) const;
 
   // The whole file when it is in memory already (small files are, once read), otherwise null.
@@ -79,7 +79,7 @@ class InputFile : public std::enable_shared_from_this<InputFile> {
   Identity identity_;
   bool sparse_ = false;
   mutable bool cached_ = false;
-  mutable bool tooShort_ = false;  // kept, since a parser may swallow the error
+  mutable bool tooShort_ = false;  // kept, since a parser may ignore the error
   mutable std::string bytes_;
   mutable std::uint64_t bytesRead_ = 0;
 };

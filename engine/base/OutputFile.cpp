@@ -57,7 +57,7 @@ std::string DescriptorPath(int descriptor) {
 // Gives an unnamed file its name; false with errno otherwise, EEXIST when the name is taken.
 bool Name(int descriptor, const std::string& name) {
 #ifdef AT_EMPTY_PATH
-  // Twice as fast as through /proc, but not for everyone: the kernel reports "no such file" to those who may not.
+  // Twice as fast as through /proc, but it needs a privilege: without it the kernel reports "no such file".
   static std::atomic<bool> direct{true};
   if (direct && linkat(descriptor, "", AT_FDCWD, name.c_str(), AT_EMPTY_PATH) == 0) return true;
   if (direct && errno != ENOENT && errno != EPERM && errno != EINVAL) return false;
@@ -80,7 +80,7 @@ std::string RandomName() {
   return name + ".tmp";
 }
 
-// Labels of security modules describe the old content or are set by the system; those of the user are kept.
+// The user's attributes are kept. Labels of security modules describe the old content or are set by the system.
 bool IsKeptAttribute(const std::string& name) {
   return name.compare(0, 5, "user.") == 0 || name == kAccessList;
 }
@@ -96,7 +96,7 @@ void CopyExtendedAttributes(const std::string& from, int to) {
     value.resize(XATTR_SIZE_MAX);
     const ssize_t size = getxattr(from.c_str(), name.c_str(), value.data(), value.size());
     if (size >= 0 && fsetxattr(to, name.c_str(), value.data(), static_cast<std::size_t>(size), 0) != 0) {
-      continue;  // The file system of the folder need not know what the old file had.
+      continue;  // the new file's file system may not have this attribute
     }
   }
 }
@@ -118,7 +118,7 @@ bool Exchange(const std::string& one, const std::string& other) {
   return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
 }
 
-// The kernel, the file system or a filter of system calls does not have it.
+// The kernel, the file system or a filter of system calls has no exchange of names.
 bool CannotExchange(int error) {
   return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == EPERM;
 }
@@ -132,8 +132,8 @@ InputFile::Identity IdentityAt(const std::string& path) {
   throw EngineError(kErrorSourceChanged, path + ": changed since it was opened");
 }
 
-// An advisory lock for as long as the object lives. This library holds one for an instant, so a long wait means another
-// program or a stopped process. On file systems without locks it locks nothing.
+// An advisory lock while the object lives. This library holds one for an instant only, so a long wait means another
+// program or a stopped process. On file systems without locks nothing is locked.
 class FileLock {
  public:
   FileLock(int descriptor, const std::string& path) : descriptor_(descriptor) {
@@ -158,7 +158,7 @@ OutputFile::OutputFile(const std::string& path) : target_(path) {
   if (path.empty() || path.back() == '/' || path.find('\0') != std::string::npos) {
     throw EngineError(kErrorCannotWrite, path + ": no file name");
   }
-  // Most targets are new. To ask for one first would cost more than to learn of it when its name is given.
+  // Most targets are new, so an existing one is only noticed when the file gets its name; a check here would cost more.
   folder_ = FolderOf(target_);
   if (OpenUnnamed()) return;
   ResolveTarget();
@@ -188,7 +188,7 @@ bool OutputFile::OpenUnnamed() {
 }
 
 void OutputFile::OpenNamedTemporary() {
-  // A file that shall take a private one's place must not be readable meanwhile.
+  // A file that replaces a private one must not be readable meanwhile.
   const mode_t mode = access(target_.c_str(), F_OK) == 0 ? 0600 : kNewFileMode;
   do {
     const std::string name = folder_ + RandomName();
@@ -243,7 +243,7 @@ void OutputFile::CopyFrom(const InputFile& source) {
   if (InMemory()) source.CheckUnchanged();
 }
 
-// In this order: a target that is the source, replaced by now, is noticed by the check.
+// In this order: if the target is the source and was replaced meanwhile, the check reports it.
 void OutputFile::NoteLoaded(const InputFile& loaded) {
   struct stat target = {};
   if (!loaded.InMemory() && stat(target_.c_str(), &target) == 0 && target.st_dev == loaded.GetIdentity().device &&
@@ -262,7 +262,7 @@ void OutputFile::CopyWithHoles(const InputFile& source) {
   if (ftruncate(descriptor_, static_cast<off_t>(written_)) != 0) ThrowWriteError(errno);
 }
 
-// The source's bytes from as many on as were written.
+// Copies the source's bytes from Size() on.
 void OutputFile::CopyUpTo(const InputFile& source, std::uint64_t end) {
   if (!InMemory()) CopyInKernel(source, end);
   std::string block;
@@ -288,7 +288,7 @@ void OutputFile::CopyInKernel(const InputFile& source, std::uint64_t end) {
   }
 }
 
-// Looks at all of it where it was copied by hand, otherwise at the size and both ends.
+// Compares everything if it was copied by hand, otherwise the size and both ends.
 void OutputFile::CheckBeginsWith(const InputFile& source) const {
   if (IsSmallAndBeginsWith(source)) return;
   const std::uint64_t size = source.Size();
@@ -310,7 +310,7 @@ void OutputFile::CheckBeginsWith(const InputFile& source) const {
   throw EngineError(kErrorCannotWrite, target_ + ": what was written does not begin with the loaded file");
 }
 
-// By one call. False where that does not show it.
+// Compares with one system call. False also for a file that is too large for that.
 bool OutputFile::IsSmallAndBeginsWith(const InputFile& source) const {
   const std::string* const bytes = source.Bytes();
   if (bytes == nullptr || written_ > kBufferSize) return false;
@@ -345,7 +345,7 @@ void OutputFile::Commit(const InputFile* loaded) {
   std::vector<const InputFile*> sources;
   if (source_ != nullptr) sources.push_back(source_.get());
   if (loaded != nullptr && loaded != source_.get()) sources.push_back(loaded);
-  // Most targets are new. One that is there is noticed as the file gets its name, and only then looked at.
+  // Most targets are new. An existing one is noticed when the file gets its name, and examined only then.
   const auto mayBeTarget = [&](const InputFile* source) { return EndsWith(source->Path(), target_); };
   const bool unnamed = temporary_.empty();
   if (unnamed && std::none_of(sources.begin(), sources.end(), mayBeTarget)) {
@@ -376,7 +376,7 @@ void OutputFile::Replace() {
   SyncFolder();
 }
 
-// Leaves no temporary file. The header has the reasons for the locks and for their order.
+// Leaves no temporary file. The header describes the locks.
 void OutputFile::TakePlaceOfLoaded(const struct stat& old) {
   const FileLock oldLock(loaded_->Descriptor(), target_);
   const FileLock newLock(descriptor_, target_);
@@ -407,8 +407,8 @@ void OutputFile::CheckIsLoaded(const std::string& path, const struct stat& old) 
   }
 }
 
-// Undoes an exchange that took another program's save out of its place. When that place then held anything but what was
-// put there, another program has saved once more meanwhile, and the newest save has to stay.
+// Undoes an exchange that took away another program's save. If the place then holds another file than the one that was
+// put there, a program has saved once more meanwhile, and that newest save has to stay.
 void OutputFile::PutBack() {
   struct stat own = {};
   fstat(descriptor_, &own);
@@ -419,7 +419,7 @@ void OutputFile::PutBack() {
     if (IdentityAt(temporary_) == placed) return;
     placed = next;
   }
-  // The name was removed meanwhile, or nothing can be done: then the other save stays under the hidden name.
+  // If the name was removed meanwhile, the other save gets it back; else it stays under the hidden name.
   if (errno == ENOENT && (link(temporary_.c_str(), target_.c_str()) == 0 || errno == EEXIST)) return;
   const std::string kept = std::exchange(temporary_, {});
   throw EngineError(kErrorCannotWrite, target_ + ": another program saved it meanwhile; its file is now " + kept);
@@ -447,8 +447,8 @@ void OutputFile::PrepareReplacement(const struct stat& old) {
   if (fsync(descriptor_) != 0) ThrowWriteError(errno);
 }
 
-// With the same rights for the group and for others, another group changes nothing for anybody. Otherwise the file
-// would be lost to its readers or open to new ones, so it stays as it is.
+// If group and others have the same rights, another group changes nothing. Otherwise readers would lose the file or
+// others could read it, so it is not replaced.
 void OutputFile::CheckGroupIsNoMatter(const struct stat& old) const {
   const bool same = (old.st_mode >> 3 & 7U) == (old.st_mode & 7U);
   if (same && getxattr(target_.c_str(), kAccessList, nullptr, 0) < 0) return;

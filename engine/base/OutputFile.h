@@ -94,7 +94,7 @@ class OutputFile {
   void SyncFolder() const;
   [[noreturn]] void ThrowWriteError(int error) const;
 
-  std::string target_;     // where the file shall appear
+  std::string target_;     // where the file is to appear
   std::string folder_;     // the target's, with a slash at its end
   std::string temporary_;  // empty while the temporary file has no name
   std::string buffer_;     // belongs at the offset written_

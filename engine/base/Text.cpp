@@ -11,13 +11,9 @@ namespace engine {
 namespace {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
-constexpr std::uint32_t kFirstRawByte = 0xDC80;  // stands for the byte 0x80
+constexpr std::uint32_t kFirstRawByte = 0xDC80;  // the unit of the byte 0x80
 constexpr std::uint32_t kLastRawByte = 0xDCFF;
 
-std::uint32_t CharacterOf(wchar_t unit) {
-  // NOLINTNEXTLINE(bugprone-signed-char-misuse): units are 32 bits wide, so nothing is extended.
-  return static_cast<std::uint32_t>(unit);
-}
 bool IsCharacter(std::uint32_t unit) {
   return unit < 0xD800 || (unit > 0xDFFF && unit <= 0x10FFFF);
 }
@@ -25,12 +21,12 @@ void AppendCharacter(std::string& bytes, std::uint32_t unit) {
   Utf8::Append(bytes, IsCharacter(unit) ? unit : kReplacement);
 }
 
-// The ASCII characters that the text starts with: nearly always all of it.
+// The ASCII characters at the start of the text; most texts have no others.
 std::string PlainStart(std::wstring_view text) {
   return std::string(text.begin(), text.begin() + Utf8::AsciiPrefix(text));
 }
 
-// `malformed` maps each byte that is no UTF-8 to a unit.
+// `malformed` maps each byte that is not UTF-8 to a unit.
 template <typename Malformed>
 std::wstring Decode(std::string_view bytes, Malformed malformed) {
   const std::size_t plain = Utf8::AsciiPrefix(bytes);

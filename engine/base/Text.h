@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,13 @@
 // take time in proportion to the text.
 namespace engine {
 
-// UTF-8; units that are no characters (surrogates, above U+10FFFF) become U+FFFD.
+// The number of a unit of a wide text.
+inline std::uint32_t CharacterOf(wchar_t unit) {
+  // NOLINTNEXTLINE(bugprone-signed-char-misuse): units are 32 bits wide, so nothing is extended.
+  return static_cast<std::uint32_t>(unit);
+}
+
+// UTF-8; units that are not characters (surrogates, above U+10FFFF) become U+FFFD.
 std::string Utf8FromWide(std::wstring_view text);
 // Bytes that are not UTF-8 become U+FFFD.
 std::wstring WideFromUtf8(std::string_view bytes);
@@ -18,7 +25,7 @@ std::wstring WideFromUtf8(std::string_view bytes);
 std::string RawFromWide(std::wstring_view text);
 std::wstring WideFromRaw(std::string_view bytes);
 
-// A base URL as a PDF file holds it: characters outside ASCII percent-encoded as UTF-8 (RFC 3986, 2.1), the others as
+// A base URL as it is in a PDF file: characters outside ASCII percent-encoded as UTF-8 (RFC 3986, 2.1), the others as
 // they are.
 std::string UrlFromWide(std::wstring_view url);
 // The text of a base URL in a file. One that is not ASCII, against the standard, is read as UTF-16 or UTF-8 when it has

@@ -13,7 +13,7 @@ namespace engine {
 
 namespace {
 
-// The action in a slot, or something else where there is none.
+// The slot's value; another kind of value than a dictionary if there is no action.
 LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
   const std::string_view path = slot.path;
   const std::size_t second = path.find('/', 1);
@@ -21,7 +21,7 @@ LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
   return second == std::string_view::npos ? value : Entry(objects, value, path.substr(second));
 }
 
-// A value of /Next, or an element of it. What it refers to is loaded when it is its turn.
+// A value of /Next, or an element of it. A reference is loaded later, in its turn.
 LocatedValue Unloaded(const LocatedValue& parent, std::string_view value, const std::string& step) {
   if (IsReference(value)) {
     try {
@@ -104,8 +104,9 @@ void ActionTable::Add(const LocatedValue& action, std::string_view type) {
 void ActionTable::Forget(ObjectId owner, const std::string& path) {
   const auto found = slots_.find({owner, Kept(path)});
   if (found == slots_.end()) return;
-  for (auto i = static_cast<std::size_t>(found->second) - 1; records_[i].type != nullptr; ++i)
+  for (auto i = static_cast<std::size_t>(found->second) - 1; records_[i].type != nullptr; ++i) {
     records_[i].type = nullptr;
+  }
   slots_.erase(found);
 }
 

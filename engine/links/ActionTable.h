@@ -14,9 +14,9 @@
 
 namespace engine {
 
-// The actions of a document that were asked for, by IDs from 1 on (ISO 32000-1, 12.6). Those of one place have
-// consecutive IDs: an action and, depth first, those that follow it (/Next), each once; the ID after the last of them
-// is not an action.
+// The actions of a document that were asked for, by IDs from 1 on (ISO 32000-1, 12.6). The actions of one place have
+// consecutive IDs: the first one and, depth first, those that follow it (/Next), each once. The ID after the last of
+// them is not an action.
 class ActionTable {
  public:
   struct Action {
@@ -31,16 +31,16 @@ class ActionTable {
     std::string path;  // "/A" or "/AA/E"
   };
 
-  // `most` bounds the actions of all places together: a place of a damaged document can lead to every other action.
+  // `most` limits the actions of all places together: in a damaged document each place can lead to every other action.
   explicit ActionTable(std::size_t most = 4'000'000) : most_(most) {}
 
-  // The ID of the first action in these slots, which stay together; 0 when they have none. Slots that have IDs already
-  // keep them: when all have, that of the first is returned. Throws EngineError(kErrorFileTooLarge) when there are more
-  // actions than the bound; no further place has actions then.
+  // Gives the actions in these slots consecutive IDs and returns the first one; 0 when there are none. A slot that has
+  // IDs keeps them; when all have, the first slot's ID is returned. Throws EngineError(kErrorFileTooLarge) when there
+  // are more actions than the limit; no further place gets actions then.
   int Register(ObjectTexts& objects, const std::vector<Slot>& slots);
-  // Forgets the slot: its IDs stay given, but are no actions any more.
+  // Removes the slot: its IDs are not given again, and are not actions any more.
   void Forget(ObjectId owner, const std::string& path);
-  // An action without a type for an ID that is not one.
+  // An action without a type when the ID is not an action.
   Action Find(int id) const;
 
  private:

@@ -22,7 +22,7 @@ DictionaryView::DictionaryView(std::string_view text) {
     PdfLexer lexer(text, 2);
     for (lexer.SkipSpace(); text.compare(lexer.Position(), 2, ">>") != 0; lexer.SkipSpace()) {
       const PdfLexer::Value key = lexer.ReadValue();
-      // What no key is before is passed over.
+      // A value without a key is skipped.
       if (key.kind != PdfLexer::Kind::kName) continue;
       lexer.SkipSpace();
       if (text.compare(lexer.Position(), 2, ">>") == 0) break;

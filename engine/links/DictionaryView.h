@@ -7,9 +7,9 @@
 
 namespace engine {
 
-// The entries of a dictionary object's text, which must outlive this object. Of a key that is there twice the last
-// value counts, as for full parsers; where the syntax is broken, the entries before it are there. Empty for anything
-// else.
+// The entries of a dictionary object's text, which must outlive this object. If a key occurs twice, the last value
+// counts, as in full parsers. Of broken syntax, the entries before the error are read. Empty for another kind of
+// object.
 class DictionaryView {
  public:
   struct Entry {
@@ -27,7 +27,7 @@ class DictionaryView {
   std::vector<Entry> entries_;
 };
 
-// The elements of an array object's text; those before an error where the syntax is broken. Empty for anything else.
+// The elements of an array object's text; of broken syntax, those before the error. Empty for another kind of object.
 std::vector<std::string_view> ArrayElements(std::string_view text);
 
 // What a value is, by how it begins.

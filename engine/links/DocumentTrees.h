@@ -7,13 +7,13 @@
 
 namespace engine {
 
-// Walks over what hangs on a document's catalog. Each object is visited once, so that loops end; what is broken is left
+// Walks over the trees in a document's catalog. Each object is visited once, so that loops end; broken parts are left
 // out.
 
 // The outline items in document order (ISO 32000-1, 12.3.3).
 std::vector<ObjectId> ReadOutlineItems(ObjectTexts& objects, ObjectId catalog);
 
-// A field without fields beneath it (ISO 32000-1, 12.7.3) and those of its widgets that are objects apart from it.
+// A field without child fields (ISO 32000-1, 12.7.3) and its widgets that are separate objects.
 struct FormField {
   LocatedValue field;
   std::vector<LocatedValue> widgets;

@@ -10,7 +10,7 @@
 
 namespace engine {
 
-// Pieces of a file, kept for what is read near them next; about one MiB of them.
+// A cache of up to 64 pieces of a file, 16 KiB each.
 class FileWindows {
  public:
   // `file` must outlive this object.
@@ -19,7 +19,7 @@ class FileWindows {
   // `count` bytes or more from `offset` on; fewer only where the file ends. Valid until the next call.
   std::string_view View(std::uint64_t offset, std::size_t count);
 
-  // View() of this many bytes is the cheap one.
+  // View() of up to this many bytes uses the cache.
   static constexpr std::size_t kCheap = std::size_t{8} * 1024;
 
  private:

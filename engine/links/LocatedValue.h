@@ -17,7 +17,7 @@ struct LocatedValue {
   std::string text;
 };
 
-// The object; where it is a reference itself, what that leads to. "null" when that is nowhere.
+// The object; if it is a reference itself, the object that this leads to. "null" when it leads nowhere.
 LocatedValue LoadObject(ObjectTexts& objects, ObjectId id);
 // An entry or element of `parent`, whose text is `value`; `step` is what its path adds.
 LocatedValue Resolve(ObjectTexts& objects, const LocatedValue& parent, std::string_view value, std::string_view step);

@@ -7,7 +7,7 @@
 
 namespace engine {
 
-// Where the objects of a document come from.
+// Gives the texts of a document's objects.
 class ObjectTexts {
  public:
   virtual ~ObjectTexts() = default;

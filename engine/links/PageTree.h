@@ -8,8 +8,8 @@
 
 namespace engine {
 
-// The pages of a document in their order (ISO 32000-1, 7.7.3). No value for a page tree that readers may take
-// differently: other than the standard says, or with a node or page that is in it twice.
+// The pages of a document in their order (ISO 32000-1, 7.7.3). No value for a page tree that readers may read
+// differently: one that breaks the standard, or has a node or page twice.
 std::optional<std::vector<ObjectId>> ReadPageTree(ObjectTexts& objects, ObjectId catalog);
 
 }  // namespace engine

@@ -26,12 +26,13 @@ XrefMap ReadPlaces(const InputFile& file, std::uint64_t startXref) {
   return XrefMap(XrefChain(text, startXref));
 }
 
-// A file whose streams inflate to more than this is left to the full parser's guards.
+// A file whose streams inflate to more than this is left to the full parser, which has limits of its own.
 std::uint64_t MostDecoded(const InputFile& file) {
   return (std::uint64_t{64} << 20) + 100 * file.Size();
 }
 
-// A value as it is in the file. Full parsers read a dictionary with a value too many in their own ways.
+// A value as it is in the file. Throws PdfSyntaxError for a dictionary with a value too many, which full parsers read
+// differently.
 std::string PlainText(const PdfLexer& lexer, const PdfLexer::Value& value) {
   const std::string_view text = lexer.Text(value);
   if (value.kind == PdfLexer::Kind::kDictionary) {
@@ -131,7 +132,7 @@ QuickObjects::ObjectStream QuickObjects::ReadStream(std::uint32_t number) {
     const std::uint64_t itsNumber = lexer.ReadUnsigned();
     lexer.SkipSpace();
     const std::uint64_t offset = first + lexer.ReadUnsigned();
-    // Readers go by number or by index: both must lead to the same object.
+    // Some readers use the number, some the index: both must lead to the same object.
     if (offset >= stream.data.size() || !numbers.insert(itsNumber).second) throw PdfSyntaxError();
     stream.objects.emplace_back(itsNumber, static_cast<std::size_t>(offset));
   }

@@ -16,9 +16,9 @@
 
 namespace engine {
 
-// The objects of an undamaged file without encryption, read by its cross-reference sections. The costs are one pass
-// over the sections, and what each object takes; an object stream is decoded once as long as those in use fit the
-// memory for them. Members throw PdfSyntaxError for what is damaged or unusual.
+// The objects of an undamaged file without encryption, found by its cross-reference sections. These are read once; then
+// each object costs one read. An object stream is decoded once, as long as the decoded streams fit the cache. Members
+// throw PdfSyntaxError for what is damaged or unusual.
 class QuickObjects {
  public:
   // The file begins with its header. It must outlive this object.

@@ -54,7 +54,7 @@ class UriChanger {
 
   void Replace(std::string_view old, const std::string& uri) {
     CopyTo(PositionOf(old));
-    // "/URI(x)" has no space that could part the key from a reference.
+    // "/URI(x)" has no space, which a reference in place of the string would need.
     if (result_.back() != ' ' && IsReference(uri)) result_ += ' ';
     result_ += uri;
     copied_ += old.size();

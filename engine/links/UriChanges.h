@@ -6,8 +6,8 @@
 
 namespace engine {
 
-// The text of an object with other values of /URI in some of its dictionaries. `uris` has the values by the paths of
-// those dictionaries (see LocatedValue). Takes time in proportion to the text. Throws PdfSyntaxError.
+// The text of an object with other values of /URI in some of its dictionaries. `uris` maps the paths of these
+// dictionaries (see LocatedValue) to the values. Takes time in proportion to the text. Throws PdfSyntaxError.
 std::string WithUris(const std::string& text, const std::map<std::string, std::string>& uris);
 
 }  // namespace engine

@@ -29,16 +29,12 @@ auto ValueOrNothing(Answer answer) -> std::optional<decltype(answer())> {
   }
 }
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // "%PDF-1.7"
 bool IsHeader(std::string_view text) {
   if (text.compare(0, 5, "%PDF-") != 0) return false;
   std::size_t i = 5;
-  while (i < text.size() && IsDigit(text[i])) ++i;
-  return i > 5 && i + 1 < text.size() && text[i] == '.' && IsDigit(text[i + 1]);
+  while (i < text.size() && PdfLexer::IsDigit(text[i])) ++i;
+  return i > 5 && i + 1 < text.size() && text[i] == '.' && PdfLexer::IsDigit(text[i + 1]);
 }
 
 // The number after the last "startxref". A file that ends right there is cut off, but can be continued.
@@ -100,32 +96,11 @@ QuickDocument ReadDocument(const InputFile& input) {
   return document;
 }
 
-// The offset of the trailer of the table whose entries begin at `offset`; checks only that what is between could be
-// entries.
-std::uint64_t FindTrailer(const PdfFileText& file, std::uint64_t offset) {
-  constexpr std::size_t kBlock = 64 * 1024;
-  for (;;) {
-    const std::string text = file.Read(offset, kBlock);
-    const std::size_t other = text.find_first_not_of("0123456789nf \t\f\r\n");
-    if (other != std::string::npos) return offset + other;
-    if (text.size() < kBlock) throw PdfSyntaxError();
-    offset += text.size();
-  }
-}
-
 FileTail ReadTailOf(const InputFile& input) {
   const PdfFileText file(input, QuickReader::HeaderOffset(input));
-  std::uint64_t startXref = ReadStartXref(file, false);
-  // Readers allow for space before the section; the update names the position after it.
-  const std::string start = file.Read(startXref, 64);
-  const std::size_t begin = std::min(start.find_first_not_of(std::string_view("\0\t\n\f\r ", 6)), start.size());
-  startXref += begin;
-  if (start.compare(begin, 4, "xref") != 0) {
-    const PdfFileText::Object object = file.ReadObject(startXref);
-    if (object.dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
-    return MakeTail(file, startXref, object.dictionary, true);
-  }
-  return MakeTail(file, startXref, file.ReadTrailer(FindTrailer(file, startXref + 4)), false);
+  const std::uint64_t startXref = ReadStartXref(file, false);
+  const XrefChain chain(file, startXref);
+  return MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
 }
 
 }  // namespace

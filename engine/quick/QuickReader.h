@@ -21,8 +21,9 @@ class QuickReader {
 
   static std::optional<QuickDocument> Read(const InputFile& file);
 
-  // The last cross-reference section alone, of encrypted files too and of files with bytes before the header. For a
-  // document that a full parser opened without repair; no value when no update can be appended.
+  // Of encrypted files too and of files with bytes before the header. For a document that a full parser opened without
+  // repair; no value when its cross-reference sections are not plain: readers that rebuild those rebuild an update that
+  // continues them, too.
   static std::optional<FileTail> ReadTail(const InputFile& file);
 
   // Where offsets count from: the header if it stands in the first 1024 bytes, otherwise the start of the file. Readers

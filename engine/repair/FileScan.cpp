@@ -25,10 +25,7 @@ constexpr std::size_t kDamagedObject = 16 * 1024;
 constexpr std::size_t kMostTrailers = 256;
 constexpr std::size_t kLongestTrailer = 64 * 1024;
 constexpr std::size_t kMostLengths = 16;
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
+constexpr std::string_view kStreamEnd = "endstream";
 
 bool StartsWith(std::string_view text, std::string_view word) {
   return text.compare(0, word.size(), word) == 0;
@@ -59,7 +56,7 @@ std::optional<ObjectId> ToReference(std::string_view text) {
 // Takes the digits at the end of the text away.
 std::string_view TakeDigits(std::string_view& text) {
   std::size_t begin = text.size();
-  while (begin > 0 && IsDigit(text[begin - 1])) --begin;
+  while (begin > 0 && PdfLexer::IsDigit(text[begin - 1])) --begin;
   const std::string_view digits = text.substr(begin);
   text.remove_suffix(digits.size());
   return digits;
@@ -69,6 +66,11 @@ bool TakeSpaces(std::string_view& text) {
   const std::size_t before = text.size();
   while (!text.empty() && PdfLexer::IsSpace(text.back())) text.remove_suffix(1);
   return text.size() < before;
+}
+
+bool FollowsAt(FileWindow& window, std::uint64_t offset, std::string_view word) {
+  const std::string_view text = window.At(offset, 64);
+  return StartsWith(text.substr(SpacesAt(text, 0)), word);
 }
 
 // The object whose header ends with the "obj" at `word`.
@@ -117,14 +119,13 @@ class Scanner {
         trailers_(file, "trailer"),
         headers_(file, "%PDF-"),
         streams_(file, "stream"),
-        streamEnds_(file, "endstream"),
+        streamEnds_(file, kStreamEnd),
         objectEnds_(file, "endobj"),
         lengths_(lengths) {
     lexingLeft_ = 4 * file.Size() + (1 << 20);
   }
 
-  void Run() {
-    std::uint64_t position = 0;
+  void Run(std::uint64_t position) {
     while (position < window_.Size()) {
       const std::uint64_t object = objects_.From(position);
       const std::uint64_t trailer = trailers_.From(position);
@@ -155,7 +156,6 @@ class Scanner {
         PdfLexer lexer(text);
         const PdfLexer::Value value = lexer.ReadValue();
         extent = {offset + value.end, true, false};
-        result.damagedAtEnd = false;
         return lexer.Text(value);
       } catch (const PdfSyntaxError& error) {
         extent.cutOff = error.truncated() && text.size() < size;
@@ -164,7 +164,7 @@ class Scanner {
           continue;
         }
       }
-      result.damagedAtEnd = true;
+      result.damage = offset;
       extent.end = offset;
       extent.whole = false;
       return window_.At(offset, kDamagedObject).substr(0, kDamagedObject);
@@ -211,7 +211,7 @@ class Scanner {
       const std::uint64_t next = std::min(objects_.From(body), objectEnds_.From(body));
       text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), next - body)));
       const std::uint64_t stream = streams_.From(body);
-      if (stream < next) {
+      if (stream < next && stream != streamEnds_.From(body) + 3) {
         text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), stream - body)));
         data = StreamDataAfter(stream);
       }
@@ -225,13 +225,17 @@ class Scanner {
       object->cutOff = end == window_.Size();
       object->data = *data;
       object->dataEnd = end;
+      object->damaged = object->damaged || !FollowsAt(window_, end, kStreamEnd);
+      if (object->damaged) result.damage = *data;
     }
+    object->inside = object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
+    if (data && object->damaged) insideUntil_ = streamEnds_.From(end);
     result.objects.push_back(*object);
     return std::max(end, body);
   }
 
   void NoteNumber(std::uint32_t object, std::string_view text) {
-    if (text.empty() || !IsDigit(text.front())) return;
+    if (text.empty() || !PdfLexer::IsDigit(text.front())) return;
     const auto number = ToNumber(text);
     std::vector<std::uint64_t>& values = numbers[object];
     if (number && values.size() < kMostLengths) values.push_back(*number);
@@ -298,6 +302,7 @@ class Scanner {
   WordSearch streamEnds_;
   WordSearch objectEnds_;
   const Lengths& lengths_;
+  std::uint64_t insideUntil_ = 0;  // the end of a stream that is open
   std::uint64_t lexingLeft_;  // bytes that values longer than the first window may still cost
 };
 
@@ -320,13 +325,13 @@ std::vector<std::uint64_t> FindEnds(const InputFile& file) {
 
 }  // namespace
 
-FileScan FileScan::Of(const InputFile& file) {
+FileScan FileScan::Of(const InputFile& file, std::uint64_t start) {
   const Scanner::Lengths none;
   Scanner first(file, none);
-  first.Run();
+  first.Run(start);
   if (first.lengthsMissing) {
     Scanner second(file, first.numbers);
-    second.Run();
+    second.Run(start);
     first.result = std::move(second.result);
   }
   first.result.ends = FindEnds(file);
@@ -351,9 +356,13 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key) 
 }
 
 bool StreamCanEndAt(FileWindow& window, std::uint64_t offset) {
-  const std::string_view text = window.At(offset, 64);
-  const std::string_view rest = text.substr(SpacesAt(text, 0));
-  return StartsWith(rest, "endstream") || StartsWith(rest, "endobj");
+  if (FollowsAt(window, offset, kStreamEnd)) return true;
+  if (!FollowsAt(window, offset, "endobj")) return false;
+  // The length may lead past the stream's keyword.
+  const std::uint64_t begin = offset - std::min<std::uint64_t>(offset, 64);
+  std::string_view before = window.At(begin, 64).substr(0, static_cast<std::size_t>(offset - begin));
+  TakeSpaces(before);
+  return before.size() < kStreamEnd.size() || before.substr(before.size() - kStreamEnd.size()) != kStreamEnd;
 }
 
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,10 @@ struct FileScan {
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
     bool cutOff = false;   // the file ends inside it
-    bool damaged = false;  // its text, or its stream's dictionary, is no PDF syntax
+    // Its text, or its stream's dictionary, is no PDF syntax, or its stream does not end with its keyword: readers may
+    // take what follows for a part of it.
+    bool damaged = false;
+    bool inside = false;  // follows such an object, before the next end of a stream if that is one
     // Of streams: where the data begin, and where they end by what stands there.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
@@ -37,16 +41,16 @@ struct FileScan {
   std::vector<Trailer> trailers;
   // Where the last "startxref" of the file and its number end, and some before it; the last one last.
   std::vector<std::uint64_t> ends;
-  // Whether the last value of the file is damaged or cut off.
-  bool damagedAtEnd = false;
+  // Where the last value begins, inside or outside of objects, that is damaged or cut off.
+  std::optional<std::uint64_t> damage;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
   // The offsets of headers "%PDF-" outside of objects, in the order of the file.
   std::vector<std::uint64_t> headers;
 
-  // Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
+  // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
   // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
-  static FileScan Of(const InputFile& file);
+  static FileScan Of(const InputFile& file, std::uint64_t start);
 };
 
 // The value of a key of a dictionary, as it stands in the text; empty when there is none. Where the dictionary is

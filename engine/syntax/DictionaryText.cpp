@@ -71,7 +71,7 @@ void DictionaryText::Set(std::string_view key, std::string_view value) {
       continue;
     }
     found = true;
-    // "/Key/Name" has no space that could part the key from a number.
+    // "/Key/Name" has no space, which a number in place of the name would need.
     const bool apart = PdfLexer::IsSpace(text_[entry.valueBegin - 1]) || PdfLexer::IsDelimiter(value.front());
     if (!apart) Replace(entry.valueBegin, entry.valueBegin, " ");
     Replace(entry.valueBegin, entry.end, value);

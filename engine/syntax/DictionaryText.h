@@ -8,8 +8,8 @@
 
 namespace engine {
 
-// A dictionary object's text that can be changed; what is not changed keeps its bytes. Unlike RawDictionary it takes
-// keys written with "#", and of a key that occurs twice the last value, as full parsers do.
+// A dictionary object's text that can be changed; the rest keeps its bytes. Unlike RawDictionary it accepts keys
+// written with "#", and a key that occurs twice, of which the last value counts, as in full parsers.
 //
 // Keys are given with their slash and without "#" escapes. Values are texts of objects.
 class DictionaryText {

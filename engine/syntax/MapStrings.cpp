@@ -24,7 +24,7 @@ class StringMapper {
       : text_(text), map_(map), mayBeSignature_(text.find("/ByteRange") != std::string_view::npos) {}
 
   std::string Run() {
-    // A last token that ends with the text ends at a delimiter as well.
+    // The last token, too, is to end at a delimiter.
     const std::string padded = std::string(text_) + ' ';
     Map(padded, 0, padded.size() - 1, false);
     return std::move(result_);

@@ -10,12 +10,8 @@ namespace {
 // Deeper objects exist in hostile files only; full parsers stop at a few hundred.
 constexpr std::size_t kDeepest = 100;
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 int HexDigit(char c) {
-  if (IsDigit(c)) return c - '0';
+  if (PdfLexer::IsDigit(c)) return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
@@ -25,7 +21,7 @@ PdfLexer::Kind NumberKind(std::string_view word) {
   std::size_t digits = 0;
   std::size_t points = 0;
   for (std::size_t i = (word[0] == '+' || word[0] == '-') ? 1 : 0; i < word.size(); ++i) {
-    if (IsDigit(word[i])) {
+    if (PdfLexer::IsDigit(word[i])) {
       ++digits;
     } else if (word[i] == '.') {
       ++points;

@@ -14,8 +14,8 @@
 
 namespace engine {
 
-// Reads PDF tokens and objects from a text (ISO 32000-1, 7.2 and 7.3) without building them: what is wanted is their
-// extent. Strict: what readers are known to take differently throws PdfSyntaxError. Needs no recursion.
+// Finds PDF tokens and objects in a text (ISO 32000-1, 7.2 and 7.3): their kind, begin and end. Strict: syntax that
+// readers are known to treat differently throws PdfSyntaxError. Not recursive, so nesting takes no stack.
 class PdfLexer {
  public:
   enum class Kind {
@@ -74,6 +74,7 @@ class PdfLexer {
   // The bytes of a literal or hexadecimal string object.
   static std::string ToBytes(std::string_view text);
 
+  static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
   static bool IsSpace(char c) { return ClassOf(c) == Class::kSpace; }
   static bool IsDelimiter(char c) { return ClassOf(c) != Class::kRegular; }
 

@@ -5,7 +5,7 @@
 
 namespace engine {
 
-// The text is not the plain PDF that the quick reader understands. Never leaves the layer.
+// The text is damaged or unusual PDF. Callers then use the full parser; it does not reach the API.
 class PdfSyntaxError : public std::exception {
  public:
   // Whether the text merely ended too early, so that a longer window of the file may do.

@@ -7,7 +7,7 @@ namespace engine {
 
 namespace {
 
-// Far more than catalogs and trailers have; keeps the search for a key that occurs twice cheap.
+// Far more than catalogs and trailers have; bounds the search for a key that occurs twice.
 constexpr std::size_t kMostEntries = 1000;
 constexpr std::size_t kUsualEntries = 8;
 

@@ -31,24 +31,23 @@ std::optional<char16_t> InTable(const char16_t (&table)[N], unsigned char first,
   return table[code - first];
 }
 
-char16_t CharacterOf(unsigned char code) {
+char16_t FromPdfDoc(unsigned char code) {
   if (const auto low = InTable(kLow, kFirstLow, code)) return *low;
   if (const auto high = InTable(kHigh, kFirstHigh, code)) return *high;
   return code == kSoftHyphen ? kUndefined : code;
 }
 
 // The code of a character; no value when the encoding does not have it.
-std::optional<char> CodeOf(wchar_t character) {
-  if (character == kUndefined) return std::nullopt;
+std::optional<char> CodeOf(std::uint32_t character) {
+  if (character == kUndefined || character > 0xFFFF) return std::nullopt;
   const auto in = [&](const auto& table, unsigned char first) -> std::optional<char> {
     const auto* const found = std::find(std::begin(table), std::end(table), static_cast<char16_t>(character));
     if (found == std::end(table)) return std::nullopt;
     return static_cast<char>(first + (found - std::begin(table)));
   };
-  if (character < 0 || character > 0xFFFF) return std::nullopt;
   if (const auto low = in(kLow, kFirstLow)) return low;
   if (const auto high = in(kHigh, kFirstHigh)) return high;
-  if (character > 0xFF || CharacterOf(static_cast<unsigned char>(character)) != character) return std::nullopt;
+  if (character > 0xFF || FromPdfDoc(static_cast<unsigned char>(character)) != character) return std::nullopt;
   return static_cast<char>(character);
 }
 
@@ -64,7 +63,7 @@ void AppendUnit(std::string& bytes, std::uint32_t unit) {
 std::string Utf16FromWide(const std::wstring& text) {
   std::string bytes = "\xFE\xFF";
   for (const wchar_t wide : text) {
-    const auto character = static_cast<std::uint32_t>(wide);
+    const std::uint32_t character = CharacterOf(wide);
     if (character < 0x10000) {
       AppendUnit(bytes, character);
     } else {
@@ -86,7 +85,7 @@ std::wstring WideFromMarked(std::string bytes) {
 std::wstring WideFromPdfDocEncoding(const std::string& bytes) {
   std::wstring text;
   text.reserve(bytes.size());
-  for (const char byte : bytes) text += static_cast<wchar_t>(CharacterOf(static_cast<unsigned char>(byte)));
+  for (const char byte : bytes) text += static_cast<wchar_t>(FromPdfDoc(static_cast<unsigned char>(byte)));
   return text;
 }
 
@@ -106,8 +105,8 @@ std::string TextStringFromUtf8(const std::string& utf8) {
   const std::wstring text = WideFromUtf8(utf8);
   std::string bytes;
   bytes.reserve(text.size());
-  for (const wchar_t character : text) {
-    const std::optional<char> code = CodeOf(character);
+  for (const wchar_t unit : text) {
+    const std::optional<char> code = CodeOf(CharacterOf(unit));
     if (!code) return Utf16FromWide(text);
     bytes += *code;
   }

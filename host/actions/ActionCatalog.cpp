@@ -3,28 +3,70 @@
 
 #include <algorithm>
 #include <QDir>
+#include <QFileInfo>
 #include <QLibrary>
 #include <QPluginLoader>
 #include <QSet>
 
+#include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Suggestion.h"
 
+namespace {
+
+// Of "SetBaseURL.so", the action "Set Base URL" and the command "set-base-url".
+bool IsNamedAfter(const QString& file, QString name) {
+  name.remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
+  return QFileInfo(file).completeBaseName().compare(name, Qt::CaseInsensitive) == 0;
+}
+
+bool IsSameFolder(const QString& one, const QString& other) {
+  return QFileInfo(one).path() == QFileInfo(other).path();
+}
+
+QString CommandOf(const ActionCatalog::Entry& entry) {
+  const std::optional<SettingsDescription> description = SettingsDescription::Of(entry.action->GetActionName());
+  return description ? description->CommandName() : QString();
+}
+
+}  // namespace
+
 CActionInterface* ActionCatalog::Find(const QString& actionName) {
-  for (std::size_t i = 0; i < entries_.size() || LoadNext();) {
+  return FindBy(actionName, [&](const Entry& entry) { return entry.action->GetActionName() == actionName; });
+}
+
+CActionInterface* ActionCatalog::FindCommand(const QString& commandName) {
+  return FindBy(commandName, [&](const Entry& entry) { return CommandOf(entry) == commandName; });
+}
+
+template <typename Matches>
+CActionInterface* ActionCatalog::FindBy(const QString& name, Matches matches) {
+  for (std::size_t i = 0; i < entries_.size() || LoadNext(name);) {
     if (i == entries_.size()) continue;
-    if (entries_[i].action->GetActionName() == actionName) return entries_[i].action;
+    if (matches(entries_[i])) return entries_[i].action;
     ++i;
   }
   return nullptr;
+}
+
+QStringList ActionCatalog::ActionNames() {
+  QStringList names;
+  for (const Entry& entry : All()) names += entry.action->GetActionName();
+  return names;
+}
+
+QStringList ActionCatalog::CommandNames() {
+  QStringList names;
+  for (const Entry& entry : All()) names += CommandOf(entry);
+  names.removeAll(QString());
+  return names;
 }
 
 CActionInterface& ActionCatalog::Get(const QString& actionName) {
   CActionInterface* const action = Find(actionName);
   if (action != nullptr) return *action;
   QString message = QStringLiteral("Unknown action '%1': no plug-in in %2 has it.").arg(actionName, FolderNames());
-  QStringList known;
-  for (const Entry& entry : entries_) known += entry.action->GetActionName();
+  const QStringList known = ActionNames();
   const QString suggestion = Suggestion(actionName, known);
   if (!suggestion.isEmpty()) {
     message += suggestion;
@@ -42,7 +84,7 @@ QString ActionCatalog::FolderNames() const {
 }
 
 const std::vector<ActionCatalog::Entry>& ActionCatalog::All() {
-  while (LoadNext()) {
+  while (LoadNext({})) {
   }
   return entries_;
 }
@@ -60,11 +102,14 @@ void ActionCatalog::ListFiles() {
   listed_ = true;
 }
 
-// Loads one more file; false when there is none left.
-bool ActionCatalog::LoadNext() {
+// Loads one more file, of the first folder that has one left; false when there is none left.
+bool ActionCatalog::LoadNext(const QString& wanted) {
   if (!listed_) ListFiles();
-  if (next_ == files_.size()) return false;
-  const QString& file = files_.at(next_++);
+  if (files_.isEmpty()) return false;
+  const auto named = std::find_if(files_.begin(), files_.end(), [&](const QString& file) {
+    return IsNamedAfter(file, wanted) && IsSameFolder(file, files_.first());
+  });
+  const QString file = files_.takeAt(named != files_.end() ? static_cast<int>(named - files_.begin()) : 0);
   QPluginLoader loader(file);
   CActionInterface* const action = qobject_cast<CActionInterface*>(loader.instance());
   if (action != nullptr) {
@@ -83,6 +128,9 @@ void ActionCatalog::Add(const Entry& entry) {
   const auto same = std::find_if(entries_.begin(), entries_.end(),
                                  [&](const Entry& other) { return other.action->GetActionName() == name; });
   if (same == entries_.end()) return entries_.push_back(entry);
+  Entry unused = entry;
+  const bool isBetter = IsNamedAfter(entry.file, name) && !IsNamedAfter(same->file, name);
+  if (isBetter && IsSameFolder(entry.file, same->file)) std::swap(*same, unused);
   warnings_ +=
-      QStringLiteral("Two plug-ins have the action '%1': %2 is used, not %3.").arg(name, same->file, entry.file);
+      QStringLiteral("Two plug-ins have the action '%1': %2 is used, not %3.").arg(name, same->file, unused.file);
 }

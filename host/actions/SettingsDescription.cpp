@@ -7,7 +7,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMap>
-#include <QRegularExpression>
+#include <QSet>
 
 #include "host/base/CommandError.h"
 
@@ -72,11 +72,7 @@ class Members {
   }
 
  private:
-  QJsonValue Take(const char* name) {
-    const QJsonValue value = object_.value(QLatin1String(name));
-    object_.remove(QLatin1String(name));
-    return value;
-  }
+  QJsonValue Take(const char* name) { return object_.take(QLatin1String(name)); }
 
   QJsonObject object_;
   QString origin_;
@@ -100,7 +96,7 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   setting.required = members.Truth("required");
   setting.empty = members.Text("empty");
   setting.use = members.Use("base");
-  for (const QJsonValue& choice : members.Array("choices", setting.type == Type::kChoice)) {
+  for (const auto& choice : members.Array("choices", setting.type == Type::kChoice)) {
     setting.choices += choice.toString();
   }
   setting.least = members.Number("least");
@@ -111,18 +107,25 @@ Setting ReadSetting(const QJsonObject& object, const QString& origin) {
   return setting;
 }
 
-// Every plug-in puts its file below one folder; the action's name inside shows whose it is.
-const QMap<QString, QString>& FilesByAction() {
-  static QMap<QString, QString> files;
+// Every plug-in puts its file below one folder; the action's name inside shows whose it is. Each file is read once.
+const QMap<QString, QJsonObject>& ObjectsByAction() {
+  static QMap<QString, QJsonObject> objects;
+  static QSet<QString> read;
   const QDir folder(QStringLiteral(":/Vorlane/Settings"));
-  for (const QString& name : folder.entryList(QDir::Files)) {
-    const QString path = folder.filePath(name);
-    if (files.values().contains(path)) continue;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) continue;
-    files.insert(QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String("action")).toString(), path);
+  for (const QString& name : folder.entryList(QDir::Files, QDir::Unsorted)) {
+    QFile file(folder.filePath(name));
+    if (read.contains(name) || !file.open(QIODevice::ReadOnly)) continue;
+    read += name;
+    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+    objects.insert(object.value(QLatin1String("action")).toString(), object);
   }
-  return files;
+  return objects;
+}
+
+bool CanBeCommand(const QString& name) {
+  const auto isLetter = [](QChar c) { return c >= 'a' && c <= 'z'; };
+  return isLetter(name[0]) && std::all_of(name.begin(), name.end(),
+                                          [&](QChar c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-'; });
 }
 
 }  // namespace
@@ -135,32 +138,34 @@ QString SettingsDescription::Setting::TypeName() const {
 }
 
 std::optional<SettingsDescription> SettingsDescription::Of(const QString& actionName) {
-  const QString path = FilesByAction().value(actionName);
-  if (path.isEmpty()) return std::nullopt;
-  QFile file(path);
-  file.open(QIODevice::ReadOnly);
-  return FromJson(file.readAll(), QStringLiteral("of the action '%1'").arg(actionName));
+  const QMap<QString, QJsonObject>& objects = ObjectsByAction();
+  const auto found = objects.find(actionName);
+  if (found == objects.end()) return std::nullopt;
+  return FromObject(*found, QStringLiteral("of the action '%1'").arg(actionName));
 }
 
 SettingsDescription SettingsDescription::FromJson(const QByteArray& json, const QString& origin) {
   QJsonParseError error;
   const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-  Members members(document.object(), origin);
-  if (!document.isObject()) members.Refuse(QStringLiteral("it is not a JSON object (%1)").arg(error.errorString()));
+  if (document.isObject()) return FromObject(document.object(), origin);
+  Members({}, origin).Refuse(QStringLiteral("it is not a JSON object (%1)").arg(error.errorString()));
+}
+
+SettingsDescription SettingsDescription::FromObject(const QJsonObject& json, const QString& origin) {
+  Members members(json, origin);
   SettingsDescription description;
-  description.json_ = document.object();
+  description.json_ = json;
   description.actionName_ = members.Text("action", true);
   description.commandName_ = members.Text("command");
   description.first_ = members.Text("first");
-  for (const QJsonValue& each : members.Array("settings", true)) {
+  for (const auto& each : members.Array("settings", true)) {
     Setting setting = ReadSetting(each.toObject(), origin);
     if (description.Find(setting.key) != nullptr)
       members.Refuse(QStringLiteral("'%1' is there twice").arg(setting.key));
     description.settings_.push_back(std::move(setting));
   }
   members.RefuseRest();
-  static const QRegularExpression command(QStringLiteral("^([a-z][a-z0-9-]*)?$"));
-  if (!command.match(description.commandName_).hasMatch()) {
+  if (!description.commandName_.isEmpty() && !CanBeCommand(description.commandName_)) {
     members.Refuse(QStringLiteral("'%1' cannot be a command's name").arg(description.commandName_));
   }
   if (!description.first_.isEmpty() && description.First() == nullptr) {

@@ -52,6 +52,8 @@ class SettingsDescription {
   QString HelpText() const;
 
  private:
+  static SettingsDescription FromObject(const QJsonObject& json, const QString& origin);
+
   QJsonObject json_;
   QString actionName_;
   QString commandName_;

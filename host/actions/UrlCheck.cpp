@@ -2,31 +2,49 @@
 #include "host/actions/UrlCheck.h"
 
 #include <algorithm>
-#include <QRegularExpression>
+#include <cstring>
 #include <QUrl>
 
 #include "utils/AsciiCharacters.h"
 
 namespace {
 
-bool IsDrivePath(const QString& url) {
-  static const QRegularExpression drive(QStringLiteral("^[A-Za-z]:([\\\\/]|$)"));
-  return drive.match(url).hasMatch();
+bool IsDrivePath(const QByteArray& url) {
+  return url.size() > 1 && Ascii::IsAlpha(url[0]) && url[1] == ':' &&
+         (url.size() == 2 || url[2] == '\\' || url[2] == '/');
+}
+
+bool HasScheme(const QByteArray& url) {
+  const auto* const colon = std::find(url.begin(), url.end(), ':');
+  return colon != url.end() && Ascii::IsAlpha(url[0]) && std::all_of(url.begin(), colon, [](char c) {
+           return Ascii::IsAlpha(c) || Ascii::IsDigit(c) || c == '+' || c == '.' || c == '-';
+         });
+}
+
+bool IsSpaceOrControl(char c) {
+  return (c >= 0 && c <= ' ') || c == 0x7F;
+}
+
+bool HasWrongEscape(const QByteArray& url) {
+  for (int at = url.indexOf('%'); at >= 0; at = url.indexOf('%', at + 1)) {
+    if (at + 2 >= url.size() || !Ascii::IsHexDigit(url[at + 1]) || !Ascii::IsHexDigit(url[at + 2])) return true;
+  }
+  return false;
 }
 
 QString FindError(const QString& url) {
-  static const QRegularExpression forbidden(QStringLiteral("[\\s\\x00-\\x1f\\x7f\"<>\\\\^`{|}]"));
-  static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*:"));
-  static const QRegularExpression percent(QStringLiteral("%(?![0-9A-Fa-f]{2})"));
-  if (IsDrivePath(url)) return QStringLiteral("it is a path on a drive, not a URL");
-  if (!scheme.match(url).hasMatch()) return QStringLiteral("it has no scheme, such as https://");
-  const QRegularExpressionMatch bad = forbidden.match(url);
-  if (bad.hasMatch()) {
-    return bad.captured().trimmed().isEmpty()
+  const QByteArray bytes = url.toUtf8();
+  if (IsDrivePath(bytes)) return QStringLiteral("it is a path on a drive, not a URL");
+  if (!HasScheme(bytes)) return QStringLiteral("it has no scheme, such as https://");
+  const auto* const bad = std::find_if(bytes.begin(), bytes.end(), [](char c) {
+    return IsSpaceOrControl(c) || std::strchr("\"<>\\^`{|}", c) != nullptr;
+  });
+  if (bad != bytes.end()) {
+    return IsSpaceOrControl(*bad)
                ? QStringLiteral("it has a space or a control character; write a space as %20")
-               : QStringLiteral("it has the character %1, which no URL may hold").arg(bad.captured());
+               : QStringLiteral("it has the character %1, which no URL may hold").arg(QLatin1Char(*bad));
   }
-  if (percent.match(url).hasMatch()) return QStringLiteral("it has a '%' without two hexadecimal digits after it");
+  if (HasWrongEscape(bytes)) return QStringLiteral("it has a '%' without two hexadecimal digits after it");
   const QUrl parsed(url, QUrl::StrictMode);
   if (!parsed.isValid()) return QStringLiteral("it is not a valid URL");
   const bool isWeb = parsed.scheme() == QLatin1String("http") || parsed.scheme() == QLatin1String("https");

@@ -2,7 +2,7 @@
 #include "host/command/ActionCommand.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
+#include <QUrl>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/base/CommandError.h"
@@ -24,8 +24,7 @@ bool IsFile(const QString& argument) {
 }
 
 bool LooksLikeUrl(const QString& argument) {
-  static const QRegularExpression url(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*://"));
-  return url.match(argument).hasMatch();
+  return argument.contains(QLatin1String("://")) && !QUrl(argument).scheme().isEmpty();
 }
 
 }  // namespace
@@ -46,19 +45,12 @@ int ActionCommand::Run() {
 
 void ActionCommand::FindAction() {
   ActionCatalog catalog(ToolsFolders());
-  QStringList known = others_;
-  for (const ActionCatalog::Entry& entry : catalog.All()) {
-    std::optional<SettingsDescription> description = SettingsDescription::Of(entry.action->GetActionName());
-    if (!description || description->CommandName().isEmpty()) continue;
-    known += description->CommandName();
-    if (description->CommandName() == Name()) description_ = std::move(description);
-    if (description_) break;
+  CActionInterface* const action = catalog.FindCommand(Name());
+  if (action == nullptr) {
+    throw CommandError(kExitUsage, QStringLiteral("Unknown command '%1'; see 'vorlane-run --help'.%2")
+                                       .arg(Name(), Suggestion(Name(), others_ + catalog.CommandNames())));
   }
-  if (!description_) {
-    throw CommandError(
-        kExitUsage,
-        QStringLiteral("Unknown command '%1'; see 'vorlane-run --help'.%2").arg(Name(), Suggestion(Name(), known)));
-  }
+  description_ = SettingsDescription::Of(action->GetActionName());
   parser_.setApplicationDescription(
       QStringLiteral("Runs the action '%1' over PDF files.").arg(description_->ActionName()));
   if (const Setting* const first = description_->First()) {

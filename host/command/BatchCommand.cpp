@@ -77,6 +77,15 @@ void BatchCommand::CheckWorkerOptions() {
   }
 }
 
+FileQuestion BatchCommand::Question() const {
+  FileQuestion question;
+  question.libraryFile = LibraryFile();
+  question.passwords = Passwords();
+  question.memoryLimit = MemoryLimit();
+  question.prompt = IsSet("json");
+  return question;
+}
+
 int BatchCommand::Ask(FileQuery& query, std::size_t files) const {
   // To start worker processes takes longer than to read one file.
   const bool here = Jobs() == 0 || (files == 1 && !IsSet("jobs") && !IsSet("timeout"));

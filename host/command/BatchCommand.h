@@ -8,6 +8,7 @@
 #include "host/command/SettingsCommand.h"
 
 class FileQuery;
+struct FileQuestion;
 class InputList;
 
 // A command that works on many files in worker processes: which files, and what each process may take.
@@ -32,6 +33,8 @@ class BatchCommand : public SettingsCommand {
   std::chrono::seconds TimeLimit() const { return std::chrono::seconds(timeout_); }
   std::size_t MemoryLimit() const { return memoryLimit_; }
 
+  // A question to files with what the options say; how it is answered is the command's own.
+  FileQuestion Question() const;
   // Asks all files, in worker processes where these are worth their start. Returns the interrupting signal, or 0.
   int Ask(FileQuery& query, std::size_t files) const;
 

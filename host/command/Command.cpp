@@ -61,8 +61,9 @@ void Command::Parse(const QStringList& arguments) {
 void Command::RefuseDashedNames(const QStringList& arguments) const {
   for (int i = 0; i < arguments.size() && arguments[i] != QLatin1String("--"); ++i) {
     const QString& argument = arguments[i];
-    const bool isShort = argument.startsWith(QLatin1Char('-')) && !argument.startsWith(QLatin1String("--"));
-    const bool isLongName = argument.startsWith(QLatin1String("--")) && !argument.contains(QLatin1Char('=')) &&
+    if (!argument.startsWith(QLatin1Char('-'))) continue;
+    const bool isShort = !argument.startsWith(QLatin1String("--"));
+    const bool isLongName = !isShort && !argument.contains(QLatin1Char('=')) &&
                             argument.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
     if ((isShort && argument.size() > 2) || isLongName) {
       throw CommandError(kExitUsage, QStringLiteral("'%1' is not an option. A file whose name begins with \"-\" needs "

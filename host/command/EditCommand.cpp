@@ -4,12 +4,9 @@
 #include <climits>
 #include <memory>
 #include <QFile>
-#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
-#include <QScreen>
-#include <QWidget>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/ActionList.h"
@@ -20,21 +17,17 @@
 #include "host/base/NativeName.h"
 #include "host/base/PdfLibrary.h"
 #include "host/base/ShellLine.h"
+#include "host/base/WindowSystem.h"
 #include "host/command/ActionCommand.h"
 #include "host/files/HostFolders.h"
 #include "plugin/DialogLoadStruct.h"
 
 namespace {
 
-// The parent window, whose object name shows dialogs their context; null for a stand-alone dialog.
-std::unique_ptr<QWidget> MakeParent(const QString& context) {
-  if (context == QLatin1String("standalone")) return nullptr;
-  auto parent = std::make_unique<QWidget>();
-  const bool isMain = context == QLatin1String("main");
-  parent->setObjectName(isMain ? QStringLiteral("VorlaneClass") : QStringLiteral("VorlanePreviewClass"));
-  // Never shown: dialogs only ask for its name and position.
-  parent->setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
-  return parent;
+// The name of the parent window, by which dialogs know their context; empty for a stand-alone dialog.
+QString ParentName(const QString& context) {
+  if (context == QLatin1String("standalone")) return {};
+  return context == QLatin1String("preview") ? QStringLiteral("VorlanePreviewClass") : QStringLiteral("VorlaneClass");
 }
 
 // The action lists of the sequence folder with what is in them.
@@ -153,13 +146,12 @@ EditCommand::Session EditCommand::Begin(ActionCatalog& catalog) const {
 bool EditCommand::ShowDialog(Session& session) const {
   std::unique_ptr<PdfLibrary::Wrapper> document;
   if (IsSet("document")) document = OpenDocument(LibraryFile(), BytesOf("document").toStdString(), Passwords());
-  const std::unique_ptr<QWidget> parent = MakeParent(IsSet("context") ? Value("context") : QStringLiteral("main"));
   // The user edits the settings that were stored or given. Without any, the dialog starts with the document's value.
   DialogLoadStruct info{};
   info.document = document.get();
   info.settings = &session.settings;
   info.skipDocumentValue = !session.settings.isEmpty() || !document;
-  return session.action->ShowDialogProc(parent.get(), &info) == 1;
+  return WindowSystem::Get().ShowDialog(*session.action, ParentName(Value("context")), info) == 1;
 }
 
 int EditCommand::Execute() {

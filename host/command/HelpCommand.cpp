@@ -3,13 +3,13 @@
 
 #include <QFile>
 #include <QLoggingCategory>
-#include <QTextDocument>
 
 #include "host/actions/ActionCatalog.h"
 #include "host/actions/SettingsDescription.h"
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/Suggestion.h"
+#include "host/base/WindowSystem.h"
 
 namespace {
 
@@ -18,9 +18,7 @@ QString PageOf(CActionInterface& action) {
   if (action.GetActionHelp().isEmpty() || !file.open(QIODevice::ReadOnly)) {
     return QStringLiteral("%1\n\nThe action has no help page.").arg(action.GetDisplayName());
   }
-  QTextDocument page;
-  page.setHtml(QString::fromUtf8(file.readAll()));
-  return page.toPlainText().trimmed();
+  return WindowSystem::Get().PlainText(QString::fromUtf8(file.readAll())).trimmed();
 }
 
 }  // namespace
@@ -35,6 +33,11 @@ HelpCommand::HelpCommand(std::function<QString(const QString&)> helpOf, const QS
                                 QStringLiteral("[NAME]"));
   AddExample(QStringLiteral("help run"));
   AddExample(QStringLiteral("help \"Set Base URL\""));
+}
+
+bool HelpCommand::NeedsWindowSystem() const {
+  const QString name = parser_.positionalArguments().value(0);
+  return !name.isEmpty() && name != Name() && !commands_.contains(name);
 }
 
 void HelpCommand::PrepareWindowSystem() const {
@@ -59,14 +62,9 @@ int HelpCommand::Execute() {
 QString HelpCommand::HelpOfAction(const QString& name) const {
   ActionCatalog catalog(ToolsFolders());
   CActionInterface* action = catalog.Find(name);
-  QStringList known = commands_;
-  for (const ActionCatalog::Entry& entry : catalog.All()) {
-    const auto description = SettingsDescription::Of(entry.action->GetActionName());
-    if (action == nullptr && description && description->CommandName() == name) action = entry.action;
-    known += entry.action->GetActionName();
-    if (description) known += description->CommandName();
-  }
+  if (action == nullptr) action = catalog.FindCommand(name);
   if (action == nullptr) {
+    const QStringList known = commands_ + catalog.CommandNames() + catalog.ActionNames();
     QString message = QStringLiteral("There is no command and no action '%1'.").arg(name) + Suggestion(name, known);
     for (const QString& problem : catalog.Problems()) message += QStringLiteral(" Not loaded: ") + problem;
     throw CommandError(kExitUsage, message);

@@ -15,7 +15,7 @@ class HelpCommand : public Command {
   HelpCommand(std::function<QString(const QString&)> helpOf, const QStringList& commands);
 
   // The page of an action is a text document, whose fonts need a platform; none is shown.
-  bool NeedsWindowSystem() const override { return true; }
+  bool NeedsWindowSystem() const override;
   void PrepareWindowSystem() const override;
 
  protected:

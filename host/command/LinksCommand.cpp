@@ -69,11 +69,7 @@ void LinksCommand::Check() {
 }
 
 int LinksCommand::Execute() {
-  FileQuestion question;
-  question.libraryFile = LibraryFile();
-  question.passwords = Passwords();
-  question.memoryLimit = MemoryLimit();
-  question.prompt = IsSet("json");
+  const FileQuestion question = Question();
   InputList inputs(IsSet("recursive"), nullptr);
   CollectInputs(inputs);
   if (IsSet("csv") && !Console::Print(QByteArray::fromStdString(LinkFormat::CsvHeader()))) return kExitSomeFailed;

@@ -129,11 +129,13 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : BatchComma
   AddTemplateOptions();
   AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
             QStringLiteral("FILE"));
-  AddOption(QStringLiteral("force"), QStringLiteral("With --output, replaces a file that is there."));
-  AddOption(QStringLiteral("d|output-dir"),
-            QStringLiteral("Writes the results to this folder, which is made if missing. Files of their names that are "
-                           "there are replaced, unless they are inputs."),
-            QStringLiteral("DIR"));
+  AddOption(QStringLiteral("force"),
+            QStringLiteral("Replaces files that are there by the results of --output or --output-dir."));
+  AddOption(
+      QStringLiteral("d|output-dir"),
+      QStringLiteral("Writes the results to this folder, which is made if missing. Of the files that are there only "
+                     "earlier results of the same inputs are replaced; --force replaces others too."),
+      QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddInputOptions();
   AddOption(QStringLiteral("dry-run"),
@@ -201,7 +203,9 @@ void RunCommand::CheckOutputOptions() const {
   if (Value("report").endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
     refuse("Reports are JSON: name it .json or .jsonl; 'vorlane-run report --csv' makes a table of it.");
   }
-  if (IsSet("force") && !IsSet("output")) refuse("Option '--force' needs '--output'.");
+  if (IsSet("force") && !IsSet("output") && !IsSet("output-dir")) {
+    refuse("Option '--force' needs '--output' or '--output-dir'.");
+  }
   CheckCondition();
   if (!IsSet("backup")) return;
   if (!IsSet("in-place")) refuse("Option '--backup' needs '--in-place'.");
@@ -262,6 +266,7 @@ PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<Configur
   options.outputFolder = BytesOf("output-dir").toStdString();
   options.outputFile = BytesOf("output").toStdString();
   options.dryRun = IsSet("dry-run");
+  options.replace = IsSet("force");
   if (IsSet("output") && inputs.Count() != 1) {
     throw CommandError(kExitUsage, QStringLiteral("Option '--output' is for one file, but %1 are given; use "
                                                   "'--output-dir'.")

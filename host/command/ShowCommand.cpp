@@ -27,22 +27,18 @@ void ShowCommand::Check() {
 }
 
 int ShowCommand::Execute() {
-  FileQuestion question;
-  question.libraryFile = LibraryFile();
-  question.passwords = Passwords();
-  question.memoryLimit = MemoryLimit();
-  question.prompt = IsSet("json");
+  FileQuestion question = Question();
   if (IsSet("json")) {
-    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
-      return DocumentFacts::ToJson(library, file) + '\n';
+    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file, const FileQuestion::Print& print) {
+      print(DocumentFacts::ToJson(library, file) + '\n');
     };
     question.failure = [](const std::string& file, const std::string& error) {
       return DocumentFacts::ErrorToJson(file, error) + '\n';
     };
   } else {
-    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file) {
+    question.answer = [](PdfLibrary::Wrapper& library, const std::string& file, const FileQuestion::Print& print) {
       const std::string url = PdfLibrary::ToUtf8(library.GetBaseURL());
-      return (Console::OneLine(file) + '\t' + Console::OneLine(url) + '\n').toStdString();
+      print((Console::OneLine(file) + '\t' + Console::OneLine(url) + '\n').toStdString());
     };
   }
   InputList inputs(IsSet("recursive"), nullptr);

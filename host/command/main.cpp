@@ -3,11 +3,12 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
-#include <QApplication>
+#include <QCoreApplication>
 
 #include "host/base/CommandError.h"
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
+#include "host/base/WindowSystem.h"
 #include "host/command/Program.h"
 
 namespace {
@@ -26,8 +27,9 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext& context, const QStr
 }
 
 std::unique_ptr<QCoreApplication> ConnectToDisplay(int& argc, char** argv) {
+  WindowSystem& system = WindowSystem::Get();
   usualHandler = qInstallMessageHandler(RefuseDisplay);
-  auto application = std::make_unique<QApplication>(argc, argv);
+  std::unique_ptr<QCoreApplication> application = system.MakeApplication(argc, argv);
   qInstallMessageHandler(nullptr);
   return application;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/links/LinkAdvice.h"
 
+#include <optional>
+
 #include "host/links/ViewerRules.h"
 #include "utils/DocumentLinks.h"
 #include "utils/LinkTarget.h"
@@ -17,17 +19,21 @@ bool LeadsElsewhere(const QByteArray& uri, const ViewerRules::Base& base) {
 
 std::string LinkAdvice(HalvexPDFLibraryCPDylibCPP1311& library, const QString& base) {
   const bool endsWithSlash = base.endsWith('/');
-  const ViewerRules::Base from(base.toUtf8());
-  const ViewerRules::Base withSlash(base.toUtf8() + '/');
+  // Parsed for the first relative link: most documents have none.
+  std::optional<ViewerRules::Base> from;
+  std::optional<ViewerRules::Base> withSlash;
   int relative = 0;
   int elsewhere = 0;
   int elsewhereWithSlash = 0;
   VisitDocumentLinks(library, [&](const DocumentLink& link) {
     if (!IsRelativeLink(link.uri)) return;
-    ++relative;
-    if (!LeadsElsewhere(link.bytes, from)) return;
+    if (++relative == 1) {
+      from.emplace(base.toUtf8());
+      withSlash.emplace(base.toUtf8() + '/');
+    }
+    if (!LeadsElsewhere(link.bytes, *from)) return;
     ++elsewhere;
-    if (endsWithSlash || LeadsElsewhere(link.bytes, withSlash)) ++elsewhereWithSlash;
+    if (endsWithSlash || LeadsElsewhere(link.bytes, *withSlash)) ++elsewhereWithSlash;
   });
   if (elsewhere == 0) return {};
   std::string advice = std::to_string(relative) + (relative == 1 ? " relative link, " : " relative links, ") +

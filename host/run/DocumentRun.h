@@ -36,7 +36,7 @@ class DocumentRun : public WorkerTask {
 
  private:
   // Reading the links of every file would take longer than the rest of a run over many small ones.
-  static constexpr std::size_t kAdvisedFiles = 50;
+  static constexpr std::size_t kAdvisedFiles = 10;
 
   FileRecord ProcessItem(std::size_t item);
 

@@ -33,7 +33,9 @@ FileQuery::FileQuery(const InputList& inputs, const FileQuestion& question)
 void FileQuery::RunHere() {
   Begin();
   for (std::size_t item = 0; item < inputs_.Count(); ++item) {
-    Take(item, Work(item));
+    const std::string error = AskFile(item, [this](std::string_view text) { PrintText(text); });
+    AddNotes(TakeNotes());
+    Settle(item, {}, error);
     Flush();
   }
 }
@@ -43,90 +45,107 @@ void FileQuery::Begin() {
   MemoryLimit::Set(question_.memoryLimit);
 }
 
-std::string FileQuery::Work(std::size_t item) {
+// Returns why there is no answer, or not all of it; an empty text when there is.
+std::string FileQuery::AskFile(std::size_t item, const FileQuestion::Print& print) {
   const std::string file = inputs_.File(item);
   std::string error = inputs_.Problem(item);
-  std::string text;
   if (error.empty()) error = PdfLibrary::LoadDocument(*library_, file, question_.passwords);
-  if (error.empty()) {
-    try {
-      text = question_.answer(*library_, file);
-    } catch (const std::exception& exception) {
-      error = exception.what();
-    }
-    library_->RemoveDocument(library_->SelectedDocument());
+  if (!error.empty()) return error;
+  try {
+    question_.answer(*library_, file, print);
+  } catch (const std::exception& exception) {
+    error = exception.what();
   }
-  std::string bytes;
-  RecordFraming::Append(bytes, {text, error});
-  return bytes;
+  library_->RemoveDocument(library_->SelectedDocument());
+  return error;
+}
+
+std::string FileQuery::Work(std::size_t item) {
+  std::string text;
+  const std::string error = AskFile(item, [&](std::string_view part) { text += part; });
+  const std::string notes = TakeNotes();
+  RecordFraming::Wrap(text, {notes, error});
+  return text;
 }
 
 void FileQuery::Take(std::size_t item, std::string_view result) {
   const RecordFraming::Fields fields = RecordFraming::Parse(result);
-  Settle(item, {std::string(fields[0]), std::string(fields[1])});
+  AddNotes(fields[0]);
+  Settle(item, fields[2], fields[1]);
 }
 
 void FileQuery::Lose(std::size_t item, const std::string& reason) {
-  Settle(item, {{}, reason});
+  Settle(item, {}, reason);
 }
 
-void FileQuery::Settle(std::size_t item, Answer answer) {
+void FileQuery::Settle(std::size_t item, std::string_view text, std::string_view error) {
   ++settled_;
-  early_.emplace(item, std::move(answer));
-  for (const std::size_t before = next_;; ++next_) {
+  if (item != next_) {
+    early_.emplace(item, Answer{std::string(text), std::string(error)});
+    return;
+  }
+  Print(item, text, error);
+  for (++next_;; ++next_) {
     const auto answered = early_.find(next_);
     if (answered != early_.end()) {
-      Append(inputs_.File(next_), answered->second);
+      Print(next_, answered->second.text, answered->second.error);
       early_.erase(answered);
     } else if (ahead_.erase(next_) == 0) {
-      if (next_ != before) nextSince_ = Clock::now();
-      return;
+      break;
     }
   }
+  nextSince_ = Clock::now();
 }
 
-void FileQuery::AppendEarly() {
+void FileQuery::PrintEarly() {
   for (const auto& [item, answer] : early_) {
-    Append(inputs_.File(item), answer);
+    Print(item, answer.text, answer.error);
     ahead_.insert(item);
   }
   early_.clear();
 }
 
 void FileQuery::Finish() {
-  AppendEarly();
-  Write();
+  PrintEarly();
+  WriteOutput();
   progress_.Hide();
 }
 
-void FileQuery::Append(const std::string& file, const Answer& answer) {
-  if (answer.error.empty()) {
-    output_ += answer.text;
-    return;
-  }
+void FileQuery::Print(std::size_t item, std::string_view text, std::string_view error) {
+  PrintText(text);
+  if (error.empty()) return;
   anyFailed_ = true;
-  if (question_.failure) {
-    output_ += question_.failure(file, answer.error);
-    return;
-  }
-  Write();
+  const std::string file = inputs_.File(item);
+  if (question_.failure) return PrintText(question_.failure(file, std::string(error)));
+  WriteOutput();
   progress_.Hide();
-  Console::ErrorAbout(file, answer.error);
+  Console::ErrorAbout(file, error);
+}
+
+// Collects what is short.
+void FileQuery::PrintText(std::string_view text) {
+  constexpr std::size_t kBlock = 64 * 1024;
+  if (output_.size() + text.size() >= kBlock) WriteOutput();
+  if (text.size() >= kBlock) return Write(text);
+  output_ += text;
 }
 
 void FileQuery::Flush() {
   progress_.Show(settled_, inputs_.Count());
-  if (question_.prompt && readAsTheyCome_ && Clock::now() - nextSince_ >= kLongestWait) AppendEarly();
-  Write();
+  if (question_.prompt && readAsTheyCome_ && Clock::now() - nextSince_ >= kLongestWait) PrintEarly();
+  WriteOutput();
 }
 
-void FileQuery::Write() {
-  if (output_.empty()) return;
-  const bool written = Console::WriteAll(STDOUT_FILENO, output_);
+void FileQuery::WriteOutput() {
+  Write(output_);
   output_.clear();
-  if (written) return;
+}
+
+void FileQuery::Write(std::string_view text) {
+  if (text.empty() || Console::WriteAll(STDOUT_FILENO, text)) return;
+  const int error = errno;
   progress_.Hide();
   throw CommandError(
       kExitSomeFailed,
-      QStringLiteral("Cannot write the standard output: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
+      QStringLiteral("Cannot write the standard output: %1").arg(QString::fromLocal8Bit(std::strerror(error))));
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "host/base/PdfLibrary.h"
 #include "host/files/InputList.h"
@@ -15,11 +16,14 @@
 
 // What is asked of each file, and how its failure is shown.
 struct FileQuestion {
+  // Takes lines for the standard output.
+  using Print = std::function<void(std::string_view)>;
+
   std::wstring libraryFile;
   std::vector<std::wstring> passwords;
   std::size_t memoryLimit = 0;  // bytes that documents may take in each process; 0: no limit
-  // The answer of the library's selected document, lines for the standard output. Called in a worker process.
-  std::function<std::string(PdfLibrary::Wrapper&, const std::string& file)> answer;
+  // Prints the answer of the library's selected document, at once or bit by bit. Called in a worker process.
+  std::function<void(PdfLibrary::Wrapper&, const std::string& file, const Print&)> answer;
   // The lines for a file that cannot be read. Not set: the reason goes to the standard error.
   std::function<std::string(const std::string& file, const std::string& error)> failure;
   // Each answer names its file: where another program may read them as they come, none waits long for an earlier file.
@@ -27,7 +31,8 @@ struct FileQuestion {
 };
 
 // Asks the same of many files, each of which is only read, and prints the answers in the order of the inputs. Prompt
-// answers keep the order in a regular file only; elsewhere they wait at most kLongestWait for an earlier one.
+// answers keep the order in a regular file only; elsewhere they wait at most kLongestWait for an earlier one. A long
+// answer is not held in memory when it is made in this process, and once in each process otherwise.
 class FileQuery : public WorkerTask {
  public:
   static constexpr std::chrono::milliseconds kLongestWait{1000};
@@ -35,7 +40,7 @@ class FileQuery : public WorkerTask {
   // Keeps references.
   FileQuery(const InputList& inputs, const FileQuestion& question);
 
-  // One file after another. Throws as Begin and Flush do.
+  // One file after another; answers are printed as they are made. Throws as Begin and Flush do.
   void RunHere();
   // Whether every file was read, as far as answers were taken.
   bool IsComplete() const { return !anyFailed_; }
@@ -49,6 +54,11 @@ class FileQuery : public WorkerTask {
   // Throws CommandError(kExitSomeFailed) when the standard output cannot be written.
   void Flush() override;
 
+ protected:
+  // What a worker process reports of the file that it has asked last, and how the main process takes it.
+  virtual std::string TakeNotes() { return {}; }
+  virtual void AddNotes(std::string_view) {}
+
  private:
   struct Answer {
     std::string text;
@@ -56,10 +66,13 @@ class FileQuery : public WorkerTask {
   };
   using Clock = std::chrono::steady_clock;
 
-  void Settle(std::size_t item, Answer answer);
-  void AppendEarly();
-  void Write();
-  void Append(const std::string& file, const Answer& answer);
+  std::string AskFile(std::size_t item, const FileQuestion::Print& print);
+  void Settle(std::size_t item, std::string_view text, std::string_view error);
+  void PrintEarly();
+  void Print(std::size_t item, std::string_view text, std::string_view error);
+  void PrintText(std::string_view text);
+  void Write(std::string_view text);
+  void WriteOutput();
 
   const InputList& inputs_;
   const FileQuestion& question_;

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <utility>
 
 #include "host/base/Console.h"
-#include "host/run/RecordFraming.h"
 #include "pdflib/LibraryErrorCodes.h"
 #include "pdflib/LibraryInformationKeys.h"
 #include "utils/LinkTarget.h"
@@ -33,43 +33,46 @@ LinkCounts& LinkCounts::operator+=(const LinkCounts& other) {
 }
 
 LinkListing::LinkListing(const InputList& inputs, const FileQuestion& question, const LinkListingOptions& options)
-    : FileQuery(inputs, question_), question_(question), options_(options), totalCovered_(options.checks.size()) {
-  question_.answer = [this](PdfLibrary::Wrapper& library, const std::string& file) { return Answer(library, file); };
+    : FileQuery(inputs, question_),
+      question_(question),
+      options_(options),
+      covered_(options.checks.size()),
+      totalCovered_(options.checks.size()) {
+  using namespace std::placeholders;
+  question_.answer = std::bind(&LinkListing::Answer, this, _1, _2, _3);
 }
 
-std::string LinkListing::Work(std::size_t item) {
+std::string LinkListing::TakeNotes() {
+  std::string notes(sizeof counts_ + covered_.size() * sizeof covered_[0], '\0');
+  std::memcpy(notes.data(), &counts_, sizeof counts_);
+  if (!covered_.empty()) std::memcpy(&notes[sizeof counts_], covered_.data(), notes.size() - sizeof counts_);
   counts_ = LinkCounts();
-  covered_.assign(options_.checks.size(), 0);
-  const std::string answer = FileQuery::Work(item);
-  std::string bytes;
-  RecordFraming::Append(bytes, {{reinterpret_cast<const char*>(&counts_), sizeof counts_},
-                                {reinterpret_cast<const char*>(covered_.data()), covered_.size() * sizeof covered_[0]},
-                                answer});
-  return bytes;
+  covered_.assign(covered_.size(), 0);
+  return notes;
 }
 
-void LinkListing::Take(std::size_t item, std::string_view result) {
-  const RecordFraming::Fields fields = RecordFraming::Parse(result);
+void LinkListing::AddNotes(std::string_view notes) {
   LinkCounts counts;
-  std::memcpy(&counts, fields[0].data(), sizeof counts);
+  std::memcpy(&counts, notes.data(), sizeof counts);
   total_ += counts;
-  std::vector<std::size_t> covered(options_.checks.size());
-  if (!covered.empty()) std::memcpy(covered.data(), fields[1].data(), covered.size() * sizeof covered[0]);
+  std::vector<std::size_t> covered(totalCovered_.size());
+  if (!covered.empty()) std::memcpy(covered.data(), &notes[sizeof counts], notes.size() - sizeof counts);
   std::transform(covered.begin(), covered.end(), totalCovered_.begin(), totalCovered_.begin(), std::plus<>());
-  FileQuery::Take(item, fields[2]);
 }
 
-std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file) {
+void LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string& file, const FileQuestion::Print& print) {
   std::optional<LinkBase> base = options_.base;
   if (base && base->text.isEmpty()) {
     base.reset();
   } else if (!base && library.GetInformation(kInformationHasBaseUrl) != L"0") {
     base = LinkBase{QString::fromStdWString(library.GetBaseURL()), {BaseUrlBytes(library)}};
   }
-  std::string text;
+  bool needsHeading = options_.format == LinkListingOptions::Format::kTable;
   const int error = VisitDocumentLinks(library, [&](const DocumentLink& found) {
     const ListedLink link(found, base);
-    if (Count(link)) text += Formatted(file, link);
+    if (!Count(link)) return;
+    if (std::exchange(needsHeading, false)) print(Heading(file, base));
+    print(Formatted(file, link));
   });
   counts_.files = 1;
   // The links that were found are listed nevertheless.
@@ -77,9 +80,6 @@ std::string LinkListing::Answer(PdfLibrary::Wrapper& library, const std::string&
     counts_.incomplete = 1;
     Console::ErrorAbout(file, std::string("some links could not be read: ") + PdfLibrary::ErrorMessage(error));
   }
-  const bool isTable = options_.format == LinkListingOptions::Format::kTable;
-  if (isTable && !text.empty()) text.insert(0, Heading(file, base));
-  return text;
 }
 
 std::string LinkListing::Formatted(const std::string& file, const ListedLink& link) const {

@@ -39,15 +39,17 @@ class LinkListing : public FileQuery {
   // Keeps a reference to the inputs. The question's answer is this class's own.
   LinkListing(const InputList& inputs, const FileQuestion& question, const LinkListingOptions& options);
 
-  std::string Work(std::size_t item) override;
-  void Take(std::size_t item, std::string_view result) override;
-
   const LinkCounts& Counts() const { return total_; }
   // The URLs of `checks` that no link leads to, or below.
   std::vector<QString> UrlsWithoutLinks() const;
 
+ protected:
+  // The counts.
+  std::string TakeNotes() override;
+  void AddNotes(std::string_view notes) override;
+
  private:
-  std::string Answer(PdfLibrary::Wrapper& library, const std::string& file);
+  void Answer(PdfLibrary::Wrapper& library, const std::string& file, const FileQuestion::Print& print);
   std::string Formatted(const std::string& file, const ListedLink& link) const;
   // Counts the link; whether it is listed.
   bool Count(const ListedLink& link);

@@ -24,6 +24,7 @@ Length LengthAt(std::string_view buffer, std::size_t offset) {
 // Layout: size of what follows, number of fields, their lengths, their bytes. `record` begins with the second.
 void Split(std::string_view record, RecordFraming::Fields& fields) {
   const Length count = LengthAt(record, 0);
+  fields.reserve(count);
   std::size_t bytes = sizeof(Length) * (1 + count);
   for (Length i = 0; i < count; ++i) {
     const Length length = LengthAt(record, sizeof(Length) * (1 + i));
@@ -32,15 +33,28 @@ void Split(std::string_view record, RecordFraming::Fields& fields) {
   }
 }
 
-}  // namespace
-
-void RecordFraming::Append(std::string& buffer, const Fields& fields) {
+void AppendHead(std::string& buffer, const RecordFraming::Fields& fields) {
   Length size = sizeof(Length) * (1 + fields.size());
   for (const std::string_view field : fields) size += field.size();
   AppendLength(buffer, size);
   AppendLength(buffer, fields.size());
   for (const std::string_view field : fields) AppendLength(buffer, field.size());
+}
+
+}  // namespace
+
+void RecordFraming::Append(std::string& buffer, const Fields& fields) {
+  AppendHead(buffer, fields);
   for (const std::string_view field : fields) buffer.append(field);
+}
+
+void RecordFraming::Wrap(std::string& last, Fields before) {
+  before.push_back(last);
+  std::string start;
+  AppendHead(start, before);
+  before.pop_back();
+  for (const std::string_view field : before) start.append(field);
+  last.insert(0, start);
 }
 
 RecordFraming::Fields RecordFraming::Parse(std::string_view buffer) {

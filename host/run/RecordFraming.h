@@ -12,6 +12,8 @@ namespace RecordFraming {
 using Fields = std::vector<std::string_view>;
 
 void Append(std::string& buffer, const Fields& fields);
+// Makes a record of these fields and, after them, of what `last` holds, in its place: a long field is not copied.
+void Wrap(std::string& last, Fields before);
 // The fields of a buffer that holds one whole record; they point into it.
 Fields Parse(std::string_view buffer);
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "host/base/Interruption.h"
+#include "host/files/EarlierResult.h"
 
 RunPlan::RunPlan(const InputList& inputs, const PlanOptions& options, const JobDigest& job, ResumedReport& resumed,
                  const ProtectedFiles& protectedFiles)
@@ -32,7 +33,7 @@ void RunPlan::Add(std::size_t input, ResumedReport& resumed, const ProtectedFile
   if (names_) item.copyNumber = names_->Take(inputs_.Relative(input));
   const std::string output = OutputOf(item.input, item.copyNumber);
   if (names_ || !options_.outputFile.empty()) {
-    if (const std::string what = Overwrites(output, protectedFiles); !what.empty()) {
+    if (const std::string what = Overwrites(input, output, resumed, protectedFiles); !what.empty()) {
       return Settle(input, Status::kFailed, "its output " + output + " would overwrite " + what);
     }
     if (names_ && !MakeParent(output)) {
@@ -93,10 +94,23 @@ bool RunPlan::MakeParent(const std::string& output) {
   return !error;
 }
 
+// Whether a file that is there may be replaced by the result: the user says so, or a run has made it of the same input.
+bool RunPlan::MayReplace(std::size_t input, const std::string& output, const ResumedReport& resumed) const {
+  if (!names_ || options_.replace) return true;
+  const std::string file = inputs_.File(input);
+  return resumed.Find(file, output) != nullptr || IsEarlierResult(output, file);
+}
+
 // What the output would overwrite that it must not, or an empty text.
-std::string RunPlan::Overwrites(const std::string& output, const ProtectedFiles& protectedFiles) {
+std::string RunPlan::Overwrites(std::size_t input, const std::string& output, const ResumedReport& resumed,
+                                const ProtectedFiles& protectedFiles) {
   const std::optional<FileStatus> status = outputFolderWasEmpty_ ? std::nullopt : lookup_.Get(output);
-  if (status) return inputs_.Holds(status->identity) ? "an input" : protectedFiles.What(status->identity);
+  if (status) {
+    if (inputs_.Holds(status->identity)) return "an input";
+    if (std::string what = protectedFiles.What(status->identity); !what.empty()) return what;
+    const bool mayReplace = !S_ISREG(status->mode) || MayReplace(input, output, resumed);
+    return mayReplace ? "" : "a file that is not an earlier result of it (--force replaces it)";
+  }
   // A protected file may come to be there, or where a link leads that is there.
   std::error_code ignored;
   const bool isLink = !outputFolderWasEmpty_ && std::filesystem::is_symlink(output, ignored);

@@ -31,6 +31,7 @@ struct PlanOptions {
   bool needsPathBelow = false;  // values are made for each file
   std::string root;             // see InputList::PathBelow
   bool dryRun = false;          // no folder is made, and the output's need not exist
+  bool replace = false;         // results replace all files in the output folder, not only earlier results
 };
 
 // Decides for every input, in their order, what is to be done: process it, or settle it at once with a record. The plan
@@ -68,7 +69,9 @@ class RunPlan {
   std::string OutputOf(std::uint32_t input, std::uint32_t copyNumber) const;
   std::string PathBelow(std::size_t input) const;
   void Settle(std::size_t input, FileRecord::Status status, const std::string& reason);
-  std::string Overwrites(const std::string& output, const ProtectedFiles& protectedFiles);
+  std::string Overwrites(std::size_t input, const std::string& output, const ResumedReport& resumed,
+                         const ProtectedFiles& protectedFiles);
+  bool MayReplace(std::size_t input, const std::string& output, const ResumedReport& resumed) const;
   bool MakeParent(const std::string& output);
 
   const InputList& inputs_;

@@ -22,9 +22,8 @@ namespace {
 // In place of an item's number: the task could not begin, and this is why.
 constexpr std::size_t kNotBegun = ~std::size_t{0};
 
-bool Send(int results, std::size_t item, std::string_view bytes) {
-  std::string message;
-  RecordFraming::Append(message, {std::string_view(reinterpret_cast<const char*>(&item), sizeof item), bytes});
+bool Send(int results, std::size_t item, std::string message) {
+  RecordFraming::Wrap(message, {std::string_view(reinterpret_cast<const char*>(&item), sizeof item)});
   return Console::WriteAll(results, message);
 }
 
@@ -69,9 +68,9 @@ void WorkerProcess::Work(WorkerTask& task, JobBoard& board, std::atomic<std::siz
   const pid_t self = getpid();
   while (const std::optional<std::size_t> item = board.Claim(self)) {
     inHand = *item + 1;
-    const std::string result = task.Work(*item);
+    std::string result = task.Work(*item);
     inHand = 0;
-    if (!Send(results, *item, result)) break;
+    if (!Send(results, *item, std::move(result))) break;
   }
   // Nothing of the main process may be run down or flushed a second time.
   _exit(kExitDone);

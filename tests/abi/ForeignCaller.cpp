@@ -14,6 +14,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QLayout>
+#include <QMetaMethod>
 #include <QTextEdit>
 #include <QToolButton>
 #include <QVariant>
@@ -395,6 +396,22 @@ TEST(ForeignCaller, TheShellHasItsFields) {
   EXPECT_EQ(dialog->previewParent, &preview);
   EXPECT_EQ(dialog->fixedHeight, 200 + dialog->extraHeight);
   EXPECT_EQ(dialog->width(), 300);
+}
+
+// A host may call a dialog's methods by their index.
+TEST(ForeignCaller, MetaObjectsHaveTheirMethodsInOrder) {
+  const std::pair<const QMetaObject*, QByteArrayList> rows[] = {
+      {&CFramelessHandler::staticMetaObject, {"toggleMaximize()", "movingMaximized()"}},
+      {&CVorlaneDialog::staticMetaObject, {"exec()"}},
+      {&CSaveAsActionlistDialog::staticMetaObject, {"actionListChanged(QString)", "on_Save()", "on_UpdateUI()"}},
+      {&CSaveAsCollectionDialog::staticMetaObject,
+       {"on_Save()", "on_CollectionIcon()", "on_UpdateUI()", "on_SaveToFile()"}},
+  };
+  for (const auto& [meta, expected] : rows) {
+    QByteArrayList methods;
+    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) methods << meta->method(i).methodSignature();
+    EXPECT_EQ(methods, expected) << meta->className();
+  }
 }
 
 TEST(ForeignCaller, TheWrapperHasTheListedMembersAndSlots) {

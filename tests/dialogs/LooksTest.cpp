@@ -135,7 +135,7 @@ void expectTextsStandOut(QDialog& dialog) {
   }
 }
 
-// Whether the pixels at the label's right end show that its text stops before: an ellipsis leaves room, a cut does not.
+// A prefix that is too long for its label must be drawn as its elided text is.
 void expectEllipsis(QDialog& dialog) {
   auto* prefix = dialog.findChild<QLabel*>("VDPrefixLabel");
   if (!prefix->isVisible() || prefix->fontMetrics().horizontalAdvance(prefix->text()) <= prefix->width()) return;

@@ -6,8 +6,8 @@
 #include <QDialog>
 #include <QTranslator>
 
-// Calls `meet` once, from the event loop, when a modal dialog of that object name is up; the call decides how it ends.
-// A dialog that does not come within ten seconds fails the test and every modal dialog is closed, so that none hangs.
+// Calls `meet` once, from the event loop, when a modal dialog of that object name is open; `meet` has to close it. If
+// none opens within a minute, the test fails and every modal dialog is closed, so that nothing hangs.
 void MeetDialog(const QString& objectName, const std::function<void(QDialog&)>& meet);
 
 // The child of that type and name; fails the test and throws when there is none.

@@ -104,7 +104,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"run --action Probe -o b.pdf --dry-run a.pdf", "use '--force'"},
       {"run --action Probe -o a.pdf --force a.pdf", "is the input"},
       {"run --action Probe -o . a.pdf", "is a folder"},
-      {"run --action Probe -d o --force a.pdf", "needs '--output'"},
+      {"run --action Probe --in-place --force a.pdf", "needs '--output'"},
       {"run --action Probe --in-place --report r.csv a.pdf", "report --csv"},
       {"run --action Probe --output-dir a.pdf/o --dry-run a.pdf", "output folder"},
       {"run --action Probe --in-place --dry-run --report r.jsonl --resume ./r.jsonl a.pdf", "dry run"},
@@ -237,6 +237,10 @@ TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
   EXPECT_THAT(added.err.toStdString(),
               testing::AllOf(HasSubstr("names '/nowhere', which is not a folder"),
                              HasSubstr("Two plug-ins have the action 'Probe': " + tools.toStdString())));
+  // The file that has the action's name counts, so that no other need be loaded to run it.
+  for (const char* name : {"Twin/Another.so", "Twin/Probe.so"}) QFile::copy(PROBEACTION_FILE, name);
+  EXPECT_THAT(RunProgram({"actions", "--tools-dir", "Twin"}).err.toStdString(),
+              HasSubstr("Probe.so is used, not " + QDir("Twin").absoluteFilePath("Another.so").toStdString()));
   qputenv("VORLANE_TOOLS_PATH", "Tools");
   EXPECT_EQ(RunProgram({"actions"}).code, 2);
   qunsetenv("VORLANE_TOOLS_PATH");

@@ -73,6 +73,17 @@ TEST(Links, JsonHasTheseKeysInThisOrder) {
             "https://e.org/mc.html,https://e.org/m/c.html,false\r");
 }
 
+// 40 MiB of answer.
+TEST(Links, TheAnswerOfOneFileIsNotHeldInMemory) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer's allocator ends the process instead of reporting";
+#endif
+  QByteArrayList uris;
+  for (int i = 0; i < 2000; ++i) uris += "c.html";
+  WriteFile("a.pdf", LinksPdf(Base("https://e.org/" + QByteArray(4000, 'b') + '/'), uris));
+  EXPECT_EQ(RunProgram({"links", "--json", "--memory", "30", "a.pdf"}).code, 0);
+}
+
 TEST(Links, OutlinesAndFieldsHaveNoPageAndWithoutABaseThereIsNoTarget) {
   WriteFile("a.pdf", LinksPdf("", {"http://e.org/x"}));
   const QList<QJsonObject> links = Links({"a.pdf"});

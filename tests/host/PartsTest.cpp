@@ -111,7 +111,7 @@ QByteArrayList AnswersIntoAPipe(bool prompt) {
   };
   for (const std::size_t item : {1U, 2U, 0U}) {
     std::string answer;
-    RecordFraming::Append(answer, {std::to_string(item), ""});
+    RecordFraming::Append(answer, {"", "", std::to_string(item)});
     query.Take(item, answer);
     printedBy([&] { query.Flush(); });
     if (item != 1) continue;

@@ -83,7 +83,7 @@ TEST(DryRun, ListsWhatWouldBecomeOfEachFile) {
   WriteFile("c.pdf", MakeSignedPdf(2));
   WriteFile("d.pdf", "text");
   QDir().mkdir("out");
-  WriteFile("out/b.pdf", kOld);
+  WriteFile("out/b.pdf", kNew + "% more");
   const QStringList files{"a.pdf", "b.pdf", "c.pdf", "d.pdf", "./a.pdf"};
   const QStringList inPlace = ProbeRun({"--dry-run", "--jobs", "1", "--in-place", "--backup", "~"}) + files;
   const ProgramResult result = RunProgram(inPlace);
@@ -130,6 +130,26 @@ TEST(OnlyIf, DiffersIsAboutAllThatTheActionsChange) {
   const ProgramResult result = RunProgram({"make-links-absolute", "--set", "base=http://x/", "--only-if", "differs",
                                            "--in-place", "--report", "-", "links.pdf", "none.pdf"});
   EXPECT_EQ(Statuses(result.out), QStringList({"done", "skipped"})) << result.err.toStdString();
+}
+
+TEST(Output, AFolderKeepsFilesThatAreNoEarlierResults) {
+  const QByteArray foreign = QByteArray(kOld).replace("http://old/", "http://was/");
+  WriteFile("mine.pdf", kOld);
+  WriteFile("new.pdf", kOld);
+  WriteFile("empty.pdf", "");
+  QDir().mkdir("out");
+  WriteFile("out/mine.pdf", foreign);
+  WriteFile("out/empty.pdf", foreign);
+  const QStringList run = ProbeRun({"-d", "out", "mine.pdf", "new.pdf", "empty.pdf"});
+  for (const char* earlier : {"none", "a result"}) {
+    const ProgramResult result = RunProgram(run);
+    EXPECT_EQ(result.code, 1) << earlier;
+    EXPECT_EQ(result.err.count("--force replaces it"), 2) << earlier << result.err.toStdString();
+    EXPECT_EQ(ReadFile("out/mine.pdf") + ReadFile("out/empty.pdf"), foreign + foreign) << earlier;
+    EXPECT_EQ(BaseUrlOf("out/new.pdf"), "http://new/") << earlier;
+  }
+  EXPECT_THAT(RunProgram(run + QStringList("--force")).err.toStdString(), HasSubstr("2 done"));
+  EXPECT_EQ(BaseUrlOf("out/mine.pdf"), "http://new/");
 }
 
 TEST(Output, AFileThatIsThereIsReplacedByForceOnly) {

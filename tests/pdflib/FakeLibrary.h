@@ -19,7 +19,7 @@ struct FakeCall {
   std::vector<std::variant<int, double, void*>> arguments;
 };
 
-// What the recording library saw and what it is to return. Reached through its export "FakeLibraryRecorder".
+// The recording library's calls and what it is to return; its export "FakeLibraryRecorder" returns it.
 struct FakeRecorder {
   std::vector<FakeCall> calls;
   int instanceId = 7;

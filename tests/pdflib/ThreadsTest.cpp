@@ -8,7 +8,7 @@
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 #include "tests/support/Sandbox.h"
 
-// libqpdf is not built with the sanitizer, which therefore does not see that its static objects are made once.
+// libqpdf is not built with the sanitizer, which so takes the construction of its static objects for a race.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
   return "race:libqpdf.so";
 }
@@ -21,7 +21,7 @@ std::wstring Wide(const std::string& text) {
   return std::wstring(text.begin(), text.end());
 }
 
-// Opens a file that the quick reader reads, one that needs the full parser, and one from memory; the number of
+// Opens a file that the quick reader reads, one that needs the full parser, and one from memory. Returns the number of
 // mistakes.
 int Work(int number) {
   const std::wstring url = L"https://example.org/" + std::to_wstring(number);
@@ -49,7 +49,7 @@ int Work(int number) {
 }  // namespace
 
 TEST(Threads, WithAWrapperEachDoNotMeet) {
-  // Keeps the library loaded: the sanitizer does not see that the loader closes and opens files one after the other.
+  // Keeps the library loaded: to the sanitizer, closing and opening it again would be a race.
   const HalvexPDFLibraryCPDylibCPP1311 open(Wide(HALVEXENGINE_FILE));
   std::atomic<int> waiting = kThreads;
   std::atomic<int> mistakes = 0;

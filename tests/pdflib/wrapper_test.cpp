@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstring>
@@ -275,3 +276,30 @@ TEST(Wrapper, OddResultsAreEmpty) {
   EXPECT_EQ(wrapper.GetBaseURL(), L"te");
   EXPECT_TRUE(wrapper.WideStringResult(nullptr, 3).empty());
 }
+
+#ifndef __SANITIZE_ADDRESS__  // it has allocation functions of its own, and looks for leaks anyway
+// Strings in both directions, refused calls and documents that come and go.
+TEST(Wrapper, ManyCallsOfTheEngineTakeNoMoreMemory) {
+  Wrapper engine(Wide(HALVEXENGINE_FILE));
+  ASSERT_TRUE(engine.LibraryLoaded());
+  const std::wstring text(200, L'x');
+  const auto memoryAfter = [&](int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+      EXPECT_EQ(engine.NewDocument(), 1);
+      EXPECT_EQ(engine.SetBaseURL(text), 1);
+      EXPECT_EQ(engine.GetBaseURL(), text);
+      EXPECT_EQ(engine.SetInformation(2, text), 1);
+      EXPECT_EQ(engine.AddLinkToWeb(0, 0, 0, 0, text, 0), 0);  // not implemented
+      EXPECT_EQ(engine.LoadFromFile(text, text), 0);
+      EXPECT_EQ(engine.LoadFromString(std::string(800, 'x'), text), 0);
+      const std::string saved = engine.SaveToString();
+      EXPECT_EQ(engine.LoadFromString(saved, text), 1);
+      EXPECT_EQ(engine.PageCount(), 1);
+      EXPECT_EQ(engine.RemoveDocument(engine.SelectedDocument()) + engine.RemoveDocument(engine.SelectedDocument()), 2);
+    }
+    return mallinfo2().uordblks;
+  };
+  const std::size_t before = memoryAfter(50);
+  EXPECT_LT(memoryAfter(1000), before + std::size_t{100} * 1024);  // one forgotten string in each round: 800 KB
+}
+#endif

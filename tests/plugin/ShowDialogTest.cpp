@@ -182,8 +182,8 @@ TEST_F(ShowDialog, RemembersItsPlaceUnderAPreviewWindowOnly) {
   showAt("VorlanePreviewClass", true);
 }
 
-// Each toolbar button opens its dialog with what is entered, and closes the settings as rejected, however that one
-// ends.
+// Each toolbar button opens its dialog with the entered values. However that dialog ends, the settings dialog is then
+// rejected.
 TEST_F(ShowDialog, TheToolbarStoresWhatIsEnteredAndCloses) {
   struct Case {
     const char* button;

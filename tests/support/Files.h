@@ -10,7 +10,7 @@
 #include <QVariant>
 #include <string>
 
-// A file name or a file's content, of any type that tests have one in.
+// A file name or a file's content, from any of the types that tests use.
 struct FileBytes {
   FileBytes(const char* text) : bytes(text) {}
   FileBytes(std::string text) : bytes(std::move(text)) {}

@@ -24,7 +24,7 @@ class GroupLeader : public QProcess {
 void PrepareToRun() {
   NativeName::InstallAsLocale();
 #ifdef __SANITIZE_ADDRESS__
-  // The sanitizer's dlopen() hides whose run path is to be searched.
+  // The sanitizer's dlopen() does not search the caller's run path.
   qputenv("LD_LIBRARY_PATH", QFileInfo(HALVEXENGINE_FILE).path().toLocal8Bit());
 #endif
 }

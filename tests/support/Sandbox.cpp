@@ -5,7 +5,7 @@
 #include <QSettings>
 
 #ifdef __SANITIZE_ADDRESS__
-// Tests ask for more memory than there is; the sanitizer is to answer as the system does.
+// Tests ask for more memory than there is; the sanitizer is to return null then, as the system does.
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
   return "allocator_may_return_null=1";

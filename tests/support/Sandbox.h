@@ -6,8 +6,7 @@
 #include <memory>
 #include <QTemporaryDir>
 
-// Gives every test a home, XDG and temporary folder of its own, and makes it the working directory's neighbour:
-// nothing that a test does reaches the user's files.
+// Gives every test a home, XDG, temporary and working folder of its own, so that no test touches the user's files.
 class Sandbox : public testing::EmptyTestEventListener {
  public:
   // Registers the listener and applies a first sandbox, for what runs before the first test.

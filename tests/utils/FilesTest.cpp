@@ -44,7 +44,7 @@ TEST_F(FileSearch, TakesSuffixesInAnyCaseAndSkipsLinksAndHiddenEntries) {
   EXPECT_EQ(CActionUtils::SearchFilesInDir(QDir(mFolder + "/absent"), {"pdf"}, true), QStringList());
 }
 
-TEST_F(FileSearch, GoesThroughFoldersWhereTheyStandInNameOrder) {
+TEST_F(FileSearch, ListsAFoldersFilesAtItsPlaceInNameOrder) {
   Make({"a.pdf", "b/z.pdf", "b/B.pdf", "b/c/x.pdf", "c.pdf", "C.pdf", "B/y.pdf"});
   const QStringList inOrder = {"B/y.pdf", "C.pdf", "a.pdf", "b/B.pdf", "b/c/x.pdf", "b/z.pdf", "c.pdf"};
   EXPECT_EQ(Search({"pdf"}, true), inOrder);
@@ -170,7 +170,7 @@ TEST_F(Locations, LinksAreNewestFirstOnceEachAndFiveAtMost) {
   }
 }
 
-// Neither this process, nor another one, nor a later save ever sees what could not be written.
+// What could not be written is not seen by this process, by another one or by a later save.
 TEST_F(Locations, AFailedSaveIsLostForEverybody) {
   const QString store = CUtils::GetSettingsFolder() + "/LastVisitedLocations.vsf";
   CActionUtils::SaveLastEnteredLink("links", "kept");

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// engines.mjs NODE_MODULES [ENGINE...]: where the viewers' own engines lead for the links of PDF files. Reads file names from the
-// standard input, one a line. Prints the engines' versions, then a JSON object for each file: by engine an array of the
-// pages, each an array of what its link annotations lead to, in their order: UTF-8 as hexadecimal digits, or null where
-// the engine makes no link of an annotation; or {"error": text}. Poppler leaves such annotations out.
+// engines.mjs NODE_MODULES [ENGINE...]: where the viewers' own engines lead for the links of PDF files. Reads file names
+// from the standard input, one a line. Prints the engines' versions, then a JSON object for each file. It has for each
+// engine an array of pages, each an array with the target of each link annotation in their order: UTF-8 as hexadecimal
+// digits, or null where the engine makes no link of it (Poppler leaves these out). On a failure it has {"error": text}.
 import { createRequire } from "node:module";
 import { execFileSync, spawnSync } from "node:child_process";
 import { readFileSync } from "node:fs";

@@ -13,7 +13,7 @@
 namespace {
 
 void AwaitFrame(QDialog& dialog, const std::string& what, const QRect& frame) {
-  // The server's answer first: the program may still have reports of earlier steps to read.
+  // The server's geometry first: the program may still have events of earlier steps to read.
   const QString expected = QStringLiteral("X=%1\nY=%2\nWIDTH=%3\nHEIGHT=%4\n")
                                .arg(frame.x())
                                .arg(frame.y())

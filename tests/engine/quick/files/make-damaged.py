@@ -63,10 +63,10 @@ def embedded(length):
     return broken(file.put(data).put({10: b"%d" % len(other)}).table())
 
 
-def shifted_entry():
+def shifted_entry(number=3):
     """The tail is sound; one entry leads nowhere."""
     file = plain()
-    number, (kind, offset, generation) = 3, file.entries[3]
+    kind, offset, generation = file.entries[number]
     file.entries[number] = (kind, offset + 4, generation)
     return file.table().out
 
@@ -96,6 +96,8 @@ def incremental():
     yield "length-of-object-stream-too-short", re.sub(
         rb"(/ObjStm.*?/Length )\d+", rb"\g<1>9", broken(in_streams().xref_stream()), count=1)
     yield "length-to-the-end-of-the-file", plain().out[:plain().out.index(b"endstream")]
+    yield "length-past-the-keyword", broken(
+        File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
@@ -114,11 +116,21 @@ def incremental():
     yield "header-after-5-bytes-stream-cut-off", late.xref_stream().out[:-60]
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
     yield "header-after-5-bytes-object-cut-off", late.table().out + b"20 0 obj\n<< /ID [ <31"
+    late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
+    late.out += b"trailer\n<< /ID [ [ <31> ( (\n"
+    yield "header-after-5-bytes-trailer-open", late.table().out
+    late = File(lead=b"junk\n", base=5).put(contents()).put_in_stream(8, objects(b"/URI << /Base (old) >> "))
+    yield "header-after-5-bytes-endstream-misspelt", b"endstXeam".join(late.xref_stream().out.rsplit(b"endstream", 1))
+    junk = b"9 0 obj\n<< >>\nstream\n"
+    yield "header-after-a-stream-that-is-open", broken(
+        File(lead=junk, base=len(junk)).put(objects()).put(contents()).table())
     yield "header-doubled-object-streams", b"%PDF-" + File().put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream().out
     yield "size-of-too-many-objects", in_streams().xref_stream().out.replace(b"/Size ", b"/Size 9999999", 1)
     yield "xref-stream-rows-missing", re.sub(rb"/Index \[[^]]*\] /Size \d+", rb"/Size 45", in_streams(
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
+    yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
+        b"/Columns 7", b"/Columns 7 7")
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
@@ -130,6 +142,7 @@ def incremental():
 def kept_although_odd():
     sound = plain().table().out
     yield "objects-after-the-end", sound + b"20 0 obj\n<< /Type /Catalog >>\nendobj\ntrailer << /Root 20 0 R /ID [ <31> <31> ] >>\n" + b"%" * 2000
+    yield "entry-shifted-and-objects-after-the-end", shifted_entry(4) + b"20 0 obj\nnull\nendobj\n" + b"%" * 2000
     yield "object-damaged", broken(plain().table()).replace(b"/BaseFont", b"/BaseFont ] ")
     # The key is damaged, and the stream has the number of the page tree.
     yield "xref-stream-damaged", in_streams().xref_stream(number=2).out.replace(b"/Index", b"/Ind<x", 1)
