@@ -20,8 +20,8 @@ struct Reading {
   std::string baseUrl;        ///< empty for none, and of readers that cannot be asked
   std::uint64_t objects = 0;  ///< objects reached from the catalog; 0 of readers that are not asked
   std::uint64_t pageCount = 0;
-  std::uint64_t notFound = 0;    ///< objects that the reader reported as missing; 0 of readers that are not asked
-  bool doubtfulStrings = false;  ///< the reader reported that it may decrypt strings in a wrong way
+  std::uint64_t notFound = 0;      ///< objects that the reader reported as missing; 0 of readers that are not asked
+  bool doubtfulStrings = false;    ///< the reader reported that it may decrypt strings in a wrong way
   std::vector<PageReading> pages;  ///< the first kMaxPagesRead of them
 
   bool HasPages() const { return opened && pageCount > 0; }

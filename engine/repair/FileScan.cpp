@@ -303,7 +303,7 @@ class Scanner {
   WordSearch objectEnds_;
   const Lengths& lengths_;
   std::uint64_t insideUntil_ = 0;  // the end of a stream that is open
-  std::uint64_t lexingLeft_;  // bytes that values longer than the first window may still cost
+  std::uint64_t lexingLeft_;       // bytes that values longer than the first window may still cost
 };
 
 std::vector<std::uint64_t> FindEnds(const InputFile& file) {

@@ -20,7 +20,7 @@ struct FileScan {
     ObjectId id;
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
-    bool cutOff = false;   // the file ends inside it
+    bool cutOff = false;  // the file ends inside it
     // Its text, or its stream's dictionary, is no PDF syntax, or its stream does not end with its keyword: readers may
     // take what follows for a part of it.
     bool damaged = false;
@@ -48,8 +48,9 @@ struct FileScan {
   // The offsets of headers "%PDF-" outside of objects, in the order of the file.
   std::vector<std::uint64_t> headers;
 
-  // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths in other objects. What stands inside streams
-  // and strings is not taken for objects. Never fails on damage. Throws EngineError as InputFile does.
+  // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths
+  // in other objects. What stands inside streams and strings is not taken for objects. Never fails on damage. Throws
+  // EngineError as InputFile does.
   static FileScan Of(const InputFile& file, std::uint64_t start);
 };
 

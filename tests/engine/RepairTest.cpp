@@ -143,10 +143,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
-  ASSERT_EQ(RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES
-                    "/startxref-wrong.pdf zeroed.pdf")
-                .status,
-            3);
+  ASSERT_EQ(
+      RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf zeroed.pdf")
+          .status,
+      3);
   std::string zeroed = ReadText("zeroed.pdf");
   zeroed.replace(zeroed.find("stream\n", zeroed.find("/ObjStm")) + 60, 16, 16, '\0');
   std::string unnamed = PlainPdf().Bytes();

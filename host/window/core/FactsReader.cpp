@@ -64,14 +64,10 @@ FactsReader::~FactsReader() {
   runner_.Kill();
 }
 
-void FactsReader::Refresh(const QStringList& paths) {
-  Enqueue(paths);
-}
-
 void FactsReader::SetPasswords(const QStringList& passwords) {
   if (passwords == passwords_) return;
   passwords_ = passwords;
-  Enqueue(model_.PathsWith(FileState::kNeedsPassword));
+  Refresh(model_.PathsWith(FileState::kNeedsPassword));
 }
 
 void FactsReader::SetPaused(bool paused) {
@@ -87,7 +83,7 @@ int FactsReader::Left() const {
   return static_cast<int>(waiting_.size()) + skipped_.size() + inHand_.size() - next_;
 }
 
-void FactsReader::Enqueue(const QStringList& paths) {
+void FactsReader::Refresh(const QStringList& paths) {
   for (const QString& path : paths) {
     const int row = model_.RowOf(path);
     if (row < 0 || model_.Row(row).isQueued) continue;
@@ -102,7 +98,7 @@ void FactsReader::EnqueueNewRows(int first, int last) {
   for (int row = first; row <= last; ++row) {
     if (model_.Row(row).state == FileState::kNew) paths += model_.Row(row).path;
   }
-  Enqueue(paths);
+  Refresh(paths);
 }
 
 // Rows mostly come in several batches: one program for all of them is faster than two.
@@ -165,7 +161,7 @@ void FactsReader::Take(const QVector<RunnerRecord>& records) {
     }
   }
   model_.SetReadings(readings);
-  Enqueue(again);
+  Refresh(again);
   emit progress(Left());
 }
 

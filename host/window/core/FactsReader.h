@@ -42,7 +42,6 @@ class FactsReader : public QObject {
   void problem(const QString& message);
 
  private:
-  void Enqueue(const QStringList& paths);
   void EnqueueNewRows(int first, int last);
   void BeginSoon();
   void Begin();

@@ -51,7 +51,7 @@ constexpr Text kTexts[] = {
      QT_TRANSLATE_NOOP("RecordTexts", "A part of this program is missing. Please install it again.")},
     {"encrypted in a way that is not supported",
      QT_TRANSLATE_NOOP("RecordTexts", "The file is encrypted in a way that this program cannot read.")},
-    {"the file is too large", QT_TRANSLATE_NOOP("RecordTexts", "The file is too large.")},
+    {"the file is too large", QT_TRANSLATE_NOOP("RecordTexts", "The file is too large for this program.")},
     {"hangs in the system and cannot be ended",
      QT_TRANSLATE_NOOP("RecordTexts",
                        "The system does not answer when the file is read. Its disk or network may be at fault.")},

@@ -1278,8 +1278,8 @@ Lizenz: Apache-2.0</translation>
         <translation>Die Datei ist auf eine Weise verschlüsselt, die dieses Programm nicht lesen kann.</translation>
     </message>
     <message>
-        <source>The file is too large.</source>
-        <translation>Die Datei ist zu groß.</translation>
+        <source>The file is too large for this program.</source>
+        <translation>Die Datei ist zu groß für dieses Programm.</translation>
     </message>
     <message>
         <source>The system does not answer when the file is read. Its disk or network may be at fault.</source>

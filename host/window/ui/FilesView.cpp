@@ -126,19 +126,6 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   filter_->setToolTip(tr("Shows the files that have this text in one of their columns, such as \"failed\""));
   filter_->setClearButtonEnabled(true);
   count_ = new MutedLabel;
-  auto* const files = new QPushButton(tr("A&dd Files…"));
-  files->setObjectName(QStringLiteral("addFiles"));
-  auto* const folder = new QPushButton(tr("Add F&older…"));
-  folder->setObjectName(QStringLiteral("addFolder"));
-  connect(files, &QPushButton::clicked, this, &FilesView::addFilesWanted);
-  connect(folder, &QPushButton::clicked, this, &FilesView::addFolderWanted);
-
-  auto* const buttons = new QWidget;
-  auto* const buttonRow = new QHBoxLayout(buttons);
-  buttonRow->setContentsMargins(0, 0, 0, 0);
-  buttonRow->addWidget(files);
-  buttonRow->addWidget(folder);
-  buttonRow->addStretch(1);
   auto* const search = new QWidget;
   auto* const searchRow = new QHBoxLayout(search);
   searchRow->setContentsMargins(0, 0, 0, 0);
@@ -152,7 +139,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   auto* const full = new QWidget;
   auto* const fullLayout = new QVBoxLayout(full);
   fullLayout->setContentsMargins(0, 0, 0, 0);
-  fullLayout->addWidget(new WrappingRow(buttons, search));
+  fullLayout->addWidget(new WrappingRow(MakeAddButtons("addFiles", "addFolder"), search));
   fullLayout->addWidget(table_);
   pages_->addWidget(full);
   auto* const layout = new QVBoxLayout(this);
@@ -176,6 +163,22 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   UpdatePage();
 }
 
+QWidget* FilesView::MakeAddButtons(const char* filesName, const char* folderName) {
+  auto* const buttons = new QWidget;
+  auto* const layout = new QHBoxLayout(buttons);
+  layout->setContentsMargins(0, 0, 0, 0);
+  const auto add = [&](const QString& text, const char* name, void (FilesView::*wanted)()) {
+    auto* const button = new QPushButton(text);
+    button->setObjectName(QLatin1String(name));
+    connect(button, &QPushButton::clicked, this, wanted);
+    layout->addWidget(button);
+  };
+  add(tr("A&dd Files…"), filesName, &FilesView::addFilesWanted);
+  add(tr("Add F&older…"), folderName, &FilesView::addFolderWanted);
+  layout->addStretch(1);
+  return buttons;
+}
+
 QWidget* FilesView::MakeEmptyPage() {
   auto* const page = new QFrame;
   page->setFrameShape(QFrame::StyledPanel);
@@ -190,21 +193,10 @@ QWidget* FilesView::MakeEmptyPage() {
   auto* const hint = new MutedLabel(tr("Nothing is changed before you press Run."));
   hint->setWordWrap(true);
   hint->setAlignment(Qt::AlignCenter);
-  auto* const files = new QPushButton(tr("A&dd Files…"));
-  files->setObjectName(QStringLiteral("addFirstFiles"));
-  auto* const folder = new QPushButton(tr("Add F&older…"));
-  folder->setObjectName(QStringLiteral("addFirstFolder"));
-  connect(files, &QPushButton::clicked, this, &FilesView::addFilesWanted);
-  connect(folder, &QPushButton::clicked, this, &FilesView::addFolderWanted);
-  auto* const buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  buttons->addWidget(files);
-  buttons->addWidget(folder);
-  buttons->addStretch(1);
   auto* const layout = new QVBoxLayout(page);
   layout->addStretch(1);
   layout->addWidget(title);
-  layout->addLayout(buttons);
+  layout->addWidget(MakeAddButtons("addFirstFiles", "addFirstFolder"), 0, Qt::AlignHCenter);
   layout->addWidget(hint);
   layout->addStretch(1);
   layout->setSpacing(fontMetrics().height());

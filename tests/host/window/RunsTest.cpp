@@ -7,9 +7,12 @@
 #include <QJsonDocument>
 #include <QSignalSpy>
 
+#include "host/actions/UrlCheck.h"
+#include "host/base/PdfLibrary.h"
 #include "host/window/core/BatchRun.h"
 #include "host/window/core/FactsReader.h"
 #include "host/window/core/Preview.h"
+#include "host/window/core/RecordTexts.h"
 #include "host/window/core/RunArguments.h"
 #include "tests/host/window/WindowTools.h"
 
@@ -186,6 +189,32 @@ TEST(FactsReader, PausesAndFollowsTheTable) {
   reader.SetPaused(false);
   ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(model.PathsWith(State::kReady), QStringList("/f/b"));
+}
+
+// What has no words of its own is shown as it is, in English.
+TEST(RecordTexts, HaveWordsForWhatTheCommandLineReports) {
+  QStringList messages{"is a folder (use --recursive for the files below it)",
+                       "its output out/a.pdf would overwrite an input",
+                       "cannot make the folder of its output out/a.pdf",
+                       "cannot be looked up: Permission denied",
+                       "hangs in the system and cannot be ended",
+                       "action 'Set Base URL': cannot write: a folder has that name",
+                       "Cannot make the output folder '/proc/x': No such file or directory",
+                       "Cannot use the action list 'a.xqq': it holds no actions",
+                       "Cannot write the action list 'a.xqq'."};
+  for (int code = 0; code < 1000; ++code) messages += QLatin1String(PdfLibrary::ErrorMessage(code));
+  for (const char* url : {"C:/x", "x", "http://a b/", "http://<", "http://%z", "http://", "http://[x/"}) {
+    messages += CheckUrl(url, UrlUse::kOther).error;
+  }
+  for (const char* url : {"gopher://x/", "https://user:word@x/", "https://x/?q", "https://x/y"}) {
+    for (const QString& warning : CheckUrl(url, UrlUse::kBaseOfViewers).warnings) messages += "'URL': " + warning;
+  }
+  for (const QString& message : qAsConst(messages)) {
+    QString raw = message;
+    raw[0] = raw[0].toUpper();
+    const QString shown = RecordTexts::PlainReason(message);
+    EXPECT_FALSE(shown == raw || shown == raw + QLatin1Char('.')) << shown.toStdString();
+  }
 }
 
 TEST(RunArguments, AreThoseOfTheCommandLine) {
