@@ -79,7 +79,7 @@ constexpr Text kTexts[] = {
      QT_TRANSLATE_NOOP("RecordTexts", "It is a path on a drive, not an address.")},
     {"it has no scheme, such as https://", QT_TRANSLATE_NOOP("RecordTexts", "It has no beginning such as https://.")},
     {"it has a space or a control character; .*",
-     QT_TRANSLATE_NOOP("RecordTexts", "It has a space or a control character; write a space as %20.")},
+     QT_TRANSLATE_NOOP("RecordTexts", "It has a space or a control character. Write a space as %20.")},
     {"it has the character (.*), which no URL may hold",
      QT_TRANSLATE_NOOP("RecordTexts", "It has the character %1, which no address can have.")},
     {"it has a '%' without two hexadecimal digits after it",

@@ -1326,7 +1326,7 @@ Lizenz: Apache-2.0</translation>
         <translation>Ihr fehlt ein Anfang wie https://.</translation>
     </message>
     <message>
-        <source>It has a space or a control character; write a space as %20.</source>
+        <source>It has a space or a control character. Write a space as %20.</source>
         <translation>Sie enthält ein Leer- oder Steuerzeichen; schreiben Sie ein Leerzeichen als %20.</translation>
     </message>
     <message>
