@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
   ProcessUntil([&] { return listed; });
   reporter.Report("listed");
   const auto& reader = Part<FactsReader>(window);
-  ProcessUntil([&] { return !reader.IsReading() && reader.Left() == 0; });
+  ProcessUntil([&] { return reader.Left() == 0; });
   reporter.Report("read");
 
   auto& run = Part<BatchRun>(window);

@@ -92,7 +92,7 @@ QString ActionList::FileAfterRename(const QString& file, const QString& newName)
 }
 
 QString ActionList::Store(const QString& file, const ActionListFile& list) {
-  const QString renamed = FileAfterRename(file, list.name);
+  QString renamed = FileAfterRename(file, list.name);
   CheckWritten(file, ActionListFile::Store(file, list));
   if (renamed == file) return file;
   CheckWritten(renamed,

@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QProcess>
 #include <QSaveFile>
-#include <QTimer>
 
 #include "host/base/ExitCode.h"
 #include "host/window/core/RecordTexts.h"
@@ -58,6 +57,8 @@ bool HasNotBegun(const RunnerResult& result) {
 BatchRun::BatchRun(QObject* parent) : QObject(parent) {
   connect(&runner_, &RunnerProcess::recordsReceived, this, &BatchRun::Take);
   connect(&runner_, &RunnerProcess::finished, this, &BatchRun::End);
+  refuse_.setSingleShot(true);
+  connect(&refuse_, &QTimer::timeout, this, [this] { End(refusal_); });
 }
 
 BatchRun::~BatchRun() {
@@ -87,11 +88,10 @@ void BatchRun::Start(const QStringList& names, const ActionChoice& action, const
   QString problem = ProblemOf(action, output);
   if (problem.isEmpty() && files_.isEmpty()) problem = tr("Add files first.");
   if (!problem.isEmpty()) {
-    RunnerResult refused;
-    refused.started = false;
-    refused.error = problem;
-    QTimer::singleShot(0, this, [this, refused] { End(refused); });
-    return;
+    refusal_ = RunnerResult();
+    refusal_.started = false;
+    refusal_.error = problem;
+    return refuse_.start();
   }
   RunnerRequest request;
   request.arguments = RunArguments(action, output);
@@ -146,7 +146,7 @@ FileOutcome BatchRun::OutcomeOf(const QJsonObject& record) {
   outcome.output = TextOf(record, "output");
   outcome.backup = TextOf(record, "backup");
   outcome.baseUrl = TextOf(record, "baseUrlAfter");
-  for (const QJsonValue& warning : record.value(QLatin1String("warnings")).toArray()) {
+  for (const auto& warning : record.value(QLatin1String("warnings")).toArray()) {
     outcome.warnings += RecordTexts::PlainReason(warning.toString());
   }
   if (outcome.change.state == FileState::kDone) {

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QTimer>
 
 #include "host/window/core/ActionChoice.h"
 #include "host/window/core/FileTableModel.h"
@@ -77,6 +78,8 @@ class BatchRun : public QObject {
   void Settle(const QVector<FileOutcome>& outcomes);
 
   RunnerProcess runner_;
+  QTimer refuse_;
+  RunnerResult refusal_;
   QStringList files_;
   QSet<QString> open_;  // without an outcome
   QSet<QString> unfinished_;

@@ -44,7 +44,8 @@ FileFacts FactsOf(const QJsonObject& json) {
 
 }  // namespace
 
-FactsReader::FactsReader(FileTableModel& model, QObject* parent) : QObject(parent), model_(model), most_(kMostFiles) {
+FactsReader::FactsReader(FileTableModel& model, const TimeLimits& limits, QObject* parent)
+    : QObject(parent), model_(model), limits_(limits), most_(kMostFiles) {
   begin_.setSingleShot(true);
   connect(&begin_, &QTimer::timeout, this, &FactsReader::Begin);
   connect(&runner_, &RunnerProcess::recordsReceived, this, &FactsReader::Take);
@@ -63,14 +64,10 @@ FactsReader::~FactsReader() {
   runner_.Kill();
 }
 
-void FactsReader::Refresh(const QStringList& paths) {
-  Enqueue(paths);
-}
-
 void FactsReader::SetPasswords(const QStringList& passwords) {
   if (passwords == passwords_) return;
   passwords_ = passwords;
-  Enqueue(model_.PathsWith(FileState::kNeedsPassword));
+  Refresh(model_.PathsWith(FileState::kNeedsPassword));
 }
 
 void FactsReader::SetPaused(bool paused) {
@@ -82,20 +79,11 @@ void FactsReader::SetPaused(bool paused) {
   if (!paused) BeginSoon();
 }
 
-void FactsReader::SetTimeLimits(std::chrono::seconds file, std::chrono::milliseconds silence) {
-  fileLimit_ = file;
-  silenceLimit_ = silence;
-}
-
-bool FactsReader::IsReading() const {
-  return runner_.IsRunning();
-}
-
 int FactsReader::Left() const {
   return static_cast<int>(waiting_.size()) + skipped_.size() + inHand_.size() - next_;
 }
 
-void FactsReader::Enqueue(const QStringList& paths) {
+void FactsReader::Refresh(const QStringList& paths) {
   for (const QString& path : paths) {
     const int row = model_.RowOf(path);
     if (row < 0 || model_.Row(row).isQueued) continue;
@@ -110,7 +98,7 @@ void FactsReader::EnqueueNewRows(int first, int last) {
   for (int row = first; row <= last; ++row) {
     if (model_.Row(row).state == FileState::kNew) paths += model_.Row(row).path;
   }
-  Enqueue(paths);
+  Refresh(paths);
 }
 
 // Rows mostly come in several batches: one program for all of them is faster than two.
@@ -145,10 +133,10 @@ void FactsReader::Begin() {
   model_.SetReading(inHand_);
   RunnerRequest request;
   request.arguments = QStringList{QStringLiteral("show"), QStringLiteral("--json"), QStringLiteral("--timeout"),
-                                  QString::number(fileLimit_.count())};
+                                  QString::number(limits_.file.count())};
   request.files = inHand_;
   request.passwords = passwords_;
-  request.silenceLimit = silenceLimit_;
+  request.silenceLimit = limits_.silence;
   runner_.Start(request);
 }
 
@@ -173,7 +161,7 @@ void FactsReader::Take(const QVector<RunnerRecord>& records) {
     }
   }
   model_.SetReadings(readings);
-  Enqueue(again);
+  Refresh(again);
   emit progress(Left());
 }
 

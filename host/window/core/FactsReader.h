@@ -16,8 +16,14 @@ class FactsReader : public QObject {
   Q_OBJECT
 
  public:
+  struct TimeLimits {
+    std::chrono::seconds file{60};             // how long one file may take
+    std::chrono::milliseconds silence{90000};  // how long vorlane-run may print nothing
+  };
+
   // Keeps a reference to the model.
-  explicit FactsReader(FileTableModel& model, QObject* parent = nullptr);
+  explicit FactsReader(FileTableModel& model, QObject* parent = nullptr) : FactsReader(model, TimeLimits(), parent) {}
+  FactsReader(FileTableModel& model, const TimeLimits& limits, QObject* parent = nullptr);
   ~FactsReader() override;
 
   // The files are read again, or for the first time. The state of a file changes only where it was about reading.
@@ -26,9 +32,6 @@ class FactsReader : public QObject {
   void SetPasswords(const QStringList& passwords);
   // While paused, nothing is read, so that a run has the machine for itself.
   void SetPaused(bool paused);
-  // How long one file may take, and how long vorlane-run may print nothing.
-  void SetTimeLimits(std::chrono::seconds file, std::chrono::milliseconds silence);
-  bool IsReading() const;
   // How many files wait or are being read.
   int Left() const;
 
@@ -39,7 +42,6 @@ class FactsReader : public QObject {
   void problem(const QString& message);
 
  private:
-  void Enqueue(const QStringList& paths);
   void EnqueueNewRows(int first, int last);
   void BeginSoon();
   void Begin();
@@ -54,6 +56,7 @@ class FactsReader : public QObject {
   void GiveUp(const QString& message);
 
   FileTableModel& model_;
+  const TimeLimits limits_;
   RunnerProcess runner_;
   std::deque<QString> waiting_;  // their rows are queued
   QStringList inHand_;           // of the running program, which answers in their order
@@ -65,7 +68,5 @@ class FactsReader : public QObject {
   QStringList passwordsInHand_;
   bool paused_ = false;
   bool interrupted_ = false;  // by SetPaused
-  std::chrono::seconds fileLimit_{60};
-  std::chrono::milliseconds silenceLimit_{90000};
   QTimer begin_;
 };

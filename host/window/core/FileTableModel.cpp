@@ -2,11 +2,8 @@
 #include "host/window/core/FileTableModel.h"
 
 #include <algorithm>
-#include <QDir>
 #include <QLocale>
 
-#include "host/base/NativeName.h"
-#include "host/window/core/CanonicalNames.h"
 #include "host/window/core/ShownText.h"
 
 namespace {
@@ -39,16 +36,6 @@ QString NumberText(int number) {
   return number < 0 ? QString() : QLocale().toString(number);
 }
 
-QVector<FoundFile> LookUp(const QStringList& paths) {
-  QVector<FoundFile> files;
-  CanonicalNames names;
-  for (const QString& path : paths) {
-    const QString absolute = QDir::current().absoluteFilePath(path);
-    files.append({absolute, NativeName::ToText(names.Of(NativeName::ToBytes(absolute).toStdString()))});
-  }
-  return files;
-}
-
 }  // namespace
 
 FileTableModel::FileTableModel(QObject* parent) : QAbstractTableModel(parent) {
@@ -71,10 +58,6 @@ int FileTableModel::Add(const QVector<FoundFile>& files) {
   std::move(added.begin(), added.end(), std::back_inserter(rows_));
   endInsertRows();
   return count;
-}
-
-int FileTableModel::Add(const QStringList& paths) {
-  return Add(LookUp(paths));
 }
 
 void FileTableModel::Remove(QVector<int> rows) {
@@ -250,7 +233,7 @@ QVariant FileTableModel::data(const QModelIndex& index, int role) const {
       return ToolTip(row, index.column());
     case Qt::TextAlignmentRole: {
       const bool isNumber = index.column() == kPages || index.column() == kLinks;
-      return QVariant::fromValue<int>((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+      return static_cast<int>((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     }
     case kSortRole:
       return SortKey(row, index.column());

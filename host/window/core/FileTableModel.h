@@ -84,8 +84,6 @@ class FileTableModel : public QAbstractTableModel {
 
   // Returns how many are new: files that are there already, under whatever name, are left out.
   int Add(const QVector<FoundFile>& files);
-  // The same for names, which are looked up now; slow for many files. FolderScanner does it in the background.
-  int Add(const QStringList& paths);
   void Remove(QVector<int> rows);
   void Clear();
 

@@ -224,7 +224,7 @@ void FolderScanner::Cancel() {
 
 QStringList FolderScanner::PathsIn(const QMimeData& data) {
   for (const char* format : {"text/uri-list", "x-special/gnome-copied-files"}) {
-    const QStringList paths = LocalPaths(data.data(QLatin1String(format)));
+    QStringList paths = LocalPaths(data.data(QLatin1String(format)));
     if (!paths.isEmpty()) return paths;
   }
   QStringList paths;

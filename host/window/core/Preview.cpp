@@ -59,10 +59,6 @@ void Preview::Clear() {
   GiveUp();
 }
 
-bool Preview::IsBusy() const {
-  return delay_.isActive() || runner_ != nullptr;
-}
-
 // The program only reads. It ends while nobody waits for it.
 void Preview::GiveUp() {
   if (!runner_) return;
@@ -104,7 +100,7 @@ void Preview::TakeRecord(const QVector<RunnerRecord>& records) {
   data_.after = TextOf(record, "baseUrlAfter");
   data_.wouldChange = TextOf(record, "status") == QLatin1String("would-change");
   data_.saveMode = TextOf(record, "saveMode");
-  for (const QJsonValue& warning : record.value(QLatin1String("warnings")).toArray()) {
+  for (const auto& warning : record.value(QLatin1String("warnings")).toArray()) {
     data_.warnings += RecordTexts::PlainReason(warning.toString());
   }
   const QString reason = TextOf(record, "reason");

@@ -51,7 +51,6 @@ class Preview : public QObject {
   void Request(const QString& file, const ActionChoice& action, const OutputChoice& output);
   // Gives up what is going on; changed() does not come for it.
   void Clear();
-  bool IsBusy() const;
 
  signals:
   // A request is being worked on.

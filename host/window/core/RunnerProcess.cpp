@@ -77,6 +77,8 @@ RunnerProcess::RunnerProcess(QObject* parent) : QObject(parent) {
     silent_ = true;
     Kill();
   });
+  giveUp_.setSingleShot(true);
+  connect(&giveUp_, &QTimer::timeout, this, &RunnerProcess::Finish);
   force_.setSingleShot(true);
   connect(&force_, &QTimer::timeout, &process_, &QProcess::kill);
 }
@@ -139,7 +141,7 @@ bool RunnerProcess::WriteList(const QStringList& files) {
 void RunnerProcess::GiveUp(const QString& error) {
   result_.started = false;
   result_.error = error;
-  QTimer::singleShot(0, this, &RunnerProcess::Finish);
+  giveUp_.start();
 }
 
 void RunnerProcess::Cancel() {

@@ -89,6 +89,7 @@ class RunnerProcess : public QObject {
   QProcess process_;
   std::unique_ptr<QTemporaryFile> list_;
   QTimer gather_;
+  QTimer giveUp_;
   QTimer silence_;
   QTimer force_;
   bool running_ = false;

@@ -1278,8 +1278,8 @@ Lizenz: Apache-2.0</translation>
         <translation>Die Datei ist auf eine Weise verschlüsselt, die dieses Programm nicht lesen kann.</translation>
     </message>
     <message>
-        <source>The file is too large.</source>
-        <translation>Die Datei ist zu groß.</translation>
+        <source>The file is too large for this program.</source>
+        <translation>Die Datei ist zu groß für dieses Programm.</translation>
     </message>
     <message>
         <source>The system does not answer when the file is read. Its disk or network may be at fault.</source>
@@ -1326,7 +1326,7 @@ Lizenz: Apache-2.0</translation>
         <translation>Ihr fehlt ein Anfang wie https://.</translation>
     </message>
     <message>
-        <source>It has a space or a control character; write a space as %20.</source>
+        <source>It has a space or a control character. Write a space as %20.</source>
         <translation>Sie enthält ein Leer- oder Steuerzeichen; schreiben Sie ein Leerzeichen als %20.</translation>
     </message>
     <message>
@@ -1356,6 +1356,10 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>The action &quot;%1&quot; failed.</source>
         <translation>Die Aktion „%1“ ist gescheitert.</translation>
+    </message>
+    <message>
+        <source>The folder for the results has another file of that name: %1. Choose another folder.</source>
+        <translation>Im Ordner für die Ergebnisse liegt eine andere Datei dieses Namens: %1. Wählen Sie einen anderen Ordner.</translation>
     </message>
 </context>
 <context>

@@ -28,6 +28,8 @@
 namespace {
 
 using Kind = ActionsPanel::Kind;
+// A program that writes a file changes its folder several times.
+constexpr int kSettleMs = 100;
 constexpr int kKindRole = Qt::UserRole;
 constexpr int kValueRole = Qt::UserRole + 1;
 
@@ -68,9 +70,8 @@ ActionsPanel::ActionsPanel(ActionCatalog& catalog, QWidget* parent) : QWidget(pa
           [this](QTreeWidgetItem* item) { Choose(KindOf(item), ValueOf(item)); });
   connect(tree_, &QTreeWidget::customContextMenuRequested, this, &ActionsPanel::ShowMenu);
   refresh_.setSingleShot(true);
-  refresh_.setInterval(100);
   connect(&refresh_, &QTimer::timeout, this, &ActionsPanel::Refresh);
-  connect(&watcher_, &QFileSystemWatcher::directoryChanged, &refresh_, QOverload<>::of(&QTimer::start));
+  connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { refresh_.start(kSettleMs); });
 }
 
 void ActionsPanel::Refresh() {
@@ -279,14 +280,14 @@ void ActionsPanel::ShowMenu(const QPoint& position) {
   if (kind == Kind::kFile) {
     menu.addAction(tr("&Take Off This List"), this, [=] {
       RecentSettings::RemoveFile(value);
-      refresh_.start();
+      RefreshSoon();
     });
   }
   if (kind == Kind::kRecent) {
     menu.addSeparator();
     menu.addAction(tr("&Clear Recent Settings"), this, [=] {
       RecentSettings::Clear();
-      refresh_.start();
+      RefreshSoon();
     });
   }
   menu.exec(tree_->viewport()->mapToGlobal(position));
@@ -301,7 +302,7 @@ void ActionsPanel::RenameFavorite(const Favorite& favorite) {
     if (why.isEmpty() && Favorites::Exists(name)) why = tr("There is a favorite of this name. Choose another name.");
     if (why.isEmpty()) {
       why = Favorites::Rename(favorite, name);
-      refresh_.start();
+      RefreshSoon();
     }
     if (why.isEmpty()) return;
     emit problem(why);
@@ -315,7 +316,7 @@ void ActionsPanel::RemoveFavorite(const Favorite& favorite) {
   }
   const QString why = Favorites::Remove(favorite);
   if (!why.isEmpty()) emit problem(why);
-  refresh_.start();
+  RefreshSoon();
 }
 
 void ActionsPanel::RemoveList(const QString& file) {
@@ -328,5 +329,5 @@ void ActionsPanel::RemoveList(const QString& file) {
   } catch (const CommandError& error) {
     emit problem(RecordTexts::PlainReason(error.Message()));
   }
-  refresh_.start();
+  RefreshSoon();
 }

@@ -25,6 +25,7 @@ class ActionsPanel : public QWidget {
   explicit ActionsPanel(ActionCatalog& catalog, QWidget* parent = nullptr);
 
   void Refresh();
+  void RefreshSoon() { refresh_.start(0); }
   // Marks the list or favorite of that file and makes it visible.
   void ShowFile(const QString& file);
 

@@ -22,6 +22,7 @@
 #include "host/window/core/FileTableModel.h"
 #include "host/window/ui/Desktop.h"
 #include "host/window/ui/MutedLabel.h"
+#include "host/window/ui/WrappingRow.h"
 
 namespace {
 
@@ -125,21 +126,12 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   filter_->setToolTip(tr("Shows the files that have this text in one of their columns, such as \"failed\""));
   filter_->setClearButtonEnabled(true);
   count_ = new MutedLabel;
-  auto* const files = new QPushButton(tr("A&dd Files…"));
-  files->setObjectName(QStringLiteral("addFiles"));
-  auto* const folder = new QPushButton(tr("Add F&older…"));
-  folder->setObjectName(QStringLiteral("addFolder"));
-  connect(files, &QPushButton::clicked, this, &FilesView::addFilesWanted);
-  connect(folder, &QPushButton::clicked, this, &FilesView::addFolderWanted);
-
-  auto* const bar = new QWidget;
-  auto* const row = new QHBoxLayout(bar);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->addWidget(files);
-  row->addWidget(folder);
-  row->addStretch(1);
-  row->addWidget(count_);
-  row->addWidget(filter_, 1);
+  auto* const search = new QWidget;
+  auto* const searchRow = new QHBoxLayout(search);
+  searchRow->setContentsMargins(0, 0, 0, 0);
+  searchRow->addWidget(count_);
+  searchRow->addWidget(filter_);
+  filter_->setMinimumWidth(fontMetrics().averageCharWidth() * 32);
 
   MakeTable();
   pages_ = new QStackedWidget;
@@ -147,7 +139,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   auto* const full = new QWidget;
   auto* const fullLayout = new QVBoxLayout(full);
   fullLayout->setContentsMargins(0, 0, 0, 0);
-  fullLayout->addWidget(bar);
+  fullLayout->addWidget(new WrappingRow(MakeAddButtons("addFiles", "addFolder"), search));
   fullLayout->addWidget(table_);
   pages_->addWidget(full);
   auto* const layout = new QVBoxLayout(this);
@@ -171,6 +163,22 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   UpdatePage();
 }
 
+QWidget* FilesView::MakeAddButtons(const char* filesName, const char* folderName) {
+  auto* const buttons = new QWidget;
+  auto* const layout = new QHBoxLayout(buttons);
+  layout->setContentsMargins(0, 0, 0, 0);
+  const auto add = [&](const QString& text, const char* name, void (FilesView::*wanted)()) {
+    auto* const button = new QPushButton(text);
+    button->setObjectName(QLatin1String(name));
+    connect(button, &QPushButton::clicked, this, wanted);
+    layout->addWidget(button);
+  };
+  add(tr("A&dd Files…"), filesName, &FilesView::addFilesWanted);
+  add(tr("Add F&older…"), folderName, &FilesView::addFolderWanted);
+  layout->addStretch(1);
+  return buttons;
+}
+
 QWidget* FilesView::MakeEmptyPage() {
   auto* const page = new QFrame;
   page->setFrameShape(QFrame::StyledPanel);
@@ -180,23 +188,16 @@ QWidget* FilesView::MakeEmptyPage() {
   QFont large = font();
   large.setPointSizeF(large.pointSizeF() * 1.5);
   title->setFont(large);
+  title->setWordWrap(true);
+  title->setAlignment(Qt::AlignCenter);
   auto* const hint = new MutedLabel(tr("Nothing is changed before you press Run."));
-  auto* const files = new QPushButton(tr("A&dd Files…"));
-  files->setObjectName(QStringLiteral("addFirstFiles"));
-  auto* const folder = new QPushButton(tr("Add F&older…"));
-  folder->setObjectName(QStringLiteral("addFirstFolder"));
-  connect(files, &QPushButton::clicked, this, &FilesView::addFilesWanted);
-  connect(folder, &QPushButton::clicked, this, &FilesView::addFolderWanted);
-  auto* const buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  buttons->addWidget(files);
-  buttons->addWidget(folder);
-  buttons->addStretch(1);
+  hint->setWordWrap(true);
+  hint->setAlignment(Qt::AlignCenter);
   auto* const layout = new QVBoxLayout(page);
   layout->addStretch(1);
-  layout->addWidget(title, 0, Qt::AlignHCenter);
-  layout->addLayout(buttons);
-  layout->addWidget(hint, 0, Qt::AlignHCenter);
+  layout->addWidget(title);
+  layout->addWidget(MakeAddButtons("addFirstFiles", "addFirstFolder"), 0, Qt::AlignHCenter);
+  layout->addWidget(hint);
   layout->addStretch(1);
   layout->setSpacing(fontMetrics().height());
   return page;

@@ -53,6 +53,8 @@ class FilesView : public QWidget {
   void selectionChanged();
 
  private:
+  // The names are those of the two buttons.
+  QWidget* MakeAddButtons(const char* filesName, const char* folderName);
   QWidget* MakeEmptyPage();
   void MakeTable();
   void MakeActions();

@@ -51,7 +51,8 @@ ListDialog::ListDialog(QWidget* parent, ActionCatalog& catalog, const QString& f
   steps_->setAccessibleName(tr("Actions of the list"));
   steps_->setTextElideMode(Qt::ElideRight);
   steps_->setIconSize(QSize(fontMetrics().height() * 5 / 4, fontMetrics().height() * 5 / 4));
-  steps_->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+  steps_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  steps_->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
   problem_ = new QLabel;
   problem_->setObjectName(QStringLiteral("listProblem"));
   problem_->setWordWrap(true);

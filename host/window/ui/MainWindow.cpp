@@ -15,6 +15,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
@@ -90,7 +91,7 @@ MainWindow::MainWindow()
   UpdateReady();
   UpdateStatus();
   // The window is painted before the plug-ins are loaded.
-  QTimer::singleShot(0, actions_, &ActionsPanel::Refresh);
+  actions_->RefreshSoon();
 }
 
 MainWindow::~MainWindow() {
@@ -124,17 +125,22 @@ void MainWindow::MakeLayout() {
   columns_->addWidget(rows_);
   columns_->setStretchFactor(1, 1);
   columns_->setChildrenCollapsible(false);
+  // Large text on a small screen needs more room than there is; the button that runs stays in view.
+  auto* const area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(columns_);
   auto* const all = new QWidget;
   auto* const layout = new QVBoxLayout(all);
   layout->addWidget(notice_);
-  layout->addWidget(columns_, 1);
+  layout->addWidget(area, 1);
   layout->addWidget(output_);
   setCentralWidget(all);
   statusBar()->addWidget(reading_, 1);
   statusBar()->addPermanentWidget(count_);
   const int letter = fontMetrics().averageCharWidth();
   columns_->setSizes({38 * letter, 120 * letter});
-  // With large text on a small screen it would not fit.
   const QSize screen = QGuiApplication::primaryScreen()->availableSize();
   resize(QSize(letter * 165, fontMetrics().height() * 48).boundedTo(screen * 9 / 10));
   rows_->setSizes({fontMetrics().height() * 24, fontMetrics().height() * 19});
@@ -150,7 +156,7 @@ void MainWindow::MakeMenus() {
   QMenu* const file = menuBar()->addMenu(tr("&File"));
   add(file, tr("Add &Files…"), QKeySequence::Open, [this] { AddFiles(); });
   add(file, tr("Add F&older…"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_O), [this] { AddFolder(); });
-  add(file, tr("Open Action &List or Settings…"), QKeySequence(Qt::CTRL + Qt::Key_L), [this] { OpenChoice(); });
+  add(file, tr("Open Action &List or Settings…"), QKeySequence(int{Qt::CTRL} + Qt::Key_L), [this] { OpenChoice(); });
   file->addSeparator();
   add(file, tr("&New Window"), QKeySequence::New, [] {
     auto* const window = new MainWindow;
@@ -172,7 +178,7 @@ void MainWindow::MakeMenus() {
   });
 
   QMenu* const action = menuBar()->addMenu(tr("&Action"));
-  run_ = add(action, tr("&Run"), QKeySequence(Qt::CTRL + Qt::Key_Return), [this] { Run(model_.Paths()); });
+  run_ = add(action, tr("&Run"), QKeySequence(int{Qt::CTRL} + Qt::Key_Return), [this] { Run(model_.Paths()); });
   runSelected_ = add(action, tr("Run on &Selected Files"), QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Return),
                      [this] { Run(files_->SelectedFiles()); });
   cancel_ = add(action, tr("&Cancel the Run"), QKeySequence::Cancel, [this] {
@@ -180,8 +186,8 @@ void MainWindow::MakeMenus() {
     batch_.Cancel();
   });
   action->addSeparator();
-  edit_ = add(action, tr("&Edit Settings…"), QKeySequence(Qt::CTRL + Qt::Key_E), [this] { Edit(choice_); });
-  favorite_ = add(action, tr("Save as &Favorite…"), QKeySequence(Qt::CTRL + Qt::Key_D),
+  edit_ = add(action, tr("&Edit Settings…"), QKeySequence(int{Qt::CTRL} + Qt::Key_E), [this] { Edit(choice_); });
+  favorite_ = add(action, tr("Save as &Favorite…"), QKeySequence(int{Qt::CTRL} + Qt::Key_D),
                   [this] { SaveFavorite(QString(), choice_.icon); });
   password_ = add(action, tr("Enter &Password…"), QKeySequence(), [this] { AskPassword(); });
   action->addSeparator();
@@ -279,6 +285,8 @@ void MainWindow::ConnectParts() {
   connect(&model_, &QAbstractItemModel::modelReset, this, rowsChanged);
   pendingLimit_.setSingleShot(true);
   connect(&pendingLimit_, &QTimer::timeout, this, &MainWindow::StartPending);
+  connect(this, &MainWindow::dropped, this, &MainWindow::Open, Qt::QueuedConnection);
+  connect(this, &MainWindow::actionWanted, this, &MainWindow::ChooseAction, Qt::QueuedConnection);
 }
 
 void MainWindow::RestoreState() {
@@ -385,18 +393,16 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 void MainWindow::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  const QStringList paths = FolderScanner::PathsIn(*event->mimeData());
   // The program that the files come from waits for the end of this event, and a message box would not end it.
-  QTimer::singleShot(0, this, [this, paths] { Open(paths); });
+  emit dropped(FolderScanner::PathsIn(*event->mimeData()));
 }
 
 // ---- What to do ----
 
 void MainWindow::StartWith(const QString& actionName) {
   pendingAction_ = actionName;
-  pendingLimit_.start(kPendingLimit);
-  if (!scanner_.IsRunning() && model_.Count() == 0)
-    QTimer::singleShot(0, &pendingLimit_, [this] { pendingLimit_.start(0); });
+  const bool hasFiles = scanner_.IsRunning() || model_.Count() > 0;
+  pendingLimit_.start(hasFiles ? kPendingLimit : std::chrono::seconds(0));
 }
 
 // The document that the dialog starts with is known once it was read; a slow one is not waited for.
@@ -412,8 +418,7 @@ void MainWindow::StartPending() {
     Messages::Warn(this, tr("The action \"%1\" is not installed.").arg(actionName));
     return;
   }
-  // Not from within a signal of a part that the dialog's event loop may need.
-  QTimer::singleShot(0, this, [this, actionName] { ChooseAction(actionName); });
+  emit actionWanted(actionName);
 }
 
 void MainWindow::ChooseAction(const QString& actionName) {
@@ -675,7 +680,7 @@ void MainWindow::UpdateLayout() {
 void MainWindow::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   // Pictures and colours that were taken from the palette.
-  if (event->type() == QEvent::PaletteChange && isVisible()) QTimer::singleShot(0, actions_, &ActionsPanel::Refresh);
+  if (event->type() == QEvent::PaletteChange && isVisible()) actions_->RefreshSoon();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -36,6 +36,11 @@ class MainWindow : public QMainWindow {
   // Opens the action's settings as soon as the files are there.
   void StartWith(const QString& actionName);
 
+ signals:
+  // Both are taken from the event loop: not from within a signal or event that dialogs of theirs would hold up.
+  void dropped(const QStringList& paths);
+  void actionWanted(const QString& actionName);
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;

@@ -32,7 +32,7 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent) {
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   all_ = new QPushButton;
   auto* const close = new QToolButton;
-  close->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton, nullptr, this));
+  close->setText(QStringLiteral("✕"));  // the icon of the style cannot be seen on dark ground
   close->setAutoRaise(true);
   close->setToolTip(tr("Close this message"));
   close->setAccessibleName(close->toolTip());

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "host/window/core/FileTableModel.h"
+#include "host/window/ui/WrappingRow.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -79,17 +80,20 @@ QWidget* OutputPanel::MakeChoice() {
   cancel_ = new QPushButton(tr("Cancel"));
   cancel_->setObjectName(QStringLiteral("cancel"));
 
-  auto* const row = new QWidget;
-  auto* const layout = new QHBoxLayout(row);
+  auto* const places = new QWidget;
+  auto* const layout = new QHBoxLayout(places);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(label);
   layout->addWidget(place_, 5);
   layout->addWidget(folderRow_, 4);
   layout->addWidget(noFolder_, 1);
-  layout->addWidget(breakSignatures_);
-  layout->addSpacing(fontMetrics().height());
-  layout->addWidget(cancel_);
-  layout->addWidget(run_);
+  auto* const start = new QWidget;
+  auto* const startLayout = new QHBoxLayout(start);
+  startLayout->setContentsMargins(0, 0, 0, 0);
+  startLayout->addWidget(breakSignatures_);
+  startLayout->addSpacing(fontMetrics().height());
+  startLayout->addWidget(cancel_);
+  startLayout->addWidget(run_);
 
   connect(place_, QOverload<int>::of(&QComboBox::currentIndexChanged), this, [this] {
     UpdateFields();
@@ -100,7 +104,7 @@ QWidget* OutputPanel::MakeChoice() {
   connect(browse, &QPushButton::clicked, this, &OutputPanel::ChooseFolder);
   connect(run_, &QPushButton::clicked, this, &OutputPanel::runWanted);
   connect(cancel_, &QPushButton::clicked, this, &OutputPanel::cancelWanted);
-  return row;
+  return new WrappingRow(places, start);
 }
 
 QWidget* OutputPanel::MakeStatus() {
@@ -118,22 +122,23 @@ QWidget* OutputPanel::MakeStatus() {
   openResults_->setObjectName(QStringLiteral("openResults"));
   saveReport_ = new QPushButton(tr("Save Re&port…"));
   saveReport_->setObjectName(QStringLiteral("saveReport"));
-  auto* const row = new QWidget;
+  auto* const state = new QWidget;
   // As high without the buttons, so that nothing moves when they come.
-  row->setMinimumHeight(retry_->sizeHint().height());
-  auto* const layout = new QHBoxLayout(row);
+  state->setMinimumHeight(retry_->sizeHint().height());
+  auto* const layout = new QHBoxLayout(state);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(progress_, 1);
   layout->addWidget(status_, 2);
-  layout->addWidget(retry_);
-  layout->addWidget(openResults_);
-  layout->addWidget(saveReport_);
+  auto* const buttons = new QWidget;
+  auto* const buttonLayout = new QHBoxLayout(buttons);
+  buttonLayout->setContentsMargins(0, 0, 0, 0);
+  for (QPushButton* button : {retry_, openResults_, saveReport_}) buttonLayout->addWidget(button);
   connect(status_, &QLabel::linkActivated, this,
           [this](const QString& link) { emit showWanted(static_cast<FileState>(link.toInt())); });
   connect(retry_, &QPushButton::clicked, this, &OutputPanel::retryWanted);
   connect(openResults_, &QPushButton::clicked, this, &OutputPanel::openResultsWanted);
   connect(saveReport_, &QPushButton::clicked, this, &OutputPanel::saveReportWanted);
-  return row;
+  return new WrappingRow(state, buttons);
 }
 
 OutputChoice OutputPanel::Output() const {

@@ -80,6 +80,7 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   links_->setTextElideMode(Qt::ElideMiddle);
   links_->setUniformRowHeights(true);
   links_->setFrameShape(QFrame::NoFrame);
+  links_->setMinimumHeight(fontMetrics().height() * 8);
   const int letter = fontMetrics().averageCharWidth();
   links_->setColumnWidth(kPage, 12 * letter);
   links_->setColumnWidth(kLink, 34 * letter);
@@ -101,7 +102,12 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
 
   pages_ = new QStackedWidget;
   pages_->addWidget(hint_);
-  pages_->addWidget(page);
+  auto* const area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(page);
+  pages_->addWidget(area);
   auto* const head = new QHBoxLayout;
   head->addWidget(title_, 1);
   head->addWidget(busy_);

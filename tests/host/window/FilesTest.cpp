@@ -52,11 +52,11 @@ TEST(FileTable, KnowsAFileByAnyOfItsNames) {
   ASSERT_EQ(symlink("a/x.pdf", "y.pdf"), 0);
   FileTableModel model;
   const QAbstractItemModelTester tester(&model);
-  EXPECT_EQ(model.Add(QStringList{"a/x.pdf", "b/x.pdf", "y.pdf", "a/x.pdf", "missing.pdf"}), 2);
-  EXPECT_EQ(model.Add(QStringList{Here("b/x.pdf")}), 0);
+  EXPECT_EQ(model.Add(Files({"a/x.pdf", "b/x.pdf", "y.pdf", "a/x.pdf", "missing.pdf"})), 2);
+  EXPECT_EQ(model.Add(Files({Here("b/x.pdf")})), 0);
   EXPECT_EQ(model.RowOf(Here("a/x.pdf")), 0);
   model.Remove({0});
-  EXPECT_EQ(model.Add(QStringList{"y.pdf"}), 1);
+  EXPECT_EQ(model.Add(Files({"y.pdf"})), 1);
 }
 
 TEST(FileTable, RemovesRowsAndFindsTheOthers) {

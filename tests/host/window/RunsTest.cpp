@@ -7,9 +7,12 @@
 #include <QJsonDocument>
 #include <QSignalSpy>
 
+#include "host/actions/UrlCheck.h"
+#include "host/base/PdfLibrary.h"
 #include "host/window/core/BatchRun.h"
 #include "host/window/core/FactsReader.h"
 #include "host/window/core/Preview.h"
+#include "host/window/core/RecordTexts.h"
 #include "host/window/core/RunArguments.h"
 #include "tests/host/window/WindowTools.h"
 
@@ -99,7 +102,6 @@ PreviewData PreviewOf(const QString& file, const ActionChoice& action, const Out
   preview.Request(Here("earlier.pdf"), action, output);
   preview.Request(file, action, output);
   EXPECT_TRUE(Await([&] { return data.has_value(); }));
-  EXPECT_FALSE(preview.IsBusy());
   return *data;
 }
 
@@ -113,8 +115,8 @@ TEST(FactsReader, ReadsWhatFilesHold) {
   const QString encrypted = Sample("encrypted-user-password.pdf");
   const QString text = Sample("not-a-pdf.pdf");
   const QString certified = Sample("certified.pdf");
-  model.Add(QStringList{odd, encrypted, text, certified, Here("vanished.pdf")});
-  ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
+  model.Add(Files({odd, encrypted, text, certified, Here("vanished.pdf")}));
+  ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(StateOf(model, odd), State::kReady);
   EXPECT_EQ(model.Row(0).facts->baseUrl, QString("http://x/"));
   EXPECT_EQ(model.Row(0).facts->pages, 1);
@@ -124,7 +126,7 @@ TEST(FactsReader, ReadsWhatFilesHold) {
   EXPECT_THAT(ReasonOf(model, Here("vanished.pdf")), HasSubstr("not there"));
 
   reader.SetPasswords({"wrong", "tide"});
-  ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
+  ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(StateOf(model, encrypted), State::kReady);
   EXPECT_TRUE(model.Row(model.RowOf(encrypted)).facts->encrypted);
 
@@ -132,7 +134,7 @@ TEST(FactsReader, ReadsWhatFilesHold) {
   model.SetStates({{odd, State::kDone, {}}});
   WriteFile(odd, MakePdf());
   reader.Refresh({odd, Here("unknown.pdf")});
-  ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
+  ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(StateOf(model, odd), State::kDone);
   EXPECT_EQ(model.Row(0).facts->baseUrl, std::nullopt);
 }
@@ -140,8 +142,7 @@ TEST(FactsReader, ReadsWhatFilesHold) {
 TEST(FactsReader, LosesOnlyTheFilesOnWhichTheProgramCrashesOrHangs) {
   const Runner runner(kFragile);
   FileTableModel model;
-  FactsReader reader(model);
-  reader.SetTimeLimits(60s, 300ms);
+  FactsReader reader(model, FactsReader::TimeLimits{60s, 300ms});
   QSignalSpy problems(&reader, &FactsReader::problem);
   QVector<FoundFile> files;
   for (int i = 0; i < 40; ++i) {
@@ -149,7 +150,7 @@ TEST(FactsReader, LosesOnlyTheFilesOnWhichTheProgramCrashesOrHangs) {
     files.append({QStringLiteral("/f/%1%2").arg(what).arg(i), QString::number(i)});
   }
   model.Add(files);
-  ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
+  ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(model.PathsWith(State::kReady).size(), 36);
   EXPECT_EQ(model.PathsWith(State::kUnreadable), (QStringList{"/f/crash0", "/f/crash17", "/f/hang30", "/f/mute35"}));
   EXPECT_THAT(ReasonOf(model, "/f/crash0"), HasSubstr("signal 9"));
@@ -165,8 +166,8 @@ TEST(FactsReader, GivesUpWhenTheProgramCannotBeUsed) {
     FileTableModel model;
     FactsReader reader(model);
     QSignalSpy problems(&reader, &FactsReader::problem);
-    model.Add(QStringList{"a.pdf", "b.pdf", "c.pdf", "d.pdf"});
-    ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading() && !problems.isEmpty(); })) << script;
+    model.Add(Files({"a.pdf", "b.pdf", "c.pdf", "d.pdf"}));
+    ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !problems.isEmpty(); })) << script;
     EXPECT_EQ(problems.size(), 1);
     EXPECT_TRUE(model.PathsWith(State::kReading).isEmpty());
     EXPECT_TRUE(model.PathsWith(State::kReady).isEmpty());
@@ -179,16 +180,42 @@ TEST(FactsReader, PausesAndFollowsTheTable) {
   {
     const Runner hanging("exec sleep 100");
     model.Add(QVector<FoundFile>{{"/f/a", "1"}, {"/f/b", "2"}});
-    ASSERT_TRUE(Await([&] { return reader.IsReading(); }));
+    ASSERT_TRUE(Await([&] { return model.PathsWith(State::kReading).size() == 2; }));
     reader.SetPaused(true);
-    ASSERT_TRUE(Await([&] { return !reader.IsReading(); }));
     EXPECT_EQ(reader.Left(), 2);
   }
   const Runner runner(kFragile);
   model.Remove({0});
   reader.SetPaused(false);
-  ASSERT_TRUE(Await([&] { return reader.Left() == 0 && !reader.IsReading(); }));
+  ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(model.PathsWith(State::kReady), QStringList("/f/b"));
+}
+
+// What has no words of its own is shown as it is, in English.
+TEST(RecordTexts, HaveWordsForWhatTheCommandLineReports) {
+  QStringList messages{"is a folder (use --recursive for the files below it)",
+                       "its output a.pdf would overwrite a file that is not an earlier result of it (--force replaces it)",
+                       "its output out/a.pdf would overwrite an input",
+                       "cannot make the folder of its output out/a.pdf",
+                       "cannot be looked up: Permission denied",
+                       "hangs in the system and cannot be ended",
+                       "action 'Set Base URL': cannot write: a folder has that name",
+                       "Cannot make the output folder '/proc/x': No such file or directory",
+                       "Cannot use the action list 'a.xqq': it holds no actions",
+                       "Cannot write the action list 'a.xqq'."};
+  for (int code = 0; code < 1000; ++code) messages += QLatin1String(PdfLibrary::ErrorMessage(code));
+  for (const char* url : {"C:/x", "x", "http://a b/", "http://<", "http://%z", "http://", "http://[x/"}) {
+    messages += CheckUrl(url, UrlUse::kOther).error;
+  }
+  for (const char* url : {"gopher://x/", "https://user:word@x/", "https://x/?q", "https://x/y"}) {
+    for (const QString& warning : CheckUrl(url, UrlUse::kBaseOfViewers).warnings) messages += "'URL': " + warning;
+  }
+  for (const QString& message : qAsConst(messages)) {
+    QString raw = message;
+    raw[0] = raw[0].toUpper();
+    const QString shown = RecordTexts::PlainReason(message);
+    EXPECT_FALSE(shown == raw || shown == raw + QLatin1Char('.')) << shown.toStdString();
+  }
 }
 
 TEST(RunArguments, AreThoseOfTheCommandLine) {
@@ -436,7 +463,6 @@ TEST(Preview, WhatIsClearedIsNotShown) {
   preview.Request(Here("a.pdf"), SetBaseUrl("https://x/"), OutputChoice());
   ASSERT_TRUE(Await([&] { return !started.isEmpty(); }));
   preview.Clear();
-  EXPECT_FALSE(preview.IsBusy());
   preview.Request(Here("b.pdf"), SetBaseUrl("https://x/"), OutputChoice());
   EXPECT_TRUE(Await([&] { return started.size() == 2; }));
   EXPECT_TRUE(changed.isEmpty());

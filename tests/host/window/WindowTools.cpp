@@ -11,6 +11,7 @@
 #include <QThread>
 
 #include "host/base/NativeName.h"
+#include "host/window/core/CanonicalNames.h"
 #include "host/window/core/RunnerProcess.h"
 
 Runner::Runner() {
@@ -54,6 +55,16 @@ QStringList MakePdfs(const QList<QByteArray>& names, const QByteArray& pdf) {
     WriteFile(paths.constLast(), pdf);
   }
   return paths;
+}
+
+QVector<FoundFile> Files(const QStringList& paths) {
+  QVector<FoundFile> files;
+  CanonicalNames names;
+  for (const QString& path : paths) {
+    const QString absolute = QDir::current().absoluteFilePath(path);
+    files.append({absolute, NativeName::ToText(names.Of(NativeName::ToBytes(absolute).toStdString()))});
+  }
+  return files;
 }
 
 ActionChoice SetBaseUrl(const QString& url) {

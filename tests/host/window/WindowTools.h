@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include "host/window/core/ActionChoice.h"
+#include "host/window/core/FileTableModel.h"
 #include "tests/support/ProgramRun.h"
 
 // The program that a test starts as vorlane-run, until the end of the test: the built one, or a shell script of this
@@ -29,6 +30,8 @@ QString Here(const QByteArray& name);
 QStringList MakePdfs(const QList<QByteArray>& names, const QByteArray& pdf = MakePdf());
 
 // "Set Base URL" with that URL; its plug-in is loaded, so that its description of settings is there.
+// As FolderScanner finds them.
+QVector<FoundFile> Files(const QStringList& paths);
 ActionChoice SetBaseUrl(const QString& url);
 // The action of tests that misbehaves as its documents are named.
 ActionChoice Probe();

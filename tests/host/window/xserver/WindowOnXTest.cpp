@@ -139,6 +139,64 @@ TEST_F(WindowOnX, APersonSetsTheBaseUrlOfAFolderInAtMostSixClicksAndTheShellWrit
     EXPECT_EQ(ReadFile("window/" + name), ReadFile("shell/" + name)) << name.toStdString();
 }
 
+TEST_F(WindowOnX, AFavoriteAndAListAreMadeChangedAndRun) {
+  MakeFolders({"files"}, 2);
+  Show();
+  window_->Open({QDir("files").absolutePath()});
+  const auto dialog = [](const char* name) {
+    AwaitActive(name, [name](QWidget* active) { return active->objectName() == QLatin1String(name); });
+  };
+  const auto isEverywhere = [](const char* url) {
+    return BaseUrlOf("files/file000.pdf") == url && BaseUrlOf("files/file001.pdf") == url;
+  };
+  XUser::Run([&](XUser& user) {
+    AwaitWindow();
+    AwaitAll(FileState::kReady, 2);
+    user.Click(TreeItem("Set Base URL"));
+    dialog("SetBaseURLPrefsDialog");
+    user.Type("https://favorite.example/");
+    user.Press("Return");
+    AwaitWindow();
+    user.Press("ctrl+d");
+    dialog("favoriteDialog");
+    user.Type("Mine");
+    user.Press("Return");
+    AwaitWindow();
+    user.Click(TreeItem("Mine"));
+    user.Press("F2");
+    dialog("");
+    user.Press("ctrl+a");
+    user.Type("Renamed");
+    user.Press("Return");
+    AwaitWindow();
+    user.Click(TreeItem("Renamed"));
+    user.Click(Button("run"));
+    XUser::Await("the favorite's base URL", [&] { return isEverywhere("https://favorite.example/"); });
+    user.Click(Button("editSettings"));
+    dialog("SetBaseURLPrefsDialog");
+    user.Press("ctrl+a");
+    user.Type("https://list.example/");
+    user.Click(Button("VDtoolbarAddToActionListButton"));
+    dialog("saveAsActionlistDialog");
+    user.Type("My list");
+    user.Press("Return");
+    AwaitWindow();
+    user.Click(TreeItem("My list"));
+    user.Click(Button("editSettings"));
+    dialog("listDialog");
+    user.Click(Button("stepSettings"));
+    dialog("SetBaseURLPrefsDialog");
+    user.Press("ctrl+a");
+    user.Type("https://edited.example/");
+    user.Press("Return");
+    dialog("listDialog");
+    user.Click(Button("Save"));
+    AwaitWindow();
+    user.Click(Button("run"));
+    XUser::Await("the list's base URL", [&] { return isEverywhere("https://edited.example/"); });
+  });
+}
+
 TEST_F(WindowOnX, ACancelledRunLeavesEveryFileEitherDoneOrAsItWas) {
   MakeFolders({"files", "before"}, 60, "slow");
   ASSERT_EQ(
@@ -235,6 +293,8 @@ TEST_F(WindowOnX, TwoWindowsOpenAtOnceAndEachClosesAlone) {
     programs.back()->start(VORLANE_ACTIONS_FILE, {QDir(folder).absolutePath()});
   }
   XUser::Run([&](XUser&) {
+    // A window that comes later would take the keys.
+    for (const auto& program : programs) Activate(*program, "^PDF Actions$");
     for (const auto& program : programs) {
       Activate(*program, "^PDF Actions$");
       XUser::Press("ctrl+q");
