@@ -193,16 +193,17 @@ TEST(FactsReader, PausesAndFollowsTheTable) {
 
 // What has no words of its own is shown as it is, in English.
 TEST(RecordTexts, HaveWordsForWhatTheCommandLineReports) {
-  QStringList messages{"is a folder (use --recursive for the files below it)",
-                       "its output a.pdf would overwrite a file that is not an earlier result of it (--force replaces it)",
-                       "its output out/a.pdf would overwrite an input",
-                       "cannot make the folder of its output out/a.pdf",
-                       "cannot be looked up: Permission denied",
-                       "hangs in the system and cannot be ended",
-                       "action 'Set Base URL': cannot write: a folder has that name",
-                       "Cannot make the output folder '/proc/x': No such file or directory",
-                       "Cannot use the action list 'a.xqq': it holds no actions",
-                       "Cannot write the action list 'a.xqq'."};
+  QStringList messages{
+      "is a folder (use --recursive for the files below it)",
+      "its output a.pdf would overwrite a file that is not an earlier result of it (--force replaces it)",
+      "its output out/a.pdf would overwrite an input",
+      "cannot make the folder of its output out/a.pdf",
+      "cannot be looked up: Permission denied",
+      "hangs in the system and cannot be ended",
+      "action 'Set Base URL': cannot write: a folder has that name",
+      "Cannot make the output folder '/proc/x': No such file or directory",
+      "Cannot use the action list 'a.xqq': it holds no actions",
+      "Cannot write the action list 'a.xqq'."};
   for (int code = 0; code < 1000; ++code) messages += QLatin1String(PdfLibrary::ErrorMessage(code));
   for (const char* url : {"C:/x", "x", "http://a b/", "http://<", "http://%z", "http://", "http://[x/"}) {
     messages += CheckUrl(url, UrlUse::kOther).error;
