@@ -346,7 +346,8 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   if (!pages && !earlier && !noPages && (severalRoots || streams)) throw CannotRepair("the pages are not found");
   result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
   // Readers that read the file from its start would take the update for a part of that value or stream.
-  result.tail.repaired = Closing();
+  // Some read what is outside of objects, too, when bytes are before the header.
+  result.tail.repaired = headerOffset > 0 ? MakeClosing() : Closing();
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;

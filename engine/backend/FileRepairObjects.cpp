@@ -110,17 +110,18 @@ void FileRepair::CheckMembers(QPDF& document, const Kept& kept) const {
 std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan::Object& stream,
                                                   FileWindow& window) const {
   const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
+  QPDFObjectHandle parsed = ObjectOf(document, stream.id);
+  QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
+  if (length.isInteger() && length.getIntValue() >= 0) {
+    const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
+    if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
+  }
+  const CannotRepair damaged("object " + std::to_string(stream.id.number) + " is damaged");
   try {
     PdfLexer lexer(head);
     lexer.ReadObjectHeader();
     std::optional<DictionaryText> dictionary = DictionaryText::Parse(std::string(lexer.Text(lexer.ReadValue())));
-    if (!dictionary) return std::nullopt;
-    QPDFObjectHandle parsed = ObjectOf(document, stream.id);
-    QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
-    if (length.isInteger() && length.getIntValue() >= 0) {
-      const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
-      if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
-    }
+    if (!dictionary) throw damaged;
     const std::uint64_t size = stream.dataEnd - stream.data;
     if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
     std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
@@ -132,7 +133,7 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
            dictionary->Text() + "\nstream\n" + data + "\nendstream\nendobj\n";
   } catch (const PdfSyntaxError&) {
-    return std::nullopt;
+    throw damaged;
   }
 }
 

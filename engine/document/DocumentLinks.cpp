@@ -79,21 +79,25 @@ const LocatedValue& DocumentLinks::Annotation(int page, int index) {
   const auto element = static_cast<std::size_t>(index) - 1;
   annotationIndex_ = 0;
   annotation_ = Resolve(*this, annotations_, elements_[element], ElementStep(element));
+  annotationEntries_ = DictionaryView(annotation_.text);
   annotationIndex_ = index;
   return annotation_;
 }
 
 int DocumentLinks::AnnotationAction(int page, int index) {
-  const std::vector<ActionTable::Slot> slots = ActionSlots(*this, Annotation(page, index));
-  return slots.empty() ? 0 : actions_.Register(*this, slots);
+  const LocatedValue& annotation = Annotation(page, index);
+  std::vector<ActionTable::Slot> slots = ActionSlots(*this, annotation, annotationEntries_);
+  return slots.empty() ? 0 : actions_.Register(*this, std::move(slots));
 }
 
 std::string DocumentLinks::AnnotationSubtype(int page, int index) {
-  return NameText(Entry(*this, Annotation(page, index), "/Subtype").text);
+  const LocatedValue& annotation = Annotation(page, index);
+  return NameText(Entry(*this, annotation, annotationEntries_, "/Subtype").text);
 }
 
 DocumentLinks::Rectangle DocumentLinks::AnnotationRectangle(int page, int index) {
-  const LocatedValue array = Entry(*this, Annotation(page, index), "/Rect");
+  const LocatedValue& annotation = Annotation(page, index);
+  const LocatedValue array = Entry(*this, annotation, annotationEntries_, "/Rect");
   std::vector<double> numbers;
   for (const std::string_view element : ArrayElements(array.text)) {
     const std::optional<double> number = NumberIn(Resolve(*this, array, element, "").text);
@@ -120,8 +124,7 @@ std::string DocumentLinks::OutlineTitle(int id) {
 }
 
 int DocumentLinks::OutlineAction(int id) {
-  const LocatedValue item = Outline(id);
-  return actions_.Register(*this, {{item, "/A"}});
+  return actions_.Register(*this, {ActionSlot(*this, Outline(id), "/A")});
 }
 
 std::string DocumentLinks::OutlineUri(int id) {
@@ -156,9 +159,9 @@ int DocumentLinks::FieldAction(int index, const std::string& trigger) {
   if (known != fieldActions_.end()) return known->second;
   const FormField& field = (*fields_)[static_cast<std::size_t>(index) - 1];
   const std::string path = trigger == "A" ? "/A" : "/AA/" + trigger;
-  std::vector<ActionTable::Slot> slots = {{field.field, path}};
-  for (const LocatedValue& widget : field.widgets) slots.push_back({widget, path});
-  const int action = actions_.Register(*this, slots);
+  std::vector<ActionTable::Slot> slots = {ActionSlot(*this, field.field, path)};
+  for (const LocatedValue& widget : field.widgets) slots.push_back(ActionSlot(*this, widget, path));
+  const int action = actions_.Register(*this, std::move(slots));
   if (action != 0) fieldActions_[{index, trigger}] = action;
   return action;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/links/ActionTable.h"
+#include "engine/links/DictionaryView.h"
 #include "engine/links/DocumentTrees.h"
 #include "engine/links/LocatedValue.h"
 #include "engine/links/ObjectTexts.h"
@@ -91,6 +92,7 @@ class DocumentLinks final : private ObjectTexts {
   std::vector<std::string_view> elements_;
   int annotationIndex_ = 0;
   LocatedValue annotation_;
+  DictionaryView annotationEntries_{{}};  // of annotation_
 
   std::optional<std::vector<ObjectId>> outlines_;
   std::optional<std::vector<FormField>> fields_;

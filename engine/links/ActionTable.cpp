@@ -13,14 +13,6 @@ namespace engine {
 
 namespace {
 
-// The slot's value; another kind of value than a dictionary if there is no action.
-LocatedValue ActionIn(ObjectTexts& objects, const ActionTable::Slot& slot) {
-  const std::string_view path = slot.path;
-  const std::size_t second = path.find('/', 1);
-  const LocatedValue value = Entry(objects, slot.owner, path.substr(0, second));
-  return second == std::string_view::npos ? value : Entry(objects, value, path.substr(second));
-}
-
 // A value of /Next, or an element of it. A reference is loaded later, in its turn.
 LocatedValue Unloaded(const LocatedValue& parent, std::string_view value, const std::string& step) {
   if (IsReference(value)) {
@@ -39,18 +31,18 @@ const std::string* ActionTable::Kept(std::string_view text) {
   return &*texts_.emplace(text).first;
 }
 
-int ActionTable::Register(ObjectTexts& objects, const std::vector<Slot>& slots) {
+int ActionTable::Register(ObjectTexts& objects, std::vector<Slot> slots) {
   const std::size_t before = records_.size();
   int known = 0;
-  for (const Slot& slot : slots) {
-    const SlotKey key{slot.owner.holder, Kept(slot.owner.path + slot.path)};
+  for (Slot& slot : slots) {
+    const SlotKey key{slot.owner, Kept(slot.path)};
     const auto found = slots_.find(key);
     if (found != slots_.end()) {
       if (known == 0) known = found->second;
       continue;
     }
     const std::size_t first = records_.size();
-    AddChain(objects, ActionIn(objects, slot));
+    AddChain(objects, std::move(slot.action));
     if (records_.size() > first) slots_[key] = static_cast<int>(first) + 1;
   }
   if (records_.size() == before) return known;
@@ -70,10 +62,11 @@ void ActionTable::AddChain(ObjectTexts& objects, LocatedValue first) {
       if (action.text.empty()) action = LoadObject(objects, named);
       if (action.holder != named && !visited.insert(action.holder).second) continue;
     }
-    const std::string type = NameText(Entry(objects, action, "/S").text);
+    const DictionaryView entries(action.text);
+    const std::string type = NameText(Entry(objects, action, entries, "/S").text);
     if (type.empty()) continue;
-    Add(action, type);
-    const std::string_view next = DictionaryView(action.text).Find("/Next");
+    Add(action, type, entries.Find("/URI"));
+    const std::string_view next = entries.Find("/Next");
     if (next.empty()) continue;
     LocatedValue value = Unloaded(action, next, "/Next");
     if (visited.count(value.holder) == 0 && value.text.empty()) value = LoadObject(objects, value.holder);
@@ -89,11 +82,10 @@ void ActionTable::AddChain(ObjectTexts& objects, LocatedValue first) {
   }
 }
 
-void ActionTable::Add(const LocatedValue& action, std::string_view type) {
+void ActionTable::Add(const LocatedValue& action, std::string_view type, std::string_view uri) {
   if (records_.size() >= most_) throw EngineError(kErrorFileTooLarge, "the document has too many actions");
   Record record{action.holder, Kept(action.path), Kept(type)};
   if (type == "URI") {
-    const std::string_view uri = DictionaryView(action.text).Find("/URI");
     record.uri = uris_.size();
     record.uriLength = static_cast<std::uint32_t>(uri.size());
     uris_ += uri;
@@ -116,16 +108,26 @@ ActionTable::Action ActionTable::Find(int id) const {
   return {record.holder, record.path, record.type, std::string_view(uris_).substr(record.uri, record.uriLength)};
 }
 
-std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner) {
+ActionTable::Slot ActionSlot(ObjectTexts& objects, const LocatedValue& owner, std::string_view path) {
+  const std::size_t second = path.find('/', 1);
+  LocatedValue action = Entry(objects, owner, path.substr(0, second));
+  if (second != std::string_view::npos) action = Entry(objects, action, path.substr(second));
+  return {owner.holder, owner.path + std::string(path), std::move(action)};
+}
+
+std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner,
+                                           const DictionaryView& entries) {
   std::vector<ActionTable::Slot> slots;
-  const DictionaryView dictionary(owner.text);
-  if (!dictionary.Find("/A").empty()) slots.push_back({owner, "/A"});
-  const std::string_view additional = dictionary.Find("/AA");
+  if (const std::string_view action = entries.Find("/A"); !action.empty()) {
+    slots.push_back({owner.holder, owner.path + "/A", Resolve(objects, owner, action, "/A")});
+  }
+  const std::string_view additional = entries.Find("/AA");
   if (additional.empty()) return slots;
   const LocatedValue actions = Resolve(objects, owner, additional, "/AA");
   const DictionaryView triggers(actions.text);
   for (const DictionaryView::Entry& entry : triggers.Entries()) {
-    slots.push_back({owner, "/AA" + UnescapedName(entry.key)});
+    const std::string trigger = UnescapedName(entry.key);
+    slots.push_back({owner.holder, owner.path + "/AA" + trigger, Entry(objects, actions, triggers, trigger)});
   }
   return slots;
 }

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/links/DictionaryView.h"
 #include "engine/links/LocatedValue.h"
 
 namespace engine {
@@ -25,10 +26,11 @@ class ActionTable {
     const std::string* type = nullptr;  // /S without slash; null: not an action
     std::string_view uri;               // the text of /URI, possibly a reference; empty for other actions
   };
-  // An entry that names an action: the dictionary that has it, and the path of the entry there.
+  // An entry that names an action: where it is, and its value.
   struct Slot {
-    LocatedValue owner;
-    std::string path;  // "/A" or "/AA/E"
+    ObjectId owner;    // the object that has the entry
+    std::string path;  // of the entry there: it ends in "/A", or in "/AA/E" and so on
+    LocatedValue action;
   };
 
   // `most` limits the actions of all places together: in a damaged document each place can lead to every other action.
@@ -37,7 +39,7 @@ class ActionTable {
   // Gives the actions in these slots consecutive IDs and returns the first one; 0 when there are none. A slot that has
   // IDs keeps them; when all have, the first slot's ID is returned. Throws EngineError(kErrorFileTooLarge) when there
   // are more actions than the limit; no further place gets actions then.
-  int Register(ObjectTexts& objects, const std::vector<Slot>& slots);
+  int Register(ObjectTexts& objects, std::vector<Slot> slots);
   // Removes the slot: its IDs are not given again, and are not actions any more.
   void Forget(ObjectId owner, const std::string& path);
   // An action without a type when the ID is not an action.
@@ -54,7 +56,7 @@ class ActionTable {
   using SlotKey = std::pair<ObjectId, const std::string*>;
 
   void AddChain(ObjectTexts& objects, LocatedValue first);
-  void Add(const LocatedValue& action, std::string_view type);
+  void Add(const LocatedValue& action, std::string_view type, std::string_view uri);
   const std::string* Kept(std::string_view text);
 
   const std::size_t most_;
@@ -64,7 +66,10 @@ class ActionTable {
   std::map<SlotKey, int> slots_;
 };
 
-// The slots of an annotation or field: /A, then the entries of /AA in their order.
-std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner);
+// The slot of an annotation, outline item or field whose path from there on is "/A" or "/AA/E".
+ActionTable::Slot ActionSlot(ObjectTexts& objects, const LocatedValue& owner, std::string_view path);
+// All slots of an annotation with these entries: /A, then the entries of /AA in their order.
+std::vector<ActionTable::Slot> ActionSlots(ObjectTexts& objects, const LocatedValue& owner,
+                                           const DictionaryView& entries);
 
 }  // namespace engine

@@ -3,7 +3,6 @@
 
 #include <utility>
 
-#include "engine/links/DictionaryView.h"
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfSyntaxError.h"
 
@@ -43,7 +42,12 @@ LocatedValue Resolve(ObjectTexts& objects, const LocatedValue& parent, std::stri
 }
 
 LocatedValue Entry(ObjectTexts& objects, const LocatedValue& dictionary, std::string_view key) {
-  const std::string_view value = DictionaryView(dictionary.text).Find(key);
+  return Entry(objects, dictionary, DictionaryView(dictionary.text), key);
+}
+
+LocatedValue Entry(ObjectTexts& objects, const LocatedValue& dictionary, const DictionaryView& entries,
+                   std::string_view key) {
+  const std::string_view value = entries.Find(key);
   return Resolve(objects, dictionary, value.empty() ? "null" : value, key);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/links/DictionaryView.h"
 #include "engine/links/ObjectTexts.h"
 #include "engine/syntax/ObjectId.h"
 
@@ -21,8 +22,10 @@ struct LocatedValue {
 LocatedValue LoadObject(ObjectTexts& objects, ObjectId id);
 // An entry or element of `parent`, whose text is `value`; `step` is what its path adds.
 LocatedValue Resolve(ObjectTexts& objects, const LocatedValue& parent, std::string_view value, std::string_view step);
-// The value of a dictionary's entry; "null" when there is none.
+// The value of a dictionary's entry; "null" when there is none. `entries` are those of `dictionary`.
 LocatedValue Entry(ObjectTexts& objects, const LocatedValue& dictionary, std::string_view key);
+LocatedValue Entry(ObjectTexts& objects, const LocatedValue& dictionary, const DictionaryView& entries,
+                   std::string_view key);
 // The step to an array's element, counted from 0.
 std::string ElementStep(std::size_t index);
 

@@ -69,8 +69,8 @@ TEST(ActionTable, HasABoundOfAllActionsTogether) {
     }
   } texts;
   engine::ActionTable actions(12);  // two places have five actions each, and one after them that is none
-  const auto place = [](std::uint32_t number) {
-    return engine::ActionTable::Slot{{{number, 0}, {}, "<< /A 1 0 R >>"}, "/A"};
+  const auto place = [&](std::uint32_t number) {
+    return engine::ActionSlot(texts, {{number, 0}, {}, "<< /A 1 0 R >>"}, "/A");
   };
   EXPECT_EQ(actions.Register(texts, {place(10)}), 1);
   EXPECT_EQ(actions.Register(texts, {place(11)}), 7);

@@ -185,6 +185,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a page with the next free number that one reader finds in a string", inString},
       {"an encryption dictionary without a key", withoutKey},
       {"an encrypted object stream, bytes before the header", "junk\n" + zeroed},
+      {"a stream with a wrong length and a damaged dictionary", changed("/Length ", "/Length/Length ")},
       {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", unnamed},
       {"a page count that readers refuse", changed("/Count 1", "/Count 999")},

@@ -124,6 +124,8 @@ def incremental():
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
     late.out += b"trailer\n<< /ID [ [ <31> ( (\n"
     yield "header-after-5-bytes-trailer-open", late.table().out
+    yield "header-after-5-bytes-table-open", File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(
+        contents()).table().out.replace(b"65535 f", b"65535 f [ 3 0 R << ", 1)
     late = File(lead=b"junk\n", base=5).put(contents()).put_in_stream(8, objects(b"/URI << /Base (old) >> "))
     yield "header-after-5-bytes-endstream-misspelt", b"endstXeam".join(late.xref_stream().out.rsplit(b"endstream", 1))
     junk = b"9 0 obj\n<< >>\nstream\n"
