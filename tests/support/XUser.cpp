@@ -58,6 +58,12 @@ QString XUser::Do(const QStringList& xdotoolArguments) {
   return QString::fromUtf8(xdotool.readAllStandardOutput());
 }
 
+QPoint XUser::OnScreen(WId window, QPoint place) {
+  Do({"mousemove", "--window", QString::number(window), QString::number(place.x()), QString::number(place.y())});
+  const QStringList found = Do({"getmouselocation", "--shell"}).split('\n');
+  return {found[0].mid(2).toInt(), found[1].mid(2).toInt()};
+}
+
 void XUser::Move(QPoint to) {
   Do({"mousemove", QString::number(to.x()), QString::number(to.y())});
 }

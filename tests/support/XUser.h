@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QString>
 #include <QStringList>
+#include <QWidget>
 
 // Pointer and keys of the X server, moved by xdotool. The functions are for a thread other than that of the widgets,
 // which runs its event loop meanwhile; they throw std::runtime_error.
@@ -18,6 +19,9 @@ class XUser {
   static void InGui(const std::function<void()>& function);
   static QString Do(const QStringList& xdotoolArguments);
 
+  // Where the place in the window is on the screen. The X server knows; Qt is sometimes not informed of a new window's
+  // place.
+  static QPoint OnScreen(WId window, QPoint place);
   static void Move(QPoint to);
   void Click(QPoint at);
   static void Drag(QPoint from, QPoint to);

@@ -62,16 +62,18 @@ class WindowOnX : public testing::Test {
   // By its text or its name in the program.
   QPoint Button(const QString& text) {
     QPoint center;
+    WId window = 0;
     XUser::Await("the button " + text.toStdString(), [&] {
       for (auto* button : window_->findChildren<QAbstractButton*>()) {
         if (!button->isVisible() || !button->isEnabled()) continue;
         if (button->objectName() != text && Plain(button->text()) != text) continue;
-        center = button->mapToGlobal(button->rect().center());
+        window = button->window()->winId();
+        center = button->mapTo(button->window(), button->rect().center());
         return true;
       }
       return false;
     });
-    return center;
+    return XUser::OnScreen(window, center);
   }
   QPoint TreeItem(const QString& text) {
     QPoint center;
