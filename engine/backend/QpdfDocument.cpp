@@ -243,8 +243,10 @@ void QpdfDocument::Load(const std::string& password) {
     // Readers that rebuild such a file do so with an update that continues its cross-references, too. They would not
     // with a complete section.
     // A damaged catalog would be written as the parser reads it, and others read it otherwise.
-    const bool usable = QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair) &&
-                        !HasInventedKeys(asItIs->getRoot());
+    const bool usable = Translated([&] {
+      return QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair) &&
+             !HasInventedKeys(asItIs->getRoot());
+    });
     qpdf_ = asItIs;
     if (!usable || !KnownTail()) throw EngineError(kErrorDamaged, reason);
     return;
