@@ -41,7 +41,10 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
       for (QPDFObjectHandle item : object.aitems()) visit(item);
       continue;
     }
-    for (const auto& [key, value] : (object.isStream() ? object.getDict() : object).ditems()) {
+    QPDFObjectHandle dictionary = object.isStream() ? object.getDict() : object;
+    // In the place of another object, a cross-reference stream would lead to the whole document.
+    if (object.isStream() && dictionary.isDictionaryOfType("/XRef")) continue;
+    for (const auto& [key, value] : dictionary.ditems()) {
       // The library invents keys for values without one.
       const bool invented = key.compare(0, 9, "/QPDFFake") == 0;
       if (key == "/URI" && object.getObjGen() == root.getObjGen()) continue;

@@ -79,6 +79,16 @@ std::string WordsOfBoth(const std::string& a, const std::string& b) {
   return text;
 }
 
+// Whether `after` has all letters of `before` in the same order, whatever the spaces.
+bool HasLettersOf(const std::string& before, const std::string& after) {
+  std::size_t at = 0;
+  return std::all_of(before.begin(), before.end(), [&](char letter) {
+    if (letter == ' ') return true;
+    at = after.find(letter, at);
+    return at++ != std::string::npos;
+  });
+}
+
 std::string LostText(std::size_t page, const std::string& before, const std::string& after) {
   std::string missing;
   for (const std::string& word : WordsMissing(before, after)) missing += missing.empty() ? word : ' ' + word;
@@ -149,7 +159,11 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
     const std::string& text = before.pages[page].text;
     if (text.empty()) continue;
     const auto equal = [&](const PageReading& p) { return p.text == text; };
-    const auto holds = [&](const PageReading& p) { return WordsMissing(text, p.text).empty(); };
+    // Of the same content a font that was found shows more letters, which may join words.
+    const auto holds = [&](const PageReading& p) {
+      return WordsMissing(text, p.text).empty() ||
+             (p.content == before.pages[page].content && HasLettersOf(text, p.text));
+    };
     const auto start = after.pages.begin() + static_cast<std::ptrdiff_t>(next);
     auto found = std::find_if(start, after.pages.end(), equal);
     if (found == after.pages.end()) {
@@ -183,14 +197,7 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
 bool KeepsLetters(const Reading& before, const Reading& after) {
   if (after.pageCount != before.pageCount || after.objects < before.objects) return false;
   return std::equal(before.pages.begin(), before.pages.end(), after.pages.begin(), after.pages.end(),
-                    [](const PageReading& had, const PageReading& has) {
-                      std::size_t at = 0;
-                      return std::all_of(had.text.begin(), had.text.end(), [&](char letter) {
-                        if (letter == ' ') return true;
-                        at = has.text.find(letter, at);
-                        return at++ != std::string::npos;
-                      });
-                    });
+                    [](const PageReading& had, const PageReading& has) { return HasLettersOf(had.text, has.text); });
 }
 
 std::uint64_t HashOf(const std::string& bytes) {

@@ -38,7 +38,7 @@ bool operator==(const Reading& a, const Reading& b);
 bool SamePages(const Reading& a, const Reading& b);
 
 /// What `before` holds and `after` does not, one line for each kind of loss; empty when nothing was lost. `more`
-/// becomes true when a page shows other words besides all those of before.
+/// becomes true when a page shows other words or letters besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
 
 /// True when `after` has as many pages as `before`, and each all the letters in the same order: other spaces between

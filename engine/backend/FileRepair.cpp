@@ -134,14 +134,14 @@ bool FileRepair::Finds(ObjectId id) {
 }
 
 bool FileRepair::EndIsClosed() {
-  return (EndsWithMark(*file_) && QuickReader::HeaderOffset(*file_) == 0) || Closing().empty();
+  return (EndsWithMark(*file_) && QuickReader::StartsWithHeader(*file_)) || Closing().empty();
 }
 
 std::string FileRepair::Closing() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   const bool inStream = !objects.empty() && objects.back().data != 0 && objects.back().dataEnd == file_->Size();
   // Readers that rebuild the file read values outside of objects, too.
-  const bool rebuilt = QuickReader::HeaderOffset(*file_) > 0 && !EndsWithMark(*file_);
+  const bool rebuilt = !QuickReader::StartsWithHeader(*file_) && !EndsWithMark(*file_);
   if (!Scan().damage && !inStream && !rebuilt) return {};
   static const std::string closing = MakeClosing();
   // A repair of this kind may have closed it before.
@@ -272,7 +272,7 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
 }
 
 // Opens the file with these objects and a catalog that is not in the file: the parser insists on one.
-std::shared_ptr<QPDF> FileRepair::OpenWithStandIn(Kept kept, const std::string& password) {
+std::shared_ptr<QPDF> FileRepair::OpenWithTemporaryCatalog(Kept kept, const std::string& password) {
   FileTail tail = MakeTail({}, kept);
   tail.size = std::max(tail.size, kOwnNumbers);
   std::string text;
@@ -317,16 +317,16 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   const bool followed = !Scan().ends.empty() && !Newest().empty() && Scan().objects.back().offset > Scan().ends.front();
   std::optional<Version> earlier = followed ? FindEarlierVersion(password) : std::nullopt;
   if (!mixed.empty() && !earlier) throw CannotRepair(mixed);
-  std::shared_ptr<QPDF> document = OpenWithStandIn(kept, password);
+  std::shared_ptr<QPDF> document = OpenWithTemporaryCatalog(kept, password);
   if (document != nullptr && streams) {
     const Kept plain = kept;
     kept = AddMembers(*document, plain);
     document.reset();
-    document = OpenWithStandIn(kept, password);
+    document = OpenWithTemporaryCatalog(kept, password);
     if (document == nullptr) return {};
     kept = WithoutUnreadableMembers(*document, kept, plain);
     document.reset();
-    document = OpenWithStandIn(kept, password);
+    document = OpenWithTemporaryCatalog(kept, password);
     if (document != nullptr) CheckMembers(*document, kept);
   }
   if (document == nullptr) return {};
@@ -347,7 +347,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   result.tail = earlier ? std::move(earlier->tail) : MakeTail(*root, std::move(kept));
   // Readers that read the file from its start would take the update for a part of that value or stream.
   // Some read what is outside of objects, too, when bytes are before the header.
-  result.tail.repaired = headerOffset > 0 ? MakeClosing() : Closing();
+  result.tail.repaired = QuickReader::StartsWithHeader(*file_) ? Closing() : MakeClosing();
   result.view = ViewOf(*result.tail.kept, result.tail, "");
   result.document = OpenRecovering(result.view, password);
   if (result.document == nullptr) return result;

@@ -79,8 +79,9 @@ class FileRepair {
   bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
   bool AnotherRootAfter(const Version& version, QPDF& rebuilt);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
-  std::shared_ptr<QPDF> OpenWithStandIn(Kept kept, const std::string& password);
+  std::shared_ptr<QPDF> OpenWithTemporaryCatalog(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
+  bool Updates(const FileScan::Object& object, const FileScan::Object& stream);
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   void CheckMembers(QPDF& document, const Kept& kept) const;

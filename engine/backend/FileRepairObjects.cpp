@@ -37,6 +37,17 @@ void RemoveEndOfLine(std::string& text) {
 
 }  // namespace
 
+// Whether an object outside of object streams is newer than what is in an object stream before it: it is in an update
+// of the file that has the stream. Other readers take the object in the stream when they rebuild the file.
+bool FileRepair::Updates(const FileScan::Object& object, const FileScan::Object& stream) {
+  const std::vector<FileScan::Trailer>& trailers = Scan().trailers;
+  const auto next =
+      std::upper_bound(trailers.begin(), trailers.end(), stream.offset,
+                       [](std::uint64_t offset, const FileScan::Trailer& trailer) { return offset < trailer.offset; });
+  return !object.damaged && next != trailers.end() && next->offset < object.offset &&
+         trailers.back().offset > object.offset;
+}
+
 // With the objects in object streams. Of several objects of one number the last one in the file counts.
 FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
   std::map<std::uint32_t, FileTail::KeptObject> all;
@@ -62,7 +73,11 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
       // A stream cannot be in an object stream.
       if (number == 0 || number == object.id.number) continue;
       const auto [known, added] = places.try_emplace(number, place);
-      if (!added && known->second > place) continue;
+      if (!added && known->second > place) {
+        const FileScan::Object* const other =
+            all[number].stream == 0 ? ScannedAt(known->second + headerOffset) : nullptr;
+        if (other == nullptr || Updates(*other, object)) continue;
+      }
       known->second = place;
       all[number] = {{number, 0}, 0, object.id.number, index};
     }
@@ -125,8 +140,11 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     const std::uint64_t size = stream.dataEnd - stream.data;
     if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
     std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
-    // Readers differ about where one that runs into another object ends.
-    if (data.find(" 0 obj") != std::string::npos) throw CannotRepair("a stream with a wrong length holds objects");
+    // Readers that rebuild the file would take the copies of objects in it for newer ones.
+    const bool rebuilt = document.isEncrypted() || !QuickReader::StartsWithHeader(*file_);
+    if (rebuilt && data.find(" 0 obj") != std::string::npos) {
+      throw CannotRepair("a stream with a wrong length holds objects");
+    }
     // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
     if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
     dictionary->Set("/Length", std::to_string(data.size()));
@@ -174,7 +192,7 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   }
   for (const QPDFExc& warning : document.getWarnings()) {
     const std::string text = warning.getObject() + warning.getMessageDetail();
-    if (TellsOfLackOfMemory(text)) throw std::bad_alloc();
+    if (IsAboutLackOfMemory(text)) throw std::bad_alloc();
     const bool identifier = text.find("/ID in trailer") != std::string::npos && !TrailerEntry("/ID").empty();
     if (identifier || text.find("encryption") != std::string::npos) {
       throw CannotRepair("the encryption dictionary is damaged");

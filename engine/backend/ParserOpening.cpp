@@ -30,7 +30,7 @@ bool PasswordFits(QPDF& document, const View& view, const std::string& password,
   } catch (const QPDFExc& error) {
     if (error.getErrorCode() == qpdf_e_password) return false;
     for (const QPDFExc& warning : document.getWarnings()) {
-      if (TellsOfLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
+      if (IsAboutLackOfMemory(warning.getMessageDetail())) throw std::bad_alloc();
     }
     throw;
   }
@@ -69,7 +69,7 @@ std::optional<View> WithEncryption(const View& view, QPDF& document, const std::
 
 }  // namespace
 
-bool TellsOfLackOfMemory(const std::string& message) {
+bool IsAboutLackOfMemory(const std::string& message) {
   static const std::string exception = std::bad_alloc().what();
   return message.find(exception) != std::string::npos;
 }

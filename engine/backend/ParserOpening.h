@@ -22,6 +22,6 @@ std::shared_ptr<QPDF> OpenParser(BackendInputSource::View& view, const std::stri
 std::vector<std::string> PasswordEncodings(const std::string& password);
 
 // Where memory runs out, the parser often goes on: with a broken object, and a warning that quotes the exception.
-bool TellsOfLackOfMemory(const std::string& message);
+bool IsAboutLackOfMemory(const std::string& message);
 
 }  // namespace engine

@@ -37,7 +37,7 @@ namespace engine {
 namespace {
 
 // The parser calls streams that it cannot decode unsupported as well.
-bool TellsOfEncryption(const QPDFExc& error) {
+bool IsAboutEncryption(const QPDFExc& error) {
   const std::string text = error.getObject() + error.getMessageDetail();
   return error.getErrorCode() == qpdf_e_unsupported && text.find("encrypt") != std::string::npos;
 }
@@ -54,10 +54,10 @@ auto Translated(Body&& body) {
   } catch (const TooManyTokens&) {
     throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
-    if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
-    throw EngineError(TellsOfEncryption(error) ? kErrorUnsupportedSecurity : kErrorDamaged, error.what());
+    if (IsAboutLackOfMemory(error.what())) throw std::bad_alloc();
+    throw EngineError(IsAboutEncryption(error) ? kErrorUnsupportedSecurity : kErrorDamaged, error.what());
   } catch (const std::exception& error) {
-    if (TellsOfLackOfMemory(error.what())) throw std::bad_alloc();
+    if (IsAboutLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(kErrorDamaged, error.what());
   }
 }
@@ -67,7 +67,7 @@ bool HasHeader(const InputFile& file) {
   return file.ReadAt(0, 1024).find("%PDF-") != std::string::npos;
 }
 
-bool TellsOfRepair(const QPDFExc& warning) {
+bool IsAboutRepair(const QPDFExc& warning) {
   return warning.getMessageDetail().find("reconstruct cross-reference table") != std::string::npos;
 }
 
@@ -179,8 +179,8 @@ auto QpdfDocument::Ask(Body&& body) {
 
 void QpdfDocument::NoteWarnings() {
   for (const QPDFExc& warning : qpdf_->getWarnings()) {
-    repaired_ = repaired_ || TellsOfRepair(warning);
-    outOfMemory_ = outOfMemory_ || TellsOfLackOfMemory(warning.getMessageDetail());
+    repaired_ = repaired_ || IsAboutRepair(warning);
+    outOfMemory_ = outOfMemory_ || IsAboutLackOfMemory(warning.getMessageDetail());
   }
   if (outOfMemory_) throw std::bad_alloc();
 }

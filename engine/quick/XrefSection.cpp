@@ -87,7 +87,8 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   CheckRows();
 }
 
-// Where rows are missing, some readers rebuild the cross-references. Long streams are not decoded for this alone.
+// Where rows are missing, or name an object stream of number 0, some readers rebuild the cross-references. Long streams
+// are not decoded for this alone.
 void XrefSection::CheckRows() const {
   constexpr std::uint64_t kMostDecoded = 64 * 1024;
   std::uint64_t size = 0;
@@ -95,7 +96,16 @@ void XrefSection::CheckRows() const {
     if (subsection.count > kMostDecoded) return;
     size += subsection.count * (widths_[0] + widths_[1] + widths_[2]);
   }
-  if (size <= kMostDecoded && decoder_->Decode(static_cast<std::size_t>(size)).size() < size) throw PdfSyntaxError();
+  if (size > kMostDecoded) return;
+  std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size));
+  if (rows.size() < size) throw PdfSyntaxError();
+  rows = rows.substr(0, static_cast<std::size_t>(size));
+  const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
+  if (widths_[0] == 0) return;  // no row is about an object stream
+  const std::string missing = std::string(widths_[0] - 1, '\0') + '\2' + std::string(widths_[1], '\0');
+  for (; !rows.empty(); rows.remove_prefix(rowSize)) {
+    if (rows.compare(0, missing.size(), missing) == 0) throw PdfSyntaxError();
+  }
 }
 
 void XrefSection::ReadWidths(std::string_view text) {

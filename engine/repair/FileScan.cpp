@@ -79,6 +79,8 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   if (!generation || !TakeSpaces(head)) return std::nullopt;
   const auto number = ToNumber(TakeDigits(head));
   if (!number || *number == 0 || *number > kHighestNumber || *generation > kHighestGeneration) return std::nullopt;
+  // "-1 0 obj" is not an object. "endobj1 0 obj", where a transfer removed a line end, is one.
+  if (!head.empty() && (head.back() == '-' || head.back() == '.')) return std::nullopt;
   FileScan::Object object;
   object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
   object.offset = begin + head.size();
@@ -120,9 +122,10 @@ class Scanner {
   void Run(std::uint64_t position) {
     while (position < window_.Size()) {
       const std::uint64_t object = objects_.From(position);
-      const std::uint64_t trailer = trailers_.From(position);
+      const std::uint64_t outside = std::max(position, dataEnd_);
+      const std::uint64_t trailer = trailers_.From(outside);
       const std::uint64_t next = std::min(object, trailer);
-      NoteHeader(position, next);
+      NoteHeader(outside, next);
       if (next == window_.Size()) return;
       position = trailer < object ? ReadTrailer(trailer + 7) : ReadObject(object);
     }
@@ -213,15 +216,10 @@ class Scanner {
     if (object->kind == Kind::kXrefStream || IsLikeTrailer(text)) AddTrailer(object->offset, text);
     if (IsEncryption(text)) result.encryption = object->id;
     if (data) {
-      end = StreamEnd(*data, text);
-      object->cutOff = end == window_.Size();
-      object->data = *data;
-      object->dataEnd = end;
-      object->damaged = object->damaged || !FollowsAt(window_, end, kStreamEnd);
-      if (object->damaged) result.damage = *data;
+      end = AddStream(*object, *data, text);
     }
     object->inside = object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
-    if (data && object->damaged) insideUntil_ = streamEnds_.From(end);
+    if (data && (object->damaged || end < object->dataEnd)) insideUntil_ = streamEnds_.From(end);
     result.objects.push_back(*object);
     return std::max(end, body);
   }
@@ -267,7 +265,20 @@ class Scanner {
     return offset + end;
   }
 
-  std::uint64_t StreamEnd(std::uint64_t data, const std::string& dictionary) {
+  // Returns where to go on: at the start of the data when /Length does not lead to their end, as some readers find
+  // objects in them then.
+  std::uint64_t AddStream(FileScan::Object& object, std::uint64_t data, const std::string& dictionary) {
+    const std::optional<std::uint64_t> end = EndByLength(data, dictionary);
+    object.data = data;
+    object.dataEnd = dataEnd_ = end ? *end : EndByKeyword(data);
+    object.cutOff = object.dataEnd == window_.Size();
+    object.damaged = object.damaged || !FollowsAt(window_, object.dataEnd, kStreamEnd) ||
+                     (!end && objectEnds_.From(data) < object.dataEnd);
+    if (object.damaged) result.damage = data;
+    return end.value_or(data);
+  }
+
+  std::optional<std::uint64_t> EndByLength(std::uint64_t data, const std::string& dictionary) {
     const std::string length = LenientEntry(dictionary, "/Length");
     const auto fits = [&](std::uint64_t bytes) {
       return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes);
@@ -283,7 +294,13 @@ class Scanner {
         }
       }
     }
-    return std::min(streamEnds_.From(data), objectEnds_.From(data));
+    return std::nullopt;
+  }
+
+  // Most readers look for the stream's keyword only, so that the data may be those of several objects.
+  std::uint64_t EndByKeyword(std::uint64_t data) {
+    const std::uint64_t end = streamEnds_.From(data);
+    return end < window_.Size() ? end : objectEnds_.From(data);
   }
 
   FileWindow window_;
@@ -295,6 +312,7 @@ class Scanner {
   WordSearch objectEnds_;
   const Lengths& lengths_;
   std::uint64_t insideUntil_ = 0;  // the end of a stream that is open
+  std::uint64_t dataEnd_ = 0;      // the end of the last stream's data
   std::uint64_t lexingLeft_;       // bytes that values longer than the first window may still cost
 };
 

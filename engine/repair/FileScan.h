@@ -24,7 +24,9 @@ struct FileScan {
     // Its text, or its stream's dictionary, is not PDF syntax, or its stream does not end with its keyword: readers may
     // take what follows for a part of it.
     bool damaged = false;
-    bool inside = false;  // follows such an object, before the next end of a stream if that is one
+    // Follows such an object, before the next end of a stream if that is one, or is in the data of a stream whose
+    // /Length does not lead to their end.
+    bool inside = false;
     // Of streams: where the data begin, and where they end in the file, whatever /Length is.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
@@ -49,7 +51,8 @@ struct FileScan {
   std::vector<std::uint64_t> headers;
 
   // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths
-  // in other objects. Text inside streams and strings is not taken for objects. Never fails on damage. Throws
+  // in other objects. Text inside strings, and inside streams with a right
+  // /Length, is not taken for objects. Never fails on damage. Throws
   // EngineError as InputFile does.
   static FileScan Of(const InputFile& file, std::uint64_t start);
 };

@@ -137,8 +137,6 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
   std::string unknown = Damaged("junk-after-object-streams");
   unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
-  std::string notXref = Damaged("xref-stream-damaged");
-  notXref.replace(notXref.find("<< /Type /XRef"), 2, "  ");
   std::string undecrypted = ReadText("encrypted.pdf");
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
@@ -173,13 +171,14 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
            "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 16 >>\nstream\n8 0 << /FT ] >> \nendstream\nendobj\n"},
       {"an object stream without its end",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
-      {"a page tree with the number of something else", notXref},
       {"an object that has another version", plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
       {"pages of another document after the end",
        PlainPdf().Bytes() + "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
            std::string(2048, ' ')},
       {"the number of a missing page after the end, bytes before the header",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
+      {"an object of which another version is before a stream that holds it",
+       changed("1 0 obj", "4 0 obj\nnull\nendobj\n9 0 obj\n<< /Length 9999 >>\nstream\n1 0 obj")},
       {"an object of which another version is in a stream without an end",
        changed("(Hello) Tj", "(Hello) endobj\n5 0 obj\n<< /Wrong /Font >>\nendobj\n")},
       {"a page with the next free number that one reader finds in a string", inString},

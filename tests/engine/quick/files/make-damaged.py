@@ -46,6 +46,13 @@ def in_streams(**keys):
     return File().put(contents()).put_in_stream(8, objects(**keys))
 
 
+def without_object_stream(file):
+    """The cross-references name an object stream of number 0 for another object."""
+    file.entries[file.size] = (2, 0, 0)
+    file.size += 1
+    return file
+
+
 def broken(file):
     """Nobody finds the cross-references from the end."""
     bytes_ = file if isinstance(file, bytes) else file.out
@@ -110,8 +117,18 @@ def incremental():
     old = b"<< /Type /Catalog /Pages 99 0 R >>"
     yield "catalog-without-pages-is-newer", broken(plain().table().put({20: old}).table(root=b"20 0 R"))
     yield "catalog-named-by-no-trailer", broken(plain().out + b"trailer << >>\nstartxref\n1\n")
+    wrong = objects(page=b"/Contents 99 0 R ")[3]
     yield "plain-object-after-its-object-stream", broken(
-        in_streams(page=b"/Contents 99 0 R ").put({3: objects()[3]}).xref_stream())
+        in_streams(page=b"/Contents 99 0 R ").xref_stream().put({3: objects()[3]}).xref_stream())
+    yield "plain-object-inserted-after-its-object-stream", broken(in_streams().put({3: wrong}).xref_stream())
+    yield "plain-object-appended-after-its-object-stream", broken(
+        in_streams().xref_stream()) + b"\n3 0 obj\n" + wrong + b"\nendobj\n" + b"%" * 2000
+    yield "damaged-object-after-its-object-stream", broken(
+        in_streams().xref_stream().put({3: wrong.replace(b">>", b"] >>", 1)}).xref_stream())
+    yield "negative-number", broken(plain().out + b"-3 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
+    yield "contents-open", broken(File().put(objects()).put(contents(TEXT[:20], b"9", b"")).put(
+        {9: b"<< >>\nstream\n" + TEXT[20:] + b"\nendstream"}).table())
+    yield "object-stream-of-number-0", without_object_stream(in_streams(catalog=b"/URI << /Base (old) >> ")).xref_stream().out
     yield "object-stream-after-its-plain-object", broken(
         File().put({3: objects(page=b"/Contents 99 0 R ")[3]}).put(contents()).put_in_stream(8, objects()).xref_stream())
     yield "header-after-5-bytes", broken(File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())
@@ -143,6 +160,8 @@ def incremental():
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
         b"/Index [ 7", b"/Index [ 99999999", 1)
     yield "header-after-1500-bytes", broken(File(lead=b"%" * 1499 + b"\n").put(objects()).put(contents()).table())
+    late = plain(catalog=b"/URI << /Base (old) >> ").table()
+    yield "header-after-1500-bytes-trailer-open", b"%" * 1499 + b"\n" + late.out + b"trailer << /ID 1\n%%EOF\n2 >>\n"
     yield "number-signs-in-names", broken(plain(font=b"C#2341").table())
     yield "size-too-small", plain().table(size=4).out
     yield "catalog-key-missing", broken(plain(catalog=b"(no key) /Lang (en) ").table())
@@ -155,6 +174,7 @@ def kept_although_odd():
     yield "object-damaged", broken(plain().table()).replace(b"/BaseFont", b"/BaseFont ] ")
     # The key is damaged, and the stream has the number of the page tree.
     yield "xref-stream-damaged", in_streams().xref_stream(number=2).out.replace(b"/Index", b"/Ind<x", 1)
+    yield "xref-stream-dictionary-open", in_streams().xref_stream(number=2).out.replace(b"<< /Type /XRef", b"/Type /XRef", 1)
     yield "header-misspelt-object-streams", in_streams().xref_stream().out.replace(b"%PDF-", b"%PFD-", 1)
     yield "header-after-5-bytes-truncated-in-trailer", broken(
         File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())[:-40].rsplit(b"/Root", 1)[0]
