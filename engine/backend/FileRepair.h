@@ -89,6 +89,7 @@ class FileRepair {
   bool IsOnlyRoot(ObjectId root);
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
+  bool AreCopies(const FileScan::Object& one, const FileScan::Object& other) const;
   void CheckDamagedObjects(const FileTail& tail);
   void CheckObjects(QPDF& document, const FileTail& tail);
   void CompareWithParser(BackendInputSource::View view, const std::string& password) const;

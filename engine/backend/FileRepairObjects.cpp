@@ -164,19 +164,35 @@ const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
   return found != objects.end() && found->offset == offset ? &*found : nullptr;
 }
 
+// Whether one is a copy of the other, as where a part of the file was written twice.
+bool FileRepair::AreCopies(const FileScan::Object& one, const FileScan::Object& other) const {
+  constexpr std::size_t kLargestCopy = 64 * 1024;
+  const auto text = [&](const FileScan::Object& object) {
+    const std::string bytes = file_->ReadAt(object.offset, kLargestCopy);
+    const std::uint64_t end = bytes.find("endobj", object.data == 0 ? 0 : object.dataEnd - object.offset);
+    return end < bytes.size() ? bytes.substr(0, static_cast<std::size_t>(end)) : std::string();
+  };
+  const std::string first = text(one);
+  return !first.empty() && first == text(other);
+}
+
 // Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
 // may be inside a damaged one. And a damaged catalog would be written anew.
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
-  const std::vector<FileScan::Object>& objects = Scan().objects;
-  std::map<std::uint32_t, std::size_t> versions;
-  for (const FileScan::Object& object : objects) ++versions[object.id.number];
+  constexpr std::size_t kMostCopies = 16;
+  std::map<std::uint32_t, std::vector<const FileScan::Object*>> versions;
+  for (const FileScan::Object& object : Scan().objects) versions[object.id.number].push_back(&object);
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
-    const bool unclear = versions[kept.id.number] > 1 && (object->damaged || object->inside);
-    if (unclear || (object->damaged && kept.id == tail.root)) {
-      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
-    }
+    const std::string name = "object " + std::to_string(kept.id.number);
+    if (object->damaged && kept.id == tail.root) throw CannotRepair(name + " is damaged");
+    if (!object->damaged && !object->inside) continue;
+    const std::vector<const FileScan::Object*>& all = versions[kept.id.number];
+    const bool clear = all.size() <= kMostCopies && std::all_of(all.begin(), all.end(), [&](const auto* other) {
+                         return other == object || AreCopies(*object, *other);
+                       });
+    if (!clear) throw CannotRepair(name + " has several versions, and one of them is damaged");
   }
 }
 

@@ -97,14 +97,13 @@ void XrefSection::CheckRows() const {
     size += subsection.count * (widths_[0] + widths_[1] + widths_[2]);
   }
   if (size > kMostDecoded) return;
-  std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size));
+  const std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size));
   if (rows.size() < size) throw PdfSyntaxError();
-  rows = rows.substr(0, static_cast<std::size_t>(size));
   const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
   if (widths_[0] == 0) return;  // no row is about an object stream
   const std::string missing = std::string(widths_[0] - 1, '\0') + '\2' + std::string(widths_[1], '\0');
-  for (; !rows.empty(); rows.remove_prefix(rowSize)) {
-    if (rows.compare(0, missing.size(), missing) == 0) throw PdfSyntaxError();
+  for (std::size_t row = 0; row < size; row += rowSize) {
+    if (rows[row + missing.size() - 1] == 0 && rows.compare(row, missing.size(), missing) == 0) throw PdfSyntaxError();
   }
 }
 

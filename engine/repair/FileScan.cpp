@@ -115,6 +115,7 @@ class Scanner {
         streams_(file, "stream"),
         streamEnds_(file, kStreamEnd),
         objectEnds_(file, "endobj"),
+        startXrefs_(file, "startxref"),
         lengths_(lengths) {
     lexingLeft_ = 4 * file.Size() + (1 << 20);
   }
@@ -176,7 +177,10 @@ class Scanner {
     Extent extent;
     std::string_view text = ReadValue(offset, extent);
     if (extent.whole && !StartsWith(text, "<<")) return offset;
-    if (!extent.whole) text = text.substr(0, std::min(text.find("obj"), text.find("startxref")));
+    if (!extent.whole) {
+      text = text.substr(0, std::min(text.find("obj"), text.find("startxref")));
+      insideUntil_ = std::max(insideUntil_, startXrefs_.From(offset));
+    }
     AddTrailer(offset, text);
     return extent.end;
   }
@@ -219,7 +223,9 @@ class Scanner {
       end = AddStream(*object, *data, text);
     }
     object->inside = object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
-    if (data && (object->damaged || end < object->dataEnd)) insideUntil_ = streamEnds_.From(end);
+    if (data && (object->damaged || end < object->dataEnd)) {
+      insideUntil_ = std::max(insideUntil_, streamEnds_.From(end));
+    }
     result.objects.push_back(*object);
     return std::max(end, body);
   }
@@ -310,8 +316,9 @@ class Scanner {
   WordSearch streams_;
   WordSearch streamEnds_;
   WordSearch objectEnds_;
+  WordSearch startXrefs_;
   const Lengths& lengths_;
-  std::uint64_t insideUntil_ = 0;  // the end of a stream that is open
+  std::uint64_t insideUntil_ = 0;  // the end of a stream or trailer that is open
   std::uint64_t dataEnd_ = 0;      // the end of the last stream's data
   std::uint64_t lexingLeft_;       // bytes that values longer than the first window may still cost
 };

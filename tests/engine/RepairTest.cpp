@@ -177,6 +177,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
            std::string(2048, ' ')},
       {"the number of a missing page after the end, bytes before the header",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
+      {"an object of which another version is in an open trailer",
+       changed("<2233> ] >>", "<22\n5 0 obj\n<< /Wrong /Font >>\nendobj\n> ]\n")},
       {"an object of which another version is before a stream that holds it",
        changed("1 0 obj", "4 0 obj\nnull\nendobj\n9 0 obj\n<< /Length 9999 >>\nstream\n1 0 obj")},
       {"an object of which another version is in a stream without an end",

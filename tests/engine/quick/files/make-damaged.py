@@ -128,6 +128,8 @@ def incremental():
     yield "negative-number", broken(plain().out + b"-3 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
     yield "contents-open", broken(File().put(objects()).put(contents(TEXT[:20], b"9", b"")).put(
         {9: b"<< >>\nstream\n" + TEXT[20:] + b"\nendstream"}).table())
+    yield "contents-open-before-a-copy", broken(File().put(objects()).put(contents(
+        TEXT + b"\n5 0 obj\n" + FONT + b"\nendobj\n", b"9")).table())
     yield "object-stream-of-number-0", without_object_stream(in_streams(catalog=b"/URI << /Base (old) >> ")).xref_stream().out
     yield "object-stream-after-its-plain-object", broken(
         File().put({3: objects(page=b"/Contents 99 0 R ")[3]}).put(contents()).put_in_stream(8, objects()).xref_stream())
