@@ -69,7 +69,7 @@ class Command {
   std::wstring LibraryFile() const;
   void AddPasswordOptions();
   void CheckPasswordOptions() const { Exclude("password", "password-file"); }
-  // All that are to be tried. Throws CommandError when the password file cannot be read.
+  // All that are to be tried. Throws CommandError when the password file cannot be read, or an input is in its place.
   std::vector<std::wstring> Passwords() const;
   // Throws CommandError when more than one of the options reads the standard input.
   void CheckStandardInput(const std::vector<const char*>& options) const;

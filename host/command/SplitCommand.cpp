@@ -2,8 +2,10 @@
 #include "host/command/SplitCommand.h"
 
 #include <unistd.h>
+
 #include <algorithm>
 #include <optional>
+#include <QFileInfo>
 #include <unordered_map>
 
 #include "host/base/CommandError.h"
@@ -91,6 +93,11 @@ void SplitCommand::Check() {
                        QStringLiteral("The first argument is the number of parts, from 1 to %1.").arg(kMostParts));
   }
   RefuseEmpty({"output-dir"});
+  if (QFileInfo(Value("prefix")).isFile()) {
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("Option '--prefix' takes the beginning of new names, but '%1' is a file.").arg(Value("prefix")));
+  }
   CheckInputOptions();
 }
 
