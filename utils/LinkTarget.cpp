@@ -20,7 +20,7 @@ QByteArray Encoded(const QString& text) {
   QByteArray result;
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
-    if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
+    if (c == '\t' || c == '\n' || c == '\r') continue;  // the link was broken over several lines (appendix C)
     const bool escape =
         c == '%' && i + 2 < bytes.size() && Ascii::IsHexDigit(bytes[i + 1]) && Ascii::IsHexDigit(bytes[i + 2]);
     if (escape || MayBeInUri(c)) {
@@ -146,7 +146,7 @@ std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
   Reference target(Encoded(uri));
   if (target.scheme.isEmpty()) {
     const Reference from(Encoded(base));
-    // Against "mailto:" and the like nothing can be resolved.
+    // A base such as "mailto:" has no path to resolve against.
     if (from.scheme.isEmpty() || (from.authority.isEmpty() && !from.path.startsWith('/'))) return std::nullopt;
     target.scheme = from.scheme;
     if (target.authority.isEmpty()) {

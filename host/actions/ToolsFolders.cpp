@@ -9,7 +9,7 @@
 
 QStringList InstalledToolsFolders() {
   const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  // For a program in /usr also /usr/local, where "cmake --install" puts plug-ins.
   return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools")};
 }
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-// A name may end in CR; a list from Windows has one at the end of each line, the last of which may be cut off.
+// A CR may be part of a name. A list from Windows has one at the end of each line, except perhaps the last.
 bool EveryLineEndsInCr(const std::string& content) {
   if (content.find('\n') == std::string::npos) return false;
   for (std::size_t at = content.find('\n'); at != std::string::npos; at = content.find('\n', at + 1)) {

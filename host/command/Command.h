@@ -19,7 +19,7 @@ class Command {
   QString Name() const { return name_; }
   QString Summary() const { return summary_; }
 
-  // Not Qt's own, which promises options of Qt that the commands do not take.
+  // Qt's own help option would also name options of Qt, which the commands do not take.
   static QCommandLineOption HelpOption();
 
   // Takes the arguments after the command's name. Throws CommandError(kExitUsage).

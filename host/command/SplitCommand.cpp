@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kMostParts = 1000000;
 
-// 0 for what cannot be looked up: the run reports it.
+// 0 for a file that cannot be looked up; the run reports it.
 std::vector<std::uint64_t> SizesOf(const InputList& inputs, const std::vector<std::size_t>& files) {
   std::vector<std::uint64_t> sizes;
   sizes.reserve(files.size());

@@ -246,7 +246,7 @@ TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
   EXPECT_THAT(added.err.toStdString(),
               testing::AllOf(HasSubstr("names '/nowhere', which is not a folder"),
                              HasSubstr("Two plug-ins have the action 'Probe': " + tools.toStdString())));
-  // The file that has the action's name counts, so that no other need be loaded to run it.
+  // The file with the action's name is used, so that no other file need be loaded.
   for (const char* name : {"Twin/Another.so", "Twin/Probe.so"}) QFile::copy(PROBEACTION_FILE, name);
   EXPECT_THAT(RunProgram({"actions", "--tools-dir", "Twin"}).err.toStdString(),
               HasSubstr("Probe.so is used, not " + QDir("Twin").absoluteFilePath("Another.so").toStdString()));
