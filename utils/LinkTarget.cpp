@@ -54,14 +54,14 @@ struct Reference {
 
   explicit Reference(const QByteArray& text) : path(text) {
     const auto cut = [this](int at) {
-      const QByteArray tail = at < 0 ? QByteArray() : path.mid(at);
+      QByteArray tail = at < 0 ? QByteArray() : path.mid(at);
       if (at >= 0) path.truncate(at);
       return tail;
     };
     fragment = cut(path.indexOf('#'));
     query = cut(path.indexOf('?'));
     const auto take = [this](int count) {
-      const QByteArray head = path.left(count);
+      QByteArray head = path.left(count);
       path.remove(0, count);
       return head;
     };
@@ -81,9 +81,7 @@ QByteArray WithoutDotSegments(QByteArray input) {
   while (!input.isEmpty()) {
     if (input.startsWith("../")) {
       input.remove(0, 3);
-    } else if (input.startsWith("./")) {
-      input.remove(0, 2);
-    } else if (input.startsWith("/./")) {
+    } else if (input.startsWith("./") || input.startsWith("/./")) {
       input.remove(0, 2);
     } else if (input == "/.") {
       input = "/";
