@@ -66,7 +66,7 @@ int DefaultPort(const QByteArray& scheme) {
 QByteArray TakeFrom(QByteArray& text, char start) {
   const int at = text.indexOf(start);
   if (at < 0) return {};
-  const QByteArray taken = text.mid(at + 1);
+  QByteArray taken = text.mid(at + 1);
   text.truncate(at);
   return taken;
 }
