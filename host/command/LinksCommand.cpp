@@ -25,10 +25,9 @@ LinksCommand::LinksCommand()
               "Lists the relative links of annotations, outlines and forms, and where viewers lead for them.")) {
   AddOption(QStringLiteral("all"),
             QStringLiteral("Also lists links that have a scheme; '--check' looks all links up."));
-  AddOption(
-      QStringLiteral("base"),
-      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
-      QStringLiteral("URL"));
+  AddOption(QStringLiteral("base"),
+            QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: without any."),
+            QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),
@@ -85,7 +84,7 @@ int LinksCommand::Execute() {
   return printed && complete && counts.missing == 0 && !strictlyWrong ? kExitDone : kExitSomeFailed;
 }
 
-// With the table only: the other forms hold nothing but links.
+// With the table only: JSON and CSV have links and nothing else.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
   QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));

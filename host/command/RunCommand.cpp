@@ -105,7 +105,7 @@ void RefuseForeignReport(const QString& name) {
   constexpr int kStart = 64;
   const QByteArray start = file.read(kStart).trimmed();
   if (start.isEmpty() || start.startsWith('{') || start.startsWith('[')) return;
-  throw CommandError(kExitUsage, QStringLiteral("'%1' is there and is not a report; it is not replaced.").arg(name));
+  throw CommandError(kExitUsage, QStringLiteral("'%1' exists and is not a report; it is not replaced.").arg(name));
 }
 
 }  // namespace
@@ -129,16 +129,15 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : BatchComma
   AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("force"),
-            QStringLiteral("Replaces files that are there by the results of --output or --output-dir."));
-  AddOption(
-      QStringLiteral("d|output-dir"),
-      QStringLiteral("Writes the results to this folder, which is made if missing. Of the files that are there only "
-                     "earlier results of the same inputs are replaced; --force replaces others too."),
-      QStringLiteral("DIR"));
+            QStringLiteral("Replaces existing files by the results of --output or --output-dir."));
+  AddOption(QStringLiteral("d|output-dir"),
+            QStringLiteral("Writes the results to this folder, which is made if missing. Of existing files only "
+                           "earlier results of the same inputs are replaced; --force replaces others too."),
+            QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddInputOptions();
   AddOption(QStringLiteral("dry-run"),
-            QStringLiteral("Does all but save: prints for each file what would be; nothing is written but the "
+            QStringLiteral("Does all but save: prints what would become of each file; nothing is written but the "
                            "report."));
   AddOption(QStringLiteral("backup"),
             QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
@@ -287,7 +286,7 @@ PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<Configur
   return options;
 }
 
-// What the run reads beside the documents.
+// The files that the run reads besides the documents.
 ProtectedFiles RunCommand::OtherInputs() const {
   ProtectedFiles files;
   if (IsSet("files-from")) {
@@ -391,10 +390,10 @@ void RunCommand::RefuseToReplaceOutput(const InputList& inputs, const ResumedRep
   if (S_ISDIR(existing->mode)) refuse("is a folder; use '--output-dir'.");
   if (inputs.Holds(existing->identity)) refuse("is the input; use '--in-place' to replace it.");
   if (IsSet("force") || resumed.Find(inputs.File(0), output) != nullptr) return;
-  refuse("is there already; use '--force' to replace it.");
+  refuse("exists already; use '--force' to replace it.");
 }
 
-// Where this run has read and written, those of earlier runs are the user's to remove.
+// Names the temporary files that earlier runs left in this run's folders. The user decides whether to remove them.
 void RunCommand::NameLeftovers(const InputList& inputs, const RunPlan& plan) const {
   constexpr std::size_t kMostNames = 5;
   std::set<std::string> folders(inputs.FoldersOfNames().begin(), inputs.FoldersOfNames().end());
@@ -442,7 +441,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
     });
   }
 
-  // Only now: after an error, that line alone is printed.
+  // Printed here, so that an error above prints its own line only.
   for (const QString& warning : warnings_) {
     if (!IsSet("quiet")) Console::Error(warning);
   }

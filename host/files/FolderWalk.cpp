@@ -120,9 +120,10 @@ class Walk {
     } else if (S_ISDIR(status.st_mode)) {
       if (MayEnter(status)) Enter(folder, name.text.c_str(), O_NOFOLLOW);
     } else if (rules_.wanted(name.text)) {
-      const bool leads = !S_ISLNK(status.st_mode) || fstatat(folder, name.text.c_str(), &status, 0) == 0;
-      if (!leads) return each_({path_, std::nullopt, 0});
-      if (S_ISREG(status.st_mode)) each_({path_, FileStatus(status), 0});
+      const bool isLink = S_ISLNK(status.st_mode);
+      const bool leads = !isLink || fstatat(folder, name.text.c_str(), &status, 0) == 0;
+      if (!leads) return each_({path_, std::nullopt, 0, isLink});
+      if (S_ISREG(status.st_mode)) each_({path_, FileStatus(status), 0, isLink});
     }
   }
 

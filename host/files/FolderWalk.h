@@ -13,6 +13,7 @@ struct FolderEntry {
   const std::string& path;           // from the walked folder's own name on; of a folder, with a slash at its end
   std::optional<FileStatus> status;  // of a file, links followed; nothing for a link that leads nowhere
   int error;                         // why the name, or what the folder holds, cannot be looked up; 0 for a file
+  bool isLink = false;               // the name itself
 };
 
 // What a walk goes over and reports.

@@ -19,7 +19,10 @@ std::string RealPath(const std::string& path) {
 std::string CanonicalNames::Of(const std::string& path) {
   struct stat status = {};
   if (lstat(path.c_str(), &status) != 0) return path;
-  if (S_ISLNK(status.st_mode)) return RealPath(path);
+  return S_ISLNK(status.st_mode) ? RealPath(path) : OfFile(path);
+}
+
+std::string CanonicalNames::OfFile(const std::string& path) {
   const std::size_t base = path.rfind('/') + 1;
   if (path.compare(0, base, folder_) != 0 || folder_.size() != base) {
     folder_ = path.substr(0, base);

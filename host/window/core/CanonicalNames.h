@@ -8,6 +8,8 @@ class CanonicalNames {
  public:
   // `path` is absolute and is returned as it is when the file cannot be looked up.
   std::string Of(const std::string& path);
+  // Of a file that is known to be no link: only its folder is looked up.
+  std::string OfFile(const std::string& path);
 
  private:
   std::string folder_;

@@ -13,7 +13,10 @@ constexpr int kMostFiles = 10000;
 // When a program has answered for no file, the next one gets so many times fewer.
 constexpr int kFewer = 8;
 constexpr int kMostBlamed = 3;
-constexpr std::chrono::milliseconds kRowsInterval(20);
+// Rows mostly come in several batches: one program for all of them is faster than two. So a program begins when no more
+// rows have come for so long, but does not wait for ever.
+constexpr std::chrono::milliseconds kRowsInterval(5);
+constexpr std::chrono::milliseconds kLongestGathering(100);
 
 QString Encryption(const QJsonObject& encrypted) {
   QString text = encrypted.value(QLatin1String("algorithm")).toString();
@@ -101,9 +104,12 @@ void FactsReader::EnqueueNewRows(int first, int last) {
   Refresh(paths);
 }
 
-// Rows mostly come in several batches: one program for all of them is faster than two.
 void FactsReader::BeginSoon() {
-  if (!runner_.IsRunning() && !paused_ && !waiting_.empty() && !begin_.isActive()) begin_.start(kRowsInterval);
+  if (runner_.IsRunning() || paused_ || waiting_.empty()) return;
+  if (!begin_.isActive()) gathering_.start();
+  const bool isEnough =
+      waiting_.size() >= static_cast<std::size_t>(most_) || gathering_.hasExpired(kLongestGathering.count());
+  begin_.start(isEnough ? std::chrono::milliseconds(0) : kRowsInterval);
 }
 
 QStringList FactsReader::TakeNext() {

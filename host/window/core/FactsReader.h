@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <deque>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -69,4 +70,5 @@ class FactsReader : public QObject {
   bool paused_ = false;
   bool interrupted_ = false;  // by SetPaused
   QTimer begin_;
+  QElapsedTimer gathering_;  // since the first of the rows came for which begin_ waits
 };

@@ -21,7 +21,7 @@
 namespace {
 
 // Batches are taken one in a turn of the event loop, so that it stays short with views that sort what comes.
-constexpr int kMostInBatch = 2000;
+constexpr int kMostInBatch = 5000;
 constexpr std::chrono::milliseconds kBatchInterval(4);
 constexpr int kMostProblems = 100;
 
@@ -121,7 +121,7 @@ class FolderScanner::Search {
     if (S_ISDIR(status.st_mode)) return Walk(path);
     if (!S_ISREG(status.st_mode)) return Report(path, tr("not a file"));
     if (!IsPdfName(path) && !HasPdfHeader(path)) return Report(path, tr("not a PDF file"));
-    Add(path);
+    Add(path, names_.Of(path));
   }
 
   void Walk(const std::string& folder) {
@@ -131,13 +131,12 @@ class FolderScanner::Search {
       any = true;
       if (entry.error != 0) return Report(entry.path, qt_error_string(entry.error));
       if (!entry.status) return Report(entry.path, tr("the link leads to no file"));
-      Add(entry.path, below);
+      Add(entry.path, entry.isLink ? names_.Of(entry.path) : names_.OfFile(entry.path), below);
     });
     if (!any) Report(folder, tr("no PDF file in this folder"));
   }
 
-  void Add(const std::string& path, int below = 0) {
-    const std::string canonical = names_.Of(path);
+  void Add(const std::string& path, const std::string& canonical, int below = 0) {
     const QString name = NativeName::ToText(path);
     const FoundFile file{name, canonical == path ? name : NativeName::ToText(canonical), below};
     const QMutexLocker locker(&mutex_);

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QJsonDocument>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include "host/actions/UrlCheck.h"
 #include "host/base/PdfLibrary.h"
@@ -189,6 +190,20 @@ TEST(FactsReader, PausesAndFollowsTheTable) {
   reader.SetPaused(false);
   ASSERT_TRUE(Await([&] { return reader.Left() == 0; }));
   EXPECT_EQ(model.PathsWith(State::kReady), QStringList("/f/b"));
+}
+
+TEST(FactsReader, BeginsWhileMoreRowsKeepComing) {
+  const Runner runner(kFragile);
+  FileTableModel model;
+  FactsReader reader(model);
+  QTimer more;
+  QObject::connect(&more, &QTimer::timeout, [&] {
+    const QString name = QStringLiteral("/f/%1").arg(model.Count());
+    model.Add(QVector<FoundFile>{{name, name}});
+  });
+  more.start(1);
+  EXPECT_TRUE(Await([&] { return !model.PathsWith(State::kReady).isEmpty(); }));
+  EXPECT_LT(model.Count(), 5000);  // so many would begin in any case
 }
 
 // What has no words of its own is shown as it is, in English.
