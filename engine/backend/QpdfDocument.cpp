@@ -203,6 +203,8 @@ std::unique_ptr<QpdfDocument> QpdfDocument::OpenFrom(Origin origin, std::shared_
       document->OpenView(password, Recovery::kOff);
     }
     document->Ask([&] { return document->qpdf_->getRoot(); });
+  } catch (const CannotRepair&) {
+    throw;
   } catch (const EngineError& error) {
     if (error.code() == kErrorDamaged && !HasHeader(source)) throw EngineError(kErrorNotPdf, error.what());
     throw;

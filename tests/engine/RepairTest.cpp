@@ -163,6 +163,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
       {"an encryption dictionary whose number is damaged", undecrypted},
       {"two documents", plain + plain},
+      {"two documents, no header in the first kilobyte", std::string(1100, '%') + '\n' + plain + plain},
       {"two trailers, one without identifier", plain + "trailer << /Root 7 0 R >>\n"},
       {"an object stream", unreadable},
       {"an object stream with a filter of no standard", unknown},
