@@ -43,7 +43,7 @@ std::vector<Place> PlacesOf(QPDF& document, std::uint64_t headerOffset) {
   return places;
 }
 
-bool StandsAt(FileWindow& window, const Place& place) {
+bool IsObjectAt(FileWindow& window, const Place& place) {
   constexpr std::size_t kHeader = 64;
   try {
     PdfLexer lexer(window.At(place.offset, kHeader));
@@ -97,7 +97,7 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
     return size.isInteger() && id.number < size.getUIntValue() && !repair.Finds(id);
   };
   return std::all_of(places.begin(), places.end(),
-                     [&](const Place& place) { return StandsAt(window, place) || mayBeMissing(place.id); });
+                     [&](const Place& place) { return IsObjectAt(window, place) || mayBeMissing(place.id); });
 }
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {
@@ -117,7 +117,7 @@ std::vector<FileTail::KeptObject> SoundEntries(QPDF& document, const InputFile& 
   FileWindow window(file);
   std::vector<FileTail::KeptObject> entries;
   for (const Place& place : PlacesOf(document, headerOffset)) {
-    if (StandsAt(window, place)) entries.push_back({place.id, place.offset - headerOffset});
+    if (IsObjectAt(window, place)) entries.push_back({place.id, place.offset - headerOffset});
   }
   return entries;
 }

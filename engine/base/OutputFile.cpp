@@ -475,7 +475,7 @@ void OutputFile::Close() {
   if (close(descriptor) != 0 && errno != EINTR) ThrowWriteError(errno);
 }
 
-// The rename has happened and the file is whole either way, so a folder that cannot be flushed is no failure.
+// The rename has happened and the file is whole either way, so a folder that cannot be flushed does not matter.
 void OutputFile::SyncFolder() const {
   const int folder = open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return;
