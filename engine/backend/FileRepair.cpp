@@ -317,6 +317,8 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   const bool followed = !Scan().ends.empty() && !Newest().empty() && Scan().objects.back().offset > Scan().ends.front();
   std::optional<Version> earlier = followed ? FindEarlierVersion(password) : std::nullopt;
   if (!mixed.empty() && !earlier) throw CannotRepair(mixed);
+  const bool latest = earlier && earlier->end == Scan().ends.back();
+  if (!latest && UpdateIsCutOff()) throw CannotRepair("an update is cut off, and the file before it is damaged");
   std::shared_ptr<QPDF> document = OpenWithTemporaryCatalog(kept, password);
   if (document != nullptr && streams) {
     const Kept plain = kept;

@@ -75,6 +75,7 @@ class FileRepair {
   std::string MixedDocuments();
   bool HoldsTwoDocuments();
   std::optional<Version> FindEarlierVersion(const std::string& password);
+  bool UpdateIsCutOff();
   bool IsUpdated(const Version& version);
   bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
   bool AnotherRootAfter(const Version& version, QPDF& rebuilt);

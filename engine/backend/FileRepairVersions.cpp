@@ -65,6 +65,18 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
   return std::nullopt;
 }
 
+// Whether the file ends in a stream of an update. Some readers show the file as it was before.
+bool FileRepair::UpdateIsCutOff() {
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  if (objects.empty() || Scan().ends.empty() || !objects.back().cutOff || objects.back().data == 0) return false;
+  std::set<std::uint32_t> older;
+  return std::any_of(objects.begin(), objects.end(), [&](const FileScan::Object& object) {
+    if (object.offset > Scan().ends.back()) return older.count(object.id.number) != 0;
+    older.insert(object.id.number);
+    return false;
+  });
+}
+
 // Whether what follows the version's end is an update of it: a trailer there continues its cross-references, or
 // has its identifier (ISO 32000-1, 7.5.6 and 14.4).
 bool FileRepair::IsUpdated(const Version& version) {

@@ -163,6 +163,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
       {"an encryption dictionary whose number is damaged", undecrypted},
       {"two documents", plain + plain},
+      {"an update that is cut off",
+       plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
       {"two documents, no header in the first kilobyte", std::string(1100, '%') + '\n' + plain + plain},
       {"two trailers, one without identifier", plain + "trailer << /Root 7 0 R >>\n"},
       {"an object stream", unreadable},
