@@ -10,6 +10,9 @@ namespace RecordTexts {
 // Whether the file could be opened with the right password.
 bool IsAboutPassword(const QString& reason);
 
+// Whether it says of how many links viewers differ.
+bool IsAboutLinks(const QString& warning);
+
 // The message as a sentence, without the names of options of the command line.
 QString PlainReason(const QString& reason);
 

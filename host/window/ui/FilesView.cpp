@@ -142,6 +142,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   fullLayout->addWidget(new WrappingRow(MakeAddButtons("addFiles", "addFolder"), search));
   fullLayout->addWidget(table_);
   pages_->addWidget(full);
+  setFocusProxy(pages_->widget(0));
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(pages_);
@@ -200,6 +201,7 @@ QWidget* FilesView::MakeEmptyPage() {
   layout->addWidget(hint);
   layout->addStretch(1);
   layout->setSpacing(fontMetrics().height());
+  page->setFocusProxy(page->findChild<QPushButton*>(QStringLiteral("addFirstFiles")));
   return page;
 }
 
@@ -267,7 +269,7 @@ void FilesView::MakeActions() {
     table_->addAction(action);
     return action;
   };
-  open_ = make(tr("&Open"), QKeySequence(), [this] {
+  open_ = make(tr("&Open"), QKeySequence(Qt::Key_Return), [this] {
     for (const QString& file : SelectedFiles().mid(0, kMostOpened)) Desktop::Open(file);
   });
   showInFolder_ = make(tr("Show in &Folder"), QKeySequence(), [this] { Desktop::ShowInFolder(SelectedFiles()); });
@@ -379,9 +381,17 @@ void FilesView::ShowReasons(int first, int last) {
   }
 }
 
+void FilesView::ShowPage(int page) {
+  const QWidget* const focus = QApplication::focusWidget();
+  const bool hadFocus = focus != nullptr && page != pages_->currentIndex() && pages_->isAncestorOf(focus);
+  pages_->setCurrentIndex(page);
+  if (!hadFocus) return;
+  page == 0 ? pages_->widget(0)->setFocus() : table_->setFocus();
+}
+
 void FilesView::UpdatePage() {
   if (model_.Count() == 0) table_->setColumnHidden(FileTableModel::kReason, true);
-  pages_->setCurrentIndex(model_.Count() == 0 ? 0 : 1);
+  ShowPage(model_.Count() == 0 ? 0 : 1);
   const int shown = proxy_.rowCount();
   count_->setText(shown == model_.Count() ? QString() : tr("%1 of %2 shown").arg(shown).arg(model_.Count()));
   UpdateActions();

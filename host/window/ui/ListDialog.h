@@ -7,10 +7,10 @@
 #include "utils/ActionListFile.h"
 
 class ActionCatalog;
-class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
+class SaveFooter;
 
 // Edits an action list: its name, its actions, their order and their settings.
 class ListDialog : public QDialog {
@@ -42,11 +42,10 @@ class ListDialog : public QDialog {
   SettingsDialogRunner dialogs_;
   QLineEdit* name_;
   QListWidget* steps_;
-  QLabel* problem_;
   QPushButton* add_;
   QPushButton* settings_;
   QPushButton* up_;
   QPushButton* down_;
   QPushButton* remove_;
-  QPushButton* save_;
+  SaveFooter* footer_;
 };
