@@ -73,7 +73,7 @@ class BatchRun : public QObject {
   FileOutcome OutcomeOf(const QJsonObject& record);
   void End(const RunnerResult& result);
   void SaveTable(const QString& file);
-  // What is to be said of the files without a record.
+  // State and reason of the files without a record.
   FileStateChange Leftover(const RunnerResult& result) const;
   void Settle(const QVector<FileOutcome>& outcomes);
 

@@ -27,7 +27,7 @@ constexpr int kMostProblems = 100;
 
 struct GivenUp {};
 
-// WalkFolder takes a plain function, which also lets a walk over many other files be given up.
+// WalkFolder takes a plain function. It is called for every name, so that a walk over many other files can be given up.
 thread_local const std::atomic<bool>* gGivenUp = nullptr;
 
 bool IsWanted(std::string_view name) {

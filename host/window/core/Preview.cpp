@@ -59,7 +59,7 @@ void Preview::Clear() {
   GiveUp();
 }
 
-// The program only reads. It ends while nobody waits for it.
+// The program only reads, so it can be killed. Its end is not waited for.
 void Preview::GiveUp() {
   if (!runner_) return;
   RunnerProcess* const old = runner_.release();

@@ -10,7 +10,7 @@ namespace RecordTexts {
 // Whether the file could be opened with the right password.
 bool IsAboutPassword(const QString& reason);
 
-// Whether it says of how many links viewers differ.
+// Whether it counts the links that lead elsewhere in another viewer.
 bool IsAboutLinks(const QString& warning);
 
 // The message as a sentence, without the names of options of the command line.

@@ -214,7 +214,7 @@ void RunnerProcess::Fail(QProcess::ProcessError error) {
 void RunnerProcess::End(int code, QProcess::ExitStatus status) {
   gather_.stop();
   while (process_.bytesAvailable() > 0) TakeOutput(process_.read(kPiece));
-  // What a killed program had begun to print is no record.
+  // The unfinished last line of a killed program does not count.
   const bool isCut = status == QProcess::CrashExit;
   if ((skipping_ || !pending_.isEmpty()) && !isCut) TakeOutput("\n");
   TakeMessages(process_.readAllStandardError() + '\n');

@@ -69,7 +69,7 @@ class RunnerProcess : public QObject {
   void Kill();
 
  signals:
-  // What came within a tenth of a second: not more, so that a turn of the event loop stays short, and not
+  // What came within a twentieth of a second: not more, so that a turn of the event loop stays short, and not
   // less, since each batch paints the window.
   void recordsReceived(const QVector<RunnerRecord>& records);
   void finished(const RunnerResult& result);

@@ -78,7 +78,7 @@ class StateDelegate : public QStyledItemDelegate {
   }
 };
 
-// What a reason begins with says most.
+// The beginning of a reason matters most.
 class ReasonDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -212,7 +212,7 @@ void FilesView::MakeTable() {
   proxy_.setFilterCaseSensitivity(Qt::CaseInsensitive);
   proxy_.setSortCaseSensitivity(Qt::CaseInsensitive);
   proxy_.setSortLocaleAware(true);
-  // A row that changes stays where it is until Arrange(): a list that jumps about while it is read helps nobody.
+  // Rows keep their places until Arrange(), so that nothing moves while files are read.
   proxy_.setDynamicSortFilter(false);
 
   table_ = new FilesTable;

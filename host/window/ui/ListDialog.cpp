@@ -117,7 +117,7 @@ void ListDialog::Show(int current) {
 void ListDialog::Update() {
   const int row = steps_->currentRow();
   const QString why = Problem();
-  settings_->setEnabled(row >= 0 && catalog_.Find(list_.entries[static_cast<std::size_t>(row)].actionName) != nullptr);
+  settings_->setEnabled(row >= 0 && catalog_.Find(EntryAt(row).actionName) != nullptr);
   up_->setEnabled(row > 0);
   down_->setEnabled(row >= 0 && row + 1 < steps_->count());
   remove_->setEnabled(row >= 0);
@@ -151,12 +151,12 @@ void ListDialog::Add(const QString& actionName) {
 
 void ListDialog::EditSettings() {
   const int row = steps_->currentRow();
-  if (row >= 0 && Ask(list_.entries[static_cast<std::size_t>(row)])) Show(row);
+  if (row >= 0 && Ask(EntryAt(row))) Show(row);
 }
 
 void ListDialog::Move(int by) {
   const int row = steps_->currentRow();
-  std::swap(list_.entries[static_cast<std::size_t>(row)], list_.entries[static_cast<std::size_t>(row + by)]);
+  std::swap(EntryAt(row), EntryAt(row + by));
   Show(row + by);
 }
 

@@ -25,6 +25,7 @@ class ListDialog : public QDialog {
   QWidget* MakeButtons();
   void Show(int current);
   void Update();
+  ActionListFile::Entry& EntryAt(int row) { return list_.entries[static_cast<std::size_t>(row)]; }
   void Add(const QString& actionName);
   void EditSettings();
   void Move(int by);

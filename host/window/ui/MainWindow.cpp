@@ -109,7 +109,7 @@ MainWindow::MainWindow()
 }
 
 MainWindow::~MainWindow() {
-  // Rows that go away with the model are nobody's business any more.
+  // The model reports the end of its rows when the other parts are gone already.
   disconnect(&model_, nullptr, this, nullptr);
 }
 
@@ -423,7 +423,7 @@ void MainWindow::StartWith(const QString& actionName) {
   pendingLimit_.start(hasFiles ? kPendingLimit : std::chrono::seconds(0));
 }
 
-// The document that the dialog starts with is known once it was read; a slow one is not waited for.
+// The settings start with those of the document, once it was read. A slow document is not waited for.
 void MainWindow::StartPending() {
   if (pendingAction_.isEmpty()) return;
   const int row = model_.RowOf(files_->CurrentFile());
@@ -458,8 +458,8 @@ void MainWindow::EditList(const QString& file) {
   OpenChoiceFile(saved);
 }
 
-// Only of a file that vorlane-run has read and that is quickly opened: nothing about a file may take the window down or
-// make it wait.
+// Only a file that vorlane-run has read and that is quickly opened: a file must neither crash the window nor make it
+// wait.
 std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> MainWindow::OpenDocument() {
   const int row = model_.RowOf(files_->CurrentFile());
   if (row < 0 || !model_.Row(row).facts) return nullptr;
