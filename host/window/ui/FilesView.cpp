@@ -241,9 +241,9 @@ void FilesView::MakeTable() {
   header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int letter = fontMetrics().averageCharWidth();
   const QPair<int, int> columns[] = {
-      {FileTableModel::kName, 24},    {FileTableModel::kState, 19},     {FileTableModel::kReason, 36},
-      {FileTableModel::kBaseUrl, 28}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 8},
-      {FileTableModel::kSigned, 10},  {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 20}};
+      {FileTableModel::kName, 24},    {FileTableModel::kState, 18},     {FileTableModel::kReason, 36},
+      {FileTableModel::kBaseUrl, 25}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 7},
+      {FileTableModel::kSigned, 9},   {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 14}};
   for (int place = 0; place < FileTableModel::kColumnCount; ++place) {
     header->moveSection(header->visualIndex(columns[place].first), place);
     table_->setColumnWidth(columns[place].first, columns[place].second * letter);
