@@ -125,7 +125,7 @@ class Session {
  private:
   void Set(int key, const std::wstring& value) {
     if (!library_.Set(key, value)) return;
-    set_[key] = key == 0 && value.size() > 0 && value[0] == L'\x20AC' ? L"%E2%82%AC (title" : value;
+    set_[key] = key == 0 && !value.empty() && value[0] == L'\x20AC' ? L"%E2%82%AC (title" : value;
   }
 
   void CheckValues(Library& library, bool mayBeDamaged) {

@@ -38,7 +38,7 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
     QPDFObjectHandle object = open.back();
     open.pop_back();
     if (object.isArray()) {
-      for (QPDFObjectHandle item : object.aitems()) visit(item);
+      for (const QPDFObjectHandle& item : object.aitems()) visit(item);
       continue;
     }
     for (const auto& [key, value] : (object.isStream() ? object.getDict() : object).ditems()) {

@@ -168,7 +168,7 @@ class CActionUtils {
   static int GetColorPickerIndex(QColor color);
 
   /// The dash pattern of a border of `width` points: lengths separated by spaces, for the styles 1 long dashes, 2 short
-  /// dashes, 3 dash-dot and 4 dash-dot-dot. "invalid" for any other style: check for it.
+  /// dashes, 3 dash-dot and 4 dash-dot-dot; "invalid" for any other style.
   static QString GetBorderDash(int style, double width);
 
   // ---- Text ----

@@ -20,7 +20,7 @@ QByteArray Encoded(const QString& text) {
   QByteArray result;
   for (int i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
-    if (c == '\t' || c == '\n' || c == '\r') continue;  // a link that was broken over lines (appendix C)
+    if (c == '\t' || c == '\n' || c == '\r') continue;  // the link was broken over several lines (appendix C)
     const bool escape =
         c == '%' && i + 2 < bytes.size() && Ascii::IsHexDigit(bytes[i + 1]) && Ascii::IsHexDigit(bytes[i + 2]);
     if (escape || MayBeInUri(c)) {
@@ -54,14 +54,14 @@ struct Reference {
 
   explicit Reference(const QByteArray& text) : path(text) {
     const auto cut = [this](int at) {
-      const QByteArray tail = at < 0 ? QByteArray() : path.mid(at);
+      QByteArray tail = at < 0 ? QByteArray() : path.mid(at);
       if (at >= 0) path.truncate(at);
       return tail;
     };
     fragment = cut(path.indexOf('#'));
     query = cut(path.indexOf('?'));
     const auto take = [this](int count) {
-      const QByteArray head = path.left(count);
+      QByteArray head = path.left(count);
       path.remove(0, count);
       return head;
     };
@@ -81,9 +81,7 @@ QByteArray WithoutDotSegments(QByteArray input) {
   while (!input.isEmpty()) {
     if (input.startsWith("../")) {
       input.remove(0, 3);
-    } else if (input.startsWith("./")) {
-      input.remove(0, 2);
-    } else if (input.startsWith("/./")) {
+    } else if (input.startsWith("./") || input.startsWith("/./")) {
       input.remove(0, 2);
     } else if (input == "/.") {
       input = "/";
@@ -146,7 +144,7 @@ std::optional<QString> ResolvedLink(const QString& base, const QString& uri) {
   Reference target(Encoded(uri));
   if (target.scheme.isEmpty()) {
     const Reference from(Encoded(base));
-    // Against "mailto:" and the like nothing can be resolved.
+    // A base such as "mailto:" has no path to resolve against.
     if (from.scheme.isEmpty() || (from.authority.isEmpty() && !from.path.startsWith('/'))) return std::nullopt;
     target.scheme = from.scheme;
     if (target.authority.isEmpty()) {

@@ -37,7 +37,7 @@ std::optional<std::string> RawObjects::Text(ObjectId id) {
 }
 
 std::string RawObjects::TextInFile(ObjectId id, std::uint64_t offset) {
-  const std::string text = PdfFileText(file_, headerOffset_).ParseAt(offset, [&](std::string_view window) {
+  std::string text = PdfFileText(file_, headerOffset_).ParseAt(offset, [&](std::string_view window) {
     PdfLexer lexer(window);
     if (lexer.ReadObjectHeader() != id) throw PdfSyntaxError();
     const PdfLexer::Value value = lexer.ReadValue();

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Of "SetBaseURL.so", the action "Set Base URL" and the command "set-base-url".
+// True for "SetBaseURL.so" with the action "Set Base URL" or the command "set-base-url".
 bool IsNamedAfter(const QString& file, QString name) {
   name.remove(QLatin1Char(' ')).remove(QLatin1Char('-'));
   return QFileInfo(file).completeBaseName().compare(name, Qt::CaseInsensitive) == 0;

@@ -7,19 +7,19 @@
 
 #include "plugin/CActionInterface.h"
 
-// The action plug-ins of some folders, loaded as they are needed: folder by folder, by file name, but a file that has
-// the name of the action in question (SetBaseURL.so for "Set Base URL") before the others of its folder. Of two actions
-// with the same name the first counts, and a warning names the other. Loaded plug-ins stay loaded until the process
-// ends.
+// The action plug-ins of some folders, loaded as they are needed: folder by folder, in the order of the file names. A
+// file with the name of the wanted action (SetBaseURL.so for "Set Base URL") comes before the others of its folder. Of
+// two actions with the same name the first is used, and a warning names the other. Loaded plug-ins stay loaded until
+// the process ends.
 class ActionCatalog {
  public:
   explicit ActionCatalog(const QStringList& folders) : folders_(folders) {}
 
   // The action of that name, or null. Loads no more plug-ins than it takes to find it.
   CActionInterface* Find(const QString& actionName);
-  // Likewise, by the command that the action's settings description names. Throws as SettingsDescription::Of does.
+  // The same by the command in the action's settings description. Throws as SettingsDescription::Of does.
   CActionInterface* FindCommand(const QString& commandName);
-  // As Find, but throws CommandError(kExitNotLoaded) that names the plug-ins which could not be loaded.
+  // The same as Find, but throws CommandError(kExitNotLoaded), naming the plug-ins that could not be loaded.
   CActionInterface& Get(const QString& actionName);
 
   struct Entry {
@@ -27,14 +27,14 @@ class ActionCatalog {
     CActionInterface* action;
   };
   const std::vector<Entry>& All();
-  // Of all actions.
+  // The names of all actions, and of all their commands.
   QStringList ActionNames();
   QStringList CommandNames();
   // For messages: "/a/Tools or /b/Tools".
   QString FolderNames() const;
-  // One line for each file among the plug-ins that could not be loaded or holds no action.
+  // One line for each file that could not be loaded or has no action.
   const QStringList& Problems() const { return problems_; }
-  // Sentences about plug-ins that were met so far.
+  // Warnings about the plug-ins loaded so far, a sentence each.
   const QStringList& Warnings() const { return warnings_; }
 
  private:
@@ -45,7 +45,7 @@ class ActionCatalog {
   void ListFiles();
 
   QStringList folders_;
-  QStringList files_;  // that are not loaded yet
+  QStringList files_;  // those not loaded yet
   bool listed_ = false;
   std::vector<Entry> entries_;
   QStringList problems_;

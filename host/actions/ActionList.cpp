@@ -16,7 +16,7 @@ QString FileMessage(const QString& file, const QString& reason) {
   return QStringLiteral("Cannot use the action list '%1': %2").arg(file, reason);
 }
 
-// To the reader a missing or unreadable file is the same as an empty one.
+// ActionListFile reads a missing or unreadable file as an empty list.
 void CheckReadable(const QString& file) {
   const auto refuse = [&](const QString& reason) { throw CommandError(kExitNotLoaded, FileMessage(file, reason)); };
   const QFileInfo info(file);

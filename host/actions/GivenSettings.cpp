@@ -91,7 +91,7 @@ PathTemplate::Encoding EncodingOf(const Setting& setting) {
   return setting.type == Type::kUrl ? PathTemplate::Encoding::kUrl : PathTemplate::Encoding::kPlain;
 }
 
-// A template is checked by what it makes of a path; messages show the template and its places instead.
+// A template is checked by the value that it makes of an example path. Messages show the template itself.
 PathTemplate CheckedTemplate(const Setting& setting, const QString& text, bool uncheckedUrls, QStringList& warnings) {
   if (setting.type != Type::kUrl && setting.type != Type::kText) {
     Refuse(QStringLiteral("The setting '%1' cannot have a value for each file: only texts and URLs can.")
@@ -175,7 +175,7 @@ CheckedSettings CheckDescribed(const SettingsDescription& description, const Giv
   return checked;
 }
 
-// Nothing is known of the action's settings.
+// The action has no description of its settings.
 CheckedSettings TakeAll(const GivenSettings& given) {
   CheckedSettings checked{given.stored, {}, {}};
   for (const auto& [key, value] : given.values) checked.values.insert(key, value);

@@ -14,12 +14,12 @@
 // Settings as a user gave them on a command line, before they are checked against the action's description.
 struct GivenSettings {
   QVector<QPair<QString, QString>> values;       // by key, each key once
-  QStringList cleared;                           // keys that shall be empty
+  QStringList cleared;                           // keys whose values are to be empty
   QVector<QPair<QString, QString>> forEachFile;  // by key: the template of a value that is made for each file
   bool uncheckedUrls = false;
-  QMap<QString, QVariant> stored;  // from a file; what is given otherwise goes before it
+  QMap<QString, QVariant> stored;  // from a file; the members above override it
 
-  // Whether a value, a template or clearing is given for the key, apart from what is stored.
+  // Whether a value, a template or clearing is given for the key; stored settings do not count.
   bool Has(const QString& key) const;
 };
 
@@ -31,8 +31,8 @@ struct CheckedSettings {
 
 // The settings map for the action, with the description's standard values for what is not given. Without a description
 // everything is taken as it is, with a warning. Throws CommandError(kExitUsage) for an unknown key, a missing required
-// one, a value that is not of its key's type, a template that makes none, and an empty value that was not asked for by
-// clearing its key. Unknown keys of stored settings are kept, with a warning.
+// one, a value that is not of its key's type, a template that makes no such value, and an empty value of a key that is
+// not among the cleared ones. Unknown keys of stored settings are kept, with a warning.
 CheckedSettings CheckSettings(const QString& actionName, const std::optional<SettingsDescription>& description,
                               const GivenSettings& given);
 
@@ -40,15 +40,15 @@ CheckedSettings CheckSettings(const QString& actionName, const std::optional<Set
 QVariant CheckedValue(const SettingsDescription::Setting& setting, const QString& value, bool uncheckedUrls,
                       QStringList& warnings);
 
-// Throws CommandError(kExitUsage) for a key that the description does not know, apart from those that are stored.
+// Throws CommandError(kExitUsage) for a key that the description does not know. Stored settings are not checked.
 void CheckKeys(const SettingsDescription& description, const GivenSettings& given);
 
-// The settings with which a dialog starts: nothing has to be there yet. Throws CommandError(kExitUsage) for an unknown
+// The settings with which a dialog starts; required keys may be missing. Throws CommandError(kExitUsage) for an unknown
 // key and a value that is not of its key's type.
 QMap<QString, QVariant> StartSettings(const std::optional<SettingsDescription>& description,
                                       const GivenSettings& given);
 
-// A sentence for each key of stored settings that the description does not know, apart from those that dialogs add.
+// A warning for each key of stored settings that the description does not know; keys that dialogs add are left out.
 QStringList UnknownKeys(const SettingsDescription& description, const QMap<QString, QVariant>& settings);
 
 // Throws CommandError(kExitUsage) when stored settings of a list lack a required key: an action would take it for an

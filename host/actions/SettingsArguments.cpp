@@ -45,7 +45,7 @@ QStringList SettingsArguments(const QString& actionName, const QMap<QString, QVa
     }
   }
   if (!others.isEmpty()) {
-    // A command takes no first argument when settings are given whole.
+    // With --settings, a command takes no value as its first argument.
     if (isCommand && arguments.size() > 1 && !arguments[1].startsWith(QLatin1String("--"))) {
       arguments[1].prepend(description->First()->key + QLatin1Char('='));
       arguments.insert(1, QStringLiteral("--set"));

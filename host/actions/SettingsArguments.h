@@ -6,6 +6,6 @@
 #include <QStringList>
 #include <QVariant>
 
-// The arguments of the program that run the action with these settings, without options for outputs and files: the
-// action's own command where it has one.
+// The program's arguments that run the action with these settings, as the action's own command if it has one. Outputs
+// and files are not included.
 QStringList SettingsArguments(const QString& actionName, const QMap<QString, QVariant>& settings);

@@ -10,8 +10,8 @@
 
 #include "host/actions/UrlCheck.h"
 
-// What an action says of its settings, in a JSON file among its plug-in's resources (":/Vorlane/Settings/"). The guide
-// for authors documents the file.
+// The description of an action's settings, from a JSON file in its plug-in's resources (":/Vorlane/Settings/"). The
+// guide for authors documents the file.
 class SettingsDescription {
  public:
   enum class Type { kText, kUrl, kNumber, kChoice, kSwitch };
@@ -22,8 +22,8 @@ class SettingsDescription {
     QString help;
     std::optional<QString> standard;  // the value when none is given
     bool required = false;
-    QString empty;                // what an empty value does; an empty text: the value cannot be empty
-    UrlUse use = UrlUse::kOther;  // of a URL
+    QString empty;                // what an empty value does; empty if the value cannot be empty
+    UrlUse use = UrlUse::kOther;  // how a URL is used
     QStringList choices;
     std::optional<double> least;
     std::optional<double> most;
@@ -39,7 +39,7 @@ class SettingsDescription {
   static SettingsDescription FromJson(const QByteArray& json, const QString& origin);
 
   const QString& ActionName() const { return actionName_; }
-  // The short name by which the action is a command; empty when it is none.
+  // The name of the action's own command; empty when it has none.
   const QString& CommandName() const { return commandName_; }
   // The key that the command's first argument sets, null when it takes none.
   const Setting* First() const { return Find(first_); }

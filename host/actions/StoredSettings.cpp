@@ -31,7 +31,7 @@ QMap<QString, QVariant> FromJson(const QByteArray& text, const QString& source) 
 
 QMap<QString, QVariant> FromFile(const QString& file) {
   const QByteArray text =
-      QByteArray::fromStdString(NamedInput::ReadAll(NativeName::ToBytes(file).toStdString(), "settings"));
+      QByteArray::fromStdString(NamedInput::ReadAll(NativeName::ToBytes(file).toStdString(), "settings file"));
   if (file == QLatin1String("-") || IsJson(text)) return FromJson(text, file);
   const QVariant values = SettingsFile(file).Values().value(QStringLiteral("ToolSettings"));
   if (values.userType() != QMetaType::QVariantMap || values.toMap().isEmpty()) {

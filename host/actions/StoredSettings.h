@@ -8,7 +8,7 @@
 
 // Settings of an action as a dialog has stored or printed them.
 struct StoredSettings {
-  QString actionName;  // empty when they do not name their action
+  QString actionName;  // empty when the settings do not name their action
   QMap<QString, QVariant> values;
 
   // `source` is a tool settings file (".tsf"), a file with a JSON object, the JSON object itself, or "-" for JSON on

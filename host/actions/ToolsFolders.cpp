@@ -9,15 +9,15 @@
 
 QStringList InstalledToolsFolders() {
   const QString prefix = QCoreApplication::applicationDirPath() + QStringLiteral("/..");
-  // Beside a program in /usr, what "cmake --install" put into /usr/local.
+  // For a program in /usr also /usr/local, where "cmake --install" puts plug-ins.
   return {prefix + QStringLiteral("/lib/vorlane/Tools"), prefix + QStringLiteral("/local/lib/vorlane/Tools")};
 }
 
 // A relative folder would load code from whatever folder the user is in.
 QStringList ToolsFoldersOfEnvironment() {
-  const QStringList folders =
+  QStringList folders =
       NativeName::ToText(qgetenv("VORLANE_TOOLS_PATH").toStdString()).split(QLatin1Char(':'), Qt::SkipEmptyParts);
-  for (const QString& folder : folders) {
+  for (const QString& folder : qAsConst(folders)) {
     if (QDir::isAbsolutePath(folder)) continue;
     throw CommandError(kExitUsage,
                        QStringLiteral("VORLANE_TOOLS_PATH takes absolute folders only, not '%1'.").arg(folder));

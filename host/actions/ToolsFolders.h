@@ -3,9 +3,8 @@
 
 #include <QStringList>
 
-// Where the action plug-ins are looked for: the folders of those installed with the program, whether they are there or
-// not.
+// The folders of the action plug-ins that are installed with the program; they need not exist.
 QStringList InstalledToolsFolders();
-// The folders of the environment's VORLANE_TOOLS_PATH, which come after these. Throws CommandError(kExitUsage) for a
-// relative one.
+// The folders of the environment variable VORLANE_TOOLS_PATH, which are searched after these. Throws
+// CommandError(kExitUsage) for a relative one.
 QStringList ToolsFoldersOfEnvironment();

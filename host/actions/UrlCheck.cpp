@@ -68,7 +68,7 @@ QString UrlAsWritten(const QString& url) {
 
 namespace {
 
-// What is usable, but not what most people mean.
+// Warnings about usable URLs that are probably mistakes.
 QStringList OddParts(const QString& url) {
   static const QStringList usual{QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("file"),
                                  QStringLiteral("ftp")};

@@ -21,7 +21,7 @@ void Console::OpenMissingDescriptors() {
     if (fcntl(descriptor, F_GETFD) >= 0) continue;
     // The lowest free number is the one that is missing.
     [[maybe_unused]] const int opened =
-        open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);  // NOLINT: stays open for good
+        open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);  // NOLINT: stays open until the end
   }
 }
 

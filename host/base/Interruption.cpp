@@ -20,7 +20,7 @@ constexpr unsigned kSecondsToEnd = 2;
 volatile std::sig_atomic_t gSignal = 0;
 volatile std::sig_atomic_t gCount = 0;
 volatile std::sig_atomic_t gEndAtSecond = 0;
-// Readable for good once a signal came, so that no wait can miss it.
+// Stays readable after a signal, so that no wait can miss it.
 int gWakeUp = -1;
 
 void EndBy(int number) {

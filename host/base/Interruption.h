@@ -11,12 +11,12 @@ namespace Interruption {
 void Install();
 // In a process that works alone: a second signal ends it, also in the middle of a file.
 void EndAtSecond();
-// In a worker process: the main process alone decides when to stop, and takes the worker along when it dies.
+// In a worker process: only the main process decides when to stop. The worker is killed when the main process dies.
 void LeaveToParent(int parent);
 // The signal that came first, or 0.
 int Signal();
-// How many came. After a second one nothing is waited for; a program that still waits somewhere is killed two seconds
-// later.
+// The number of signals so far. After the second one nothing is waited for; if the program has not ended two seconds
+// later, it is killed.
 int Count();
 // Throws CommandError with the signal's exit code when one came. For the time before any document is touched.
 void Check();

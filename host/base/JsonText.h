@@ -5,7 +5,7 @@
 #include <string_view>
 
 // JSON strings (RFC 8259, section 7) of texts that need not be well-formed. Qt's writer would replace a lone surrogate
-// by "?", and file names would not come back.
+// by "?", so that the file name would be lost.
 namespace JsonText {
 
 // Appends the text in quotes. A unit that is a surrogate is written as \udXXX.

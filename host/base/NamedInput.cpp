@@ -16,7 +16,7 @@
 
 namespace {
 
-// A name may end in CR; a list from Windows has one at the end of each line, the last of which may be cut off.
+// A CR may be part of a name. A list from Windows has one at the end of each line, except perhaps the last.
 bool EveryLineEndsInCr(const std::string& content) {
   if (content.find('\n') == std::string::npos) return false;
   for (std::size_t at = content.find('\n'); at != std::string::npos; at = content.find('\n', at + 1)) {
@@ -27,7 +27,7 @@ bool EveryLineEndsInCr(const std::string& content) {
 
 }  // namespace
 
-std::string NamedInput::ReadAll(const std::string& name, const char* what) {
+std::string NamedInput::ReadAll(const std::string& name, const char* what, std::size_t most) {
   const auto fail = [&] {
     return CommandError(kExitUsage, QStringLiteral("Cannot read the %1 '%2': %3")
                                         .arg(QLatin1String(what), NativeName::ToText(name),
@@ -48,16 +48,23 @@ std::string NamedInput::ReadAll(const std::string& name, const char* what) {
     if (count < 0) throw fail();
     if (count == 0) break;
     content.append(block, static_cast<std::size_t>(count));
+    if (content.compare(0, 5, "%PDF-") == 0) {
+      throw CommandError(
+          kExitUsage,
+          QStringLiteral("'%1' is a PDF file, not a %2.").arg(NativeName::ToText(name), QLatin1String(what)));
+    }
+    if (content.size() > most) {
+      throw CommandError(kExitUsage, QStringLiteral("'%1' is larger than %2 KiB; it is not a %3.")
+                                         .arg(NativeName::ToText(name))
+                                         .arg(most / 1024)
+                                         .arg(QLatin1String(what)));
+    }
   }
   return content;
 }
 
 void NamedInput::ReadNames(const std::string& name, const char* what, const std::function<void(std::string)>& each) {
   const std::string content = ReadAll(name, what);
-  if (content.compare(0, 5, "%PDF-") == 0) {
-    throw CommandError(
-        kExitUsage, QStringLiteral("'%1' is a PDF file, not a %2.").arg(NativeName::ToText(name), QLatin1String(what)));
-  }
   const char separator = content.find('\0') == std::string::npos ? '\n' : '\0';
   const std::size_t ending = separator == '\n' && EveryLineEndsInCr(content) ? 1 : 0;
   for (std::size_t begin = 0; begin < content.size();) {

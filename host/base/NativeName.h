@@ -17,7 +17,8 @@ std::wstring ToWide(std::string_view bytes);
 // One unit for each byte: how the wrapper wants the path of the library file.
 std::wstring ToUnitPerByte(std::string_view bytes);
 
-// Makes the above Qt's own coding of arguments and file names, in every locale. Call before the application object.
+// Makes Qt decode and encode arguments and file names in this way, in every locale. Call it before the application
+// object is made.
 void InstallAsLocale();
 
 }  // namespace NativeName

@@ -17,7 +17,7 @@
 
 namespace {
 
-// More precise than the library where the name is not that of a file.
+// Checks the name itself, because the library's error is less precise.
 std::string LoadingMessage(int errorCode, const std::string& file) {
   struct stat status = {};
   if (errorCode == kErrorFileUnreadable && stat(file.c_str(), &status) == 0) {
@@ -27,8 +27,8 @@ std::string LoadingMessage(int errorCode, const std::string& file) {
   return PdfLibrary::ErrorMessage(errorCode);
 }
 
-// The library's error code does not hold the system's one, so the same is tried again. A file is written beside the
-// output and renamed.
+// The library does not report the system's error. It writes a file beside the output and renames it; making such a file
+// shows the error.
 std::string WhyNotWritable(const std::string& output) {
   struct stat status = {};
   if (stat(output.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return "a folder has that name";

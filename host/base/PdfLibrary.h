@@ -7,7 +7,7 @@
 
 #include "pdflib/HalvexPDFLibraryCPDylibCPP1311.h"
 
-// Opening the PDF library and documents with it, and what went wrong in a user's words.
+// Opens the PDF library and documents with it. Errors are texts for users.
 namespace PdfLibrary {
 
 using Wrapper = HalvexPDFLibraryCPDylibCPP1311;
@@ -20,7 +20,7 @@ std::unique_ptr<Wrapper> Open(const std::wstring& libraryFile);
 // same.
 std::string LoadDocument(Wrapper& library, const std::string& file, const std::vector<std::wstring>& passwords);
 
-// Why the document could not be saved to `output`, as one clause, with the system's reason where it can be found out.
+// Why the document could not be saved to `output`, as one clause, with the system's error if it can be found out.
 std::string SavingMessage(int errorCode, const std::string& output);
 
 // What an error code of the library means: one clause without a full stop, never null.

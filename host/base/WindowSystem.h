@@ -8,8 +8,8 @@
 class CActionInterface;
 struct DialogLoadStruct;
 
-// What the program does with Qt Gui and Widgets: in a module of its own, since most runs need neither of them, and
-// loading them takes longer than such a run.
+// Everything that needs Qt Gui and Widgets. It is in a module of its own, because most runs do not need it and loading
+// it takes longer than such a run.
 class WindowSystem {
  public:
   virtual ~WindowSystem() = default;

@@ -86,7 +86,7 @@ QString ActionCommand::HelpText() const {
   return RunCommand::HelpText() + QLatin1Char('\n') + description_->HelpText();
 }
 
-// Nothing to check: the command's name says which action.
+// No check: the command's name names the action.
 void ActionCommand::CheckAction() const {
   CheckArguments();
 }

@@ -6,14 +6,14 @@
 #include "host/actions/SettingsDescription.h"
 #include "host/command/RunCommand.h"
 
-// An action that describes itself, as a command of its own: "set-base-url URL FILE...". Which action the name means is
-// found out when the command runs, because plug-ins are loaded for it.
+// An action with a settings description, as a command of its own: "set-base-url URL FILE...". The action is looked up
+// when the command runs, because that loads plug-ins.
 class ActionCommand : public RunCommand {
  public:
-  // `others` are the commands that a mistyped name may mean as well.
+  // `others` are the names of the other commands, for suggestions.
   ActionCommand(const QString& name, const QStringList& others);
 
-  // Only reads what must be known before the action is.
+  // Reads only what must be known before the action is looked up.
   void Parse(const QStringList& arguments) override;
   int Run() override;
   QString HelpText() const override;

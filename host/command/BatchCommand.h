@@ -32,9 +32,9 @@ class BatchCommand : public SettingsCommand {
   std::chrono::seconds TimeLimit() const { return std::chrono::seconds(timeout_); }
   std::size_t MemoryLimit() const { return memoryLimit_; }
 
-  // A question to files with what the options say; how it is answered is the command's own.
+  // A question with the passwords and limits of the options; the command adds how a file answers it.
   FileQuestion Question() const;
-  // Asks all files, in worker processes where these are worth their start. Returns the interrupting signal, or 0.
+  // Asks all files, in worker processes if there are enough files. Returns the interrupting signal, or 0.
   int Ask(FileQuery& query, std::size_t files) const;
 
  private:

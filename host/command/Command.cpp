@@ -12,6 +12,7 @@
 #include "host/base/NamedInput.h"
 #include "host/base/NativeName.h"
 #include "host/base/Suggestion.h"
+#include "host/files/FolderWalk.h"
 
 namespace {
 
@@ -212,10 +213,23 @@ void Command::AddPasswordOptions() {
 std::vector<std::wstring> Command::Passwords() const {
   std::vector<std::wstring> passwords;
   for (const QString& password : parser_.values(QStringLiteral("password"))) {
-    passwords.push_back(NativeName::ToWide(View(NativeName::ToBytes(password))));
+    const QByteArray bytes = NativeName::ToBytes(password);
+    if (IsPdfName(View(bytes)) && access(bytes.constData(), F_OK) == 0) {
+      throw CommandError(kExitUsage,
+                         QStringLiteral("Option '--password' takes a password, but '%1' is a file. If it is meant, use "
+                                        "'--password-file'.")
+                             .arg(password));
+    }
+    passwords.push_back(NativeName::ToWide(View(bytes)));
   }
   if (!IsSet("password-file")) return passwords;
-  const std::string content = NamedInput::ReadAll(BytesOf("password-file").toStdString(), "password file");
+  constexpr std::size_t kMostBytes = 64 * 1024;
+  const std::string content = NamedInput::ReadAll(BytesOf("password-file").toStdString(), "password file", kMostBytes);
+  if (content.find('\0') != std::string::npos) {
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("The password file '%1' is not a text in UTF-8: it has NUL bytes.").arg(Value("password-file")));
+  }
   for (QByteArray line : QByteArray::fromStdString(content).split('\n')) {
     while (line.endsWith('\r')) line.chop(1);
     if (!line.isEmpty()) passwords.push_back(NativeName::ToWide(View(line)));

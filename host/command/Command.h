@@ -19,7 +19,7 @@ class Command {
   QString Name() const { return name_; }
   QString Summary() const { return summary_; }
 
-  // Not Qt's own, which promises options of Qt that the commands do not take.
+  // Qt's own help option would also name options of Qt, which the commands do not take.
   static QCommandLineOption HelpOption();
 
   // Takes the arguments after the command's name. Throws CommandError(kExitUsage).
@@ -69,7 +69,7 @@ class Command {
   std::wstring LibraryFile() const;
   void AddPasswordOptions();
   void CheckPasswordOptions() const { Exclude("password", "password-file"); }
-  // All that are to be tried. Throws CommandError when the password file cannot be read.
+  // All that are to be tried. Throws CommandError when the password file cannot be read, or an input is in its place.
   std::vector<std::wstring> Passwords() const;
   // Throws CommandError when more than one of the options reads the standard input.
   void CheckStandardInput(const std::vector<const char*>& options) const;

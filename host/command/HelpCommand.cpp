@@ -42,7 +42,7 @@ bool HelpCommand::NeedsWindowSystem() const {
 
 void HelpCommand::PrepareWindowSystem() const {
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  // The platform complains about the session that it is not part of.
+  // The platform would warn that there is no session.
   QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
 }
 

@@ -14,7 +14,7 @@ class HelpCommand : public Command {
   // `commands` are the other commands, for suggestions.
   HelpCommand(std::function<QString(const QString&)> helpOf, const QStringList& commands);
 
-  // The page of an action is a text document, whose fonts need a platform; none is shown.
+  // The page of an action is read as a text document, which needs a platform for its fonts.
   bool NeedsWindowSystem() const override;
   void PrepareWindowSystem() const override;
 

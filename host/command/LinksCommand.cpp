@@ -85,7 +85,7 @@ int LinksCommand::Execute() {
   return printed && complete && counts.missing == 0 && !strictlyWrong ? kExitDone : kExitSomeFailed;
 }
 
-// With the table only: the other forms hold nothing but links.
+// With the table only: JSON and CSV have links and nothing else.
 bool LinksCommand::PrintSummary(const LinkCounts& counts) const {
   if (options_.format != LinkListingOptions::Format::kTable) return true;
   QString text = QString::fromStdString(Counted(counts.links, "link") + " in " + Counted(counts.files, "file"));

@@ -102,7 +102,7 @@ int ListsCommand::Add() const {
   if (append && IsSet("category")) {
     Refuse(QStringLiteral("The list '%1' is there and keeps its category; --force replaces it.").arg(path));
   }
-  // Only a list is replaced by a list.
+  // Only an action list is replaced.
   if (QFileInfo::exists(path) && IsSet("force")) ActionList::Read(path);
   if (append) {
     ActionList::Read(path, &warnings);  // refuses what is not a list; names a gap, which the new action fills

@@ -55,7 +55,7 @@ void Program::Parse(const QStringList& arguments) {
     commands_.push_back(std::make_unique<ActionCommand>(name, Names()));
     command_ = commands_.back().get();
   }
-  // The rest as it was typed: the parser above takes a "--" out that belongs to the command.
+  // The other arguments as typed: the parser above removes a "--" that is for the command.
   command_->Parse(arguments.mid(arguments.indexOf(name) + 1));
 }
 

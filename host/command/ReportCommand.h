@@ -3,7 +3,7 @@
 
 #include "host/command/Command.h"
 
-// Merges the reports of runs and prints what failed, what was warned of and what is missing.
+// Merges the reports of runs and prints failed files, warnings and missing files.
 class ReportCommand : public Command {
  public:
   ReportCommand();

@@ -287,7 +287,7 @@ PlanOptions RunCommand::Plan(const InputList& inputs, const std::vector<Configur
   return options;
 }
 
-// What the run reads beside the documents.
+// The files that the run reads besides the documents.
 ProtectedFiles RunCommand::OtherInputs() const {
   ProtectedFiles files;
   if (IsSet("files-from")) {
@@ -394,7 +394,7 @@ void RunCommand::RefuseToReplaceOutput(const InputList& inputs, const ResumedRep
   refuse("is there already; use '--force' to replace it.");
 }
 
-// Where this run has read and written, those of earlier runs are the user's to remove.
+// Names the temporary files that earlier runs left in this run's folders. The user decides whether to remove them.
 void RunCommand::NameLeftovers(const InputList& inputs, const RunPlan& plan) const {
   constexpr std::size_t kMostNames = 5;
   std::set<std::string> folders(inputs.FoldersOfNames().begin(), inputs.FoldersOfNames().end());
@@ -442,7 +442,7 @@ int RunCommand::RunOver(const InputList& inputs, const PlanOptions& options, Pro
     });
   }
 
-  // Only now: after an error, that line alone is printed.
+  // Printed here, so that an error above prints its own line only.
   for (const QString& warning : warnings_) {
     if (!IsSet("quiet")) Console::Error(warning);
   }

@@ -24,7 +24,7 @@ class RunCommand : public BatchCommand {
   void PrepareWindowSystem() const override;
 
  protected:
-  // With the options for files, outputs and settings, but none that says which action.
+  // Adds the options for files, outputs and settings, but not those that name the action.
   RunCommand(const QString& name, const QString& summary);
 
   void Check() override;
@@ -32,7 +32,7 @@ class RunCommand : public BatchCommand {
   virtual void CheckAction() const;
   int Execute() override;
 
-  // Everything that is to be done, checked. Adds to `warnings`. Throws CommandError.
+  // All actions with their checked settings. Adds to `warnings`. Throws CommandError.
   virtual std::vector<ConfiguredAction> LoadActions(ActionCatalog& catalog, QStringList& warnings) const;
 
  private:

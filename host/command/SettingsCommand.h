@@ -19,12 +19,12 @@ class SettingsCommand : public Command {
   void AddTemplateOptions();
   // Throws CommandError for mistakes in these options that do not depend on the action.
   void CheckSettingsOptions() const;
-  // Whether one of the options that name an action or settings is there.
+  // Whether an option that names an action or settings is given.
   bool HasSettings() const;
 
-  // The settings of --settings, which may read the standard input; so call it once. Throws CommandError.
+  // The settings of --settings. Call it once, because it may read the standard input. Throws CommandError.
   StoredSettings Stored() const;
-  // Those and what the other options say. Throws CommandError.
+  // These and the settings of the other options. Throws CommandError.
   GivenSettings Given(const StoredSettings& stored) const;
   // The name that --action or the stored settings give. Throws CommandError for none and for two different ones.
   QString ActionNameWith(const StoredSettings& stored) const;

@@ -3,7 +3,7 @@
 
 #include "host/command/BatchCommand.h"
 
-// Prints the base URL of each file, or all that is known of it.
+// Prints the base URL of each file, or all facts about it.
 class ShowCommand : public BatchCommand {
  public:
   ShowCommand();

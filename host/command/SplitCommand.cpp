@@ -2,8 +2,10 @@
 #include "host/command/SplitCommand.h"
 
 #include <unistd.h>
+
 #include <algorithm>
 #include <optional>
+#include <QFileInfo>
 #include <unordered_map>
 
 #include "host/base/CommandError.h"
@@ -20,7 +22,7 @@ namespace {
 
 constexpr int kMostParts = 1000000;
 
-// 0 for what cannot be looked up: the run reports it.
+// 0 for a file that cannot be looked up; the run reports it.
 std::vector<std::uint64_t> SizesOf(const InputList& inputs, const std::vector<std::size_t>& files) {
   std::vector<std::uint64_t> sizes;
   sizes.reserve(files.size());
@@ -91,6 +93,11 @@ void SplitCommand::Check() {
                        QStringLiteral("The first argument is the number of parts, from 1 to %1.").arg(kMostParts));
   }
   RefuseEmpty({"output-dir"});
+  if (QFileInfo(Value("prefix")).isFile()) {
+    throw CommandError(
+        kExitUsage,
+        QStringLiteral("Option '--prefix' takes the beginning of new names, but '%1' is a file.").arg(Value("prefix")));
+  }
   CheckInputOptions();
 }
 

@@ -65,6 +65,7 @@ class InputList {
   const FileIdentity* leaveOut_;
   std::vector<std::string> leftovers_;
   std::unordered_set<std::string> foldersOfNames_;
+  std::string lastFolder_;
   FileLookup lookup_;
   std::string names_;
   std::vector<Entry> entries_;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kMostLinks = 40;
 
-std::string BaseOf(const std::string& name) {
+std::string_view BaseOf(std::string_view name) {
   return name.substr(name.rfind('/') + 1);  // npos + 1 is 0
 }
 
@@ -28,7 +28,7 @@ ProtectedFiles::Entry ProtectedFiles::Describe(std::string name) {
     if (none) break;
     name = destination.front() == '/' ? destination : FolderOf(name).append(destination);
   }
-  return {{}, IdentityOf(name), IdentityOf(FolderOf(name)), BaseOf(name)};
+  return {{}, IdentityOf(name), IdentityOf(FolderOf(name)), std::string(BaseOf(name))};
 }
 
 void ProtectedFiles::Add(const std::string& name, const std::string& what) {
@@ -58,6 +58,6 @@ std::string ProtectedFiles::What(const std::string& name) const {
 }
 
 bool ProtectedFiles::MayHold(const std::string& name) const {
-  const std::string base = BaseOf(name);
+  const std::string_view base = BaseOf(name);
   return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) { return entry.base == base; });
 }

@@ -19,7 +19,7 @@ bool LeadsElsewhere(const QByteArray& uri, const ViewerRules::Base& base) {
 
 std::string LinkAdvice(HalvexPDFLibraryCPDylibCPP1311& library, const QString& base) {
   const bool endsWithSlash = base.endsWith('/');
-  // Parsed for the first relative link: most documents have none.
+  // Parsed at the first relative link, because most documents have none.
   std::optional<ViewerRules::Base> from;
   std::optional<ViewerRules::Base> withSlash;
   int relative = 0;

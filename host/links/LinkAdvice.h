@@ -6,6 +6,6 @@
 
 class HalvexPDFLibraryCPDylibCPP1311;
 
-// What to say of a new base URL: how many relative links of the selected document lead elsewhere in Chrome than in
-// Firefox with it, and whether a "/" at its end would help. Empty when there are none.
+// A warning about a new base URL: how many relative links of the selected document would lead elsewhere in Chrome than
+// in Firefox, and whether a "/" at its end would help. Empty when there are no such links.
 std::string LinkAdvice(HalvexPDFLibraryCPDylibCPP1311& library, const QString& base);

@@ -7,7 +7,7 @@
 #include <QString>
 #include <string>
 
-// Looks in a folder whether the pages of a web site are there.
+// Checks whether the pages of a web site are in a folder.
 class LinkCheck {
  public:
   // `text` is "URL=FOLDER": the folder holds the pages at the URL and below. Throws CommandError(kExitUsage) for
@@ -16,11 +16,11 @@ class LinkCheck {
 
   // As given.
   const QString& Url() const { return given_; }
-  // How much of a target the URL is; nothing when the target is not below the URL. Targets are what NormalizedLink()
-  // makes of them, here and below.
+  // The length of the URL's part of the target; nothing when the target is not below the URL. Here and below, targets
+  // are results of NormalizedLink().
   std::optional<std::size_t> Covers(const std::string& target) const;
-  // Whether the file of a target below the URL is there, index.html for a folder. Query and fragment do not count. What
-  // lies outside the folder, also through links of the file system, is not there.
+  // Whether the file of a target below the URL exists, index.html for a folder. Query and fragment do not count. A file
+  // outside the folder, also one that a symbolic link leads to, does not count as existing.
   bool Has(const std::string& target) const;
 
  private:

@@ -9,7 +9,7 @@
 #include "host/links/ViewerRules.h"
 #include "utils/DocumentLinks.h"
 
-// A document's base URL, or another one instead.
+// A document's base URL, or the one to use instead of it.
 struct LinkBase {
   QString text;
   ViewerRules::Base inViewers;
@@ -31,12 +31,12 @@ namespace LinkFormat {
 
 // One JSON object and a line end.
 std::string Json(const std::string& file, const ListedLink& link);
-// A record as RFC 4180 has it; what is null in JSON is an empty field.
+// A record as in RFC 4180; a null of the JSON form is an empty field.
 std::string CsvHeader();
 std::string Csv(const std::string& file, const ListedLink& link);
 // For people: one line, or one for each place where viewers disagree.
 std::string Table(const ListedLink& link);
-// The same for a link whose file is missing.
+// The line of a link whose file is missing.
 std::string Missing(const ListedLink& link);
 
 }  // namespace LinkFormat

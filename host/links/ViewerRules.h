@@ -7,10 +7,10 @@
 
 #include "host/links/WebUrl.h"
 
-// Where PDF viewers lead for a link (URI action; ISO 32000-1, 12.6.4.7) in a document with or without a base URL. Set
-// by what the viewers' engines were seen to do, not by a standard; docs/viewers.md has the versions and
-// tests/viewers/measure compares them again. `uri` and `base` (the catalog's /URI /Base) are the bytes of the strings
-// in the file: only MuPDF takes them as text strings with a byte order mark.
+// Where PDF viewers lead for a link (URI action; ISO 32000-1, 12.6.4.7) in a document with or without a base URL. The
+// rules follow what the viewers' engines do, not a standard: docs/viewers.md has their versions, and
+// tests/viewers/measure compares rules and engines again. `uri` and `base` (the catalog's /URI /Base) are the bytes of
+// the strings in the file: only MuPDF takes them as text strings with a byte order mark.
 namespace ViewerRules {
 
 // A base URL, parsed once for many links.
@@ -20,7 +20,7 @@ struct Base {
   Base(const std::optional<QByteArray>& url) : Base(url ? Base(*url) : Base()) {}
 
   std::optional<QByteArray> bytes;
-  std::optional<WebUrl> parsed;  // nothing for what pdf.js does not resolve against
+  std::optional<WebUrl> parsed;  // nothing for a base that pdf.js does not use
 };
 
 // Where a viewer leads; nothing where it makes no link of it.
@@ -38,8 +38,8 @@ Target Poppler(const QByteArray& uri, const Base& base);
 constexpr std::array<const char*, 4> kViewers{"pdfjs", "pdfium", "mupdf", "poppler"};
 using Targets = std::array<Target, kViewers.size()>;
 Targets All(const QByteArray& uri, const Base& base);
-// Whether each viewer makes a link of it and all lead to one place: the same once a browser has parsed it, so that ".."
-// in one and its result in another are no difference.
+// Whether all viewers make a link of it and lead to the same place. Places are compared as a browser parses them, so
+// that a ".." in one and its result in the other do not differ.
 bool Agree(const Targets& targets);
 
 }  // namespace ViewerRules

@@ -66,7 +66,7 @@ int DefaultPort(const QByteArray& scheme) {
 QByteArray TakeFrom(QByteArray& text, char start) {
   const int at = text.indexOf(start);
   if (at < 0) return {};
-  const QByteArray taken = text.mid(at + 1);
+  QByteArray taken = text.mid(at + 1);
   text.truncate(at);
   return taken;
 }
@@ -223,7 +223,7 @@ void WebUrl::ParseTail(QByteArray rest) {
   ParsePath(rest);
 }
 
-// Takes both off the end of `rest`; what is not there stays as it is.
+// Takes query and fragment off the end of `rest`. Without one, the member keeps its value.
 void WebUrl::ParseQueryAndFragment(QByteArray& rest) {
   const bool hasFragment = rest.contains('#');
   const QByteArray fragment = TakeFrom(rest, '#');
@@ -233,7 +233,7 @@ void WebUrl::ParseQueryAndFragment(QByteArray& rest) {
   if (hasQuery) query_ = '?' + Encoded(query, kInQuery);
 }
 
-// Appends the segments to those that are there.
+// Appends the segments to those of `path_`.
 void WebUrl::ParsePath(const QByteArray& path) {
   QByteArrayList segments = QByteArray(path).replace('\\', '/').split('/');
   if (!path.isEmpty() && IsSlash(path[0])) segments.removeFirst();

@@ -10,8 +10,8 @@
 // pdf.js follows: http, https and ftp with a host, mailto and tel.
 class WebUrl {
  public:
-  // `text` is UTF-8. Relative ones are resolved against `base`, which may be null. Nothing for what a browser refuses
-  // and for other schemes.
+  // `text` is UTF-8. A relative one is resolved against `base`, which may be null. Nothing for a text that a browser
+  // refuses, and for other schemes.
   static std::optional<WebUrl> Parse(const QByteArray& text, const WebUrl* base);
 
   // As a browser's address bar would have it; ASCII.

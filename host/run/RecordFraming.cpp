@@ -36,6 +36,7 @@ void Split(std::string_view record, RecordFraming::Fields& fields) {
 void AppendHead(std::string& buffer, const RecordFraming::Fields& fields) {
   Length size = sizeof(Length) * (1 + fields.size());
   for (const std::string_view field : fields) size += field.size();
+  buffer.reserve(buffer.size() + sizeof(Length) + size);
   AppendLength(buffer, size);
   AppendLength(buffer, fields.size());
   for (const std::string_view field : fields) AppendLength(buffer, field.size());

@@ -2,6 +2,7 @@
 #include "host/run/RunPlan.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "host/base/Interruption.h"
 #include "host/files/EarlierResult.h"
@@ -87,11 +88,17 @@ std::string RunPlan::PathBelow(std::size_t input) const {
 // Inputs from folders keep their path below that folder.
 bool RunPlan::MakeParent(const std::string& output) {
   if (options_.dryRun) return true;
-  const std::string parent = output.substr(0, output.rfind('/'));
-  if (!madeFolders_.insert(parent).second) return true;
-  std::error_code error;
-  std::filesystem::create_directories(parent, error);
-  return !error;
+  const std::size_t end = output.rfind('/');
+  if (output.compare(0, end, lastParent_) == 0) return true;
+  std::string parent = output.substr(0, end);
+  if (madeFolders_.count(parent) == 0) {
+    std::error_code error;
+    std::filesystem::create_directories(parent, error);
+    if (error) return false;
+    madeFolders_.insert(parent);
+  }
+  lastParent_ = std::move(parent);
+  return true;
 }
 
 // Whether a file that is there may be replaced by the result: the user says so, or a run has made it of the same input.

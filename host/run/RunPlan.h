@@ -86,5 +86,6 @@ class RunPlan {
   std::size_t changedSince_ = 0;
   FileLookup lookup_;
   std::unordered_set<std::string> madeFolders_;
+  std::string lastParent_;  // one of them
   bool outputFolderWasEmpty_ = false;
 };

@@ -7,7 +7,7 @@ namespace {
 
 using BaseUrlTest = EngineFixture;
 
-// The catalog's entries with their values where /URI may be reached by the quick reader or by the full parser only.
+// Entries of the catalog with the places where /URI can be; some are read by the full parser only.
 struct Place {
   const char* name;
   bool encrypted;

@@ -73,6 +73,7 @@ TEST_F(ContractTest, BuffersAreCheckedOnEveryUse) {
   EXPECT_EQ(setUrl(instance, buffer), 0) << "no whole unit";
 
   int local = 0;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): handles that were never returned
   for (void* const wild : {static_cast<void*>(&local), reinterpret_cast<void*>(1), reinterpret_cast<void*>(-1L)}) {
     EXPECT_EQ(setUrl(instance, wild), 0);
     EXPECT_EQ(error(instance), kErrorBadBuffer);

@@ -103,7 +103,7 @@ class LinksTest : public EngineFixture {
  protected:
   std::string LinksOf(const std::string& file, const std::wstring& password = {}) {
     EXPECT_EQ(library_.LoadFromFile(Wide(file), password), 1) << file;
-    const std::string links = Dump(library_);
+    std::string links = Dump(library_);
     library_.RemoveDocument(library_.SelectedDocument());
     return links;
   }

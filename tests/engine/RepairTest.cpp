@@ -13,7 +13,7 @@ namespace {
 
 constexpr wchar_t kUrl[] = L"https://example.org/";
 
-// What another reader makes of a file; empty when it reads no page.
+// Another reader's pages and text of a file; empty when it reads no page.
 struct Readings {
   std::string poppler;
   std::string mutool;

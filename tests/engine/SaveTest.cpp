@@ -124,7 +124,7 @@ TEST_F(SaveTest, InformationIsAddedWhereThereWasNone) {
 }
 
 // A signed file with its strings in the clear, but with the encryption dictionary of an encrypted one in which `text`
-// has given way to `replacement`.
+// is replaced by `replacement`.
 std::string WithCryptFilters(const std::string& text, const std::string& replacement) {
   WriteFile("plain.pdf", Rich().Bytes());
   EXPECT_EQ(RunTool("qpdf --encrypt '' o 128 --use-aes=y -- plain.pdf aes.pdf").status, 0);
@@ -319,8 +319,8 @@ TEST_F(SaveTest, HugeFilesWithHolesAreNotSearched) {
   EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
 }
 
-// A host may limit the memory of a process. Every way into the engine then ends in one clear error, whichever part of
-// it asked for the memory, and the process goes on.
+// A host may limit the memory of a process. Every call of the engine then ends in one clear error, whichever part of it
+// asked for the memory, and the process goes on.
 TEST_F(SaveTest, LackOfMemoryIsAnError) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "the sanitizer's own memory cannot be limited";
@@ -364,7 +364,7 @@ TEST_F(SaveTest, FailuresLoseNothing) {
     EXPECT_EQ(library_.SaveToFile(target), 0);
     EXPECT_EQ(library_.LastErrorCode(), kErrorCannotWrite) << Narrow(target);
   }
-  // The source gives way to another file, shrinks, vanishes.
+  // The source is replaced, shrinks, vanishes.
   WriteFile("other.pdf", plain + "%");
   ASSERT_EQ(rename("other.pdf", "plain.pdf"), 0);
   EXPECT_EQ(library_.SaveToFile(L"out.pdf"), 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a job needs that is divided over machines: reports of several writers, parts, leftovers.
+// Jobs that are divided over machines: reports of several writers, parts, leftovers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -221,11 +221,11 @@ TEST(Leftovers, OldOnesThatNobodyHoldsAreRemoved) {
   LeftoverFiles::Remove("in", false, std::time(nullptr) + 1000, each);
   EXPECT_EQ(removed, "in/.vorlane-0123456789abcdef.tmp\n");
   EXPECT_EQ(RunProgram({"clean", "--recursive", "in"}).out, "");
-  const ProgramResult told = RunProgram(ProbeRun({"--in-place", "--recursive", "in"}));
+  const ProgramResult named = RunProgram(ProbeRun({"--in-place", "--recursive", "in"}));
   EXPECT_TRUE(
-      told.err.contains(" in/.vorlane-1111111111111111.tmp, in/.vorlane-2222222222222222.tmp, "
-                        "in/below/.vorlane-0123456789abcdef.tmp. "))
-      << told.err.toStdString();
+      named.err.contains(" in/.vorlane-1111111111111111.tmp, in/.vorlane-2222222222222222.tmp, "
+                         "in/below/.vorlane-0123456789abcdef.tmp. "))
+      << named.err.toStdString();
   // Those in the folders of named files and of outputs too.
   const QByteArray inOut = "out/.vorlane-0123456789abcdef.tmp";
   QDir().mkdir("out");

@@ -23,6 +23,8 @@ QStringList Words(const char* text) {
 TEST(Commands, SlipsAreCode2AndTouchNothing) {
   for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) WriteFile(name, MakePdf(kOld));
   WriteFile("not.tsf", "neither");
+  WriteFile("utf-16.txt", QByteArray("p\0w\0\n\0", 6));
+  WriteFile("large.txt", QByteArray(64 * 1024 + 1, 'p'));
   WriteFile("r.jsonl", "");
   QDir().mkdir("d");
   const std::pair<const char*, const char*> rows[] = {
@@ -62,6 +64,13 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
       {"help shwo", "Did you mean 'show'?"},
       {"help set~base~url", "Did you mean 'Set Base URL'?"},
       {"show --files-from a.pdf", "is a PDF file, not a list"},
+      {"show --password-file a.pdf b.pdf", "is a PDF file, not a password file"},
+      {"show --password-file utf-16.txt b.pdf", "it has NUL bytes"},
+      {"show --password-file large.txt b.pdf", "larger than 64 KiB"},
+      {"links --password a.pdf b.pdf", "'a.pdf' is a file"},
+      {"run --settings a.pdf --in-place b.pdf", "is a PDF file, not a settings file"},
+      {"report --files-from a.pdf r.jsonl", "is a PDF file, not a list"},
+      {"split 2 --prefix a.pdf b.pdf", "'a.pdf' is a file"},
       {"lists add L --category= --action Set~Base~URL", "'--category' needs a name"},
       {"lists ad L", "Did you mean 'add'?"},
       {"lists add", "needs a list's name"},
@@ -120,7 +129,7 @@ TEST(Commands, SlipsAreCode2AndTouchNothing) {
   }
   for (const char* name : {"a.pdf", "b.pdf", "-dash.pdf"}) EXPECT_EQ(ReadFile(name), MakePdf(kOld)) << name;
   EXPECT_EQ(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-            QStringList({"-dash.pdf", "a.pdf", "b.pdf", "d", "not.tsf", "r.jsonl"}));
+            QStringList({"-dash.pdf", "a.pdf", "b.pdf", "d", "large.txt", "not.tsf", "r.jsonl", "utf-16.txt"}));
 }
 
 TEST(Commands, AnActionIsACommand) {
@@ -237,7 +246,7 @@ TEST(Commands, PlugInsOfTheCurrentFolderAreNotLoaded) {
   EXPECT_THAT(added.err.toStdString(),
               testing::AllOf(HasSubstr("names '/nowhere', which is not a folder"),
                              HasSubstr("Two plug-ins have the action 'Probe': " + tools.toStdString())));
-  // The file that has the action's name counts, so that no other need be loaded to run it.
+  // The file with the action's name is used, so that no other file need be loaded.
   for (const char* name : {"Twin/Another.so", "Twin/Probe.so"}) QFile::copy(PROBEACTION_FILE, name);
   EXPECT_THAT(RunProgram({"actions", "--tools-dir", "Twin"}).err.toStdString(),
               HasSubstr("Probe.so is used, not " + QDir("Twin").absoluteFilePath("Another.so").toStdString()));

@@ -6,18 +6,31 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <QDir>
 #include <QFile>
+#include <string>
 
 #include "tests/support/ProgramRun.h"
 
 namespace {
 
+// Whether a set of signals in /proc/ID/status has this one.
+bool HasSignal(pid_t id, const char* set, int signal) {
+  const std::string status = ReadText(QString("/proc/%1/status").arg(id));
+  const std::size_t at = status.find(set);
+  return at != std::string::npos &&
+         (std::stoull(status.substr(at + std::strlen(set)), nullptr, 16) >> (signal - 1)) % 2 == 1;
+}
+
+// Sends the signal once the program catches it, and returns when the program has got it: two that are pending at once
+// would count as one.
 void Interrupt(QProcess& process, int signal) {
   const auto id = static_cast<pid_t>(process.processId());
-  // The id of a process that has ended reads as 0, which would signal every process of the tests.
-  if (id > 0) kill(id, signal);
-  EXPECT_GT(id, 0) << "ended before it was interrupted";
+  ASSERT_GT(id, 0) << "ended before it was interrupted";  // and 0 would signal every process of the tests
+  for (int i = 0; i < 40000 && !HasSignal(id, "SigCgt:", signal); ++i) usleep(5000);
+  kill(id, signal);
+  for (int i = 0; i < 40000 && HasSignal(id, "ShdPnd:", signal); ++i) usleep(5000);
 }
 
 class Interrupted : public testing::TestWithParam<std::pair<int, int>> {};
@@ -25,12 +38,13 @@ class Interrupted : public testing::TestWithParam<std::pair<int, int>> {};
 TEST_P(Interrupted, TheReportIsTrueAndResumeGoesOn) {
   const auto [jobs, signal] = GetParam();
   QStringList files;
-  for (int i = 0; i < 30; ++i) files += QString("slow%1.pdf").arg(i);
+  for (int i = 0; i < 15; ++i) files += QString(i == 3 || i == 4 ? "gate%1.pdf" : "slow%1.pdf").arg(i);
   for (const QString& file : files) WriteFile(file, MakePdf());
   const QStringList run = ProbeRun({"--jobs", QString::number(jobs), "--output-dir", "out", "--report", "r.jsonl"});
   const auto process = StartProgram(run + files);
   WaitForLines("r.jsonl", 3);
   Interrupt(*process, signal);
+  WriteFile("open", "");
   const ProgramResult result = FinishProgram(*process);
   EXPECT_EQ(result.code, 128 + signal);
   EXPECT_THAT(result.err.toStdString(), testing::HasSubstr("left: interrupted"));
@@ -97,11 +111,11 @@ TEST(Waiting, OneSignalEndsIt) {
 }
 
 TEST(Stopped, TimeInWhichNothingRunsCostsNoFile) {
-  WriteFile("steps.pdf", MakePdf());
+  WriteFile("gate.pdf", MakePdf());
   for (const bool workerAlone : {false, true}) {
-    QFile::remove("log");
+    for (const char* name : {"log", "open"}) QFile::remove(name);
     const auto process = StartProgram(ProbeRun(
-        {"--set", "log=log", "--output-dir", "out", "--report", "-", "--jobs", "1", "--timeout", "4", "steps.pdf"}));
+        {"--set", "log=log", "--output-dir", "out", "--report", "-", "--jobs", "1", "--timeout", "4", "gate.pdf"}));
     WaitForLines("log", 2);
     const auto id = static_cast<pid_t>(process->processId());
     const QString children = QString("/proc/%1/task/%1/children").arg(id);
@@ -110,9 +124,10 @@ TEST(Stopped, TimeInWhichNothingRunsCostsNoFile) {
     ASSERT_EQ(kill(stopped, SIGSTOP), 0);
     sleep(5);
     ASSERT_EQ(kill(stopped, SIGCONT), 0);
+    WriteFile("open", "");
     const ProgramResult result = FinishProgram(*process);
     EXPECT_EQ(result.code, 0) << result.err.toStdString();
-    EXPECT_EQ(QDir("out").entryList(QDir::Files | QDir::Hidden), QStringList("steps.pdf"));
+    EXPECT_EQ(QDir("out").entryList(QDir::Files | QDir::Hidden), QStringList("gate.pdf"));
   }
 }
 

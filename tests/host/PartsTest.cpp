@@ -75,7 +75,7 @@ TEST(FileRecord, EveryValueSurvivesThePipeAndJson) {
   EXPECT_EQ(object["warnings"].toArray(), QJsonArray({"", "two"}));
 }
 
-// A reader that leaves some there holds up its worker.
+// If a reader left bytes in the pipe, the worker would wait.
 TEST(RecordFraming, OneReadTakesWhatAPipeHolds) {
   std::string bytes;
   for (int i = 0; i < 100; ++i) RecordFraming::Append(bytes, {std::string(500, 'x')});
@@ -137,7 +137,7 @@ TEST(JobBoard, NoItemIsLostOrDoneTwice) {
   EXPECT_FALSE(board.Settle(0));
   EXPECT_EQ(board.Claim(11), 2U);
   EXPECT_THAT(board.HeldBy(11), testing::ElementsAre(2U));
-  // As if the claim of the last item had not been completed: it is found again, and nothing else.
+  // The claim of the last item was not completed: only that item is found again.
   JobBoard cut(2);
   EXPECT_EQ(cut.Claim(11), 0U);
   cut.Rewind();

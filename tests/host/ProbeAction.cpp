@@ -26,7 +26,7 @@ void Log(const WorkProcInfoStruct* info, const std::string& line) {
   file.write((line + '\n').c_str());
 }
 
-// As if the PDF library hung while it writes where it needs a name for that.
+// Like a PDF library that hangs while it writes a temporary file that has a name.
 [[noreturn]] void HangWithTemporaryFile() {
   [[maybe_unused]] const int file = open("out/.vorlane-0123456789abcdef.tmp", O_CREAT | O_WRONLY, 0600);
   for (;;) sleep(1000);
@@ -57,6 +57,7 @@ int ProbeAction::WorkProc(WorkProcInfoStruct* info) {
   if (named(L"hang")) HangWithTemporaryFile();
   if (named(L"slow")) usleep(100000);
   for (int i = 0; i < 20 && named(L"steps"); ++i) usleep(25000);
+  while (named(L"gate") && access("open", F_OK) != 0) usleep(5000);
   if (named(L"greedy")) mostTaken = std::max(mostTaken, std::vector<char>(300 << 20).size());
   QString url = info->settings->value(QStringLiteral("baseUrlString")).toString();
   if (url == QLatin1String("platform")) url = QGuiApplication::platformName();

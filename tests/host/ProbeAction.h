@@ -8,7 +8,7 @@
 // The action "Probe": writes a line for each call to the file of its setting "log", sets "baseUrlString" or, with the
 // setting "add", appends it to what the document has, hangs before all documents with the setting "hang", and does what
 // the document's file name holds: abort, exit, throw, hang (with a temporary file open), slow (100 ms), steps (20 times
-// 25 ms), greedy (300 MiB), refused (a failing library call).
+// 25 ms), gate (until a file "open" is in the working folder), greedy (300 MiB), refused (a failing library call).
 class ProbeAction : public QObject, public CActionInterface {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID "org.halvex.vorlane.probe")

@@ -181,7 +181,7 @@ TEST(Backup, EveryOriginalIsKeptWholeAndNoneIsReplaced) {
   const QByteArray second = ReadFile("a.pdf");
   WriteFile("same.pdf", kNew);
   EXPECT_EQ(run("http://next/"), "a.pdf (2).bak");
-  EXPECT_EQ(run("http://next/"), "");  // nothing changes any more
+  EXPECT_EQ(run("http://next/"), "");  // nothing left to change
 
   EXPECT_EQ(ReadFile("a.pdf.bak"), "mine");
   EXPECT_EQ(ReadFile("a.pdf (1).bak"), kNone);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is checked before a file is touched: settings against their description, URLs, templates.
+// The checks before a file is touched: settings against their description, URLs, templates.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -19,7 +19,7 @@ struct FakeCall {
   std::vector<std::variant<int, double, void*>> arguments;
 };
 
-// The recording library's calls and what it is to return; its export "FakeLibraryRecorder" returns it.
+// The recording library's calls and the results that it returns; its export "FakeLibraryRecorder" returns it.
 struct FakeRecorder {
   std::vector<FakeCall> calls;
   int instanceId = 7;

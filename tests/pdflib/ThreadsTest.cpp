@@ -9,6 +9,7 @@
 #include "tests/support/Sandbox.h"
 
 // libqpdf is not built with the sanitizer, which so takes the construction of its static objects for a race.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer calls it by this name
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
   return "race:libqpdf.so";
 }
@@ -54,6 +55,7 @@ TEST(Threads, WithAWrapperEachDoNotMeet) {
   std::atomic<int> waiting = kThreads;
   std::atomic<int> mistakes = 0;
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int number = 0; number < kThreads; ++number) {
     threads.emplace_back([&, number] {
       --waiting;

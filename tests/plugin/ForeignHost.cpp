@@ -104,11 +104,15 @@ void handle(QDialog& dialog, const char* field, const QString& press) {
 
 // A timer for each dialog: one whose handler is still running does not fire again.
 void watch(const char* field, const char* press, const std::shared_ptr<bool>& over) {
-  QTimer::singleShot(1, [field, press, over] {
+  auto* timer = new QTimer(QApplication::instance());
+  timer->setSingleShot(true);
+  QObject::connect(timer, &QTimer::timeout, [=] {
+    timer->deleteLater();
     if (*over) return;
     watch(field, press, over);
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) handle(*dialog, field, press);
   });
+  timer->start(1);
 }
 
 QStringList describe(CActionInterface& action) {

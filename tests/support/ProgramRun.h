@@ -18,14 +18,14 @@ struct ProgramResult {
   QByteArray err;
 };
 
-// For tests that start it through another program.
+// Prepares the environment, for tests that start the program through another one.
 void PrepareToRun();
 // The program leads a process group of its own.
 std::unique_ptr<QProcess> StartProgram(const QStringList& arguments);
 ProgramResult FinishProgram(QProcess& process, const QByteArray& input = QByteArray());
 ProgramResult RunProgram(const QStringList& arguments, const QByteArray& input = QByteArray());
 
-// Waits until a running program has written so many lines to the file; for 200 s at most.
+// Waits until a running program has written so many lines to the file, 200 s at most.
 void WaitForLines(const QString& file, int lines);
 
 // "run" with the Probe action.

@@ -42,7 +42,13 @@ void XUser::Await(const std::string& what, const std::function<bool()>& conditio
     InGui([&] { holds = condition(); });
     if (holds) return;
   }
-  throw std::runtime_error("waited in vain: " + what);
+  QString active;
+  InGui([&] {
+    for (QWidget* widget : {QApplication::activeWindow(), QApplication::focusWidget()}) {
+      if (widget) active += ' ' + QString::fromLatin1(widget->metaObject()->className()) + ' ' + widget->objectName();
+    }
+  });
+  throw std::runtime_error("waited in vain: " + what + "; active:" + active.toStdString());
 }
 
 void XUser::InGui(const std::function<void()>& function) {

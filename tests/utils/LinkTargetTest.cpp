@@ -13,7 +13,7 @@ struct Row {
 
 constexpr char kStandard[] = "http://a/b/c/d;p?q";
 
-// RFC 3986, 5.4, and what it leaves open.
+// The examples of RFC 3986, 5.4, and cases that it leaves open.
 constexpr Row kRows[] = {
     {kStandard, "g:h", "g:h"},
     {kStandard, "g", "http://a/b/c/g"},

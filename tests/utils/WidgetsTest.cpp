@@ -135,22 +135,22 @@ TEST(Pickers, LinesLieWhereTheyShould) {
   const struct {
     const QComboBox& picker;
     int row;
-    const char* text;
     int gray;
+    const char* text;
     const char* drawn;
   } lines[] = {
-      {styles, 0, "", 0, "6 7: 14-60, 1"},           {styles, 1, "", 0, "6 7: 14-59, 4"},
-      {styles, 2, "", 0, "6 7: 14-59, 8"},           {styles, 3, "", 0, "6 7: 14-59, 5"},
-      {styles, 4, "", 0, "6 7: 14-59, 6"},           {underlines, 1, "", 0, "9: 5-65, 1"},
-      {underlines, 2, "", 0, "8 10: 5-65, 1"},       {underlines, 3, "", 0, "8 9 10: 4-66, 1"},
-      {underlines, 4, "", 0, "9: 5-65, 21"},         {underlines, 5, "", 0, "9: 5-65, 11"},
-      {underlines, 6, "", 0, "9: 5-65, 14"},         {weights, 0, "0.1", 200, "7: 3-27, 1"},
-      {weights, 1, "0.25", 170, "7: 3-27, 1"},       {weights, 2, "0.5", 140, "7: 3-27, 1"},
-      {weights, 3, "0.75", 60, "7: 3-27, 1"},        {weights, 4, "1", 0, "7: 3-27, 1"},
-      {weights, 5, "1.5", 0, "6 7: 2-27, 1"},        {weights, 6, "2", 0, "6 7: 2-27, 1"},
-      {weights, 7, "2.5", 0, "6 7 8: 2-28, 1"},      {weights, 8, "3", 0, "6 7 8: 2-28, 1"},
-      {weights, 9, "4", 0, "5 6 7 8: 1-28, 1"},      {weights, 10, "5", 0, "5 6 7 8 9: 1-29, 1"},
-      {weights, 11, "6", 0, "4 5 6 7 8 9: 0-29, 1"},
+      {styles, 0, 0, "", "6 7: 14-60, 1"},           {styles, 1, 0, "", "6 7: 14-59, 4"},
+      {styles, 2, 0, "", "6 7: 14-59, 8"},           {styles, 3, 0, "", "6 7: 14-59, 5"},
+      {styles, 4, 0, "", "6 7: 14-59, 6"},           {underlines, 1, 0, "", "9: 5-65, 1"},
+      {underlines, 2, 0, "", "8 10: 5-65, 1"},       {underlines, 3, 0, "", "8 9 10: 4-66, 1"},
+      {underlines, 4, 0, "", "9: 5-65, 21"},         {underlines, 5, 0, "", "9: 5-65, 11"},
+      {underlines, 6, 0, "", "9: 5-65, 14"},         {weights, 0, 200, "0.1", "7: 3-27, 1"},
+      {weights, 1, 170, "0.25", "7: 3-27, 1"},       {weights, 2, 140, "0.5", "7: 3-27, 1"},
+      {weights, 3, 60, "0.75", "7: 3-27, 1"},        {weights, 4, 0, "1", "7: 3-27, 1"},
+      {weights, 5, 0, "1.5", "6 7: 2-27, 1"},        {weights, 6, 0, "2", "6 7: 2-27, 1"},
+      {weights, 7, 0, "2.5", "6 7 8: 2-28, 1"},      {weights, 8, 0, "3", "6 7 8: 2-28, 1"},
+      {weights, 9, 0, "4", "5 6 7 8: 1-28, 1"},      {weights, 10, 0, "5", "5 6 7 8 9: 1-29, 1"},
+      {weights, 11, 0, "6", "4 5 6 7 8 9: 0-29, 1"},
   };
   for (const auto& line : lines) {
     const QImage icon = IconOf(line.picker, line.row);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The most telling of what tests/viewers/measure compares with the engines themselves.
+// The most important cases of those that tests/viewers/measure compares with the engines themselves.
 TEST(ViewerRules, LeadWhereTheEnginesDo) {
   constexpr const char* kNone = nullptr;
   constexpr const char* kBase = "https://e.org/m/a/";

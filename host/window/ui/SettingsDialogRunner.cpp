@@ -67,6 +67,8 @@ SettingsDialogRunner::Result SettingsDialogRunner::Run(CActionInterface& action,
   }
   QApplication::instance()->removeEventFilter(this);
   running_ = false;
+  // Some window managers leave no window active when two dialogs close at once.
+  window_->activateWindow();
   for (const QString& key : StoredSettings::KeysOfDialogs()) result_.settings.remove(key);
   if (result_.accepted) RememberLinks(actionName_, result_.settings);
   return result_;

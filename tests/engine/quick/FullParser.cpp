@@ -6,7 +6,7 @@
 
 namespace {
 
-// A value of /URI or /Base of another type is as good as none.
+// A value of /URI or /Base of another type counts as missing.
 std::string BaseUrlOf(QPDFObjectHandle catalog) {
   QPDFObjectHandle uri = catalog.getKey("/URI");
   if (!uri.isDictionary()) return {};

@@ -260,6 +260,11 @@ void Activate(const QProcess& program, const QString& title) {
   XUser::Do({"windowactivate", "--sync", id});
 }
 
+bool HasChildren(const QProcess& program) {
+  const QString pid = QString::number(program.processId());
+  return !ReadFile(QStringLiteral("/proc/%1/task/%1/children").arg(pid)).isEmpty();
+}
+
 TEST_F(WindowOnX, TheEntryOfFileManagersNeedsNoPointerAndSpeaksGerman) {
   MakeFolders({"files"}, 3);
   QProcess program;
@@ -280,6 +285,8 @@ TEST_F(WindowOnX, TheEntryOfFileManagersNeedsNoPointerAndSpeaksGerman) {
     for (const QFileInfo& file : files) {
       XUser::Await("the base URL", [&] { return BaseUrlOf(file.filePath()) == kUrl; });
     }
+    // It would ask before it closes.
+    XUser::Await("the end of the run", [&] { return !HasChildren(program); });
     XUser::Press("ctrl+q");
     XUser::Await("the end", [&] { return program.state() == QProcess::NotRunning; });
   });
