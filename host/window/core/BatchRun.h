@@ -70,7 +70,7 @@ class BatchRun : public QObject {
 
  private:
   void Take(const QVector<RunnerRecord>& records);
-  FileOutcome OutcomeOf(const QJsonObject& record);
+  FileOutcome OutcomeOf(const QString& file, const QJsonObject& record);
   void End(const RunnerResult& result);
   void SaveTable(const QString& file);
   // State and reason of the files without a record.
