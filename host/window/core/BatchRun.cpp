@@ -83,21 +83,22 @@ void BatchRun::Start(const QStringList& names, const ActionChoice& action, const
     given += name;
     waiting.append(WithoutRecord({file, FileState::kWaiting, {}}));
   }
-  emit filesChanged(waiting);
   QString problem = ProblemOf(action, output);
   if (problem.isEmpty() && files_.isEmpty()) problem = tr("Add files first.");
   if (!problem.isEmpty()) {
     refusal_ = RunnerResult();
     refusal_.started = false;
     refusal_.error = problem;
-    return refuse_.start();
+    refuse_.start();
+  } else {
+    RunnerRequest request;
+    request.arguments = RunArguments(action, output);
+    request.files = given;
+    request.passwords = output.passwords;
+    request.silenceLimit = kSilenceLimit;
+    runner_.Start(request);
   }
-  RunnerRequest request;
-  request.arguments = RunArguments(action, output);
-  request.files = given;
-  request.passwords = output.passwords;
-  request.silenceLimit = kSilenceLimit;
-  runner_.Start(request);
+  emit filesChanged(waiting);  // while the program starts
 }
 
 bool BatchRun::IsRunning() const {
