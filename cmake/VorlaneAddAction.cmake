@@ -44,7 +44,7 @@ function(vorlane_add_action)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT APPLE)
     target_link_options(${arg_NAME} PRIVATE "LINKER:-z,defs")
   endif()
-  # CMake would end a run path that it replaces when it installs with ":", an empty entry: the current folder.
+  # With a run path of its own for the build, CMake would add a ":" to it: an empty entry, which means the current folder.
   set_target_properties(${arg_NAME} PROPERTIES
     LINK_DEPENDS "${exports}" INSTALL_RPATH "${origin}/.." BUILD_WITH_INSTALL_RPATH ON)
 

@@ -25,10 +25,9 @@ LinksCommand::LinksCommand()
               "Lists the relative links of annotations, outlines and forms, and where viewers lead for them.")) {
   AddOption(QStringLiteral("all"),
             QStringLiteral("Also lists links that have a scheme; '--check' looks all links up."));
-  AddOption(
-      QStringLiteral("base"),
-      QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: what none would."),
-      QStringLiteral("URL"));
+  AddOption(QStringLiteral("base"),
+            QStringLiteral("Shows what this base URL would do instead of the files' own; an empty one: without any."),
+            QStringLiteral("URL"));
   AddOption(QStringLiteral("check"),
             QStringLiteral("Looks up the links that lead to URL and below in a folder, and lists those whose file is "
                            "missing there; may be repeated."),

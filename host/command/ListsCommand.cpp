@@ -44,7 +44,7 @@ ListsCommand::ListsCommand()
   AddUncheckedOption();
   AddOption(QStringLiteral("category"), QStringLiteral("With 'add': the category of a new list (default: Default)."),
             QStringLiteral("CATEGORY"));
-  AddOption(QStringLiteral("force"), QStringLiteral("With 'add': replaces a list that is there."));
+  AddOption(QStringLiteral("force"), QStringLiteral("With 'add': replaces an existing list."));
   AddToolsOption();
   parser_.addPositionalArgument(QStringLiteral("add"),
                                 QStringLiteral("add NAME: puts the action at the end of the list, which is made if it "
@@ -100,7 +100,7 @@ int ListsCommand::Add() const {
   const QString path = existing ? *existing : PathOfNew(ListName());
   const bool append = QFileInfo::exists(path) && !IsSet("force");
   if (append && IsSet("category")) {
-    Refuse(QStringLiteral("The list '%1' is there and keeps its category; --force replaces it.").arg(path));
+    Refuse(QStringLiteral("The list '%1' exists and keeps its category; --force replaces it.").arg(path));
   }
   // Only an action list is replaced.
   if (QFileInfo::exists(path) && IsSet("force")) ActionList::Read(path);

@@ -105,7 +105,7 @@ void RefuseForeignReport(const QString& name) {
   constexpr int kStart = 64;
   const QByteArray start = file.read(kStart).trimmed();
   if (start.isEmpty() || start.startsWith('{') || start.startsWith('[')) return;
-  throw CommandError(kExitUsage, QStringLiteral("'%1' is there and is not a report; it is not replaced.").arg(name));
+  throw CommandError(kExitUsage, QStringLiteral("'%1' exists and is not a report; it is not replaced.").arg(name));
 }
 
 }  // namespace
@@ -129,16 +129,15 @@ RunCommand::RunCommand(const QString& name, const QString& summary) : BatchComma
   AddOption(QStringLiteral("o|output"), QStringLiteral("Writes the result of the one file to this file."),
             QStringLiteral("FILE"));
   AddOption(QStringLiteral("force"),
-            QStringLiteral("Replaces files that are there by the results of --output or --output-dir."));
-  AddOption(
-      QStringLiteral("d|output-dir"),
-      QStringLiteral("Writes the results to this folder, which is made if missing. Of the files that are there only "
-                     "earlier results of the same inputs are replaced; --force replaces others too."),
-      QStringLiteral("DIR"));
+            QStringLiteral("Replaces existing files by the results of --output or --output-dir."));
+  AddOption(QStringLiteral("d|output-dir"),
+            QStringLiteral("Writes the results to this folder, which is made if missing. Of existing files only "
+                           "earlier results of the same inputs are replaced; --force replaces others too."),
+            QStringLiteral("DIR"));
   AddOption(QStringLiteral("in-place"), QStringLiteral("Replaces the files by the results."));
   AddInputOptions();
   AddOption(QStringLiteral("dry-run"),
-            QStringLiteral("Does all but save: prints for each file what would be; nothing is written but the "
+            QStringLiteral("Does all but save: prints what would become of each file; nothing is written but the "
                            "report."));
   AddOption(QStringLiteral("backup"),
             QStringLiteral("With --in-place, keeps the original of each file that changes as NAME+SUFFIX. An older "
@@ -391,7 +390,7 @@ void RunCommand::RefuseToReplaceOutput(const InputList& inputs, const ResumedRep
   if (S_ISDIR(existing->mode)) refuse("is a folder; use '--output-dir'.");
   if (inputs.Holds(existing->identity)) refuse("is the input; use '--in-place' to replace it.");
   if (IsSet("force") || resumed.Find(inputs.File(0), output) != nullptr) return;
-  refuse("is there already; use '--force' to replace it.");
+  refuse("exists already; use '--force' to replace it.");
 }
 
 // Names the temporary files that earlier runs left in this run's folders. The user decides whether to remove them.

@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(Resources, EveryImageHasItsSizeAndATwiceAsDenseTwin) {
+TEST(Resources, EveryImageHasItsSizeAndACopyOfTwiceTheDensity) {
   InitKitResources();
   const std::pair<QSize, const char*> images[] = {
       {{8, 8}, "DialogShadow-TopLeft DialogShadow-Top DialogShadow-TopRight DialogShadow-Left DialogShadow-Right"},
