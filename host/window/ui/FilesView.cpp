@@ -241,7 +241,7 @@ void FilesView::MakeTable() {
   header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int letter = fontMetrics().averageCharWidth();
   const QPair<int, int> columns[] = {
-      {FileTableModel::kName, 24},    {FileTableModel::kState, 18},     {FileTableModel::kReason, 36},
+      {FileTableModel::kName, 23},    {FileTableModel::kState, 19},     {FileTableModel::kReason, 36},
       {FileTableModel::kBaseUrl, 25}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 7},
       {FileTableModel::kSigned, 9},   {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 14}};
   for (int place = 0; place < FileTableModel::kColumnCount; ++place) {
