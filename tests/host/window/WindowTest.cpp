@@ -71,13 +71,16 @@ class StayingAction : public CActionInterface {
   int WorkProc(WorkProcInfoStruct*) override { return 0; }
   int ShowDialogProc(QWidget* parent, DialogLoadStruct*) override {
     QDialog settings(parent);
-    QTimer::singleShot(0, &settings, [&settings] {
+    QTimer soon;
+    soon.setSingleShot(true);
+    QObject::connect(&soon, &QTimer::timeout, [&settings] {
       QDialog header(&settings);
       header.setObjectName("saveAsCollectionDialog");
-      QTimer::singleShot(0, &header, &QDialog::reject);
+      QMetaObject::invokeMethod(&header, "reject", Qt::QueuedConnection);
       header.exec();
       QTest::keyClick(&settings, Qt::Key_Escape);
     });
+    soon.start(0);
     return settings.exec();
   }
   int PreSequenceProc(WorkProcInfoStruct*) override { return 1; }
