@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/core/BatchRun.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QProcess>
 #include <QSaveFile>
@@ -84,21 +83,22 @@ void BatchRun::Start(const QStringList& names, const ActionChoice& action, const
     given += name;
     waiting.append(WithoutRecord({file, FileState::kWaiting, {}}));
   }
-  emit filesChanged(waiting);
   QString problem = ProblemOf(action, output);
   if (problem.isEmpty() && files_.isEmpty()) problem = tr("Add files first.");
   if (!problem.isEmpty()) {
     refusal_ = RunnerResult();
     refusal_.started = false;
     refusal_.error = problem;
-    return refuse_.start();
+    refuse_.start();
+  } else {
+    RunnerRequest request;
+    request.arguments = RunArguments(action, output);
+    request.files = given;
+    request.passwords = output.passwords;
+    request.silenceLimit = kSilenceLimit;
+    runner_.Start(request);
   }
-  RunnerRequest request;
-  request.arguments = RunArguments(action, output);
-  request.files = given;
-  request.passwords = output.passwords;
-  request.silenceLimit = kSilenceLimit;
-  runner_.Start(request);
+  emit filesChanged(waiting);  // while the program starts
 }
 
 bool BatchRun::IsRunning() const {
@@ -132,17 +132,18 @@ QStringList BatchRun::OutputFolders() const {
 void BatchRun::Take(const QVector<RunnerRecord>& records) {
   QVector<FileOutcome> outcomes;
   for (const RunnerRecord& record : records) {
-    if (!open_.remove(PathOf(TextOf(record.json, "file")))) continue;
+    const QString file = PathOf(TextOf(record.json, "file"));
+    if (!open_.remove(file)) continue;
     report_ += record.line + '\n';
-    outcomes.append(OutcomeOf(record.json));
+    outcomes.append(OutcomeOf(file, record.json));
   }
   Settle(outcomes);
 }
 
-FileOutcome BatchRun::OutcomeOf(const QJsonObject& record) {
+FileOutcome BatchRun::OutcomeOf(const QString& file, const QJsonObject& record) {
   FileOutcome outcome;
   const QString reason = TextOf(record, "reason");
-  outcome.change = {PathOf(TextOf(record, "file")), StateOf(record, reason), RecordTexts::PlainReason(reason)};
+  outcome.change = {file, StateOf(record, reason), RecordTexts::PlainReason(reason)};
   outcome.output = TextOf(record, "output");
   outcome.backup = TextOf(record, "backup");
   outcome.baseUrl = TextOf(record, "baseUrlAfter");
@@ -150,7 +151,7 @@ FileOutcome BatchRun::OutcomeOf(const QJsonObject& record) {
     outcome.warnings += RecordTexts::PlainReason(warning.toString());
   }
   if (outcome.change.state == FileState::kDone) {
-    const QString folder = QFileInfo(outcome.output).path();
+    const QString folder = outcome.output.left(outcome.output.lastIndexOf(QLatin1Char('/')));
     if (!outputFolders_.contains(folder)) outputFolders_ += folder;
   }
   return outcome;

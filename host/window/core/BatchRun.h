@@ -70,10 +70,10 @@ class BatchRun : public QObject {
 
  private:
   void Take(const QVector<RunnerRecord>& records);
-  FileOutcome OutcomeOf(const QJsonObject& record);
+  FileOutcome OutcomeOf(const QString& file, const QJsonObject& record);
   void End(const RunnerResult& result);
   void SaveTable(const QString& file);
-  // What is to be said of the files without a record.
+  // State and reason of the files without a record.
   FileStateChange Leftover(const RunnerResult& result) const;
   void Settle(const QVector<FileOutcome>& outcomes);
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-// The one name of a file, whatever links lead to it. Neighbours mostly lie in one folder, which is looked up once.
+// Names of files with all links resolved. Neighbours mostly lie in one folder, which is looked up once.
 class CanonicalNames {
  public:
   // `path` is absolute and is returned as it is when the file cannot be looked up.

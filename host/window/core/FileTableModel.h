@@ -43,7 +43,7 @@ struct FileStateChange {
   QString reason;  // for people; empty where the state says it all
 };
 
-// A file that was found, with the name by which it is known whatever links lead to it.
+// A file that was found, and its name with all links resolved.
 struct FoundFile {
   QString path;  // absolute, without "." parts
   QString canonical;
@@ -82,7 +82,7 @@ class FileTableModel : public QAbstractTableModel {
 
   explicit FileTableModel(QObject* parent = nullptr);
 
-  // Returns how many are new: files that are there already, under whatever name, are left out.
+  // Returns how many are new: files that are in the table already, also by another name, are left out.
   int Add(const QVector<FoundFile>& files);
   void Remove(QVector<int> rows);
   void Clear();
@@ -114,7 +114,7 @@ class FileTableModel : public QAbstractTableModel {
   bool SetState(FileRow& row, FileState state, const QString& reason);
   void RemoveRange(int first, int last);
   void CountRowsFrom(int first);
-  // Tells the views of changed rows: neighbours together.
+  // Reports changed rows to the views, neighbours together.
   void Announce(QVector<int> rows, Column first, Column last);
   static QString FullText(const FileRow& row, int column);
   static QString ToolTip(const FileRow& row, int column);

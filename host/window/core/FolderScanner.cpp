@@ -8,8 +8,8 @@
 #include <chrono>
 #include <exception>
 #include <fstream>
+#include <mutex>
 #include <QDir>
-#include <QMutex>
 #include <QSysInfo>
 #include <utility>
 
@@ -27,7 +27,7 @@ constexpr int kMostProblems = 100;
 
 struct GivenUp {};
 
-// WalkFolder takes a plain function, which also lets a walk over many other files be given up.
+// WalkFolder takes a plain function. It is called for every name, so that a walk over many other files can be given up.
 thread_local const std::atomic<bool>* gGivenUp = nullptr;
 
 bool IsWanted(std::string_view name) {
@@ -89,6 +89,7 @@ class FolderScanner::Search {
   explicit Search(const QStringList& paths) : paths_(paths) {}
 
   void GiveUp() { givenUp_ = true; }
+  bool IsOver() const { return isOver_; }
 
   void Run() {
     gGivenUp = &givenUp_;
@@ -99,17 +100,18 @@ class FolderScanner::Search {
       Report({}, QString::fromUtf8(exception.what()));
     }
     if (problemCount_ > kMostProblems) AddProblem(tr("More such problems: %1").arg(problemCount_ - kMostProblems));
+    isOver_ = true;
   }
 
   QVector<FoundFile> TakeFound() {
-    const QMutexLocker locker(&mutex_);
+    const std::lock_guard lock(mutex_);
     const QVector<FoundFile> batch = found_.mid(next_, kMostInBatch);
     next_ += batch.size();
     return batch;
   }
 
   QStringList TakeProblems() {
-    const QMutexLocker locker(&mutex_);
+    const std::lock_guard lock(mutex_);
     return std::exchange(problems_, {});
   }
 
@@ -139,7 +141,7 @@ class FolderScanner::Search {
   void Add(const std::string& path, const std::string& canonical, int below = 0) {
     const QString name = NativeName::ToText(path);
     const FoundFile file{name, canonical == path ? name : NativeName::ToText(canonical), below};
-    const QMutexLocker locker(&mutex_);
+    const std::lock_guard lock(mutex_);
     found_.append(file);
   }
 
@@ -149,7 +151,7 @@ class FolderScanner::Search {
   }
 
   void AddProblem(const QString& problem) {
-    const QMutexLocker locker(&mutex_);
+    const std::lock_guard lock(mutex_);
     problems_ += problem;
   }
 
@@ -157,7 +159,8 @@ class FolderScanner::Search {
   std::atomic<bool> givenUp_{false};
   CanonicalNames names_;
   int problemCount_ = 0;
-  QMutex mutex_;  // for what follows
+  std::atomic<bool> isOver_{false};
+  std::mutex mutex_;  // for what follows; the thread sanitizer does not see Qt's
   QVector<FoundFile> found_;
   int next_ = 0;  // of these, the first that was not taken
   QStringList problems_;
@@ -170,30 +173,29 @@ FolderScanner::FolderScanner(QObject* parent) : QObject(parent) {
 }
 
 FolderScanner::~FolderScanner() {
-  if (!thread_) return;
+  if (!search_) return;
   search_->GiveUp();
-  thread_->wait();
+  thread_.join();
 }
 
 void FolderScanner::Scan(const QStringList& paths) {
   for (const QString& path : paths) waiting_ += Plain(QDir::current().absoluteFilePath(path));
   cancelled_ = false;
-  if (!thread_ && !waiting_.isEmpty()) Begin();
+  if (!search_ && !waiting_.isEmpty()) Begin();
 }
 
 bool FolderScanner::IsRunning() const {
-  return thread_ != nullptr;
+  return search_ != nullptr;
 }
 
 void FolderScanner::Begin() {
   search_ = std::make_unique<Search>(std::exchange(waiting_, {}));
-  thread_.reset(QThread::create([search = search_.get()] { search->Run(); }));
-  thread_->start();
+  thread_ = std::thread([search = search_.get()] { search->Run(); });
   deliver_.start();
 }
 
 void FolderScanner::Deliver() {
-  const bool isOver = thread_->isFinished();
+  const bool isOver = search_->IsOver();
   const QVector<FoundFile> files = search_->TakeFound();
   const QStringList problems = search_->TakeProblems();
   if (isGivenUp_) return isOver ? End() : void();
@@ -205,8 +207,8 @@ void FolderScanner::Deliver() {
 
 void FolderScanner::End() {
   deliver_.stop();
-  thread_->wait();
-  thread_.reset();
+  thread_.join();
+  search_.reset();
   isGivenUp_ = false;
   if (!waiting_.isEmpty()) return Begin();
   const int files = std::exchange(found_, 0);
@@ -214,7 +216,7 @@ void FolderScanner::End() {
 }
 
 void FolderScanner::Cancel() {
-  if (!thread_) return;
+  if (!search_) return;
   cancelled_ = true;
   isGivenUp_ = true;
   waiting_.clear();

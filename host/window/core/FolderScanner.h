@@ -5,8 +5,8 @@
 #include <QMimeData>
 #include <QObject>
 #include <QStringList>
-#include <QThread>
 #include <QTimer>
+#include <thread>
 
 #include "host/window/core/FileTableModel.h"
 
@@ -44,8 +44,8 @@ class FolderScanner : public QObject {
   void Deliver();
   void End();
 
-  std::unique_ptr<Search> search_;
-  std::unique_ptr<QThread> thread_;
+  std::unique_ptr<Search> search_;  // the running one
+  std::thread thread_;
   QTimer deliver_;
   QStringList waiting_;
   int found_ = 0;

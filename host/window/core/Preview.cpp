@@ -59,7 +59,7 @@ void Preview::Clear() {
   GiveUp();
 }
 
-// The program only reads. It ends while nobody waits for it.
+// The program only reads, so it can be killed. Its end is not waited for.
 void Preview::GiveUp() {
   if (!runner_) return;
   RunnerProcess* const old = runner_.release();
@@ -101,7 +101,8 @@ void Preview::TakeRecord(const QVector<RunnerRecord>& records) {
   data_.wouldChange = TextOf(record, "status") == QLatin1String("would-change");
   data_.saveMode = TextOf(record, "saveMode");
   for (const auto& warning : record.value(QLatin1String("warnings")).toArray()) {
-    data_.warnings += RecordTexts::PlainReason(warning.toString());
+    // The links themselves say that better.
+    if (!RecordTexts::IsAboutLinks(warning.toString())) data_.warnings += RecordTexts::PlainReason(warning.toString());
   }
   const QString reason = TextOf(record, "reason");
   data_.needsPassword = RecordTexts::IsAboutPassword(reason);

@@ -17,6 +17,8 @@ struct Text {
   const char* shown;
 };
 
+constexpr char kAboutLinks[] = "(\\d+) relative links?, (\\d+) leads? elsewhere in Chrome than in Firefox.*";
+
 constexpr Text kTexts[] = {
     {"a password is needed", QT_TRANSLATE_NOOP("RecordTexts", "The file needs a password.")},
     {"wrong password", QT_TRANSLATE_NOOP("RecordTexts", "None of the passwords opens the file.")},
@@ -104,8 +106,8 @@ constexpr Text kTexts[] = {
      QT_TRANSLATE_NOOP(
          "RecordTexts",
          "A base URL should have no question mark and no number sign: viewers differ in what they make of it.")},
-    {"(\\d+) relative links?, (\\d+) leads? elsewhere in Chrome than in Firefox.*",
-     QT_TRANSLATE_NOOP("RecordTexts", "Of %1 relative links, %2 lead elsewhere in Chrome than in Firefox.")},
+    {kAboutLinks,
+     QT_TRANSLATE_NOOP("RecordTexts", "Relative links: %1. Those that lead elsewhere in Chrome than in Firefox: %2.")},
     {"its certification permits only filling in forms: .*",
      QT_TRANSLATE_NOOP("RecordTexts",
                        "Its certification permits filling in forms only: readers may report the change.")},
@@ -140,6 +142,11 @@ const QRegularExpression& OptionAdvice() {
 bool RecordTexts::IsAboutPassword(const QString& reason) {
   return reason == QLatin1String(PdfLibrary::ErrorMessage(kErrorPasswordNeeded)) ||
          reason == QLatin1String(PdfLibrary::ErrorMessage(kErrorPasswordWrong));
+}
+
+bool RecordTexts::IsAboutLinks(const QString& warning) {
+  static const QRegularExpression pattern(QRegularExpression::anchoredPattern(QLatin1String(kAboutLinks)));
+  return pattern.match(warning).hasMatch();
 }
 
 QString RecordTexts::PlainReason(const QString& reason) {

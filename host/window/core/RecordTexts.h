@@ -10,6 +10,9 @@ namespace RecordTexts {
 // Whether the file could be opened with the right password.
 bool IsAboutPassword(const QString& reason);
 
+// Whether it counts the links that lead elsewhere in another viewer.
+bool IsAboutLinks(const QString& warning);
+
 // The message as a sentence, without the names of options of the command line.
 QString PlainReason(const QString& reason);
 

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QStandardPaths>
+#include <utility>
 
 #include "host/base/ExitCode.h"
 #include "host/base/NativeName.h"
@@ -15,7 +16,9 @@ namespace {
 
 // Records are passed on so often: seldom enough that painting them does not slow the program down.
 constexpr int kGatherMs = 50;
-// And so many bytes of them at once, which take a few milliseconds to parse.
+// Or earlier when there are so many.
+constexpr int kMostRecords = 2000;
+// So many bytes are read at once, which take a few milliseconds to parse.
 constexpr int kPiece = 1 << 17;
 // Longer lines take too long to parse at once. The longest record holds a base URL of a few bytes.
 constexpr int kLongestLine = 1 << 22;
@@ -60,14 +63,10 @@ void RunnerProcess::SetProgramFile(const QString& file) {
 }
 
 RunnerProcess::RunnerProcess(QObject* parent) : QObject(parent) {
-  gather_.setSingleShot(true);
-  connect(&process_, &QProcess::readyReadStandardOutput, this, [this] {
-    if (!gather_.isActive()) gather_.start(kGatherMs);
-  });
-  connect(&gather_, &QTimer::timeout, this, [this] {
-    TakeOutput(process_.read(kPiece));
-    if (process_.bytesAvailable() > 0) gather_.start(0);
-  });
+  for (auto* const timer : {&gather_, &readOn_}) timer->setSingleShot(true);
+  connect(&process_, &QProcess::readyReadStandardOutput, this, &RunnerProcess::ReadOn);
+  connect(&readOn_, &QTimer::timeout, this, &RunnerProcess::ReadOn);
+  connect(&gather_, &QTimer::timeout, this, &RunnerProcess::PassOn);
   connect(&process_, &QProcess::readyReadStandardError, this,
           [this] { TakeMessages(process_.readAllStandardError()); });
   connect(&process_, &QProcess::errorOccurred, this, &RunnerProcess::Fail);
@@ -155,12 +154,23 @@ void RunnerProcess::Kill() {
   process_.kill();
 }
 
+// Lines are parsed as they come, so that little is left to do when the program ends.
+void RunnerProcess::ReadOn() {
+  TakeOutput(process_.read(kPiece));
+  if (process_.bytesAvailable() > 0) readOn_.start();
+}
+
+void RunnerProcess::PassOn() {
+  gather_.stop();
+  const QVector<RunnerRecord> records = std::exchange(records_, {});
+  if (!records.isEmpty()) emit recordsReceived(records);
+}
+
 void RunnerProcess::TakeOutput(const QByteArray& bytes) {
   if (silence_.isActive()) silence_.start();
-  QVector<RunnerRecord> records;
   int begin = 0;
   for (int end = bytes.indexOf('\n'); end >= 0; end = bytes.indexOf('\n', begin)) {
-    TakeLine(pending_.isEmpty() ? bytes.mid(begin, end - begin) : pending_ + bytes.mid(begin, end - begin), records);
+    TakeLine(pending_.isEmpty() ? bytes.mid(begin, end - begin) : pending_ + bytes.mid(begin, end - begin));
     pending_.clear();
     skipping_ = false;
     begin = end + 1;
@@ -170,13 +180,14 @@ void RunnerProcess::TakeOutput(const QByteArray& bytes) {
     skipping_ = true;
     pending_.clear();
   }
-  if (!records.isEmpty()) emit recordsReceived(records);
+  if (records_.size() >= kMostRecords) return PassOn();
+  if (!records_.isEmpty() && !gather_.isActive()) gather_.start(kGatherMs);
 }
 
-void RunnerProcess::TakeLine(const QByteArray& line, QVector<RunnerRecord>& records) {
+void RunnerProcess::TakeLine(const QByteArray& line) {
   const QJsonDocument json = skipping_ ? QJsonDocument() : QJsonDocument::fromJson(line);
   if (json.isObject()) {
-    records.append({line, json.object()});
+    records_.append({line, json.object()});
   } else {
     ++unreadable_;
   }
@@ -212,11 +223,12 @@ void RunnerProcess::Fail(QProcess::ProcessError error) {
 }
 
 void RunnerProcess::End(int code, QProcess::ExitStatus status) {
-  gather_.stop();
+  readOn_.stop();
   while (process_.bytesAvailable() > 0) TakeOutput(process_.read(kPiece));
-  // What a killed program had begun to print is no record.
+  // The unfinished last line of a killed program does not count.
   const bool isCut = status == QProcess::CrashExit;
   if ((skipping_ || !pending_.isEmpty()) && !isCut) TakeOutput("\n");
+  PassOn();
   TakeMessages(process_.readAllStandardError() + '\n');
   if (status == QProcess::NormalExit) result_.exitCode = code;
   if (!result_.cancelled) result_.error = ErrorOf(code, status);

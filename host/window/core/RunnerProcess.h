@@ -69,7 +69,7 @@ class RunnerProcess : public QObject {
   void Kill();
 
  signals:
-  // What came within a tenth of a second: not more, so that a turn of the event loop stays short, and not
+  // What came within a twentieth of a second: not more, so that a turn of the event loop stays short, and not
   // less, since each batch paints the window.
   void recordsReceived(const QVector<RunnerRecord>& records);
   void finished(const RunnerResult& result);
@@ -77,8 +77,10 @@ class RunnerProcess : public QObject {
  private:
   bool WriteList(const QStringList& files);
   void GiveUp(const QString& error);
+  void ReadOn();
+  void PassOn();
   void TakeOutput(const QByteArray& bytes);
-  void TakeLine(const QByteArray& line, QVector<RunnerRecord>& records);
+  void TakeLine(const QByteArray& line);
   void TakeMessages(const QByteArray& bytes);
   void TakeMessage(const QByteArray& line);
   void Fail(QProcess::ProcessError error);
@@ -88,7 +90,9 @@ class RunnerProcess : public QObject {
 
   QProcess process_;
   std::unique_ptr<QTemporaryFile> list_;
+  QTimer readOn_;
   QTimer gather_;
+  QVector<RunnerRecord> records_;  // for which gather_ waits
   QTimer giveUp_;
   QTimer silence_;
   QTimer force_;

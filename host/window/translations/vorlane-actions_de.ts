@@ -216,10 +216,6 @@
         <translation>Diese Einstellungen als Favorit speichern</translation>
     </message>
     <message>
-        <source>Help</source>
-        <translation>Hilfe</translation>
-    </message>
-    <message>
         <source>What this action does</source>
         <translation>Was diese Aktion tut</translation>
     </message>
@@ -233,7 +229,7 @@
     </message>
     <message>
         <source>Edit &amp;Settings…</source>
-        <translation>Ein&amp;stellungen …</translation>
+        <translation>Ein&amp;stellungen…</translation>
     </message>
     <message>
         <source>Edit Li&amp;st…</source>
@@ -495,7 +491,7 @@
     </message>
     <message>
         <source>A&amp;dd Files…</source>
-        <translation>Dateien hin&amp;zufügen …</translation>
+        <translation>Dateien hin&amp;zufügen…</translation>
     </message>
 </context>
 <context>
@@ -1238,10 +1234,6 @@ Lizenz: Apache-2.0</translation>
         <translation>Eine Basis-URL sollte kein Fragezeichen und kein Rautezeichen enthalten: Betrachter gehen verschieden damit um.</translation>
     </message>
     <message>
-        <source>Of %1 relative links, %2 lead elsewhere in Chrome than in Firefox.</source>
-        <translation>Von %1 relativen Links führen %2 in Chrome woandershin als in Firefox.</translation>
-    </message>
-    <message>
         <source>Its certification permits filling in forms only: readers may report the change.</source>
         <translation>Ihre Zertifizierung erlaubt nur das Ausfüllen von Formularen: Betrachter können die Änderung melden.</translation>
     </message>
@@ -1360,6 +1352,10 @@ Lizenz: Apache-2.0</translation>
     <message>
         <source>The folder for the results has another file of that name: %1. Choose another folder.</source>
         <translation>Im Ordner für die Ergebnisse liegt eine andere Datei dieses Namens: %1. Wählen Sie einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>Relative links: %1. Those that lead elsewhere in Chrome than in Firefox: %2.</source>
+        <translation>Relative Links: %1. Davon führen in Chrome woandershin als in Firefox: %2.</translation>
     </message>
 </context>
 <context>

@@ -5,6 +5,9 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QInputDialog>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QKeyEvent>
 #include <QMap>
 #include <QMenu>
@@ -41,6 +44,10 @@ QString ValueOf(const QTreeWidgetItem* item) {
   return item == nullptr ? QString() : item->data(0, kValueRole).toString();
 }
 
+QString TextOf(const RecentSettings::Entry& entry) {
+  return QJsonDocument(QJsonArray{entry.actionName, QJsonObject::fromVariantMap(entry.settings)}).toJson();
+}
+
 QTreeWidgetItem* AddItem(QTreeWidget* tree, Kind kind, const QString& text, const QIcon& icon, const QVariant& value) {
   auto* const item = new QTreeWidgetItem(tree, {text});
   item->setData(0, kKindRole, static_cast<int>(kind));
@@ -75,9 +82,8 @@ ActionsPanel::ActionsPanel(ActionCatalog& catalog, QWidget* parent) : QWidget(pa
 }
 
 void ActionsPanel::Refresh() {
-  const QTreeWidgetItem* const current = tree_->currentItem();
-  const Kind kind = KindOf(current);
-  const QString value = ValueOf(current);
+  // An entry that only has the focus is not marked.
+  const QString marked = ValueOf(tree_->selectedItems().value(0));
   const int position = tree_->verticalScrollBar()->value();
   tree_->clear();
   favorites_ = Favorites::All();
@@ -87,20 +93,25 @@ void ActionsPanel::Refresh() {
   AddOpenedFiles();
   AddRecent();
   Watch();
-  for (QTreeWidgetItemIterator item(tree_); kind != Kind::kHeading && *item != nullptr; ++item) {
-    if (KindOf(*item) == kind && ValueOf(*item) == value) tree_->setCurrentItem(*item);
-  }
+  MoveTo(marked);
   tree_->verticalScrollBar()->setValue(position);
+}
+
+void ActionsPanel::MoveTo(const QString& value) {
+  QTreeWidgetItemIterator item(tree_);
+  while (*item != nullptr && (value.isEmpty() || ValueOf(*item) != value)) ++item;
+  tree_->setCurrentItem(*item);
+  if (*item != nullptr) tree_->scrollToItem(*item);
+}
+
+void ActionsPanel::MarkChosen(const QString& value) {
+  chosen_ = value;
+  MoveTo(value);
 }
 
 void ActionsPanel::ShowFile(const QString& file) {
   Refresh();
-  for (QTreeWidgetItemIterator item(tree_); *item != nullptr; ++item) {
-    if (KindOf(*item) == Kind::kHeading || ValueOf(*item) != file) continue;
-    tree_->setCurrentItem(*item);
-    tree_->scrollToItem(*item);
-    return;
-  }
+  MoveTo(file);
 }
 
 void ActionsPanel::Watch() {
@@ -181,16 +192,16 @@ void ActionsPanel::AddOpenedFiles() {
 void ActionsPanel::AddRecent() {
   const QVector<RecentSettings::Entry> entries = RecentSettings::All();
   if (!entries.isEmpty()) AddHeading(tr("Recent"));
-  for (int i = 0; i < entries.size(); ++i) {
-    CActionInterface* const action = catalog_.Find(entries[i].actionName);
+  for (const RecentSettings::Entry& entry : entries) {
+    CActionInterface* const action = catalog_.Find(entry.actionName);
     if (action == nullptr) continue;
-    const QString details = DescribeSettings(entries[i].actionName, entries[i].settings);
+    const QString details = DescribeSettings(entry.actionName, entry.settings);
     QString line = details.section(QLatin1Char('\n'), 0, 0);
     // Of a single setting the value says enough.
     if (!details.contains(QLatin1Char('\n'))) line = line.section(QStringLiteral(": "), 1);
     if (line.isEmpty()) line = details;
     AddItem(tree_, Kind::kRecent, line.isEmpty() ? ActionText(action->GetDisplayName()) : line,
-            ActionIcon(action->GetDefaultIcon()), i)
+            ActionIcon(action->GetDefaultIcon()), TextOf(entry))
         ->setToolTip(0, ActionText(action->GetDisplayName()) + QLatin1Char('\n') + details);
   }
 }
@@ -234,8 +245,9 @@ Choice ActionsPanel::ChoiceOf(Kind kind, const QString& value) {
   } else if (kind == Kind::kList || kind == Kind::kFile) {
     choice = Choices::OfFile(catalog_, value, &why);
   } else if (kind == Kind::kRecent) {
-    const RecentSettings::Entry entry = RecentSettings::All().value(value.toInt());
-    choice = Choices::OfAction(catalog_, entry.actionName, entry.settings, &why);
+    for (const RecentSettings::Entry& entry : RecentSettings::All()) {
+      if (TextOf(entry) == value) choice = Choices::OfAction(catalog_, entry.actionName, entry.settings, &why);
+    }
   }
   if (!why.isEmpty()) emit problem(why);
   return choice;
@@ -248,7 +260,9 @@ void ActionsPanel::Choose(Kind kind, const QString& value) {
     return;
   }
   const Choice choice = ChoiceOf(kind, value);
-  if (choice.IsSet()) emit choiceMade(choice);
+  if (!choice.IsSet()) return MarkChosenAgain();
+  MarkChosen(value);
+  emit choiceMade(choice);
 }
 
 // The items may be replaced while the menu is open.

@@ -18,7 +18,7 @@ class ActionsPanel : public QWidget {
   Q_OBJECT
 
  public:
-  // What an entry is; its value is the action's name, the file, or a recent entry's number.
+  // What an entry is. Its value, which no other entry has, is the action's name, the file, or a recent entry as a text.
   enum class Kind { kHeading, kAction, kFavorite, kList, kFile, kRecent };
 
   // Keeps a reference to the catalog. Shows nothing before the first Refresh().
@@ -26,7 +26,11 @@ class ActionsPanel : public QWidget {
 
   void Refresh();
   void RefreshSoon() { refresh_.start(0); }
-  // Marks the list or favorite of that file and makes it visible.
+  // Moves the cursor to the action of that name, or to that file, because it was chosen.
+  void MarkChosen(const QString& value);
+  // Moves the cursor back to what was chosen last, after another entry came to nothing.
+  void MarkChosenAgain() { MoveTo(chosen_); }
+  // Moves the cursor to the file, which was not chosen but is new.
   void ShowFile(const QString& file);
 
  signals:
@@ -48,6 +52,7 @@ class ActionsPanel : public QWidget {
   void AddOpenedFiles();
   void AddRecent();
   void Watch();
+  void MoveTo(const QString& value);
   void Choose(Kind kind, const QString& value);
   Choice ChoiceOf(Kind kind, const QString& value);
   Favorite FavoriteOf(const QString& file) const;
@@ -58,6 +63,7 @@ class ActionsPanel : public QWidget {
 
   ActionCatalog& catalog_;
   QTreeWidget* tree_;
+  QString chosen_;  // the value of its entry
   QVector<Favorite> favorites_;
   QFileSystemWatcher watcher_;
   QTimer refresh_;

@@ -55,8 +55,8 @@ ChoiceCard::ChoiceCard(QWidget* parent) : QFrame(parent) {
   favorite_->setAccessibleName(favorite_->toolTip());
   favorite_->setAutoRaise(true);
   help_ = new QToolButton;
-  help_->setText(tr("Help"));
-  help_->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton, nullptr, this));
+  help_->setText(QStringLiteral("?"));
+  help_->setFont(bold);
   help_->setToolTip(tr("What this action does"));
   help_->setAccessibleName(help_->toolTip());
   help_->setAutoRaise(true);

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Without a session bus asking for it would start one, which takes time and helps nobody.
+// To ask for a session bus where there is none would start one, which takes time.
 bool HasSessionBus() {
   return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") && QDBusConnection::sessionBus().isConnected();
 }

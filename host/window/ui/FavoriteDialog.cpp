@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/ui/FavoriteDialog.h"
 
-#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QStyle>
 #include <QToolButton>
 
 #include "host/window/ui/Messages.h"
+#include "host/window/ui/SaveFooter.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -33,7 +32,6 @@ QString ImageFilter() {
 FavoriteDialog::FavoriteDialog(QWidget* parent, const Favorite& favorite) : QDialog(parent), icon_(favorite.icon) {
   setObjectName(QStringLiteral("favoriteDialog"));
   setWindowTitle(tr("Save as Favorite"));
-  setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
   const int size = 2 * style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
   iconButton_ = new QToolButton;
   iconButton_->setIcon(icon_);
@@ -46,23 +44,17 @@ FavoriteDialog::FavoriteDialog(QWidget* parent, const Favorite& favorite) : QDia
   name_->selectAll();
   auto* const label = new QLabel(tr("&Name:"));
   label->setBuddy(name_);
-  problem_ = new QLabel;
-  problem_->setObjectName(QStringLiteral("favoriteProblem"));
-  problem_->setWordWrap(true);
-  auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
-  save_ = buttons->button(QDialogButtonBox::Save);
+  footer_ = new SaveFooter(*this);
   auto* const layout = new QGridLayout(this);
-  layout->addWidget(iconButton_, 0, 0, 3, 1);
-  layout->addWidget(label, 0, 1);
-  layout->addWidget(name_, 1, 1);
-  layout->addWidget(problem_, 2, 1);
-  layout->addWidget(buttons, 3, 0, 1, 2);
+  layout->addWidget(iconButton_, 0, 0, 2, 1);
+  layout->addWidget(label, 0, 1, Qt::AlignBottom);
+  layout->addWidget(name_, 1, 1, Qt::AlignTop);
+  layout->addWidget(footer_, 2, 0, 1, 2);
   layout->setColumnStretch(1, 1);
   name_->setFocus();
   connect(iconButton_, &QToolButton::clicked, this, &FavoriteDialog::ChooseIcon);
   connect(name_, &QLineEdit::textChanged, this, &FavoriteDialog::Check);
-  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(footer_, &SaveFooter::saveWanted, this, &QDialog::accept);
   Check();
 }
 
@@ -75,8 +67,8 @@ void FavoriteDialog::ChooseIcon() {
   CActionUtils::SaveLastVisitedLocation(key, QFileInfo(file).path());
   const QPixmap picture(file);
   if (picture.isNull()) {
-    problem_->setText(tr("%1 is not a picture that can be read. Choose another one.").arg(QFileInfo(file).fileName()));
-    return;
+    return Messages::Warn(
+        this, tr("%1 is not a picture that can be read. Choose another one.").arg(QFileInfo(file).fileName()));
   }
   icon_ = QIcon(picture.scaled(kIconSize, kIconSize, Qt::KeepAspectRatio, Qt::SmoothTransformation));
   iconButton_->setIcon(icon_);
@@ -84,11 +76,9 @@ void FavoriteDialog::ChooseIcon() {
 
 void FavoriteDialog::Check() {
   const QString why = Favorites::NameProblem(name_->text());
-  save_->setEnabled(why.isEmpty());
   const bool isTaken = why.isEmpty() && Favorites::Exists(name_->text());
-  problem_->setText(isTaken                   ? tr("The favorite of this name will be replaced.")
-                    : name_->text().isEmpty() ? QString()
-                                              : why);
+  const QString message = isTaken ? tr("The favorite of this name will be replaced.") : why;
+  footer_->Update(name_->text().isEmpty() ? QString() : message, why.isEmpty());
 }
 
 QString FavoriteDialog::Save(QWidget* parent, Favorite favorite, bool ask) {

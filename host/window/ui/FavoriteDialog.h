@@ -5,10 +5,9 @@
 
 #include "host/window/ui/Favorites.h"
 
-class QLabel;
 class QLineEdit;
-class QPushButton;
 class QToolButton;
+class SaveFooter;
 
 // Asks for the name and the icon of a favorite.
 class FavoriteDialog : public QDialog {
@@ -27,6 +26,5 @@ class FavoriteDialog : public QDialog {
   QIcon icon_;
   QToolButton* iconButton_;
   QLineEdit* name_;
-  QLabel* problem_;
-  QPushButton* save_;
+  SaveFooter* footer_;
 };

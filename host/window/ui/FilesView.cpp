@@ -78,7 +78,7 @@ class StateDelegate : public QStyledItemDelegate {
   }
 };
 
-// What a reason begins with says most.
+// The beginning of a reason matters most.
 class ReasonDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -142,6 +142,7 @@ FilesView::FilesView(FileTableModel& model, QWidget* parent) : QWidget(parent), 
   fullLayout->addWidget(new WrappingRow(MakeAddButtons("addFiles", "addFolder"), search));
   fullLayout->addWidget(table_);
   pages_->addWidget(full);
+  setFocusProxy(pages_->widget(0));
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(pages_);
@@ -200,6 +201,7 @@ QWidget* FilesView::MakeEmptyPage() {
   layout->addWidget(hint);
   layout->addStretch(1);
   layout->setSpacing(fontMetrics().height());
+  page->setFocusProxy(page->findChild<QPushButton*>(QStringLiteral("addFirstFiles")));
   return page;
 }
 
@@ -210,7 +212,7 @@ void FilesView::MakeTable() {
   proxy_.setFilterCaseSensitivity(Qt::CaseInsensitive);
   proxy_.setSortCaseSensitivity(Qt::CaseInsensitive);
   proxy_.setSortLocaleAware(true);
-  // A row that changes stays where it is until Arrange(): a list that jumps about while it is read helps nobody.
+  // Rows keep their places until Arrange(), so that nothing moves while files are read.
   proxy_.setDynamicSortFilter(false);
 
   table_ = new FilesTable;
@@ -239,9 +241,9 @@ void FilesView::MakeTable() {
   header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const int letter = fontMetrics().averageCharWidth();
   const QPair<int, int> columns[] = {
-      {FileTableModel::kName, 24},    {FileTableModel::kState, 19},     {FileTableModel::kReason, 36},
-      {FileTableModel::kBaseUrl, 28}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 8},
-      {FileTableModel::kSigned, 10},  {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 20}};
+      {FileTableModel::kName, 23},    {FileTableModel::kState, 19},     {FileTableModel::kReason, 36},
+      {FileTableModel::kBaseUrl, 25}, {FileTableModel::kLinks, 14},     {FileTableModel::kPages, 7},
+      {FileTableModel::kSigned, 9},   {FileTableModel::kEncrypted, 11}, {FileTableModel::kFolder, 14}};
   for (int place = 0; place < FileTableModel::kColumnCount; ++place) {
     header->moveSection(header->visualIndex(columns[place].first), place);
     table_->setColumnWidth(columns[place].first, columns[place].second * letter);
@@ -267,7 +269,7 @@ void FilesView::MakeActions() {
     table_->addAction(action);
     return action;
   };
-  open_ = make(tr("&Open"), QKeySequence(), [this] {
+  open_ = make(tr("&Open"), QKeySequence(Qt::Key_Return), [this] {
     for (const QString& file : SelectedFiles().mid(0, kMostOpened)) Desktop::Open(file);
   });
   showInFolder_ = make(tr("Show in &Folder"), QKeySequence(), [this] { Desktop::ShowInFolder(SelectedFiles()); });
@@ -379,9 +381,17 @@ void FilesView::ShowReasons(int first, int last) {
   }
 }
 
+void FilesView::ShowPage(int page) {
+  const QWidget* const focus = QApplication::focusWidget();
+  const bool hadFocus = focus != nullptr && page != pages_->currentIndex() && pages_->isAncestorOf(focus);
+  pages_->setCurrentIndex(page);
+  if (!hadFocus) return;
+  page == 0 ? pages_->widget(0)->setFocus() : table_->setFocus();
+}
+
 void FilesView::UpdatePage() {
   if (model_.Count() == 0) table_->setColumnHidden(FileTableModel::kReason, true);
-  pages_->setCurrentIndex(model_.Count() == 0 ? 0 : 1);
+  ShowPage(model_.Count() == 0 ? 0 : 1);
   const int shown = proxy_.rowCount();
   count_->setText(shown == model_.Count() ? QString() : tr("%1 of %2 shown").arg(shown).arg(model_.Count()));
   UpdateActions();

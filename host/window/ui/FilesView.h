@@ -63,6 +63,7 @@ class FilesView : public QWidget {
   void CopyCell() const;
   void RemoveSelected();
   void UpdateActions();
+  void ShowPage(int page);
   void UpdatePage();
   void ShowReasons(int first, int last);
 

@@ -19,7 +19,6 @@ QPointer<HelpWindow> openWindow;
 HelpWindow::HelpWindow(QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("helpWindow"));
   setAttribute(Qt::WA_DeleteOnClose);
-  setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
   section_ = new QLabel;
   page_ = new QTextBrowser;
   page_->setObjectName(QStringLiteral("helpPage"));

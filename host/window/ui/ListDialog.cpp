@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/ui/ListDialog.h"
 
-#include <QDialogButtonBox>
 #include <QFile>
 #include <QGridLayout>
 #include <QLabel>
@@ -18,6 +17,7 @@
 #include "host/window/core/RecordTexts.h"
 #include "host/window/ui/FavoriteDialog.h"
 #include "host/window/ui/Messages.h"
+#include "host/window/ui/SaveFooter.h"
 #include "host/window/ui/SettingsText.h"
 
 namespace {
@@ -41,7 +41,6 @@ ListDialog::ListDialog(QWidget* parent, ActionCatalog& catalog, const QString& f
       dialogs_(this) {
   setObjectName(QStringLiteral("listDialog"));
   setWindowTitle(tr("Edit Action List"));
-  setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
   name_ = new QLineEdit(list_.name);
   name_->setObjectName(QStringLiteral("listName"));
   auto* const label = new QLabel(tr("&Name:"));
@@ -53,24 +52,18 @@ ListDialog::ListDialog(QWidget* parent, ActionCatalog& catalog, const QString& f
   steps_->setIconSize(QSize(fontMetrics().height() * 5 / 4, fontMetrics().height() * 5 / 4));
   steps_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   steps_->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
-  problem_ = new QLabel;
-  problem_->setObjectName(QStringLiteral("listProblem"));
-  problem_->setWordWrap(true);
-  auto* const answers = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
-  save_ = answers->button(QDialogButtonBox::Save);
+  footer_ = new SaveFooter(*this);
   auto* const layout = new QGridLayout(this);
   layout->addWidget(label, 0, 0);
   layout->addWidget(name_, 0, 1, 1, 2);
   layout->addWidget(steps_, 1, 0, 1, 2);
   layout->addWidget(MakeButtons(), 1, 2);
-  layout->addWidget(problem_, 2, 0, 1, 3);
-  layout->addWidget(answers, 3, 0, 1, 3);
+  layout->addWidget(footer_, 2, 0, 1, 3);
   layout->setColumnStretch(1, 1);
   connect(name_, &QLineEdit::textChanged, this, &ListDialog::Update);
   connect(steps_, &QListWidget::currentRowChanged, this, &ListDialog::Update);
   connect(steps_, &QListWidget::itemActivated, this, &ListDialog::EditSettings);
-  connect(answers, &QDialogButtonBox::accepted, this, &ListDialog::Save);
-  connect(answers, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(footer_, &SaveFooter::saveWanted, this, &ListDialog::Save);
   Show(0);
 }
 
@@ -124,12 +117,11 @@ void ListDialog::Show(int current) {
 void ListDialog::Update() {
   const int row = steps_->currentRow();
   const QString why = Problem();
-  settings_->setEnabled(row >= 0 && catalog_.Find(list_.entries[static_cast<std::size_t>(row)].actionName) != nullptr);
+  settings_->setEnabled(row >= 0 && catalog_.Find(EntryAt(row).actionName) != nullptr);
   up_->setEnabled(row > 0);
   down_->setEnabled(row >= 0 && row + 1 < steps_->count());
   remove_->setEnabled(row >= 0);
-  save_->setEnabled(why.isEmpty());
-  problem_->setText(why);
+  footer_->Update(why, why.isEmpty());
 }
 
 QString ListDialog::Problem() const {
@@ -159,12 +151,12 @@ void ListDialog::Add(const QString& actionName) {
 
 void ListDialog::EditSettings() {
   const int row = steps_->currentRow();
-  if (row >= 0 && Ask(list_.entries[static_cast<std::size_t>(row)])) Show(row);
+  if (row >= 0 && Ask(EntryAt(row))) Show(row);
 }
 
 void ListDialog::Move(int by) {
   const int row = steps_->currentRow();
-  std::swap(list_.entries[static_cast<std::size_t>(row)], list_.entries[static_cast<std::size_t>(row + by)]);
+  std::swap(EntryAt(row), EntryAt(row + by));
   Show(row + by);
 }
 

@@ -7,10 +7,10 @@
 #include "utils/ActionListFile.h"
 
 class ActionCatalog;
-class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
+class SaveFooter;
 
 // Edits an action list: its name, its actions, their order and their settings.
 class ListDialog : public QDialog {
@@ -25,6 +25,7 @@ class ListDialog : public QDialog {
   QWidget* MakeButtons();
   void Show(int current);
   void Update();
+  ActionListFile::Entry& EntryAt(int row) { return list_.entries[static_cast<std::size_t>(row)]; }
   void Add(const QString& actionName);
   void EditSettings();
   void Move(int by);
@@ -42,11 +43,10 @@ class ListDialog : public QDialog {
   SettingsDialogRunner dialogs_;
   QLineEdit* name_;
   QListWidget* steps_;
-  QLabel* problem_;
   QPushButton* add_;
   QPushButton* settings_;
   QPushButton* up_;
   QPushButton* down_;
   QPushButton* remove_;
-  QPushButton* save_;
+  SaveFooter* footer_;
 };

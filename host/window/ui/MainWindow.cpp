@@ -2,6 +2,7 @@
 #include "host/window/ui/MainWindow.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <QApplication>
 #include <QClipboard>
@@ -42,6 +43,7 @@
 #include "host/window/ui/PreviewPanel.h"
 #include "host/window/ui/RecentSettings.h"
 #include "host/window/ui/SettingsText.h"
+#include "utils/ActionListFile.h"
 #include "utils/CActionUtils.h"
 
 namespace {
@@ -66,6 +68,17 @@ QStringList ToolsFolders() {
   }
 }
 
+// Themes with dark windows often leave links in the dark blue that light ones have.
+void MakeLinksReadable() {
+  constexpr int kLeastContrast = 64;
+  const QPalette palette = QApplication::palette();
+  const int ground = qGray(palette.color(QPalette::Window).rgb());
+  if (std::abs(qGray(palette.color(QPalette::Link).rgb()) - ground) >= kLeastContrast) return;
+  QPalette readable;
+  readable.setColor(QPalette::Link, ground < 128 ? QColor(0x6c, 0xb4, 0xff) : QColor(0x00, 0x00, 0xff));
+  QApplication::setPalette(readable);
+}
+
 bool IsChoiceFile(const QString& path) {
   return Choices::IsListFile(path) || Choices::IsSettingsFile(path);
 }
@@ -83,6 +96,7 @@ MainWindow::MainWindow()
   setObjectName(QStringLiteral("VorlaneClass"));
   setWindowTitle(tr("PDF Actions"));
   setAcceptDrops(true);
+  MakeLinksReadable();
   MakeLayout();
   MakeMenus();
   ConnectParts();
@@ -95,7 +109,7 @@ MainWindow::MainWindow()
 }
 
 MainWindow::~MainWindow() {
-  // Rows that go away with the model are nobody's business any more.
+  // The model reports the end of its rows when the other parts are gone already.
   disconnect(&model_, nullptr, this, nullptr);
 }
 
@@ -137,6 +151,7 @@ void MainWindow::MakeLayout() {
   layout->addWidget(area, 1);
   layout->addWidget(output_);
   setCentralWidget(all);
+  files_->setFocus();
   statusBar()->addWidget(reading_, 1);
   statusBar()->addPermanentWidget(count_);
   const int letter = fontMetrics().averageCharWidth();
@@ -273,7 +288,9 @@ void MainWindow::ConnectParts() {
   connect(previewPanel_, &PreviewPanel::slashWanted, this, [this] {
     const auto settings = WithSlash(choice_.action.actionName, choice_.action.settings);
     QString problem;
-    if (settings && !running_) SetChoice(Choices::OfAction(catalog_, choice_.action.actionName, *settings, &problem));
+    if (!settings || running_) return;
+    actions_->MarkChosen(choice_.action.actionName);
+    SetChoice(Choices::OfAction(catalog_, choice_.action.actionName, *settings, &problem));
   });
   const auto rowsChanged = [this] {
     UpdateLayout();
@@ -373,7 +390,8 @@ void MainWindow::OpenChoiceFile(const QString& file) {
   const QString sequences = QDir(CActionUtils::GetSequenceFolder()).canonicalPath();
   if (QFileInfo(path).dir().canonicalPath() != sequences) RecentSettings::AddFile(path);
   SetChoice(choice);
-  actions_->ShowFile(path);
+  actions_->Refresh();
+  actions_->MarkChosen(path);
 }
 
 void MainWindow::Paste() {
@@ -405,7 +423,7 @@ void MainWindow::StartWith(const QString& actionName) {
   pendingLimit_.start(hasFiles ? kPendingLimit : std::chrono::seconds(0));
 }
 
-// The document that the dialog starts with is known once it was read; a slow one is not waited for.
+// The settings start with those of the document, once it was read. A slow document is not waited for.
 void MainWindow::StartPending() {
   if (pendingAction_.isEmpty()) return;
   const int row = model_.RowOf(files_->CurrentFile());
@@ -440,8 +458,8 @@ void MainWindow::EditList(const QString& file) {
   OpenChoiceFile(saved);
 }
 
-// Only of a file that vorlane-run has read and that is quickly opened: nothing about a file may take the window down or
-// make it wait.
+// Only a file that vorlane-run has read and that is quickly opened: a file must neither crash the window nor make it
+// wait.
 std::unique_ptr<HalvexPDFLibraryCPDylibCPP1311> MainWindow::OpenDocument() {
   const int row = model_.RowOf(files_->CurrentFile());
   if (row < 0 || !model_.Row(row).facts) return nullptr;
@@ -466,6 +484,7 @@ bool MainWindow::RunSettingsDialog(const QString& actionName, const QMap<QString
   if (action == nullptr || running_ || dialogs_.IsRunning()) return false;
   const std::unique_ptr<PdfLibrary::Wrapper> document = withDocument ? OpenDocument() : nullptr;
   const SettingsDialogRunner::Result result = dialogs_.Run(*action, settings, document.get());
+  result.accepted ? actions_->MarkChosen(actionName) : actions_->MarkChosenAgain();
   UseResult(actionName, result);
   return result.accepted;
 }
@@ -493,7 +512,7 @@ void MainWindow::UseResult(const QString& actionName, const SettingsDialogRunner
     return;
   }
   actions_->ShowFile(result.listFile);
-  statusBar()->showMessage(tr("Saved in the action list %1").arg(QFileInfo(result.listFile).completeBaseName()), 5000);
+  statusBar()->showMessage(tr("Saved in the action list %1").arg(ActionListFile::Read(result.listFile).name), 5000);
 }
 
 void MainWindow::SetChoice(const Choice& choice) {
@@ -680,7 +699,9 @@ void MainWindow::UpdateLayout() {
 void MainWindow::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   // Pictures and colours that were taken from the palette.
-  if (event->type() == QEvent::PaletteChange && isVisible()) actions_->RefreshSoon();
+  if (event->type() != QEvent::PaletteChange || !isVisible()) return;
+  MakeLinksReadable();
+  actions_->RefreshSoon();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -7,6 +7,7 @@
 bool Messages::Confirm(QWidget* parent, const QString& question, const QString& explanation, const QString& button) {
   QMessageBox box(QMessageBox::Question, QString(), question, QMessageBox::Cancel, parent);
   box.setObjectName(QStringLiteral("confirm"));
+  box.setWindowTitle(parent->window()->windowTitle());
   box.setTextFormat(Qt::PlainText);
   box.setInformativeText(explanation);
   QPushButton* const yes = box.addButton(button, QMessageBox::AcceptRole);
@@ -19,6 +20,7 @@ bool Messages::Confirm(QWidget* parent, const QString& question, const QString& 
 void Messages::Warn(QWidget* parent, const QString& message) {
   QMessageBox box(QMessageBox::Warning, QString(), message, QMessageBox::Ok, parent);
   box.setObjectName(QStringLiteral("warning"));
+  box.setWindowTitle(parent->window()->windowTitle());
   box.setTextFormat(Qt::PlainText);
   box.exec();
 }

@@ -5,6 +5,7 @@
 #include <QEvent>
 
 MutedLabel::MutedLabel(const QString& text, QWidget* parent) : QLabel(text, parent) {
+  setForegroundRole(QPalette::WindowText);  // whatever ground it is on
   Mute();
 }
 

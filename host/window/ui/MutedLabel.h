@@ -3,7 +3,7 @@
 
 #include <QLabel>
 
-// A label for what is said aside: paler than other text, in a light and in a dark window, and still easy to read.
+// A label for hints: paler than other text, in a light and in a dark window, and still easy to read.
 class MutedLabel : public QLabel {
   Q_OBJECT
 

@@ -180,6 +180,7 @@ void OutputPanel::ChooseFolder() {
 }
 
 void OutputPanel::UpdateFields() {
+  place_->setToolTip(place_->currentText());  // it may be cut off
   folderRow_->setVisible(place_->currentIndex() == kFolder);
   noFolder_->setVisible(place_->currentIndex() != kFolder);
 }

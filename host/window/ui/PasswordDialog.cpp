@@ -20,7 +20,6 @@ constexpr int kMostNamed = 5;
 PasswordDialog::PasswordDialog(QWidget* parent, const QStringList& files) : QDialog(parent) {
   setObjectName(QStringLiteral("passwordDialog"));
   setWindowTitle(tr("Password"));
-  setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
   QStringList names;
   for (const QString& file : files.mid(0, kMostNamed)) names += QFileInfo(file).fileName();
   if (files.size() > kMostNamed) names += QStringLiteral("…");

@@ -80,7 +80,7 @@ PreviewPanel::PreviewPanel(QWidget* parent) : QWidget(parent) {
   links_->setTextElideMode(Qt::ElideMiddle);
   links_->setUniformRowHeights(true);
   links_->setFrameShape(QFrame::NoFrame);
-  links_->setMinimumHeight(fontMetrics().height() * 8);
+  links_->setMinimumHeight(fontMetrics().height() * 4);
   const int letter = fontMetrics().averageCharWidth();
   links_->setColumnWidth(kPage, 12 * letter);
   links_->setColumnWidth(kLink, 34 * letter);
@@ -154,13 +154,13 @@ void PreviewPanel::ShowUrls(const PreviewData& preview, bool lacksSlash) {
   QString after = preview.after.isEmpty() ? tr("none") : preview.after;
   if (!preview.wouldChange) after += QStringLiteral("  ") + tr("(nothing changes in this file)");
   after_->setText(after);
-  QString hints;
+  QStringList hints;
   for (const QString& warning : preview.warnings) {
-    hints += QStringLiteral("<p style=\"margin:2px 0\">⚠ %1</p>").arg(warning.toHtmlEscaped());
+    hints += QStringLiteral("<p style=\"margin:2px 0\">⚠ %1").arg(warning.toHtmlEscaped());
   }
-  if (lacksSlash)
-    hints += QStringLiteral("<p style=\"margin:2px 0\"><a href=\"#\">%1</a></p>").arg(tr("Add the slash"));
-  warnings_->setText(hints);
+  // The warning of the missing slash comes first.
+  if (lacksSlash && !hints.isEmpty()) hints[0] += QStringLiteral(" <a href=\"#\">%1</a>").arg(tr("Add the slash"));
+  warnings_->setText(hints.join(QString()));
   warnings_->setVisible(!hints.isEmpty());
 }
 

@@ -8,7 +8,7 @@
 #include <QVector>
 
 // What was done lately: settings of actions, and the files of lists and settings that were opened. Kept in a file of
-// the settings folder, newest first; what cannot be read counts as never kept, what cannot be written is lost.
+// the settings folder, newest first. What cannot be read is left out, and an entry that cannot be written is lost.
 namespace RecentSettings {
 
 struct Entry {

@@ -12,7 +12,7 @@ namespace {
 
 using Setting = SettingsDescription::Setting;
 
-// For lupdate: what plug-ins say of themselves is looked up by its text.
+// For lupdate: names and texts of the plug-ins, which are looked up by their English text.
 [[maybe_unused]] constexpr const char* kActionTexts[] = {
     QT_TRANSLATE_NOOP("ActionText", "Set Base URL"),
     QT_TRANSLATE_NOOP("ActionText", "Make Links Absolute"),

@@ -71,6 +71,7 @@ int main(int argc, char** argv) {
   NativeName::InstallAsLocale();
   QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  QCoreApplication::setAttribute(Qt::AA_DisableWindowContextHelpButton);
   // The dialogs' style sheets make Qt warn many times over about things that are meant so.
   if (!qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));

@@ -436,7 +436,8 @@ TEST(Preview, ShowsWhatWouldBecomeOfAFile) {
   EXPECT_EQ(data.after, QString("https://x/a"));
   EXPECT_EQ(data.saveMode, QString("incremental"));
   EXPECT_TRUE(data.error.isEmpty());
-  EXPECT_THAT(data.warnings.join('\n').toStdString(), HasSubstr("does not end in a slash"));
+  ASSERT_EQ(data.warnings.size(), 1);
+  EXPECT_THAT(data.warnings[0].toStdString(), HasSubstr("does not end in a slash"));
   ASSERT_EQ(data.links.size(), 2);
   EXPECT_EQ(data.relativeLinks, 2);
   EXPECT_EQ(data.disagreeing, 2);

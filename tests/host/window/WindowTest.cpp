@@ -71,13 +71,16 @@ class StayingAction : public CActionInterface {
   int WorkProc(WorkProcInfoStruct*) override { return 0; }
   int ShowDialogProc(QWidget* parent, DialogLoadStruct*) override {
     QDialog settings(parent);
-    QTimer::singleShot(0, &settings, [&settings] {
+    QTimer soon;
+    soon.setSingleShot(true);
+    QObject::connect(&soon, &QTimer::timeout, [&settings] {
       QDialog header(&settings);
       header.setObjectName("saveAsCollectionDialog");
-      QTimer::singleShot(0, &header, &QDialog::reject);
+      QMetaObject::invokeMethod(&header, "reject", Qt::QueuedConnection);
       header.exec();
       QTest::keyClick(&settings, Qt::Key_Escape);
     });
+    soon.start(0);
     return settings.exec();
   }
   int PreSequenceProc(WorkProcInfoStruct*) override { return 1; }
@@ -307,7 +310,7 @@ TEST_F(Window, FavoritesAreSavedRenamedUsedAndRemoved) {
   Trigger(QString::fromUtf8("Edit Settings…"));
   MeetDialog("favoriteDialog", [](QDialog& dialog) {
     EXPECT_EQ(Child<QLineEdit>(dialog, "favoriteName").text(), "Guide");
-    EXPECT_EQ(Child<QLabel>(dialog, "favoriteProblem").text(), "The favorite of this name will be replaced.");
+    EXPECT_EQ(Child<QLabel>(dialog, "saveMessage").text(), "The favorite of this name will be replaced.");
     dialog.accept();
   });
   Trigger(QString::fromUtf8("Save as Favorite…"));
@@ -369,7 +372,7 @@ TEST_F(Window, AListIsEdited) {
       if (action->text() == "Set Base URL") action->trigger();
     }
     Child<QLineEdit>(dialog, "listName").setText("a/b");
-    EXPECT_FALSE(Child<QLabel>(dialog, "listProblem").text().isEmpty());
+    EXPECT_FALSE(Child<QLabel>(dialog, "saveMessage").text().isEmpty());
     Child<QLineEdit>(dialog, "listName").setText("New name");
     dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
   });
@@ -409,6 +412,38 @@ TEST_F(Window, AListIsEdited) {
   MeetBox("warning", false);
   ActionCatalog none({});
   EXPECT_EQ(ListDialog::Edit(window_.get(), none, "damaged.xqq"), QString());
+}
+
+// The marked entry is what will be run.
+TEST_F(Window, WhatIsMarkedIsWhatWasChosen) {
+  const auto marked = [&] {
+    const QTreeWidgetItem* item = Tree().selectedItems().value(0);
+    return item ? item->text(0).toStdString() : std::string();
+  };
+  Open(MakePdfs({"a.pdf"}));
+  Tree().setFocus();
+  window_->Open({QStringLiteral(VORLANE_SAMPLES "/Set_Base_URL.xqq")});
+  EXPECT_EQ(marked(), "Set_Base_URL");
+  MeetDialog(kSettings, [](QDialog& dialog) { dialog.reject(); });
+  Choose("Set Base URL");
+  EXPECT_EQ(marked(), "Set_Base_URL");
+  ChooseUrl("https://first.example/");
+  EXPECT_EQ(marked(), "Set Base URL");
+  Run();
+  ASSERT_TRUE(Await([&] { return Item("https://first.example/"); }));
+  ChooseUrl("https://second.example/");
+  Run();
+  ASSERT_TRUE(Await([&] { return Item("https://second.example/") && IsShown("openResults"); }));
+  Choose("https://first.example/");
+  Run();
+  ASSERT_TRUE(Await([&] { return Tree().itemBelow(Item("Recent")) == Item("https://first.example/"); }));
+  EXPECT_EQ(marked(), "https://first.example/");
+
+  Make();
+  Tree().setFocus();
+  window_->StartWith("Set Base URL");
+  MeetSettings(kUrl);
+  EXPECT_TRUE(Await([&] { return marked() == "Set Base URL"; }));
 }
 
 TEST_F(Window, ListsAndSettingsFilesAreOpened) {
@@ -612,6 +647,23 @@ TEST_F(Window, HelpShowsThePageOfTheAction) {
   EXPECT_EQ(CActionUtils::mInfoLabel, help->findChild<QTextEdit*>("helpPage"));
   window_.reset();
   EXPECT_EQ(CActionUtils::mInfoLabel, nullptr);
+}
+
+TEST_F(Window, LinksAreReadableOnDarkGround) {
+  const QPalette usual = QApplication::palette();
+  QPalette dark(QColor(40, 44, 48));
+  dark.setColor(QPalette::Link, QColor(0, 0, 255));
+  QApplication::setPalette(dark);
+  Make();
+  EXPECT_GT(qGray(QApplication::palette().color(QPalette::Link).rgb()), 128);
+  QApplication::setPalette(usual);
+}
+
+TEST_F(Window, KeysBeginWithTheFirstFilesAndThenReachTheTable) {
+  EXPECT_EQ(window_->focusWidget()->objectName(), "addFirstFiles");
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+  Open(MakePdfs({"a.pdf"}));
+  EXPECT_EQ(window_->focusWidget()->objectName(), "files");
 }
 
 TEST_F(Window, FileNamesOfAnyBytesBecomeUrlsOfTheseBytes) {

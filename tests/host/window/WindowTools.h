@@ -29,9 +29,9 @@ QString Here(const QByteArray& name);
 // Writes a PDF for each name and returns the paths.
 QStringList MakePdfs(const QList<QByteArray>& names, const QByteArray& pdf = MakePdf());
 
-// "Set Base URL" with that URL; its plug-in is loaded, so that its description of settings is there.
 // As FolderScanner finds them.
 QVector<FoundFile> Files(const QStringList& paths);
+// "Set Base URL" with that URL; its plug-in is loaded, so that its description of settings is there.
 ActionChoice SetBaseUrl(const QString& url);
 // The action of tests that misbehaves as its documents are named.
 ActionChoice Probe();
