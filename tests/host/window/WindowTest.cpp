@@ -120,7 +120,7 @@ class Window : public testing::Test {
   // What the entry's own menu does.
   void UseMenu(const QString& entry, const QString& command) {
     const QPoint place = Tree().visualItemRect(Item(entry)).center();
-    QTimer::singleShot(0, [command] {
+    const auto choose = [command] {
       auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
       ASSERT_NE(menu, nullptr);
       for (QAction* action : menu->actions()) {
@@ -131,13 +131,14 @@ class Window : public testing::Test {
       }
       menu->close();
       FAIL() << "no command " << command.toStdString();
-    });
+    };
+    QMetaObject::invokeMethod(qApp, choose, Qt::QueuedConnection);
     emit Tree().customContextMenuRequested(place);
   }
 
   FileTableModel& Model() { return *window_->findChild<FileTableModel*>(); }
-  bool AwaitAll(FileState state) {
-    return Await([&] { return Model().Count() > 0 && Model().PathsWith(state).size() == Model().Count(); });
+  bool AwaitAll(FileState state, int atLeast = 1) {
+    return Await([&] { return Model().Count() >= atLeast && Model().PathsWith(state).size() == Model().Count(); });
   }
   void Open(const QStringList& paths) {
     const int before = Model().Count();
@@ -181,7 +182,7 @@ TEST_F(Window, FilesAreAddedAndRunAndTheOriginalsKept) {
   const QByteArray original = MakePdf();
   MakePdfs({"in/a.pdf", "in/b.pdf", "in/below/c.pdf"}, original);
   Open({"in"});
-  ASSERT_TRUE(AwaitAll(FileState::kReady));
+  ASSERT_TRUE(AwaitAll(FileState::kReady, 3));
   EXPECT_EQ(Status(), "Choose on the left what is to be done with the files.");
   ChooseUrl();
   EXPECT_TRUE(Text("choiceDetails").remove(QChar(0x200b)).contains(QLatin1String(kUrl)));
@@ -518,7 +519,7 @@ TEST_F(Window, AFolderThatCannotBeWrittenIsReportedForEachFileAndNothingIsLost) 
 TEST_F(Window, AnAddedFolderKeepsItsShapeInTheOutputFolder) {
   MakePdfs({"in/a.pdf", "in/x/a.pdf", "in/x/y/a.pdf", "other/b.pdf", "single/c.pdf"});
   window_->Open({"in/.", "./other//", Here("single/c.pdf")});
-  ASSERT_TRUE(AwaitAll(FileState::kReady));
+  ASSERT_TRUE(AwaitAll(FileState::kReady, 5));
   EXPECT_EQ(Model().Row(1).path, Here("in/x/a.pdf"));
   ChooseUrl();
   Child<QComboBox>(*window_, "place").setCurrentIndex(2);
@@ -542,7 +543,7 @@ TEST_F(Window, AnAddedFolderKeepsItsShapeInTheOutputFolder) {
 
 TEST_F(Window, AKilledRunLeavesTheWindowAndSaysWhatToDo) {
   Open(MakePdfs({"a.pdf", "b.pdf"}));
-  ASSERT_TRUE(AwaitAll(FileState::kReady));
+  ASSERT_TRUE(AwaitAll(FileState::kReady, 2));
   ChooseUrl();
   const Runner killed("kill -9 $$");
   Run();
@@ -595,7 +596,7 @@ TEST_F(Window, FilesArePastedFilteredCopiedAndTakenOffTheList) {
   pasted->setUrls({QUrl::fromLocalFile(paths[0]), QUrl::fromLocalFile(paths[1]), QUrl::fromLocalFile(paths[2])});
   QApplication::clipboard()->setMimeData(pasted);
   Trigger("Paste Files");
-  ASSERT_TRUE(AwaitAll(FileState::kReady));
+  ASSERT_TRUE(AwaitAll(FileState::kReady, 3));
   auto& table = Child<QAbstractItemView>(*window_, "files");
   Child<QLineEdit>(*window_, "filter").setText("TW");
   EXPECT_EQ(table.model()->rowCount(), 1);
