@@ -10,8 +10,8 @@ MutedLabel::MutedLabel(const QString& text, QWidget* parent) : QLabel(text, pare
 }
 
 QColor MutedLabel::ColorOn(const QPalette& palette, QPalette::ColorRole text, QPalette::ColorRole ground) {
-  const QColor front = palette.color(QPalette::Active, text);
-  const QColor back = palette.color(QPalette::Active, ground);
+  const QColor& front = palette.color(QPalette::Active, text);
+  const QColor& back = palette.color(QPalette::Active, ground);
   const auto mix = [](int one, int other) { return (one * 13 + other * 7) / 20; };
   return {mix(front.red(), back.red()), mix(front.green(), back.green()), mix(front.blue(), back.blue())};
 }

@@ -120,7 +120,9 @@ class Window : public testing::Test {
   // What the entry's own menu does.
   void UseMenu(const QString& entry, const QString& command) {
     const QPoint place = Tree().visualItemRect(Item(entry)).center();
-    const auto choose = [command] {
+    QTimer soon;
+    soon.setSingleShot(true);
+    QObject::connect(&soon, &QTimer::timeout, [command] {
       auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
       ASSERT_NE(menu, nullptr);
       for (QAction* action : menu->actions()) {
@@ -131,8 +133,8 @@ class Window : public testing::Test {
       }
       menu->close();
       FAIL() << "no command " << command.toStdString();
-    };
-    QMetaObject::invokeMethod(qApp, choose, Qt::QueuedConnection);
+    });
+    soon.start(0);
     emit Tree().customContextMenuRequested(place);
   }
 
