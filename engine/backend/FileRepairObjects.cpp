@@ -180,6 +180,7 @@ bool FileRepair::AreCopies(const FileScan::Object& one, const FileScan::Object& 
 // may be inside a damaged one. And a damaged catalog would be written anew.
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   constexpr std::size_t kMostCopies = 16;
+  const bool rebuilt = !QuickReader::StartsWithHeader(*file_);
   std::map<std::uint32_t, std::vector<const FileScan::Object*>> versions;
   for (const FileScan::Object& object : Scan().objects) versions[object.id.number].push_back(&object);
   for (const FileTail::KeptObject& kept : *tail.kept) {
@@ -187,8 +188,12 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
     if (object == nullptr) continue;
     const std::string name = "object " + std::to_string(kept.id.number);
     if (object->damaged && kept.id == tail.root) throw CannotRepair(name + " is damaged");
-    if (!object->damaged && !object->inside) continue;
     const std::vector<const FileScan::Object*>& all = versions[kept.id.number];
+    // The update does not keep some readers from rebuilding a file without a header.
+    const bool another = rebuilt && std::any_of(all.begin(), all.end(), [&](const auto* other) {
+                           return other->offset > object->offset && other->damaged;
+                         });
+    if (!object->damaged && !object->inside && !another) continue;
     const bool clear = all.size() <= kMostCopies && std::all_of(all.begin(), all.end(), [&](const auto* other) {
                          return other == object || AreCopies(*object, *other);
                        });

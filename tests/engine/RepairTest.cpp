@@ -149,6 +149,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   zeroed.replace(zeroed.find("stream\n", zeroed.find("/ObjStm")) + 60, 16, 16, '\0');
   std::string unnamed = PlainPdf().Bytes();
   unnamed.replace(unnamed.find("/Type /Catalog"), 2, "/\v");
+  std::string pageAsCatalog = PlainPdf().Bytes();
+  pageAsCatalog.replace(pageAsCatalog.find("/Count 1"), 8, "/Count 9");
+  pageAsCatalog.replace(pageAsCatalog.find("/Root 1"), 7, "/Root 3");
+  pageAsCatalog.replace(pageAsCatalog.find("/Type /Page /"), 5, "/Kind");
   const std::string plain = Damaged("startxref-wrong");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
@@ -192,6 +196,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a stream with a wrong length and a damaged dictionary", changed("/Length ", "/Length/Length ")},
       {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", unnamed},
+      {"a catalog in place of which a sound file names a page", pageAsCatalog},
+      {"no header, an object of which another version is cut off",
+       PlainPdf().Bytes().replace(0, 8, 8, '\0') + "2 0 obj\n<< /Ty"},
       {"a page count that readers refuse", changed("/Count 1", "/Count 999")},
   };
   for (const auto& [what, bytes] : rows) {
