@@ -247,7 +247,7 @@ void QpdfDocument::Load(const std::string& password) {
     // A damaged catalog would be written as the parser reads it, and others read it otherwise.
     const bool usable = Translated([&] {
       return QuickReader::ReadTail(*file_) && EntriesLeadToObjects(*asItIs, *file_, repair) &&
-             !HasInventedKeys(asItIs->getRoot()) && asItIs->getRoot().getKey("/Pages").isDictionary();
+             !HasInventedKeys(asItIs->getRoot()) && asItIs->getRoot().getDictAsMap().count("/Pages") != 0;
     });
     qpdf_ = asItIs;
     if (!usable || !KnownTail()) throw EngineError(kErrorDamaged, reason);
