@@ -2,6 +2,7 @@
 #include "host/links/ListedLink.h"
 
 #include <algorithm>
+#include <QStringBuilder>
 #include <utility>
 #include <vector>
 
@@ -83,7 +84,7 @@ QByteArray Start(const ListedLink& link) {
   const int width = QString::fromUtf8(uri).size();
   const QByteArray end =
       width > kLinkColumn ? '\n' + QByteArray(kStartWidth, ' ') : QByteArray(kLinkColumn - width, ' ');
-  return Page(link) + "  " + uri + end;
+  return Page(link) % "  " % uri % end;
 }
 
 // The places where viewers lead, each with the names of those viewers.
@@ -142,7 +143,11 @@ std::string LinkFormat::Csv(const std::string& file, const ListedLink& link) {
 std::string LinkFormat::Table(const ListedLink& link) {
   if (link.agree) {
     const QByteArray target = Shown(*Text(link.viewers[0]));
-    return ((target == Shown(Utf8(link.link.uri)) ? Page(link) + "  " + target : Start(link) + "   " + target) + '\n')
+    const bool isItself = target == Shown(Utf8(link.link.uri));
+    return (isItself ? Page(link) : Start(link))
+        .append(isItself ? "  " : "   ")
+        .append(target)
+        .append('\n')
         .toStdString();
   }
   QByteArray text;

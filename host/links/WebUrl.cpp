@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <QStringBuilder>
 #include <QUrl>
 #include <vector>
 
@@ -251,6 +252,6 @@ void WebUrl::ParsePath(const QByteArray& path) {
 }
 
 QByteArray WebUrl::Href() const {
-  if (IsOpaque()) return scheme_ + ':' + opaque_ + query_ + fragment_;
-  return scheme_ + "://" + userInfo_ + host_ + port_ + '/' + path_.join('/') + query_ + fragment_;
+  if (IsOpaque()) return scheme_ % ':' % opaque_ % query_ % fragment_;
+  return scheme_ % "://" % userInfo_ % host_ % port_ % '/' % path_.join('/') % query_ % fragment_;
 }
