@@ -91,6 +91,16 @@ bool FileRepair::IsUpdated(const Version& version) {
   });
 }
 
+// Whether a trailer after the version's end names a catalog with a page tree, whatever that leads to.
+bool FileRepair::NamesCatalogAfter(const Version& version, QPDF& rebuilt) {
+  return std::any_of(Scan().trailers.begin(), Scan().trailers.end(), [&](const FileScan::Trailer& trailer) {
+    const std::optional<ObjectId> root = PdfLexer::FindReference(LenientEntry(trailer.text, "/Root"));
+    if (trailer.offset < version.end || !root) return false;
+    QPDFObjectHandle catalog = ObjectOf(rebuilt, *root);
+    return catalog.isDictionary() && catalog.getDictAsMap().count("/Pages") != 0;
+  });
+}
+
 // Whether a catalog that is, or is named, after the version's end leads, or may lead, to pages, too.
 bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
   const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
@@ -120,7 +130,12 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
   }
   if (later.empty() || IsUpdated(version)) return false;
   const bool alwaysRebuilt = version.tail.headerOffset > 0;
-  if (!rebuiltHasPages && !alwaysRebuilt) return true;
+  const char* const kMixed = "objects of another document follow the end of the file";
+  if (!rebuiltHasPages && !alwaysRebuilt) {
+    // Other readers may find pages where the parser finds none.
+    if (NamesCatalogAfter(version, rebuilt)) throw CannotRepair(kMixed);
+    return true;
+  }
   bool displaced = false;
   bool plausible = true;
   VisitReachable(*version.document, [&](QPDFObjectHandle object) {
@@ -129,7 +144,6 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
     displaced = displaced || !SameObject(object, other);
     plausible = plausible && SameKind(object, other);
   });
-  const char* const kMixed = "objects of another document follow the end of the file";
   // Some readers take the last object of each number after the update, too.
   if (displaced && alwaysRebuilt) throw CannotRepair(kMixed);
   if (!rebuiltHasPages) return true;

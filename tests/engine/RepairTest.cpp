@@ -153,6 +153,11 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   pageAsCatalog.replace(pageAsCatalog.find("/Count 1"), 8, "/Count 9");
   pageAsCatalog.replace(pageAsCatalog.find("/Root 1"), 7, "/Root 3");
   pageAsCatalog.replace(pageAsCatalog.find("/Type /Page /"), 5, "/Kind");
+  std::string damagedPages = PlainPdf().Bytes();
+  damagedPages.insert(damagedPages.find("/Kids"), "/Kids");
+  damagedPages.insert(damagedPages.find("/Root"), "/ID [ <aa> <aa> ] ");
+  std::string first = Damaged("header-misspelt-object-streams");
+  first.replace(0, 5, "%PDF-");
   const std::string plain = Damaged("startxref-wrong");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
@@ -196,6 +201,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a stream with a wrong length and a damaged dictionary", changed("/Length ", "/Length/Length ")},
       {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", unnamed},
+      {"two documents, the page tree of one damaged", first + damagedPages},
       {"a catalog in place of which a sound file names a page", pageAsCatalog},
       {"no header, an object of which another version is cut off",
        PlainPdf().Bytes().replace(0, 8, 8, '\0') + "2 0 obj\n<< /Ty"},
