@@ -295,7 +295,7 @@ class Fuzzer {
   std::optional<std::size_t> OtherReadsThesePages(std::size_t i, const Reading& after) const {
     for (std::size_t other = 0; other < kReaders.size(); ++other) {
       const Reading& theirs = before_[other].reading;
-      if (other != i && theirs.HasPages() && SamePages(theirs, after)) return other;
+      if (other != i && theirs.HasPages() && HoldsPages(after, theirs)) return other;
     }
     return std::nullopt;
   }

@@ -118,7 +118,7 @@ Reading ReadWithMupdf(const std::string& file) {
   }
   for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = Words(Taken(context, TextOf(context, document, page)));
-    reading.pages.push_back({std::move(text), HashOf(Words(Taken(context, ContentOf(context, pdf, page))))});
+    reading.pages.push_back({std::move(text), Words(Taken(context, ContentOf(context, pdf, page)))});
   }
   fz_drop_document(context, document);
   fz_drop_context(context);

@@ -65,7 +65,7 @@ Reading ReadWithPoppler(const std::string& file) {
   reading.pageCount = static_cast<std::uint64_t>(std::max(0, document.getNumPages()));
   for (int page = 1; page <= static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = TextOf(document, page);
-    reading.pages.push_back({std::move(text), HashOf(Words(ContentOf(document, page)))});
+    reading.pages.push_back({std::move(text), Words(ContentOf(document, page))});
   }
   reading.notFound = MessagesOfMissing().size();
   return reading;

@@ -72,8 +72,8 @@ Reading ReadWithQpdf(const std::string& file) {
     reading.pageCount = pages.size();
     for (std::size_t page = 0; page < std::min(pages.size(), kMaxPagesRead); ++page) {
       std::string content = ContentsOf(pages[page]);
-      const std::uint64_t hash = HashOf(Words(content));
-      reading.pages.push_back({std::move(content), hash});
+      std::string tokens = Words(content);
+      reading.pages.push_back({std::move(content), std::move(tokens)});
     }
     for (const QPDFExc& warning : pdf.getWarnings()) {
       const std::string text = warning.getMessageDetail();

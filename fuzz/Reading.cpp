@@ -52,6 +52,10 @@ std::vector<std::string> SortedWords(const std::string& text) {
   return words;
 }
 
+bool StartsWith(const std::string& text, const std::string& start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   for (const char c : text.substr(0, 60)) quoted += c < 0x20 || c > 0x7E ? '.' : c;
@@ -109,7 +113,7 @@ std::string Reading::ToBytes() const {
   Put(bytes, pages.size());
   for (const PageReading& page : pages) {
     PutText(bytes, page.text);
-    Put(bytes, page.content);
+    PutText(bytes, page.content);
   }
   return bytes;
 }
@@ -126,7 +130,7 @@ Reading Reading::FromBytes(const std::string& bytes) {
   const auto count = parts.Next<std::size_t>();
   for (std::size_t page = 0; page < count; ++page) {
     std::string text = parts.NextText();
-    reading.pages.push_back({std::move(text), parts.Next<std::uint64_t>()});
+    reading.pages.push_back({std::move(text), parts.NextText()});
   }
   return reading;
 }
@@ -145,6 +149,15 @@ bool SamePages(const Reading& a, const Reading& b) {
                     [](const PageReading& x, const PageReading& y) { return x.content == y.content; });
 }
 
+bool HoldsPages(const Reading& whole, const Reading& part) {
+  return whole.pageCount == part.pageCount &&
+         std::equal(whole.pages.begin(), whole.pages.end(), part.pages.begin(), part.pages.end(),
+                    [](const PageReading& has, const PageReading& had) {
+                      return has.content == had.content ||
+                             (!had.content.empty() && StartsWith(has.content, had.content));
+                    });
+}
+
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more) {
   if (!before.HasPages()) return {};
   if (!after.opened) return {"does not open any more"};
@@ -159,9 +172,10 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
     const std::string& text = before.pages[page].text;
     if (text.empty()) continue;
     const auto equal = [&](const PageReading& p) { return p.text == text; };
-    // Of the same content a font that was found shows more letters, which may join words.
+    // A content that was cut off in a word goes on. Of the same content a font that was found shows more letters, which
+    // may join words.
     const auto holds = [&](const PageReading& p) {
-      return WordsMissing(text, p.text).empty() ||
+      return WordsMissing(text, p.text).empty() || StartsWith(p.text, text) ||
              (p.content == before.pages[page].content && HasLettersOf(text, p.text));
     };
     const auto start = after.pages.begin() + static_cast<std::ptrdiff_t>(next);
@@ -198,12 +212,6 @@ bool KeepsLetters(const Reading& before, const Reading& after) {
   if (after.pageCount != before.pageCount || after.objects < before.objects) return false;
   return std::equal(before.pages.begin(), before.pages.end(), after.pages.begin(), after.pages.end(),
                     [](const PageReading& had, const PageReading& has) { return HasLettersOf(had.text, has.text); });
-}
-
-std::uint64_t HashOf(const std::string& bytes) {
-  std::uint64_t hash = 0xCBF29CE484222325U;
-  for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
-  return hash;
 }
 
 std::string Words(const std::string& text) {

@@ -10,8 +10,8 @@ constexpr std::size_t kMaxPagesRead = 60;
 
 /// A page as one reader reads it.
 struct PageReading {
-  std::string text;           ///< the words, one blank between two; of libqpdf, the decoded content stream instead
-  std::uint64_t content = 0;  ///< hash of the decoded content stream's tokens, which can be compared between readers
+  std::string text;     ///< the words, one blank between two; of libqpdf, the decoded content stream instead
+  std::string content;  ///< the decoded content stream's tokens, which can be compared between readers
 };
 
 /// What one reader reads in a file.
@@ -37,6 +37,9 @@ bool operator==(const Reading& a, const Reading& b);
 /// True when two readings show pages of the same contents in the same order.
 bool SamePages(const Reading& a, const Reading& b);
 
+/// True when `whole` shows the pages of `part` in the same order, and goes on where the contents of `part` are cut off.
+bool HoldsPages(const Reading& whole, const Reading& part);
+
 /// What `before` holds and `after` does not, one line for each kind of loss; empty when nothing was lost. `more`
 /// becomes true when a page shows other words or letters besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
@@ -48,9 +51,6 @@ bool KeepsLetters(const Reading& before, const Reading& after);
 /// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it,
 /// or those of `undamaged`.
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged);
-
-/// FNV-1a.
-std::uint64_t HashOf(const std::string& bytes);
 
 /// The words of a text, one blank between two.
 std::string Words(const std::string& text);

@@ -340,6 +340,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
   const bool counts = earlier && EarlierVersionCounts(*earlier, *document, kept, pages);
   if (!counts && !mixed.empty()) throw CannotRepair(mixed);
+  if (!counts && !pages && earlier && IsUpdated(*earlier)) throw CannotRepair("an update is damaged");
   if (!counts && pages) earlier.reset();
   if (!pages && !followed) earlier = FindEarlierVersion(password);
   document.reset();

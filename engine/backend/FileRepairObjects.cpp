@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The objects of a repaired file: those in object streams, those that are damaged, streams with wrong lengths.
+#include <zlib.h>
+
 #include <algorithm>
 #include <exception>
 #include <iterator>
@@ -33,6 +35,38 @@ constexpr std::uint64_t kLargestRepairedStreams = 128 * 1024 * 1024;
 void RemoveEndOfLine(std::string& text) {
   if (!text.empty() && text.back() == '\n') text.pop_back();
   if (!text.empty() && text.back() == '\r') text.pop_back();
+}
+
+// How many bytes of deflated data come before the one that cannot be inflated; all where none is found.
+std::size_t InflatableSize(const std::string& data) {
+  constexpr uLong kMostInflated = 1 << 30;
+  std::vector<unsigned char> output(64 * 1024);
+  z_stream inflater = {};
+  if (inflateInit(&inflater) != Z_OK) throw std::bad_alloc();
+  std::size_t size = 0;
+  int result = Z_OK;
+  for (; size < data.size() && result == Z_OK && inflater.total_out < kMostInflated; ++size) {
+    // Only a byte at a time shows which of them is wrong.
+    unsigned char byte = static_cast<unsigned char>(data[size]);
+    inflater.next_in = &byte;
+    inflater.avail_in = 1;
+    do {
+      inflater.next_out = output.data();
+      inflater.avail_out = static_cast<uInt>(output.size());
+      result = inflate(&inflater, Z_NO_FLUSH);
+    } while (result == Z_OK && inflater.avail_out == 0);
+    if (result == Z_BUF_ERROR) result = Z_OK;  // it needs more
+  }
+  inflateEnd(&inflater);
+  if (result == Z_MEM_ERROR) throw std::bad_alloc();
+  return result == Z_OK || result == Z_STREAM_END ? data.size() : size - 1;
+}
+
+// Whether the data of a stream with this dictionary are deflated first of all (ISO 32000-1, 7.3.8.2).
+bool IsDeflated(QPDFObjectHandle dictionary) {
+  QPDFObjectHandle filter = dictionary.getKey("/Filter");
+  if (filter.isArray() && filter.getArrayNItems() > 0) filter = filter.getArrayItem(0);
+  return filter.isName() && filter.getName() == "/FlateDecode";
 }
 
 }  // namespace
@@ -147,6 +181,13 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     }
     // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
     if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
+    // The parser has read the data up to the keyword, and shows nothing of deflated data with damage. What readers show
+    // of damaged data differs otherwise, so they are not cut off without need.
+    const std::size_t keyword = data.find("endobj");
+    if (keyword != std::string::npos && !document.isEncrypted() && parsed.isStream() && IsDeflated(parsed.getDict())) {
+      const std::size_t inflatable = InflatableSize(data);
+      if (inflatable > keyword) data.resize(inflatable);
+    }
     dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
            dictionary->Text() + "\nstream\n" + data + "\nendstream\nendobj\n";

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <qpdf/QPDFXRefEntry.hh>
 #include <vector>
 
@@ -43,15 +44,20 @@ std::vector<Place> PlacesOf(QPDF& document, std::uint64_t headerOffset) {
   return places;
 }
 
-bool IsObjectAt(FileWindow& window, const Place& place) {
+// The number of the object that is at the offset.
+std::optional<ObjectId> ObjectAt(FileWindow& window, std::uint64_t offset) {
   constexpr std::size_t kHeader = 64;
   try {
-    PdfLexer lexer(window.At(place.offset, kHeader));
+    PdfLexer lexer(window.At(offset, kHeader));
     lexer.SkipSpace();
-    return lexer.ReadObjectHeader() == place.id;
+    return lexer.ReadObjectHeader();
   } catch (const PdfSyntaxError&) {
-    return false;
+    return std::nullopt;
   }
+}
+
+bool IsObjectAt(FileWindow& window, const Place& place) {
+  return ObjectAt(window, place.offset) == place.id;
 }
 
 // Whether the object refers to one that has no entry but is in the file.
@@ -96,8 +102,16 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
   const auto mayBeMissing = [&](ObjectId id) {
     return size.isInteger() && id.number < size.getUIntValue() && !repair.Finds(id);
   };
-  return std::all_of(places.begin(), places.end(),
-                     [&](const Place& place) { return IsObjectAt(window, place) || mayBeMissing(place.id); });
+  const XrefTable table = document.getXRefTable();
+  const auto hasEntry = [&](ObjectId id) {
+    return table.count(QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation))) != 0;
+  };
+  return std::all_of(places.begin(), places.end(), [&](const Place& place) {
+    const std::optional<ObjectId> found = ObjectAt(window, place.offset);
+    if (found == place.id) return true;
+    // Some readers take an object that they meet here for the one of its number.
+    return !(found && hasEntry(*found)) && mayBeMissing(place.id);
+  });
 }
 
 bool IsSound(QPDF& document, const InputFile& file, FileRepair& repair) {

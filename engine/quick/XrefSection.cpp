@@ -84,12 +84,12 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   const StreamDecoder::Coding coding = StreamDecoder::ReadCoding(dictionary);
   if (coding.columns != 0 && coding.columns != widths_[0] + widths_[1] + widths_[2]) throw PdfSyntaxError();
   decoder_ = std::make_unique<StreamDecoder>(file.File(), file.HeaderOffset() + object.dataOffset, length, coding);
-  CheckRows();
+  CheckRows(offset);
 }
 
-// Where rows are missing, or name an object stream of number 0, some readers rebuild the cross-references. Long streams
-// are not decoded for this alone.
-void XrefSection::CheckRows() const {
+// Where rows are missing, name an object stream of number 0, or say that the stream itself is elsewhere, some readers
+// rebuild the cross-references. Long streams are not decoded for this alone.
+void XrefSection::CheckRows(std::uint64_t offset) const {
   constexpr std::uint64_t kMostDecoded = 64 * 1024;
   std::uint64_t size = 0;
   for (const Subsection& subsection : subsections_) {
@@ -99,8 +99,12 @@ void XrefSection::CheckRows() const {
   if (size > kMostDecoded) return;
   const std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size));
   if (rows.size() < size) throw PdfSyntaxError();
-  const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
+  const std::optional<Entry> own = Find(streamNumber_);
+  // Some producers leave the offset 0.
+  const bool elsewhere = own && own->type == Entry::Type::kOffset && own->offset != 0 && own->offset != offset;
+  if (elsewhere || (own && own->type == Entry::Type::kInStream)) throw PdfSyntaxError();
   if (widths_[0] == 0) return;  // no row is about an object stream
+  const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
   const std::string missing = std::string(widths_[0] - 1, '\0') + '\2' + std::string(widths_[1], '\0');
   for (std::size_t row = 0; row < size; row += rowSize) {
     if (rows[row + missing.size() - 1] == 0 && rows.compare(row, missing.size(), missing) == 0) throw PdfSyntaxError();

@@ -70,7 +70,7 @@ class XrefSection {
   void ReadStream(const PdfFileText& file, std::uint64_t offset);
   void ReadWidths(std::string_view text);
   void ReadIndex(std::string_view text);
-  void CheckRows() const;
+  void CheckRows(std::uint64_t offset) const;
   void AddSubsection(std::uint64_t first, std::uint64_t count, std::uint64_t position);
   void CheckOverlaps() const;
   Entry ReadTableEntry(std::uint64_t offset) const;

@@ -80,7 +80,9 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   const auto number = ToNumber(TakeDigits(head));
   if (!number || *number == 0 || *number > kHighestNumber || *generation > kHighestGeneration) return std::nullopt;
   // "-1 0 obj" is not an object. "endobj1 0 obj", where a transfer removed a line end, is one.
-  if (!head.empty() && (head.back() == '-' || head.back() == '.')) return std::nullopt;
+  constexpr std::string_view kEndOfOther = "endobj";
+  const bool other = head.size() >= kEndOfOther.size() && head.substr(head.size() - kEndOfOther.size()) == kEndOfOther;
+  if (!head.empty() && !PdfLexer::IsDelimiter(head.back()) && !other) return std::nullopt;
   FileScan::Object object;
   object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
   object.offset = begin + head.size();

@@ -18,6 +18,7 @@ struct Readings {
   std::string poppler;
   std::string mutool;
   std::string qpdf;
+  std::string qpdfContents;
 
   static Readings Of(const std::string& file, const std::string& password) {
     const auto ask = [&](const std::string& tool, const std::string& option, const std::string& rest) {
@@ -25,7 +26,8 @@ struct Readings {
       return RunTool("{ " + tool + " " + with + " '" + file + "' " + rest + " 2>/dev/null; }").output;
     };
     return {ask("pdftotext", "-upw ", "-"), ask("mutool draw -q -F txt", "-p ", "1"),
-            ask("qpdf --show-npages", "--password=", "")};
+            ask("qpdf --show-npages", "--password=", ""),
+            ask("qpdf --show-object=4 --filtered-stream-data", "--password=", "")};
   }
 };
 
@@ -57,6 +59,9 @@ TEST_P(DamagedFileTest, LosesNothing) {
   EXPECT_TRUE(before.poppler.empty() || after.poppler == before.poppler);
   EXPECT_TRUE(before.mutool.find("Hello") == std::string::npos || after.mutool == before.mutool);
   EXPECT_TRUE(before.qpdf != "1\n" || after.qpdf == before.qpdf);
+  if (file.kind == "incremental" && before.qpdfContents.find("Hello") != std::string::npos) {
+    EXPECT_TRUE(StartsWith(after.qpdfContents, before.qpdfContents));
+  }
   EXPECT_NE((after.poppler + after.mutool).find("Hello"), std::string::npos);
   if (StartsWith(file.name, "length-")) {
     EXPECT_TRUE(Sound("out.pdf"));
@@ -163,6 +168,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
     std::string bytes = plain;
     return bytes.replace(bytes.find(from), from.size(), to);
   };
+  const std::string sound = PlainPdf().Bytes();
+  const std::string previous =
+      sound.substr(sound.rfind("startxref") + 10, sound.rfind("%%EOF") - sound.rfind("startxref") - 11);
+  const std::string update = "trailer\n<< /Size 8 /Root 1 0 R /Prev " + previous + " >>\nstartxref\n1\n%%EOF\n";
   std::string inString = changed("/Kids [ 3 0 R ]", "/Kids [ 8 0 R ]");
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
   const struct {
@@ -174,6 +183,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"two documents", plain + plain},
       {"an update that is cut off",
        plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
+      {"an update of a page that is damaged", PlainPdf().Bytes() +
+                                                  "3 0 obj\n<< /Type /Page /Parent 2 0 R <p>HTTP/1.1 200 "
+                                                  "OK</p><p>HTTP/1.1 200 OK</p> /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
+                                                  update},
       {"two documents, no header in the first kilobyte", std::string(1100, '%') + '\n' + plain + plain},
       {"two trailers, one without identifier", plain + "trailer << /Root 7 0 R >>\n"},
       {"an object stream", unreadable},

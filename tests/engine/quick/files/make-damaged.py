@@ -11,6 +11,7 @@ import os
 import random
 import re
 import sys
+import zlib
 
 from make import Encryption, File
 
@@ -35,6 +36,13 @@ def objects(catalog=b"", font=b"F1", page=b""):
 
 def contents(text=TEXT, length=None, end=b"\nendstream"):
     return {4: b"<< /Length %s >>\nstream\n" % (length or b"%d" % len(text)) + text + end}
+
+
+def deflated(end):
+    """The contents deflated, with a wrong length and more data after an "endobj"."""
+    deflate = zlib.compressobj()
+    data = deflate.compress(TEXT) + deflate.flush(zlib.Z_SYNC_FLUSH) + end
+    return {4: b"<< /Filter /FlateDecode /Length 9 >>\nstream\n" + data + b"\nendstream"}
 
 
 def plain(**keys):
@@ -103,6 +111,7 @@ def incremental():
     yield "length-of-object-stream-too-short", re.sub(
         rb"(/ObjStm.*?/Length )\d+", rb"\g<1>9", broken(in_streams().xref_stream()), count=1)
     yield "length-to-the-end-of-the-file", plain().out[:plain().out.index(b"endstream")]
+    yield "contents-deflated-past-endobj", broken(File().put(objects()).put(deflated(b"\nendobj\n" + JUNK[:100])).table())
     yield "length-past-the-keyword", broken(
         File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
@@ -126,6 +135,7 @@ def incremental():
     yield "damaged-object-after-its-object-stream", broken(
         in_streams().xref_stream().put({3: wrong.replace(b">>", b"] >>", 1)}).xref_stream())
     yield "negative-number", broken(plain().out + b"-3 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
+    yield "number-after-junk", broken(plain().out + b"\x023 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
     yield "contents-open", broken(File().put(objects()).put(contents(TEXT[:20], b"9", b"")).put(
         {9: b"<< >>\nstream\n" + TEXT[20:] + b"\nendstream"}).table())
     yield "contents-open-before-a-copy", broken(File().put(objects()).put(contents(
@@ -157,6 +167,7 @@ def incremental():
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
         b"/Columns 7", b"/Columns 7 7")
+    yield "xref-stream-number-of-the-pages", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"2\1", in_streams().xref_stream().out)
     yield "xref-stream-number-too-high", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"99999999\1", in_streams(
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
     yield "index-beyond-size", plain().table().put({7: objects()[7]}).xref_stream().out.replace(
