@@ -207,7 +207,8 @@ class Fuzzer {
       return Allowed(i, "the reader reads another time otherwise", losses.front());
     }
     if (kReaders[i].read != ReadWithQpdf && KeepsLetters(before.reading, after.reading)) {
-      return Allowed(i, "reads the same letters with other spaces or more letters between them", losses.front());
+      return Allowed(i, "reads the same letters with other spaces, at other places or with more letters between them",
+                     losses.front());
     }
     if (NeedsLinearization(i, after.reading)) {
       return Allowed(i, "reads as with one comment appended to the linearized file", losses.front());

@@ -3,12 +3,19 @@
 #include <mupdf/pdf.h>
 
 #include <algorithm>
+#include <cstring>
+#include <set>
+#include <string>
 
 #include "fuzz/Readers.h"
 
 namespace {
 
-void Quiet(void*, const char*) {}
+// Messages about objects that are not in the cross-references.
+void NoteMissing(void* messages, const char* message) {
+  if (std::strstr(message, "object out of range") == nullptr) return;
+  static_cast<std::set<std::string>*>(messages)->insert(message);
+}
 
 // The library's errors are long jumps: no object with a destructor may be made inside fz_try.
 fz_buffer* TextOf(fz_context* context, fz_document* document, int number) {
@@ -104,8 +111,9 @@ Reading ReadWithMupdf(const std::string& file) {
   Reading reading;
   fz_context* const context = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
   if (context == nullptr) return reading;
-  fz_set_warning_callback(context, Quiet, nullptr);
-  fz_set_error_callback(context, Quiet, nullptr);
+  std::set<std::string> missing;
+  fz_set_warning_callback(context, NoteMissing, &missing);
+  fz_set_error_callback(context, NoteMissing, &missing);
   fz_register_document_handlers(context);
   fz_document* document = nullptr;
   const int count = CountPages(context, file.c_str(), &document);
@@ -122,5 +130,6 @@ Reading ReadWithMupdf(const std::string& file) {
   }
   fz_drop_document(context, document);
   fz_drop_context(context);
+  reading.notFound = missing.size();
   return reading;
 }

@@ -93,6 +93,30 @@ bool HasLettersOf(const std::string& before, const std::string& after) {
   });
 }
 
+// The letters in the order of their codes. U+FFFD is none.
+std::string SortedLetters(std::string text) {
+  const std::string unread = "\xEF\xBF\xBD";
+  for (std::size_t at = text.find(unread); at != std::string::npos; at = text.find(unread, at)) text.erase(at, 3);
+  text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
+  std::sort(text.begin(), text.end());
+  return text;
+}
+
+// Whether `after` has all letters of `before` in any order.
+bool HasLettersInAnyOrder(const std::string& before, const std::string& after) {
+  const std::string had = SortedLetters(before);
+  const std::string has = SortedLetters(after);
+  return std::includes(has.begin(), has.end(), had.begin(), had.end());
+}
+
+std::string LettersOfBoth(const std::string& a, const std::string& b) {
+  const std::string one = SortedLetters(a);
+  const std::string other = SortedLetters(b);
+  std::string both;
+  std::set_intersection(one.begin(), one.end(), other.begin(), other.end(), std::back_inserter(both));
+  return both;
+}
+
 std::string LostText(std::size_t page, const std::string& before, const std::string& after) {
   std::string missing;
   for (const std::string& word : WordsMissing(before, after)) missing += missing.empty() ? word : ' ' + word;
@@ -201,9 +225,14 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
   if (after.pageCount != before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
   if (after.objects < before.objects) return false;
   for (std::size_t page = 0; page < count; ++page) {
-    if (Words(after.pages[page].text) == Words(undamaged.pages[page].text)) continue;
-    const std::string right = WordsOfBoth(before.pages[page].text, undamaged.pages[page].text);
-    if (!WordsMissing(right, after.pages[page].text).empty()) return false;
+    const PageReading& had = before.pages[page];
+    const PageReading& has = after.pages[page];
+    const std::string& undamagedText = undamaged.pages[page].text;
+    if (Words(has.text) == Words(undamagedText)) continue;
+    // Of the same content other fonts may join words or put them elsewhere.
+    if (had.content == has.content && HasLettersInAnyOrder(LettersOfBoth(had.text, undamagedText), has.text)) continue;
+    const std::string right = WordsOfBoth(had.text, undamagedText);
+    if (!WordsMissing(right, has.text).empty()) return false;
   }
   return true;
 }
@@ -211,7 +240,11 @@ bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading
 bool KeepsLetters(const Reading& before, const Reading& after) {
   if (after.pageCount != before.pageCount || after.objects < before.objects) return false;
   return std::equal(before.pages.begin(), before.pages.end(), after.pages.begin(), after.pages.end(),
-                    [](const PageReading& had, const PageReading& has) { return HasLettersOf(had.text, has.text); });
+                    [](const PageReading& had, const PageReading& has) {
+                      // Readers sort the text of a page by where the widths of the letters put it.
+                      return HasLettersOf(had.text, has.text) ||
+                             (had.content == has.content && HasLettersInAnyOrder(had.text, has.text));
+                    });
 }
 
 std::string Words(const std::string& text) {

@@ -44,8 +44,8 @@ bool HoldsPages(const Reading& whole, const Reading& part);
 /// becomes true when a page shows other words or letters besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);
 
-/// True when `after` has as many pages as `before`, and each all the letters in the same order: other spaces between
-/// them, or more letters, as where a font was found.
+/// True when `after` has as many pages as `before`, and each all the letters, in the same order or of the same content
+/// stream: other spaces between them, other places, or more letters, as where a font was found.
 bool KeepsLetters(const Reading& before, const Reading& after);
 
 /// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it,

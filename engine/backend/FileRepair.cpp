@@ -76,6 +76,14 @@ bool EndsWithMark(const InputFile& file) {
          std::all_of(end.begin() + static_cast<std::ptrdiff_t>(mark) + 5, end.end(), PdfLexer::IsSpace);
 }
 
+// Whether the first thing like a header, in the bytes where readers look for one, is after others and has no version.
+// Some readers count offsets from there, others from the start of the file.
+bool HeaderIsDoubtful(const InputFile& file) {
+  constexpr std::size_t kWindow = 1024;
+  const std::size_t header = file.ReadAt(0, kWindow).find("%PDF-");
+  return header != std::string::npos && header > 0 && header != QuickReader::HeaderOffset(file);
+}
+
 // The trailer's entries that an update repeats.
 std::vector<FileTail::Entry> RepeatedEntries(const std::string& trailer) {
   std::vector<FileTail::Entry> entries;
@@ -312,6 +320,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   PutPreferred(kept);
   const bool streams = std::any_of(Newest().begin(), Newest().end(),
                                    [](const FileScan::Object& object) { return object.kind == Kind::kObjectStream; });
+  if (HeaderIsDoubtful(*file_)) throw CannotRepair("the header is damaged");
   CheckOneEncryption();
   const std::string mixed = MixedDocuments();
   const bool followed = !Scan().ends.empty() && !Newest().empty() && Scan().objects.back().offset > Scan().ends.front();

@@ -128,7 +128,7 @@ class Scanner {
       const std::uint64_t outside = std::max(position, dataEnd_);
       const std::uint64_t trailer = trailers_.From(outside);
       const std::uint64_t next = std::min(object, trailer);
-      NoteHeader(outside, next);
+      NoteHeader(position, next);
       if (next == window_.Size()) return;
       position = trailer < object ? ReadTrailer(trailer + 7) : ReadObject(object);
     }

@@ -47,7 +47,7 @@ struct FileScan {
   std::optional<std::uint64_t> damage;
   // The last object that looks like an encryption dictionary; number 0 for none.
   ObjectId encryption;
-  // The offsets of headers "%PDF-" outside of objects, in the order of the file.
+  // The offsets of headers "%PDF-" outside of objects, or in streams of a wrong length, in the order of the file.
   std::vector<std::uint64_t> headers;
 
   // From `start` on, which is where the header is. Reads the whole file once, or twice where streams have their lengths

@@ -164,6 +164,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   std::string first = Damaged("header-misspelt-object-streams");
   first.replace(0, 5, "%PDF-");
   const std::string plain = Damaged("startxref-wrong");
+  std::string open = first;
+  open.replace(open.rfind("endstream"), 9, "endXtream");
   const auto changed = [&](const std::string& from, const std::string& to) {
     std::string bytes = plain;
     return bytes.replace(bytes.find(from), from.size(), to);
@@ -202,6 +204,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
            std::string(2048, ' ')},
       {"the number of a missing page after the end, bytes before the header",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
+      {"bytes before a damaged header", "junk\n" + PlainPdf().Bytes().replace(5, 1, "-")},
+      {"two documents, an open stream between them", open + plain},
       {"an object of which another version is in an open trailer",
        changed("<2233> ] >>", "<22\n5 0 obj\n<< /Wrong /Font >>\nendobj\n> ]\n")},
       {"an object of which another version is before a stream that holds it",
