@@ -27,6 +27,9 @@ enum LibraryInformationKey : int {
   kInformationPdfVersion = 1006,    ///< the PDF version, as in "1.7" (ISO 32000-2, 7.5.2 and 7.7.2); empty when unknown
   kInformationWarnings = 1007,      ///< an action's warnings about the document, a line each; can be set, is not stored
   kInformationBaseUrlBytes = 1008,  ///< the bytes of the base URL as it is in the file, one character each
+  /// Why the call before this one failed, in English, where more is known than its error code; else empty. Needs no
+  /// document and leaves the last error as it is.
+  kInformationWhyFailed = 1009,
   /// Plus the ID of an action: the bytes of its URI as it is in the file, one character each; empty for other actions.
   kInformationActionUriBytes = 1 << 30
 };

@@ -19,17 +19,22 @@ std::wstring_view Call::Text(void* buffer) const {
   return {reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)};
 }
 
-LibraryErrorCode CodeOfCurrentException() noexcept {
+void SetLastErrorFromException(Instance& instance) noexcept {
   try {
     throw;
   } catch (const EngineError& error) {
-    return error.code();
+    instance.SetLastError(error.code());
+    try {
+      instance.SetLastError(error.code(), error.what());
+    } catch (const std::bad_alloc&) {
+      // The code alone.
+    }
   } catch (const std::bad_alloc&) {
-    return kErrorOutOfMemory;
+    instance.SetLastError(kErrorOutOfMemory);
   } catch (const std::length_error&) {
-    return kErrorOutOfMemory;
+    instance.SetLastError(kErrorOutOfMemory);
   } catch (...) {
-    return kErrorInternal;
+    instance.SetLastError(kErrorInternal);
   }
 }
 

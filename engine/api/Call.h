@@ -38,8 +38,8 @@ class Call {
   const std::initializer_list<void*>& wideBuffers_;
 };
 
-// The code of the exception that is being handled.
-LibraryErrorCode CodeOfCurrentException() noexcept;
+// Makes the exception that is being handled the last error.
+void SetLastErrorFromException(Instance& instance) noexcept;
 
 // The instance, or null.
 Instance* FindInstance(int id) noexcept;
@@ -63,7 +63,7 @@ R Guarded(int instanceId, const std::initializer_list<void*>& wideBuffers, Body&
     instance->SetLastError(kErrorNone);
     return result;
   } catch (...) {
-    instance->SetLastError(CodeOfCurrentException());
+    SetLastErrorFromException(*instance);
     if (kString) instance->ForgetResult();
     return R();
   }

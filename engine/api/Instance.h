@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/api/BufferPool.h"
@@ -32,7 +33,12 @@ class Instance {
   BufferPool& Buffers() { return buffers_; }
 
   LibraryErrorCode LastError() const { return lastError_; }
-  void SetLastError(LibraryErrorCode code) { lastError_ = code; }
+  // A sentence about it; empty when no more is known than its code.
+  const std::string& WhyFailed() const { return whyFailed_; }
+  void SetLastError(LibraryErrorCode code, std::string why = {}) noexcept {
+    lastError_ = code;
+    whyFailed_ = std::move(why);
+  }
 
   // Keep a string result until the next one of either kind; the pointer is good until then. Throws EngineError
   // kErrorFileTooLarge for a result whose length does not fit an int.
@@ -56,6 +62,7 @@ class Instance {
   std::wstring wideResult_;
   std::string byteResult_;
   LibraryErrorCode lastError_ = kErrorNone;
+  std::string whyFailed_;
 };
 
 }  // namespace engine

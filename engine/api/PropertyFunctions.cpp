@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <new>
 #include <string>
 
 #include "engine/api/Call.h"
@@ -80,6 +81,16 @@ std::string Fact(Document& document, int key) {
   }
 }
 
+// Without Guarded(), which would end the error.
+wchar_t* WhyFailed(int instance) noexcept {
+  engine::Instance* const found = engine::FindInstance(instance);
+  try {
+    return found != nullptr ? found->Keep(engine::WideFromUtf8(found->WhyFailed())) : nullptr;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 // The values of /PageMode and /PageLayout (ISO 32000-1, table 28); the index is what is returned.
 constexpr const char* kPageModes[] = {"UseNone", "UseOutlines", "UseThumbs", "FullScreen", "UseOC", "UseAttachments"};
 constexpr const char* kPageLayouts[] = {"SinglePage",     "OneColumn",   "TwoColumnLeft",
@@ -114,6 +125,7 @@ wchar_t* HPLGetBaseURL(int instance) {
 }
 
 wchar_t* HPLGetInformation(int instance, int key) {
+  if (key == kInformationWhyFailed) return WhyFailed(instance);
   return Guarded<wchar_t*>(instance, [&](Call& call) {
     Document& document = call.Selected();
     if (key == kInformationBaseUrlBytes) return WideFromBytes(document.BaseUrl());

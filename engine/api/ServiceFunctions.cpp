@@ -43,7 +43,7 @@ int HPLAddToBuffer(int instance, void* buffer, const void* source, int size) {
     found->Buffers().Append(buffer, source, size);
     return 1;
   } catch (...) {
-    found->SetLastError(engine::CodeOfCurrentException());
+    engine::SetLastErrorFromException(*found);
     return 0;
   }
 }

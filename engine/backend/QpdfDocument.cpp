@@ -55,7 +55,7 @@ auto Translated(Body&& body) {
     throw EngineError(kErrorOutOfMemory, "the document's objects would take too much memory");
   } catch (const QPDFExc& error) {
     if (IsAboutLackOfMemory(error.what())) throw std::bad_alloc();
-    throw EngineError(IsAboutEncryption(error) ? kErrorUnsupportedSecurity : kErrorDamaged, error.what());
+    throw EngineError(IsAboutEncryption(error) ? kErrorUnsupportedSecurity : kErrorDamaged, error.getMessageDetail());
   } catch (const std::exception& error) {
     if (IsAboutLackOfMemory(error.what())) throw std::bad_alloc();
     throw EngineError(kErrorDamaged, error.what());

@@ -13,17 +13,26 @@
 #include "host/base/CommandError.h"
 #include "host/base/NativeName.h"
 #include "pdflib/LibraryErrorCodes.h"
+#include "pdflib/LibraryInformationKeys.h"
 #include "pdflib/Utf8.h"
 
 namespace {
 
+// The message for the call that failed last, with what the library knows besides.
+std::string DamageMessage(PdfLibrary::Wrapper& library) {
+  const std::string why = PdfLibrary::ToUtf8(library.GetInformation(kInformationWhyFailed));
+  const std::string message = PdfLibrary::ErrorMessage(kErrorDamaged);
+  return why.empty() ? message : message + ": " + why;
+}
+
 // Checks the name itself, because the library's error is less precise.
-std::string LoadingMessage(int errorCode, const std::string& file) {
+std::string LoadingMessage(PdfLibrary::Wrapper& library, int errorCode, const std::string& file) {
   struct stat status = {};
   if (errorCode == kErrorFileUnreadable && stat(file.c_str(), &status) == 0) {
     if (S_ISDIR(status.st_mode)) return "is a folder";
     if (!S_ISREG(status.st_mode)) return "not a regular file";
   }
+  if (errorCode == kErrorDamaged) return DamageMessage(library);
   return PdfLibrary::ErrorMessage(errorCode);
 }
 
@@ -63,14 +72,15 @@ std::string PdfLibrary::LoadDocument(Wrapper& library, const std::string& file,
     for (const std::wstring& password : *tried) {
       if (library.LoadFromFile(name, password) != 0) return {};
       const int last = library.LastErrorCode();
-      if (last != kErrorPasswordWrong && last != kErrorPasswordNeeded) return LoadingMessage(last, file);
+      if (last != kErrorPasswordWrong && last != kErrorPasswordNeeded) return LoadingMessage(library, last, file);
       if (error == kErrorNone) error = last;
     }
   }
-  return LoadingMessage(error, file);
+  return LoadingMessage(library, error, file);
 }
 
-std::string PdfLibrary::SavingMessage(int errorCode, const std::string& output) {
+std::string PdfLibrary::SavingMessage(Wrapper& library, int errorCode, const std::string& output) {
+  if (errorCode == kErrorDamaged) return DamageMessage(library);
   const std::string message = ErrorMessage(errorCode);
   const std::string reason = errorCode == kErrorCannotWrite ? WhyNotWritable(output) : std::string();
   return reason.empty() ? message : message + ": " + reason;

@@ -21,7 +21,7 @@ std::unique_ptr<Wrapper> Open(const std::wstring& libraryFile);
 std::string LoadDocument(Wrapper& library, const std::string& file, const std::vector<std::wstring>& passwords);
 
 // Why the document could not be saved to `output`, as one clause, with the system's error if it can be found out.
-std::string SavingMessage(int errorCode, const std::string& output);
+std::string SavingMessage(Wrapper& library, int errorCode, const std::string& output);
 
 // What an error code of the library means: one clause without a full stop, never null.
 const char* ErrorMessage(int errorCode);

@@ -217,7 +217,7 @@ void DocumentProcessor::SaveOutput(FileRecord& record) {
     record.warnings.push_back("the whole file is rewritten, which breaks its signatures");
     error = library_.SaveToFile(output) != 0 ? kErrorNone : library_.LastErrorCode();
   }
-  if (error != kErrorNone) throw Failure{PdfLibrary::SavingMessage(error, record.output), error};
+  if (error != kErrorNone) throw Failure{PdfLibrary::SavingMessage(library_, error, record.output), error};
 }
 
 // An update that did not read back has been replaced by a rewritten file, against the plan.

@@ -178,55 +178,72 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
   const struct {
     const char* what;
+    const char* why;
     std::string bytes;
   } rows[] = {
-      {"encrypted in parts", plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
-      {"an encryption dictionary whose number is damaged", undecrypted},
-      {"two documents", plain + plain},
-      {"an update that is cut off",
+      {"encrypted in parts", "the file is made of parts that are encrypted differently",
+       plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
+      {"an encryption dictionary whose number is damaged", "the encryption dictionary is not found", undecrypted},
+      {"two documents", "the file holds two documents", plain + plain},
+      {"an update that is cut off", "an update is cut off, and the file before it is damaged",
        plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
-      {"an update of a page that is damaged", PlainPdf().Bytes() +
-                                                  "3 0 obj\n<< /Type /Page /Parent 2 0 R <p>HTTP/1.1 200 "
-                                                  "OK</p><p>HTTP/1.1 200 OK</p> /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
-                                                  update},
-      {"two documents, no header in the first kilobyte", std::string(1100, '%') + '\n' + plain + plain},
-      {"two trailers, one without identifier", plain + "trailer << /Root 7 0 R >>\n"},
-      {"an object stream", unreadable},
-      {"an object stream with a filter of no standard", unknown},
-      {"a damaged object in an object stream",
+      {"an update of a page that is damaged", "an update is damaged",
+       PlainPdf().Bytes() +
+           "3 0 obj\n<< /Type /Page /Parent 2 0 R <p>HTTP/1.1 200 "
+           "OK</p><p>HTTP/1.1 200 OK</p> /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
+           update},
+      {"two documents, no header in the first kilobyte", "the file holds two documents",
+       std::string(1100, '%') + '\n' + plain + plain},
+      {"two trailers, one without identifier", "the file is made of parts of several documents",
+       plain + "trailer << /Root 7 0 R >>\n"},
+      {"an object stream", "an object stream cannot be read", unreadable},
+      {"an object stream with a filter of no standard", "an object stream cannot be read", unknown},
+      {"a damaged object in an object stream", "an object stream is damaged",
        plain +
            "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 16 >>\nstream\n8 0 << /FT ] >> \nendstream\nendobj\n"},
-      {"an object stream without its end",
+      {"an object stream without its end", "an object stream is damaged",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
-      {"an object that has another version", plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
-      {"pages of another document after the end",
+      {"an object that has another version", "object 5 has several versions, and one of them is damaged",
+       plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
+      {"pages of another document after the end", "objects of another document follow the end of the file",
        PlainPdf().Bytes() + "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
            std::string(2048, ' ')},
       {"the number of a missing page after the end, bytes before the header",
+       "objects of another document follow the end of the file",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
-      {"bytes before a damaged header", "junk\n" + PlainPdf().Bytes().replace(5, 1, "-")},
-      {"two documents, an open stream between them", open + plain},
+      {"bytes before a damaged header", "the header is damaged", "junk\n" + PlainPdf().Bytes().replace(5, 1, "-")},
+      {"two documents, an open stream between them", "the file holds two documents", open + plain},
       {"an object of which another version is in an open trailer",
+       "object 5 has several versions, and one of them is damaged",
        changed("<2233> ] >>", "<22\n5 0 obj\n<< /Wrong /Font >>\nendobj\n> ]\n")},
       {"an object of which another version is before a stream that holds it",
+       "object 4 has several versions, and one of them is damaged",
        changed("1 0 obj", "4 0 obj\nnull\nendobj\n9 0 obj\n<< /Length 9999 >>\nstream\n1 0 obj")},
       {"an object of which another version is in a stream without an end",
+       "object 5 has several versions, and one of them is damaged",
        changed("(Hello) Tj", "(Hello) endobj\n5 0 obj\n<< /Wrong /Font >>\nendobj\n")},
-      {"a page with the next free number that one reader finds in a string", inString},
-      {"an encryption dictionary without a key", withoutKey},
-      {"an encrypted object stream, bytes before the header", "junk\n" + zeroed},
-      {"a stream with a wrong length and a damaged dictionary", changed("/Length ", "/Length/Length ")},
-      {"the catalog", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
-      {"the catalog of a sound file", unnamed},
-      {"two documents, the page tree of one damaged", first + damagedPages},
-      {"a catalog in place of which a sound file names a page", pageAsCatalog},
+      {"a page with the next free number that one reader finds in a string",
+       "another way to repair the file finds other objects", inString},
+      {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
+      {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
+      {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
+       changed("/Length ", "/Length/Length ")},
+      {"the catalog", "the catalog is damaged", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
+      {"the catalog of a sound file", "the pages are not found", unnamed},
+      {"two documents, the page tree of one damaged", "objects of another document follow the end of the file",
+       first + damagedPages},
+      {"a catalog in place of which a sound file names a page",
+       "the page tree counts more pages than there are objects", pageAsCatalog},
       {"no header, an object of which another version is cut off",
+       "object 2 has several versions, and one of them is damaged",
        PlainPdf().Bytes().replace(0, 8, 8, '\0') + "2 0 obj\n<< /Ty"},
-      {"a page count that readers refuse", changed("/Count 1", "/Count 999")},
+      {"a page count that readers refuse", "the page tree counts more pages than there are objects",
+       changed("/Count 1", "/Count 999")},
   };
-  for (const auto& [what, bytes] : rows) {
+  for (const auto& [what, why, bytes] : rows) {
     SCOPED_TRACE(what);
     EXPECT_FALSE(Load("damaged.pdf", bytes));
+    EXPECT_EQ(Narrow(library_.GetInformation(1009)), why);
     EXPECT_EQ(library_.LastErrorCode(), kErrorDamaged);
   }
 }

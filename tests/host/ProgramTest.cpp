@@ -100,16 +100,17 @@ TEST(Program, DocumentErrorsHaveAReasonAndStopNothing) {
   ASSERT_EQ(mkfifo("in/pipe.pdf", 0600), 0);
   const QStringList files{"in/good.pdf",   "in/missing.pdf", "in/text.pdf", "in/empty.pdf",  "in/hopeless.pdf", "in",
                           "in/locked.pdf", "in/taken.pdf",   "out/own.pdf", "in/signed.pdf", "in/pipe.pdf"};
-  const std::pair<const char*, const char*> rows[] = {{"in/missing.pdf", "no such file"},
-                                                      {"in/text.pdf", "not a PDF"},
-                                                      {"in/empty.pdf", "not a PDF"},
-                                                      {"in/hopeless.pdf", "damaged beyond repair"},
-                                                      {"in", "is a folder"},
-                                                      {"in/pipe.pdf", "not a regular file"},
-                                                      {"in/locked.pdf", "a password is needed"},
-                                                      {"in/taken.pdf", "cannot write"},
-                                                      {"out/own.pdf", "would overwrite an input"},
-                                                      {"in/signed.pdf", "break the signatures"}};
+  const std::pair<const char*, const char*> rows[] = {
+      {"in/missing.pdf", "no such file"},
+      {"in/text.pdf", "not a PDF"},
+      {"in/empty.pdf", "not a PDF"},
+      {"in/hopeless.pdf", "damaged beyond repair: unable to find trailer dictionary"},
+      {"in", "is a folder"},
+      {"in/pipe.pdf", "not a regular file"},
+      {"in/locked.pdf", "a password is needed"},
+      {"in/taken.pdf", "cannot write"},
+      {"out/own.pdf", "would overwrite an input"},
+      {"in/signed.pdf", "break the signatures"}};
   const ProgramResult result = RunProgram(kSet + QStringList{"--output-dir", "out", "--report", "r.json"} + files);
   EXPECT_EQ(result.code, 1);
   const auto report = ReadReport(ReadFile("r.json"));

@@ -25,7 +25,7 @@ constexpr Text kTexts[] = {
     {"not a PDF", QT_TRANSLATE_NOOP("RecordTexts", "This is not a PDF file.")},
     {"no such file", QT_TRANSLATE_NOOP("RecordTexts", "The file is not there any more.")},
     {"cannot read the file", QT_TRANSLATE_NOOP("RecordTexts", "You may not read the file, or its disk is damaged.")},
-    {"damaged beyond repair",
+    {"damaged beyond repair(?:: .*)?",
      QT_TRANSLATE_NOOP("RecordTexts", "The file is damaged beyond repair. Get it again from where it came from.")},
     {"the file changed while it was open",
      QT_TRANSLATE_NOOP("RecordTexts", "Another program was changing the file. Try again.")},
