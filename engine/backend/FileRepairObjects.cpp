@@ -229,6 +229,10 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
     if (object == nullptr) continue;
     const std::string name = "object " + std::to_string(kept.id.number);
     if (object->damaged && kept.id == tail.root) throw CannotRepair(name + " is damaged");
+    // Readers that rebuild the file and do not find it would not decrypt the update.
+    if (rebuilt && object->inside && kept.id == Scan().encryption) {
+      throw CannotRepair("the encryption dictionary is damaged");
+    }
     const std::vector<const FileScan::Object*>& all = versions[kept.id.number];
     // The update does not keep some readers from rebuilding a file without a header.
     const bool another = rebuilt && std::any_of(all.begin(), all.end(), [&](const auto* other) {

@@ -142,6 +142,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
   std::string unknown = Damaged("junk-after-object-streams");
   unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
+  std::string encryptionInStream = "junk\n" + ReadText("encrypted.pdf");
+  encryptionInStream.replace(encryptionInStream.rfind("endstream"), 9, "endXtream");
   std::string undecrypted = ReadText("encrypted.pdf");
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
@@ -184,6 +186,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"encrypted in parts", "the file is made of parts that are encrypted differently",
        plain + ReadText("encrypted.pdf") + std::string(2048, ' ')},
       {"an encryption dictionary whose number is damaged", "the encryption dictionary is not found", undecrypted},
+      {"an encryption dictionary in an open stream, bytes before the header", "the encryption dictionary is damaged",
+       encryptionInStream},
       {"two documents", "the file holds two documents", plain + plain},
       {"an update that is cut off", "an update is cut off, and the file before it is damaged",
        plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
