@@ -59,12 +59,18 @@ bool HasNoPages(QPDFObjectHandle catalog) {
   return pages.isDictionary() && pages.getKey("/Kids").isArray() && pages.getKey("/Kids").getArrayNItems() == 0;
 }
 
-// Ends whatever value or stream is open: a hexadecimal string, then strings, arrays and dictionaries however deep.
-std::string MakeClosing() {
+// Ends an open string of either kind, however deep its parentheses are.
+std::string StringEnds() {
   constexpr std::size_t kDeepest = 64;
-  std::string text = "\n>" + std::string(kDeepest, ')') + '\n';
-  for (std::size_t i = 0; i < kDeepest; ++i) text += "]>>";
-  return text + "\nendstream\nendobj\n";
+  return "\n>" + std::string(kDeepest, ')') + '\n';
+}
+
+// Ends whatever value or stream is open: strings, then, unless it is of strings alone, arrays and dictionaries.
+std::string MakeClosing(bool stringsOnly = false) {
+  constexpr std::size_t kDeepest = 64;
+  std::string text = StringEnds();
+  for (std::size_t i = 0; i < kDeepest && !stringsOnly; ++i) text += "]>>";
+  return text + (stringsOnly ? "" : "\n") + "endstream\nendobj\n";
 }
 
 bool EndsWithMark(const InputFile& file) {
@@ -151,10 +157,12 @@ std::string FileRepair::Closing() {
   // Readers that rebuild the file read values outside of objects, too.
   const bool rebuilt = !QuickReader::StartsWithHeader(*file_) && !EndsWithMark(*file_);
   if (!Scan().damage && !inStream && !rebuilt) return {};
-  static const std::string closing = MakeClosing();
+  if (inStream || rebuilt) return MakeClosing();
   // A repair of this kind may have closed it before.
-  const bool closed = !inStream && !rebuilt && WordSearch(*file_, closing).From(*Scan().damage) < file_->Size();
-  return closed ? "" : closing;
+  static const std::string ends = StringEnds();
+  if (WordSearch(*file_, ends).From(*Scan().damage) < file_->Size()) return {};
+  // With objects after it, readers that took them for a part of the value did not read it. They are not to read it now.
+  return MakeClosing(!objects.empty() && objects.back().offset > *Scan().damage);
 }
 
 // Of the newest trailer that has a usable one: a value, or a reference to an object that is there.

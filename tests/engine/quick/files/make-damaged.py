@@ -120,6 +120,10 @@ def incremental():
     page[3] = page[3].replace(b">> >> ", b">> ").replace(b" >>>>", b" >> ").rstrip(b">")
     font = {4: contents()[4].replace(b"/Length 35", b"/Length 9 /Font << /F1 6 0 R >>")}
     yield "page-open", broken(File().put(font).put({k: v for k, v in page.items() if k != 3}).put({3: page[3]}).table())
+    # Readers that take all that follows for elements do not read the array, which would put other letters.
+    font = {5: FONT.replace(b">>", b"/Encoding << /Differences 9 0 R >> >>")}
+    yield "array-open", File().put({**objects(), **font}).put(contents()).put({9: b"[ 72 /A 101 /B", 10: b"null"}).table(
+        trailer=b"/Size 11 /Root 1 0 R").out.replace(b"endobj\n10 0", b"10 0").replace(b"startxref\n", b"startxref\n9")
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
     yield "string-with-objects", broken(plain(catalog=b"/Note (\n2 0 obj << /Type /Pages >> endobj\n3 0 obj null) ").table())
