@@ -186,7 +186,7 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     const std::size_t keyword = data.find("endobj");
     if (keyword != std::string::npos && !document.isEncrypted() && parsed.isStream() && IsDeflated(parsed.getDict())) {
       const std::size_t inflatable = InflatableSize(data);
-      if (inflatable > keyword) data.resize(inflatable);
+      if (inflatable >= keyword) data.resize(inflatable);
     }
     dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +
