@@ -37,6 +37,10 @@ void RemoveEndOfLine(std::string& text) {
   if (!text.empty() && text.back() == '\r') text.pop_back();
 }
 
+CannotRepair VersionsDiffer(std::uint32_t number) {
+  return CannotRepair("object " + std::to_string(number) + " has several versions, and one of them is damaged");
+}
+
 // How many bytes of deflated data come before the one that cannot be inflated; all where none is found.
 std::size_t InflatableSize(const std::string& data) {
   constexpr uLong kMostInflated = 1 << 30;
@@ -110,6 +114,7 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
       if (!added && known->second > place) {
         const FileScan::Object* const other =
             all[number].stream == 0 ? ScannedAt(known->second + headerOffset) : nullptr;
+        if (other != nullptr && other->badKeys) throw VersionsDiffer(number);
         if (other == nullptr || Updates(*other, object)) continue;
       }
       known->second = place;
@@ -227,8 +232,9 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
-    const std::string name = "object " + std::to_string(kept.id.number);
-    if (object->damaged && kept.id == tail.root) throw CannotRepair(name + " is damaged");
+    if (object->damaged && kept.id == tail.root) {
+      throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
+    }
     // Readers that rebuild the file and do not find it would not decrypt the update.
     if (rebuilt && object->inside && kept.id == Scan().encryption) {
       throw CannotRepair("the encryption dictionary is damaged");
@@ -236,13 +242,13 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
     const std::vector<const FileScan::Object*>& all = versions[kept.id.number];
     // The update does not keep some readers from rebuilding a file without a header.
     const bool another = rebuilt && std::any_of(all.begin(), all.end(), [&](const auto* other) {
-                           return other->offset > object->offset && other->damaged;
+                           return other->offset > object->offset && (other->damaged || other->badKeys);
                          });
-    if (!object->damaged && !object->inside && !another) continue;
+    if (!object->damaged && !object->badKeys && !object->inside && !another) continue;
     const bool clear = all.size() <= kMostCopies && std::all_of(all.begin(), all.end(), [&](const auto* other) {
                          return other == object || AreCopies(*object, *other);
                        });
-    if (!clear) throw CannotRepair(name + " has several versions, and one of them is damaged");
+    if (!clear) throw VersionsDiffer(kept.id.number);
   }
 }
 

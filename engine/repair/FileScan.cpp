@@ -144,6 +144,7 @@ class Scanner {
     std::uint64_t end = 0;
     bool whole = false;
     bool cutOff = false;  // the file ends inside it
+    bool badKeys = false;
   };
 
   // Reads the value at `offset`; the text of damaged ones is cut short at a fixed length.
@@ -153,7 +154,7 @@ class Scanner {
       try {
         PdfLexer lexer(text);
         const PdfLexer::Value value = lexer.ReadValue();
-        extent = {offset + value.end, true, false};
+        extent = {offset + value.end, true, false, !lexer.KeysAreNames()};
         return lexer.Text(value);
       } catch (const PdfSyntaxError& error) {
         extent.cutOff = error.truncated() && text.size() < size;
@@ -204,6 +205,7 @@ class Scanner {
     std::string text(ReadValue(body, extent));
     std::uint64_t end = extent.end;
     object->damaged = !extent.whole;
+    object->badKeys = extent.badKeys;
     std::optional<std::uint64_t> data;
     if (extent.whole) {
       if (StartsWith(text, "<<")) data = StreamDataAfter(end);

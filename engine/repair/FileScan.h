@@ -24,6 +24,8 @@ struct FileScan {
     // Its text, or its stream's dictionary, is not PDF syntax, or its stream does not end with its keyword: readers may
     // take what follows for a part of it.
     bool damaged = false;
+    // A dictionary in it has a key that is not a name, or a key without a value. Some readers do not read it.
+    bool badKeys = false;
     // Follows such an object, before the next end of a stream if that is one, or a trailer that is open, or is in the
     // data of a stream whose /Length does not lead to their end.
     bool inside = false;

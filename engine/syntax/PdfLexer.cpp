@@ -246,29 +246,41 @@ void PdfLexer::SkipHexString() {
 
 // An array or dictionary with all that is in it.
 void PdfLexer::SkipContainer() {
-  std::string closers;
+  constexpr char kInArray = ']';
+  constexpr char kBeforeKey = 'k';
+  constexpr char kBeforeValue = 'v';
+  std::string open;
+  const auto begin = [&](char c) {
+    if (open.empty() || open.back() == kInArray) return;
+    keysAreNames_ = keysAreNames_ && (open.back() == kBeforeValue || c == '/');
+    open.back() = open.back() == kBeforeKey ? kBeforeValue : kBeforeKey;
+  };
   do {
     SkipSpace();
     const char c = Peek();
-    if (c == '[') {
-      closers += ']';
-      ++position_;
-    } else if (text_.compare(position_, 2, "<<") == 0) {
-      closers += '>';
-      position_ += 2;
-    } else if (c == ']' || c == '>') {
-      if (closers.back() != c) throw PdfSyntaxError();
+    if (c == ']' || c == '>') {
+      if ((c == ']') != (open.back() == kInArray)) throw PdfSyntaxError();
+      keysAreNames_ = keysAreNames_ && open.back() != kBeforeValue;
       ++position_;
       if (c == '>') {
         if (Peek() != '>') throw PdfSyntaxError();
         ++position_;
       }
-      closers.pop_back();
+      open.pop_back();
+    } else if (c == '[') {
+      begin(c);
+      open += kInArray;
+      ++position_;
+    } else if (text_.compare(position_, 2, "<<") == 0) {
+      begin(c);
+      open += kBeforeKey;
+      position_ += 2;
     } else {
+      begin(c);
       ReadSimple();
     }
-    if (closers.size() > kDeepest) throw PdfSyntaxError();
-  } while (!closers.empty());
+    if (open.size() > kDeepest) throw PdfSyntaxError();
+  } while (!open.empty());
 }
 
 // After an unsigned integer: whether it begins a reference; moves after that if so.

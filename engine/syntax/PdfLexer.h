@@ -49,6 +49,8 @@ class PdfLexer {
   void Expect(std::string_view word);
   // The next object, whole.
   Value ReadValue();
+  // Whether the keys of all dictionaries that were read were names, each with a value. Readers differ about others.
+  bool KeysAreNames() const { return keysAreNames_; }
   // A dictionary: calls visit(key, value) for each entry.
   template <typename Visit>
   void ReadEntries(Visit visit) {
@@ -106,6 +108,7 @@ class PdfLexer {
 
   std::string_view text_;
   std::size_t position_;
+  bool keysAreNames_ = true;
 };
 
 }  // namespace engine

@@ -161,7 +161,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   pageAsCatalog.replace(pageAsCatalog.find("/Root 1"), 7, "/Root 3");
   pageAsCatalog.replace(pageAsCatalog.find("/Type /Page /"), 5, "/Kind");
   std::string damagedPages = PlainPdf().Bytes();
-  damagedPages.insert(damagedPages.find("/Kids"), "/Kids");
+  damagedPages.replace(damagedPages.find("/Kids"), 5, "/Sons");
   damagedPages.insert(damagedPages.find("/Root"), "/ID [ <aa> <aa> ] ");
   std::string first = Damaged("header-misspelt-object-streams");
   first.replace(0, 5, "%PDF-");
@@ -209,6 +209,12 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
       {"an object that has another version", "object 5 has several versions, and one of them is damaged",
        plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
+      {"a page that has another version, of which a key has no value",
+       "object 3 has several versions, and one of them is damaged",
+       plain + "3 0 obj\n<< /Type /Page/Page /Parent 2 0 R >>\nendobj\n" + std::string(2048, ' ')},
+      {"an object in an object stream that has another version, of which a key has no value",
+       "object 3 has several versions, and one of them is damaged",
+       streams + "\n3 0 obj\n<< /Type /Page/Page /Parent 2 0 R >>\nendobj\n" + std::string(2048, ' ')},
       {"pages of another document after the end", "objects of another document follow the end of the file",
        PlainPdf().Bytes() + "3 0 obj\n<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 9 9 ] >>\nendobj\n" +
            std::string(2048, ' ')},
