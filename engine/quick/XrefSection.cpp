@@ -87,8 +87,8 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   CheckRows(offset);
 }
 
-// Where rows are missing, name an object stream of number 0, or say that the stream itself is elsewhere, some readers
-// rebuild the cross-references. Long streams are not decoded for this alone.
+// Where rows are missing or left over, name an object stream of number 0, or say that the stream itself is elsewhere,
+// some readers rebuild the cross-references. Long streams are not decoded for this alone.
 void XrefSection::CheckRows(std::uint64_t offset) const {
   constexpr std::uint64_t kMostDecoded = 64 * 1024;
   std::uint64_t size = 0;
@@ -97,14 +97,14 @@ void XrefSection::CheckRows(std::uint64_t offset) const {
     size += subsection.count * (widths_[0] + widths_[1] + widths_[2]);
   }
   if (size > kMostDecoded) return;
-  const std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size));
-  if (rows.size() < size) throw PdfSyntaxError();
+  const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
+  const std::string_view rows = decoder_->Decode(static_cast<std::size_t>(size) + rowSize);
+  if (rows.size() < size || rows.size() >= size + rowSize) throw PdfSyntaxError();
   const std::optional<Entry> own = Find(streamNumber_);
   // Some producers leave the offset 0.
   const bool elsewhere = own && own->type == Entry::Type::kOffset && own->offset != 0 && own->offset != offset;
   if (elsewhere || (own && own->type == Entry::Type::kInStream)) throw PdfSyntaxError();
   if (widths_[0] == 0) return;  // no row is about an object stream
-  const std::size_t rowSize = widths_[0] + widths_[1] + widths_[2];
   const std::string missing = std::string(widths_[0] - 1, '\0') + '\2' + std::string(widths_[1], '\0');
   for (std::size_t row = 0; row < size; row += rowSize) {
     if (rows[row + missing.size() - 1] == 0 && rows.compare(row, missing.size(), missing) == 0) throw PdfSyntaxError();

@@ -169,6 +169,11 @@ def incremental():
     yield "size-of-too-many-objects", in_streams().xref_stream().out.replace(b"/Size ", b"/Size 9999999", 1)
     yield "xref-stream-rows-missing", re.sub(rb"/Index \[[^]]*\] /Size \d+", rb"/Size 45", in_streams(
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
+    # Readers that look for the page in an object stream without a row rebuild the file, with the old catalog.
+    old = objects(catalog=b"/URI << /Base (old) >> ")
+    yield "xref-stream-rows-left-over", re.sub(
+        rb"/Index \[[^]]*\] /Size \d+", rb"/Size 9", File().put({7: old.pop(7)}).put(contents()).put_in_stream(
+            8, {1: old.pop(1).replace(b"/AcroForm << /Fields [ 6 0 R ] >> ", b""), 2: old.pop(2)}).put_in_stream(9, old).xref_stream().out)
     yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
         b"/Columns 7", b"/Columns 7 7")
     yield "xref-stream-number-of-the-pages", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"2\1", in_streams().xref_stream().out)
