@@ -13,7 +13,9 @@ namespace {
 
 // Messages about objects that are not in the cross-references.
 void NoteMissing(void* messages, const char* message) {
-  if (std::strstr(message, "object out of range") == nullptr) return;
+  const bool missing = std::strstr(message, "object out of range") != nullptr ||
+                       std::strstr(message, "ignoring object with invalid object number") != nullptr;
+  if (!missing) return;
   static_cast<std::set<std::string>*>(messages)->insert(message);
 }
 

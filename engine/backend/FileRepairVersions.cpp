@@ -65,10 +65,10 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
   return std::nullopt;
 }
 
-// Whether the file ends in a stream of an update. Some readers show the file as it was before.
+// Whether other versions of objects follow the last end of the file. Some readers show the file as it was before.
 bool FileRepair::UpdateIsCutOff() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
-  if (objects.empty() || Scan().ends.empty() || !objects.back().cutOff || objects.back().data == 0) return false;
+  if (Scan().ends.empty()) return false;
   std::set<std::uint32_t> older;
   return std::any_of(objects.begin(), objects.end(), [&](const FileScan::Object& object) {
     if (object.offset > Scan().ends.back()) return older.count(object.id.number) != 0;

@@ -191,6 +191,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"two documents", "the file holds two documents", plain + plain},
       {"an update that is cut off", "an update is cut off, and the file before it is damaged",
        plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
+      {"an update without its end", "an update is cut off, and the file before it is damaged",
+       plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n"},
       {"an update of a page that is damaged", "an update is damaged",
        PlainPdf().Bytes() +
            "3 0 obj\n<< /Type /Page /Parent 2 0 R <p>HTTP/1.1 200 "
@@ -208,10 +210,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an object stream without its end", "an object stream is damaged",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
       {"an object that has another version", "object 5 has several versions, and one of them is damaged",
-       plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\n" + std::string(2048, ' ')},
+       plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\nstartxref\n1\n" + std::string(2048, ' ')},
       {"a page that has another version, of which a key has no value",
        "object 3 has several versions, and one of them is damaged",
-       plain + "3 0 obj\n<< /Type /Page/Page /Parent 2 0 R >>\nendobj\n" + std::string(2048, ' ')},
+       plain + "3 0 obj\n<< /Type /Page/Page /Parent 2 0 R >>\nendobj\nstartxref\n1\n" + std::string(2048, ' ')},
       {"an object in an object stream that has another version, of which a key has no value",
        "object 3 has several versions, and one of them is damaged",
        streams + "\n3 0 obj\n<< /Type /Page/Page /Parent 2 0 R >>\nendobj\n" + std::string(2048, ' ')},
