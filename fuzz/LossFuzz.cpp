@@ -216,6 +216,9 @@ class Fuzzer {
     if (MisreadBefore(i, after.reading)) {
       return Allowed(i, "what it reads no more is not in the undamaged file", losses.front());
     }
+    if (HasDamagedFonts(i, after.reading)) {
+      return Allowed(i, "reads the same content with damaged fonts", losses.front());
+    }
     if (NeverOpensUndamaged(i, after.reading)) {
       return Allowed(i, "does not open the undamaged file either", losses.front());
     }
@@ -261,6 +264,11 @@ class Fuzzer {
     const Reading undamaged = Read(kReaders[i], current_.undamaged).reading;
     return undamaged.HasText() && undamaged.pageCount == after.pageCount &&
            LosesOnlyMisread(before_[i].reading, after, undamaged);
+  }
+
+  bool HasDamagedFonts(std::size_t i, const Reading& after) const {
+    if (kReaders[i].read == ReadWithQpdf || current_.undamaged.empty()) return false;
+    return DiffersByDamagedFonts(before_[i].reading, after, Read(kReaders[i], current_.undamaged).reading);
   }
 
   // As a damaged trailer may hide from a reader that it has no password.

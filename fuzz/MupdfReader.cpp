@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <set>
 #include <string>
 
@@ -76,6 +77,45 @@ fz_buffer* ContentOf(fz_context* context, pdf_document* document, int number) {
   return all;
 }
 
+// All that a value consists of, streams decoded; what other objects lead to, once.
+void AppendValue(fz_context* context, fz_buffer* all, pdf_obj* value, std::set<int>* seen) {
+  const int number = pdf_to_num(context, value);
+  if (number != 0 && !seen->insert(number).second) return;
+  if (pdf_is_stream(context, value)) AppendStream(context, all, value);
+  if (pdf_is_dict(context, value)) {
+    for (int i = 0; i < pdf_dict_len(context, value); ++i) {
+      pdf_obj* const key = pdf_dict_get_key(context, value, i);
+      if (pdf_name_eq(context, key, PDF_NAME(Length))) continue;
+      fz_append_string(context, all, pdf_to_name(context, key));
+      AppendValue(context, all, pdf_dict_get_val(context, value, i), seen);
+    }
+  } else if (pdf_is_array(context, value)) {
+    for (int i = 0; i < pdf_array_len(context, value); ++i) {
+      AppendValue(context, all, pdf_array_get(context, value, i), seen);
+    }
+  } else if (pdf_is_number(context, value)) {
+    fz_append_printf(context, all, "%g ", pdf_to_real(context, value));
+  } else if (pdf_is_name(context, value)) {
+    fz_append_string(context, all, pdf_to_name(context, value));
+  } else if (pdf_is_string(context, value)) {
+    fz_append_data(context, all, pdf_to_str_buf(context, value), pdf_to_str_len(context, value));
+  }
+}
+
+fz_buffer* FontsOf(fz_context* context, pdf_document* document, int number) {
+  fz_buffer* all = nullptr;
+  std::set<int> seen;
+  fz_var(all);
+  fz_try(context) {
+    all = fz_new_buffer(context, 1024);
+    pdf_obj* const page = pdf_lookup_page_obj(context, document, number);
+    pdf_obj* const resources = pdf_dict_get_inheritable(context, page, PDF_NAME(Resources));
+    AppendValue(context, all, pdf_dict_get(context, resources, PDF_NAME(Font)), &seen);
+  }
+  fz_catch(context) {}
+  return all;
+}
+
 std::string Taken(fz_context* context, fz_buffer* buffer) {
   if (buffer == nullptr) return {};
   unsigned char* bytes = nullptr;
@@ -128,7 +168,9 @@ Reading ReadWithMupdf(const std::string& file) {
   }
   for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = Words(Taken(context, TextOf(context, document, page)));
-    reading.pages.push_back({std::move(text), Words(Taken(context, ContentOf(context, pdf, page)))});
+    std::string content = Words(Taken(context, ContentOf(context, pdf, page)));
+    const std::string fonts = Taken(context, FontsOf(context, pdf, page));
+    reading.pages.push_back({std::move(text), std::move(content), std::hash<std::string>()(fonts)});
   }
   fz_drop_document(context, document);
   fz_drop_context(context);

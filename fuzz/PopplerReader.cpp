@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <set>
 
@@ -37,6 +38,41 @@ std::string ContentOf(PDFDoc& document, int number) {
   return all;
 }
 
+// All that a value consists of, streams decoded; what other objects lead to, once.
+void AppendValue(const Object& value, XRef* xref, std::set<int>& seen, std::string& all) {
+  if (value.isRef()) {
+    if (seen.insert(value.getRefNum()).second) AppendValue(value.fetch(xref), xref, seen, all);
+    return;
+  }
+  if (value.isStream()) AppendStream(value, all);
+  if (value.isDict() || value.isStream()) {
+    const Dict* const dictionary = value.isDict() ? value.getDict() : value.streamGetDict();
+    for (int i = 0; i < dictionary->getLength(); ++i) {
+      if (std::strcmp(dictionary->getKey(i), "Length") == 0) continue;
+      all += dictionary->getKey(i);
+      AppendValue(dictionary->getValNF(i), xref, seen, all);
+    }
+  } else if (value.isArray()) {
+    for (int i = 0; i < value.arrayGetLength(); ++i) AppendValue(value.arrayGetNF(i), xref, seen, all);
+  } else if (value.isNum()) {
+    all += std::to_string(value.getNum()) + ' ';
+  } else if (value.isName()) {
+    all += value.getName();
+  } else if (value.isString()) {
+    all += value.getString()->toStr();
+  }
+}
+
+std::size_t FontsOf(PDFDoc& document, int number) {
+  Page* const page = document.getPage(number);
+  Dict* const resources = page != nullptr ? page->getResourceDict() : nullptr;
+  if (resources == nullptr) return 0;
+  std::string all;
+  std::set<int> seen;
+  AppendValue(resources->lookupNF("Font"), document.getXRef(), seen, all);
+  return std::hash<std::string>()(all);
+}
+
 std::string TextOf(PDFDoc& document, int number) {
   std::string text;
   TextOutputDev device(Append, &text, false, 0, false);
@@ -65,7 +101,7 @@ Reading ReadWithPoppler(const std::string& file) {
   reading.pageCount = static_cast<std::uint64_t>(std::max(0, document.getNumPages()));
   for (int page = 1; page <= static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
     std::string text = TextOf(document, page);
-    reading.pages.push_back({std::move(text), Words(ContentOf(document, page))});
+    reading.pages.push_back({std::move(text), Words(ContentOf(document, page)), FontsOf(document, page)});
   }
   reading.notFound = MessagesOfMissing().size();
   return reading;

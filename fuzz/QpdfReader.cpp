@@ -73,7 +73,7 @@ Reading ReadWithQpdf(const std::string& file) {
     for (std::size_t page = 0; page < std::min(pages.size(), kMaxPagesRead); ++page) {
       std::string content = ContentsOf(pages[page]);
       std::string tokens = Words(content);
-      reading.pages.push_back({std::move(content), std::move(tokens)});
+      reading.pages.push_back({std::move(content), std::move(tokens), 0});
     }
     for (const QPDFExc& warning : pdf.getWarnings()) {
       const std::string text = warning.getMessageDetail();

@@ -138,6 +138,7 @@ std::string Reading::ToBytes() const {
   for (const PageReading& page : pages) {
     PutText(bytes, page.text);
     PutText(bytes, page.content);
+    Put(bytes, page.fonts);
   }
   return bytes;
 }
@@ -154,7 +155,8 @@ Reading Reading::FromBytes(const std::string& bytes) {
   const auto count = parts.Next<std::size_t>();
   for (std::size_t page = 0; page < count; ++page) {
     std::string text = parts.NextText();
-    reading.pages.push_back({std::move(text), parts.NextText()});
+    std::string content = parts.NextText();
+    reading.pages.push_back({std::move(text), std::move(content), parts.Next<std::size_t>()});
   }
   return reading;
 }
@@ -245,6 +247,17 @@ bool KeepsLetters(const Reading& before, const Reading& after) {
                       return HasLettersOf(had.text, has.text) ||
                              (had.content == has.content && HasLettersInAnyOrder(had.text, has.text));
                     });
+}
+
+bool DiffersByDamagedFonts(const Reading& before, const Reading& after, const Reading& undamaged) {
+  const std::size_t count = before.pages.size();
+  if (!SamePages(before, after) || undamaged.pages.size() < count || after.objects < before.objects) return false;
+  for (std::size_t page = 0; page < count; ++page) {
+    const std::size_t sound = undamaged.pages[page].fonts;
+    const bool damaged = before.pages[page].fonts != sound && after.pages[page].fonts != sound;
+    if (!damaged && before.pages[page].text != after.pages[page].text) return false;
+  }
+  return true;
 }
 
 std::string Words(const std::string& text) {

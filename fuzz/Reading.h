@@ -12,6 +12,7 @@ constexpr std::size_t kMaxPagesRead = 60;
 struct PageReading {
   std::string text;     ///< the words, one blank between two; of libqpdf, the decoded content stream instead
   std::string content;  ///< the decoded content stream's tokens, which can be compared between readers
+  std::size_t fonts;    ///< hash of all that the fonts of the page consist of; 0 of readers that are not asked
 };
 
 /// What one reader reads in a file.
@@ -51,6 +52,10 @@ bool KeepsLetters(const Reading& before, const Reading& after);
 /// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it,
 /// or those of `undamaged`.
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged);
+
+/// True when both show pages of the same contents, and the fonts of the pages whose texts differ are not those of the
+/// undamaged file, neither before nor after: which letters a reader makes of damaged fonts is chance.
+bool DiffersByDamagedFonts(const Reading& before, const Reading& after, const Reading& undamaged);
 
 /// The words of a text, one blank between two.
 std::string Words(const std::string& text);
