@@ -176,7 +176,9 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     lexer.ReadObjectHeader();
     std::optional<DictionaryText> dictionary = DictionaryText::Parse(std::string(lexer.Text(lexer.ReadValue())));
     if (!dictionary) throw damaged;
-    const std::uint64_t size = stream.dataEnd - stream.data;
+    // Without the keyword most readers go on to the end of the file.
+    const bool ends = stream.dataEnd == file_->Size() || file_->ReadAt(stream.dataEnd, 9) == "endstream";
+    const std::uint64_t size = (ends ? stream.dataEnd : file_->Size()) - stream.data;
     if (size > kLargestRepairedStreams) throw CannotRepair("a stream with a wrong length is too large to be copied");
     std::string data = file_->ReadAt(stream.data, static_cast<std::size_t>(size));
     // Readers that rebuild the file would take the copies of objects in it for newer ones.

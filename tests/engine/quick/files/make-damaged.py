@@ -115,6 +115,8 @@ def incremental():
     yield "length-past-the-keyword", broken(
         File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
+    yield "endstream-missing-header-misspelt", File().put(objects()).put(contents(
+        TEXT.replace(b"(", b"endobj ("), b"9", b"")).table().out.replace(b"%PDF-", b"%PFD-", 1)
     # The update has another font, in the stream whose length it mends.
     page = objects()
     page[3] = page[3].replace(b">> >> ", b">> ").replace(b" >>>>", b" >> ").rstrip(b">")
