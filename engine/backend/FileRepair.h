@@ -78,6 +78,7 @@ class FileRepair {
   bool UpdateIsCutOff();
   bool IsUpdated(const Version& version);
   bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
+  bool HasCatalogAfter(const Version& version, ObjectId root);
   bool NamesCatalogAfter(const Version& version, QPDF& rebuilt);
   bool AnotherRootAfter(const Version& version, QPDF& rebuilt);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;

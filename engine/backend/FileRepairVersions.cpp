@@ -91,11 +91,24 @@ bool FileRepair::IsUpdated(const Version& version) {
   });
 }
 
+// Whether a catalog after the version's end has a page tree. Where objects of it are preferred, it may not be in the
+// rebuilt document.
+bool FileRepair::HasCatalogAfter(const Version& version, ObjectId root) {
+  constexpr std::size_t kLargestCatalog = 64 * 1024;
+  const std::vector<FileScan::Object>& objects = Scan().objects;
+  return std::any_of(objects.begin(), objects.end(), [&](const FileScan::Object& object) {
+    if (object.offset < version.end || object.id != root || object.kind != Kind::kCatalog) return false;
+    const std::string text = file_->ReadAt(object.offset, kLargestCatalog);
+    return text.substr(0, text.find("endobj")).find("/Pages") != std::string::npos;
+  });
+}
+
 // Whether a trailer after the version's end names a catalog with a page tree, whatever that leads to.
 bool FileRepair::NamesCatalogAfter(const Version& version, QPDF& rebuilt) {
   return std::any_of(Scan().trailers.begin(), Scan().trailers.end(), [&](const FileScan::Trailer& trailer) {
     const std::optional<ObjectId> root = PdfLexer::FindReference(LenientEntry(trailer.text, "/Root"));
     if (trailer.offset < version.end || !root) return false;
+    if (HasCatalogAfter(version, *root)) return true;
     QPDFObjectHandle catalog = ObjectOf(rebuilt, *root);
     return catalog.isDictionary() && catalog.getDictAsMap().count("/Pages") != 0;
   });
@@ -103,7 +116,9 @@ bool FileRepair::NamesCatalogAfter(const Version& version, QPDF& rebuilt) {
 
 // Whether a catalog that is, or is named, after the version's end leads, or may lead, to pages, too.
 bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
-  const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
+  const auto leads = [&](ObjectId id) {
+    return id != version.tail.root && (LeadsToPage(ObjectOf(rebuilt, id)) || HasCatalogAfter(version, id));
+  };
   for (const FileScan::Trailer& trailer : Scan().trailers) {
     const std::optional<ObjectId> root = PdfLexer::FindReference(LenientEntry(trailer.text, "/Root"));
     if (trailer.offset >= version.end && root && leads(*root)) return true;
