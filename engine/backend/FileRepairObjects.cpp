@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cctype>
 #include <exception>
 #include <iterator>
 #include <map>
@@ -212,6 +213,21 @@ const FileScan::Object* FileRepair::ScannedAt(std::uint64_t offset) {
   return found != objects.end() && found->offset == offset ? &*found : nullptr;
 }
 
+// Whether a keyword has the place of the object's value. Some readers take it for the value, others for null.
+bool FileRepair::IsKeyword(const FileScan::Object& object) const {
+  constexpr std::size_t kWindow = 256;
+  const std::string text = file_->ReadAt(object.offset, kWindow);
+  try {
+    PdfLexer lexer(text);
+    lexer.ReadObjectHeader();
+    lexer.SkipSpace();
+    const bool letter = std::isalpha(static_cast<unsigned char>(text[lexer.Position()])) != 0;
+    return letter && text.compare(lexer.Position(), 6, "endobj") != 0;
+  } catch (const PdfSyntaxError&) {
+    return false;
+  }
+}
+
 // Whether one is a copy of the other, as where a part of the file was written twice.
 bool FileRepair::AreCopies(const FileScan::Object& one, const FileScan::Object& other) const {
   constexpr std::size_t kLargestCopy = 64 * 1024;
@@ -234,7 +250,7 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
-    if (object->damaged && kept.id == tail.root) {
+    if (object->damaged && (kept.id == tail.root || IsKeyword(*object))) {
       throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
     }
     // Readers that rebuild the file and do not find it would not decrypt the update.

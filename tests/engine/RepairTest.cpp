@@ -240,6 +240,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
       {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
        changed("/Length ", "/Length/Length ")},
+      {"a keyword in place of an object", "object 6 is damaged", changed("6 0 obj", "6 0 obj obj")},
       {"the catalog", "the catalog is damaged", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", "the pages are not found", unnamed},
       {"two documents, the page tree of one damaged", "objects of another document follow the end of the file",
