@@ -333,7 +333,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   const std::string mixed = MixedDocuments();
   const bool followed = !Scan().ends.empty() && !Newest().empty() && Scan().objects.back().offset > Scan().ends.front();
   std::optional<Version> earlier = followed ? FindEarlierVersion(password) : std::nullopt;
-  if (!mixed.empty() && !earlier) throw CannotRepair(mixed);
+  if (!mixed.empty() && !earlier) throw OtherDocument(mixed);
   const bool latest = earlier && earlier->end == Scan().ends.back();
   if (!latest && UpdateIsCutOff()) throw CannotRepair("an update is cut off, and the file before it is damaged");
   std::shared_ptr<QPDF> document = OpenWithTemporaryCatalog(kept, password);
@@ -356,7 +356,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   const bool severalRoots = root && (!ObjectOf(*document, *root).hasKey("/Pages") || !IsOnlyRoot(*root));
   const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
   const bool counts = earlier && EarlierVersionCounts(*earlier, *document, kept, pages);
-  if (!counts && !mixed.empty()) throw CannotRepair(mixed);
+  if (!counts && !mixed.empty()) throw OtherDocument(mixed);
   if (!counts && !pages && earlier && IsUpdated(*earlier)) throw CannotRepair("an update is damaged");
   if (!counts && pages) earlier.reset();
   if (!pages && !followed) earlier = FindEarlierVersion(password);

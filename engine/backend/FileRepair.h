@@ -24,6 +24,12 @@ class CannotRepair : public EngineError {
   explicit CannotRepair(const std::string& message) : EngineError(kErrorDamaged, message) {}
 };
 
+// The same, as readers see different documents in the file, whatever is appended.
+class OtherDocument : public CannotRepair {
+ public:
+  using CannotRepair::CannotRepair;
+};
+
 // Makes a damaged file readable by adding one complete cross-reference section for every object in it. The parser then
 // sees the file's bytes and that section, which is what a save appends.
 class FileRepair {
@@ -78,8 +84,8 @@ class FileRepair {
   bool UpdateIsCutOff();
   bool IsUpdated(const Version& version);
   bool EarlierVersionCounts(const Version& version, QPDF& rebuilt, const Kept& kept, bool rebuiltHasPages);
-  bool HasCatalogAfter(const Version& version, ObjectId root);
-  bool NamesCatalogAfter(const Version& version, QPDF& rebuilt);
+  bool NamesPages(const FileScan::Object& catalog) const;
+  bool CatalogAfter(const Version& version, QPDF& rebuilt);
   bool AnotherRootAfter(const Version& version, QPDF& rebuilt);
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithTemporaryCatalog(Kept kept, const std::string& password);

@@ -106,7 +106,9 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
       throw CannotRepair("an object stream cannot be read");
     }
     const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
-    if (object.damaged || !whole) throw CannotRepair("an object stream is damaged");
+    // Bytes that are missing or left over shift the objects in it, unless a filter fails on them.
+    const bool shifted = object.wrongLength && !ObjectOf(document, object.id).getDict().hasKey("/Filter");
+    if (object.damaged || shifted || !whole) throw CannotRepair("an object stream is damaged");
     for (std::uint32_t index = 0; index < members.size(); ++index) {
       const std::uint32_t number = members[index];
       // A stream cannot be in an object stream.
@@ -194,7 +196,9 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     const std::size_t keyword = data.find("endobj");
     if (keyword != std::string::npos && !document.isEncrypted() && parsed.isStream() && IsDeflated(parsed.getDict())) {
       const std::size_t inflatable = InflatableSize(data);
-      if (inflatable >= keyword) data.resize(inflatable);
+      // No part of another object may come before that object's end.
+      const bool another = data.find(" obj", keyword) < inflatable;
+      if (inflatable >= keyword && inflatable < data.size()) data.resize(another ? keyword : inflatable);
     }
     dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +

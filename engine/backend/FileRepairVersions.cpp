@@ -91,34 +91,32 @@ bool FileRepair::IsUpdated(const Version& version) {
   });
 }
 
-// Whether a catalog after the version's end has a page tree. Where objects of it are preferred, it may not be in the
-// rebuilt document.
-bool FileRepair::HasCatalogAfter(const Version& version, ObjectId root) {
+// Whether a catalog's text has a page tree. Where other objects have its number, the parser does not read it.
+bool FileRepair::NamesPages(const FileScan::Object& catalog) const {
   constexpr std::size_t kLargestCatalog = 64 * 1024;
-  const std::vector<FileScan::Object>& objects = Scan().objects;
-  return std::any_of(objects.begin(), objects.end(), [&](const FileScan::Object& object) {
-    if (object.offset < version.end || object.id != root || object.kind != Kind::kCatalog) return false;
-    const std::string text = file_->ReadAt(object.offset, kLargestCatalog);
-    return text.substr(0, text.find("endobj")).find("/Pages") != std::string::npos;
-  });
+  const std::string text = file_->ReadAt(catalog.offset, kLargestCatalog);
+  return text.substr(0, text.find("endobj")).find("/Pages") != std::string::npos;
 }
 
-// Whether a trailer after the version's end names a catalog with a page tree, whatever that leads to.
-bool FileRepair::NamesCatalogAfter(const Version& version, QPDF& rebuilt) {
+// Whether after the version's end there is, or may be, a catalog with a page tree, whatever that leads to.
+bool FileRepair::CatalogAfter(const Version& version, QPDF& rebuilt) {
+  bool streams = false;
+  for (const FileScan::Object& object : Scan().objects) {
+    if (object.offset < version.end) continue;
+    streams = streams || object.kind == Kind::kObjectStream;
+    if (object.kind == Kind::kCatalog && NamesPages(object)) return true;
+  }
   return std::any_of(Scan().trailers.begin(), Scan().trailers.end(), [&](const FileScan::Trailer& trailer) {
     const std::optional<ObjectId> root = PdfLexer::FindReference(LenientEntry(trailer.text, "/Root"));
     if (trailer.offset < version.end || !root) return false;
-    if (HasCatalogAfter(version, *root)) return true;
     QPDFObjectHandle catalog = ObjectOf(rebuilt, *root);
-    return catalog.isDictionary() && catalog.getDictAsMap().count("/Pages") != 0;
+    return streams || (catalog.isDictionary() && catalog.getDictAsMap().count("/Pages") != 0);
   });
 }
 
 // Whether a catalog that is, or is named, after the version's end leads, or may lead, to pages, too.
 bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
-  const auto leads = [&](ObjectId id) {
-    return id != version.tail.root && (LeadsToPage(ObjectOf(rebuilt, id)) || HasCatalogAfter(version, id));
-  };
+  const auto leads = [&](ObjectId id) { return id != version.tail.root && LeadsToPage(ObjectOf(rebuilt, id)); };
   for (const FileScan::Trailer& trailer : Scan().trailers) {
     const std::optional<ObjectId> root = PdfLexer::FindReference(LenientEntry(trailer.text, "/Root"));
     if (trailer.offset >= version.end && root && leads(*root)) return true;
@@ -126,7 +124,8 @@ bool FileRepair::AnotherRootAfter(const Version& version, QPDF& rebuilt) {
   return std::any_of(Scan().objects.begin(), Scan().objects.end(), [&](const FileScan::Object& object) {
     if (object.offset < version.end) return false;
     // A catalog may be in an object stream.
-    return object.kind == Kind::kObjectStream || (object.kind == Kind::kCatalog && leads(object.id));
+    if (object.kind == Kind::kObjectStream) return true;
+    return object.kind == Kind::kCatalog && object.id != version.tail.root && (NamesPages(object) || leads(object.id));
   });
 }
 
@@ -148,7 +147,7 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
   const char* const kMixed = "objects of another document follow the end of the file";
   if (!rebuiltHasPages && !alwaysRebuilt) {
     // Other readers may find pages where the parser finds none.
-    if (NamesCatalogAfter(version, rebuilt)) throw CannotRepair(kMixed);
+    if (CatalogAfter(version, rebuilt)) throw OtherDocument(kMixed);
     return true;
   }
   bool displaced = false;
@@ -160,12 +159,12 @@ bool FileRepair::EarlierVersionCounts(const Version& version, QPDF& rebuilt, con
     plausible = plausible && SameKind(object, other);
   });
   // Some readers take the last object of each number after the update, too.
-  if (displaced && alwaysRebuilt) throw CannotRepair(kMixed);
+  if (displaced && alwaysRebuilt) throw OtherDocument(kMixed);
   if (!rebuiltHasPages) return true;
   const bool another = AnotherRootAfter(version, rebuilt);
   if (!displaced && !another) return true;
   const bool found = version.end == Scan().ends.back() && file_->Size() - version.end <= kFarthestStartXref;
-  if (found || another || !plausible) throw CannotRepair(kMixed);
+  if (found || another || !plausible) throw OtherDocument(kMixed);
   return false;
 }
 

@@ -233,6 +233,8 @@ void QpdfDocument::Load(const std::string& password) {
   try {
     Repair(repair, password);
     return;
+  } catch (const OtherDocument&) {
+    throw;
   } catch (const CannotRepair& error) {
     // Any other way to rebuild the file would lose what this one cannot describe.
     if (!opened) throw;

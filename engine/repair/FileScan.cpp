@@ -280,6 +280,7 @@ class Scanner {
   std::uint64_t AddStream(FileScan::Object& object, std::uint64_t data, const std::string& dictionary) {
     const std::optional<std::uint64_t> end = EndByLength(data, dictionary);
     object.data = data;
+    object.wrongLength = !end;
     object.dataEnd = dataEnd_ = end ? *end : EndByKeyword(data);
     object.cutOff = object.dataEnd == window_.Size();
     object.damaged = object.damaged || !FollowsAt(window_, object.dataEnd, kStreamEnd) ||

@@ -32,6 +32,7 @@ struct FileScan {
     // Of streams: where the data begin, and where they end in the file, whatever /Length is.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
+    bool wrongLength = false;
   };
 
   struct Trailer {

@@ -207,6 +207,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a damaged object in an object stream", "an object stream is damaged",
        plain +
            "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 16 >>\nstream\n8 0 << /FT ] >> \nendstream\nendobj\n"},
+      {"an object stream without a filter that became longer", "an object stream is damaged",
+       plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 22 >>\nstream\n8 0 10 6 (one)  (longer) "
+               "\nendstream\nendobj\n"},
       {"an object stream without its end", "an object stream is damaged",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
       {"an object that has another version", "object 5 has several versions, and one of them is damaged",
