@@ -148,6 +148,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
+  std::string longKey = ReadText("encrypted.pdf");
+  longKey.replace(longKey.rfind("/Length 256"), 11, "/Length 999");
   ASSERT_EQ(
       RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf zeroed.pdf")
           .status,
@@ -240,6 +242,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a page with the next free number that one reader finds in a string",
        "another way to repair the file finds other objects", inString},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
+      {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
       {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
        changed("/Length ", "/Length/Length ")},
