@@ -97,8 +97,6 @@ std::optional<std::string> EncryptionWithKeyLength(QPDF& document) {
 bool EncryptionIsDamaged(QPDF& document) {
   QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
   if (!encrypt.isDictionary()) return false;
-  // In bits (ISO 32000-1, table 20).
-  constexpr long long kLongestKey = 256;
   QPDFObjectHandle length = encrypt.getKey("/Length");
   if (length.isInteger() && (length.getIntValue() < 0 || length.getIntValue() > kLongestKey)) return true;
   QPDFObjectHandle filters = encrypt.getKey("/CF");
