@@ -59,18 +59,19 @@ bool HasNoPages(QPDFObjectHandle catalog) {
   return pages.isDictionary() && pages.getKey("/Kids").isArray() && pages.getKey("/Kids").getArrayNItems() == 0;
 }
 
-// Ends an open string of either kind, however deep its parentheses are.
+// Values that are nested deeper are not closed.
+constexpr std::size_t kDeepest = 64;
+
+// Ends an open string of either kind.
 std::string StringEnds() {
-  constexpr std::size_t kDeepest = 64;
   return "\n>" + std::string(kDeepest, ')') + '\n';
 }
 
 // Ends whatever value or stream is open: strings, then, unless it is of strings alone, arrays and dictionaries.
 std::string MakeClosing(bool stringsOnly = false) {
-  constexpr std::size_t kDeepest = 64;
-  std::string text = StringEnds();
-  for (std::size_t i = 0; i < kDeepest && !stringsOnly; ++i) text += "]>>";
-  return text + (stringsOnly ? "" : "\n") + "endstream\nendobj\n";
+  std::string containers;
+  for (std::size_t i = 0; i < kDeepest; ++i) containers += "]>>";
+  return StringEnds() + (stringsOnly ? "" : containers + '\n') + "endstream\nendobj\n";
 }
 
 bool EndsWithMark(const InputFile& file) {

@@ -29,7 +29,7 @@ struct FileScan {
     // Follows such an object, before the next end of a stream if that is one, or a trailer that is open, or is in the
     // data of a stream whose /Length does not lead to their end.
     bool inside = false;
-    // Of streams: where the data begin, and where they end in the file, whatever /Length is.
+    // Of streams: where the data begin, where they end in the file, and whether /Length leads elsewhere.
     std::uint64_t data = 0;
     std::uint64_t dataEnd = 0;
     bool wrongLength = false;
