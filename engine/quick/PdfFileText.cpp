@@ -45,12 +45,13 @@ PdfFileText::Object PdfFileText::ReadObject(std::uint64_t offset) const {
   });
 }
 
-RawDictionary PdfFileText::ReadTrailer(std::uint64_t offset) const {
-  return ParseAt(offset, [](std::string_view text) {
+PdfFileText::Trailer PdfFileText::ReadTrailer(std::uint64_t offset) const {
+  return ParseAt(offset, [offset](std::string_view text) {
     PdfLexer lexer(text);
     lexer.Expect("trailer");
     lexer.SkipSpace();
-    return RawDictionary(text.substr(lexer.Position())).Kept();
+    const RawDictionary dictionary(text.substr(lexer.Position()));
+    return Trailer{dictionary.Kept(), offset + lexer.Position() + dictionary.Text().size()};
   });
 }
 

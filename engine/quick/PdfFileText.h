@@ -22,6 +22,11 @@ class PdfFileText {
     std::uint64_t dataOffset = 0;  // 0 when it is not a stream
   };
 
+  struct Trailer {
+    RawDictionary dictionary;
+    std::uint64_t end;  // of the dictionary
+  };
+
   // Throws PdfSyntaxError when the header is beyond the end.
   explicit PdfFileText(const InputFile& file, std::uint64_t headerOffset = 0);
 
@@ -54,7 +59,7 @@ class PdfFileText {
   // The object that starts at the offset exactly.
   Object ReadObject(std::uint64_t offset) const;
   // The dictionary after the word "trailer", which starts at the offset.
-  RawDictionary ReadTrailer(std::uint64_t offset) const;
+  Trailer ReadTrailer(std::uint64_t offset) const;
   // Throws unless that object starts at the offset and is a dictionary or stream.
   void CheckObject(std::uint64_t offset, ObjectId id) const;
   // Throws unless "endstream" follows the stream's data.

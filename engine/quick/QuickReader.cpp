@@ -37,8 +37,13 @@ bool IsHeader(std::string_view text) {
   return i > 5 && i + 1 < text.size() && text[i] == '.' && PdfLexer::IsDigit(text[i + 1]);
 }
 
-// The number after the last "startxref". A file that ends right there is cut off, but can be continued.
-std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
+struct StartXref {
+  std::uint64_t position;  // of the keyword
+  std::uint64_t offset;    // the number after it
+};
+
+// The last "startxref". A file that ends right there is cut off, but can be continued.
+StartXref ReadStartXref(const PdfFileText& file, bool endRequired) {
   const std::size_t window = static_cast<std::size_t>(std::min<std::uint64_t>(kTailWindow, file.Size()));
   std::string text;
   text.reserve(window + 1);
@@ -55,7 +60,25 @@ std::uint64_t ReadStartXref(const PdfFileText& file, bool endRequired) {
   while (end < text.size() && PdfLexer::IsSpace(text[end])) ++end;
   if (endRequired && text.compare(end, 5, "%%EOF") != 0) throw PdfSyntaxError();
   if (offset == 0) throw PdfSyntaxError();
-  return offset;
+  return {file.Size() - window + begin, offset};
+}
+
+// Throws unless one of the sections is right before "startxref", which may otherwise be the end of another document.
+void CheckSectionAtEnd(const PdfFileText& file, const XrefChain& chain, std::uint64_t position) {
+  std::uint64_t end = 0;
+  for (const XrefChain::Link& link : chain.Links()) {
+    const std::uint64_t own = std::max(link.section.End(), link.beside ? link.beside->End() : 0);
+    if (own <= position) end = std::max(end, own);
+  }
+  if (end == 0) throw PdfSyntaxError();
+  // Long white space is not read to its end.
+  const auto gap = static_cast<std::size_t>(std::min<std::uint64_t>(position - end, kTailWindow));
+  const std::string text = file.Read(end, gap) + "startxref ";
+  PdfLexer lexer(text);
+  do {
+    lexer.SkipSpace();
+  } while (lexer.Accept("endstream") || lexer.Accept("endobj"));
+  if (lexer.Position() != gap) throw PdfSyntaxError();
 }
 
 FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const RawDictionary& trailer, bool stream) {
@@ -79,8 +102,9 @@ QuickDocument ReadDocument(const InputFile& input) {
   std::string storage;
   if (!IsHeader(input.ViewAt(0, 16, storage))) throw PdfSyntaxError();
   const PdfFileText file(input);
-  const std::uint64_t startXref = ReadStartXref(file, true);
+  const auto [position, startXref] = ReadStartXref(file, true);
   const XrefChain chain(file, startXref);
+  CheckSectionAtEnd(file, chain, position);
   QuickDocument document;
   document.tail = MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
   if (document.tail.Encrypted()) throw PdfSyntaxError();
@@ -98,7 +122,7 @@ QuickDocument ReadDocument(const InputFile& input) {
 
 FileTail ReadTailOf(const InputFile& input) {
   const PdfFileText file(input, QuickReader::HeaderOffset(input));
-  const std::uint64_t startXref = ReadStartXref(file, false);
+  const std::uint64_t startXref = ReadStartXref(file, false).offset;
   const XrefChain chain(file, startXref);
   return MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
 }

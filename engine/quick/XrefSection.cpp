@@ -45,7 +45,9 @@ void XrefSection::ReadTable(const PdfFileText& file, std::uint64_t offset) {
     while (begin < text.size() && PdfLexer::IsSpace(text[begin])) ++begin;
     PdfLexer lexer(text, begin);
     if (lexer.Accept("trailer")) {
-      trailer_ = file.ReadTrailer(offset + begin);
+      PdfFileText::Trailer trailer = file.ReadTrailer(offset + begin);
+      trailer_ = std::move(trailer.dictionary);
+      end_ = trailer.end;
       return;
     }
     const std::uint64_t first = lexer.ReadUnsigned();
@@ -75,6 +77,7 @@ void XrefSection::ReadStream(const PdfFileText& file, std::uint64_t offset) {
   if (dictionary.Text("/Type") != "/XRef") throw PdfSyntaxError();
   const std::uint64_t length = dictionary.Unsigned("/Length");
   file.CheckStreamEnd(object, length);
+  end_ = object.dataOffset + length;
   ReadWidths(dictionary.Text("/W"));
   if (dictionary.Has("/Index")) {
     ReadIndex(dictionary.Text("/Index"));

@@ -33,6 +33,8 @@ class XrefSection {
   std::uint32_t StreamNumber() const { return streamNumber_; }
   // The dictionary of the trailer or of the stream.
   const RawDictionary& Trailer() const { return *trailer_; }
+  // Where the trailer's dictionary or the stream's data end.
+  std::uint64_t End() const { return end_; }
   // One more than the highest object number with an entry here.
   std::uint64_t EndNumber() const;
   // No value when this section does not have an entry for the object.
@@ -82,6 +84,7 @@ class XrefSection {
   std::optional<RawDictionary> trailer_;
   std::vector<Subsection> subsections_;
   std::uint32_t streamNumber_ = 0;
+  std::uint64_t end_ = 0;
   std::size_t widths_[3] = {};
   std::unique_ptr<StreamDecoder> decoder_;
 };

@@ -178,6 +178,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   const std::string previous =
       sound.substr(sound.rfind("startxref") + 10, sound.rfind("%%EOF") - sound.rfind("startxref") - 11);
   const std::string update = "trailer\n<< /Size 8 /Root 1 0 R /Prev " + previous + " >>\nstartxref\n1\n%%EOF\n";
+  std::string wrongEntry = sound;
+  wrongEntry.replace(wrongEntry.find(" 00000 n", wrongEntry.rfind("xref\n0 ") + 60) - 3, 3, "999");
+  const std::string endLeadsBack = sound.substr(0, sound.rfind("startxref") + 10) + previous + "\n%%EOF\n";
   std::string inString = changed("/Kids [ 3 0 R ]", "/Kids [ 8 0 R ]");
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
   const struct {
@@ -191,6 +194,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an encryption dictionary in an open stream, bytes before the header", "the encryption dictionary is damaged",
        encryptionInStream},
       {"two documents", "the file holds two documents", plain + plain},
+      {"two documents, the end of the second leads to the first", "the file holds two documents",
+       wrongEntry + endLeadsBack},
       {"an update that is cut off", "an update is cut off, and the file before it is damaged",
        plain + "3 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n9 0 obj\n<< /Length 99 >>\nstream\nBT"},
       {"an update without its end", "an update is cut off, and the file before it is damaged",

@@ -92,9 +92,14 @@ TEST(AppendUpdateTest, OffsetsBeyondFourAndTenGigabytes) {
     std::filesystem::copy_file(QUICK_SAMPLES "/" + std::string(c.sample), "large.pdf",
                                std::filesystem::copy_options::overwrite_existing);
     const std::string bytes = ReadText("large.pdf");
+    // After a table, qpdf would read the hole to its end.
+    const bool table = bytes.find("\nxref") != std::string::npos;
+    const std::size_t cut = bytes.rfind(table ? "\nxref" : "\nstartxref");
+    std::filesystem::resize_file("large.pdf", cut);
     std::filesystem::resize_file("large.pdf", c.size);
     {
-      const std::string end = bytes.substr(bytes.rfind("\nstartxref"));
+      std::string end = bytes.substr(cut);
+      if (table) end.replace(end.rfind("startxref") + 10, std::string::npos, std::to_string(c.size + 1) + "\n%%EOF\n");
       const int descriptor = open("large.pdf", O_WRONLY);
       ASSERT_EQ(pwrite(descriptor, end.data(), end.size(), static_cast<off_t>(c.size)),
                 static_cast<ssize_t>(end.size()));
