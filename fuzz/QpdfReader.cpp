@@ -34,6 +34,8 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
     if (object.isArray() || object.isDictionary() || object.isStream()) open.push_back(object);
   };
   open.push_back(root);
+  // As viewers do: the first wrong entry makes the library rebuild the cross-references, which may lose the pages.
+  visit(root.getKey("/Pages"));
   while (!open.empty()) {
     QPDFObjectHandle object = open.back();
     open.pop_back();
