@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <qpdf/QPDFXRefEntry.hh>
 
 #include "engine/backend/PageSearch.h"
 #include "engine/base/EngineError.h"
+#include "engine/quick/PdfFileText.h"
+#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -46,6 +49,20 @@ int LengthOfOneRc4Filter(QPDFObjectHandle encrypt) {
   const int length = IntegerOr(encrypt.getKey("/CF").getKey(streams.getName()), "/Length", 0);
   if (length == 0) return IntegerOr(encrypt, "/Length", 0);
   return length > kLongestInBytes ? length : 8 * length;
+}
+
+// Whether the dictionary is plain syntax. The parser passes over what is none, such as other bytes between hexadecimal
+// digits.
+bool IsPlainObject(QPDF& document, QPDFObjGen id, const PdfFileText& file) {
+  const std::map<QPDFObjGen, QPDFXRefEntry> entries = document.getXRefTable();
+  const auto entry = entries.find(id);
+  if (entry == entries.end() || entry->second.getType() != 1) return false;
+  try {
+    file.ReadObject(static_cast<std::uint64_t>(entry->second.getOffset()));
+    return true;
+  } catch (const PdfSyntaxError&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -94,9 +111,11 @@ std::optional<std::string> EncryptionWithKeyLength(QPDF& document) {
   return copy.unparse();
 }
 
-bool EncryptionIsDamaged(QPDF& document) {
+bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t headerOffset) {
   QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
   if (!encrypt.isDictionary()) return false;
+  if (encrypt.isIndirect() && !IsPlainObject(document, encrypt.getObjGen(), PdfFileText(file, headerOffset)))
+    return true;
   QPDFObjectHandle length = encrypt.getKey("/Length");
   if (length.isInteger() && (length.getIntValue() < 0 || length.getIntValue() > kLongestKey)) return true;
   QPDFObjectHandle filters = encrypt.getKey("/CF");

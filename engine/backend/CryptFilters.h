@@ -7,6 +7,8 @@
 
 namespace engine {
 
+class InputFile;
+
 // An encryption dictionary that means to the parser what the document's own means to its readers; no value when the
 // parser takes the document's own right. Crypt filters with the method /None leave strings and streams in the clear
 // (ISO 32000-2, table 25); the parser does so only for filters that name no method. Throws EngineError
@@ -20,6 +22,7 @@ std::optional<std::string> EncryptionWithoutNone(QPDF& document);
 std::optional<std::string> EncryptionWithKeyLength(QPDF& document);
 
 // Whether the encryption dictionary or a crypt filter in it is not PDF syntax: readers differ about what it means then.
-bool EncryptionIsDamaged(QPDF& document);
+// Offsets count from the header.
+bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t headerOffset);
 
 }  // namespace engine

@@ -91,6 +91,7 @@ class FileRepair {
   std::shared_ptr<QPDF> OpenWithTemporaryCatalog(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
   bool Updates(const FileScan::Object& object, const FileScan::Object& stream);
+  bool NamesObjectStreams();
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   void CheckMembers(QPDF& document, const Kept& kept) const;

@@ -87,7 +87,18 @@ bool FileRepair::Updates(const FileScan::Object& object, const FileScan::Object&
          trailers.back().offset > object.offset;
 }
 
-// With the objects in object streams. Of several objects of one number the last one in the file counts.
+// Whether the file's cross-references can lead to object streams (ISO 32000-1, 7.5.8); true when it has none.
+bool FileRepair::NamesObjectStreams() {
+  const FileScan& scan = Scan();
+  return scan.trailers.empty() ||
+         std::any_of(scan.objects.begin(), scan.objects.end(),
+                     [](const FileScan::Object& object) { return object.kind == Kind::kXrefStream; }) ||
+         std::any_of(scan.trailers.begin(), scan.trailers.end(),
+                     [](const FileScan::Trailer& trailer) { return !LenientEntry(trailer.text, "/XRefStm").empty(); });
+}
+
+// With the objects in object streams. What replaces a stream or comes without cross-references to it is of another
+// document. Of several objects of one number the last one in the file counts.
 FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
   std::map<std::uint32_t, FileTail::KeptObject> all;
   std::map<std::uint32_t, std::uint64_t> places;
@@ -97,6 +108,7 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
   }
   ObjectStreams streams(file_->Size());
   const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
+  const bool named = NamesObjectStreams();
   for (const FileScan::Object& object : Newest()) {
     if (object.kind != Kind::kObjectStream || object.id.generation != 0) continue;
     const std::uint64_t place = object.offset - headerOffset;
@@ -114,11 +126,13 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
       // A stream cannot be in an object stream.
       if (number == 0 || number == object.id.number) continue;
       const auto [known, added] = places.try_emplace(number, place);
+      const FileScan::Object* const other =
+          !added && all[number].stream == 0 ? ScannedAt(known->second + headerOffset) : nullptr;
       if (!added && known->second > place) {
-        const FileScan::Object* const other =
-            all[number].stream == 0 ? ScannedAt(known->second + headerOffset) : nullptr;
         if (other != nullptr && other->badKeys) throw VersionsDiffer(number);
         if (other == nullptr || Updates(*other, object)) continue;
+      } else if (other != nullptr && (other->data != 0 || !named)) {
+        throw CannotRepair("an object stream is of another document");
       }
       known->second = place;
       all[number] = {{number, 0}, 0, object.id.number, index};
@@ -277,7 +291,7 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
 // What readers make of such damage changes when the cross-references become sound.
 void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
-  if ((encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document)) {
+  if ((encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document, *file_, tail.headerOffset)) {
     throw CannotRepair("the encryption dictionary is damaged");
   }
   CheckDamagedObjects(tail);

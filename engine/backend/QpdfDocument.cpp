@@ -220,7 +220,8 @@ void QpdfDocument::Load(const std::string& password) {
   try {
     OpenView(password, Recovery::kOff);
     const bool closed = repair.EndIsClosed();
-    const bool decrypted = !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_);
+    const bool decrypted =
+        !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
     if (closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = closed && decrypted;

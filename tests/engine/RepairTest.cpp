@@ -148,6 +148,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
+  std::string verticalTab = ReadText("encrypted.pdf");
+  verticalTab[verticalTab.rfind("/UE <") + 9] = '\v';
   std::string longKey = ReadText("encrypted.pdf");
   longKey.replace(longKey.rfind("/Length 256"), 11, "/Length 999");
   ASSERT_EQ(
@@ -219,6 +221,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
                "\nendstream\nendobj\n"},
       {"an object stream without its end", "an object stream is damaged",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
+      {"an object stream after the table of a file that has none", "an object stream is of another document",
+       plain + "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 9 >>\nstream\n5 0 null\nendstream\nendobj\n"},
+      {"an object stream with the number of a stream", "an object stream is of another document",
+       streams + "\n10 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 9 >>\nstream\n4 0 null\nendstream\nendobj\n"},
       {"an object that has another version", "object 5 has several versions, and one of them is damaged",
        plain + "\n5 0 obj\n<< /BaseFont ] >>\nendobj\nstartxref\n1\n" + std::string(2048, ' ')},
       {"a page that has another version, of which a key has no value",
@@ -246,6 +252,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
        changed("(Hello) Tj", "(Hello) endobj\n5 0 obj\n<< /Wrong /Font >>\nendobj\n")},
       {"a page with the next free number that one reader finds in a string",
        "another way to repair the file finds other objects", inString},
+      {"a key that some readers read otherwise", "the encryption dictionary is damaged", verticalTab},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
       {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
