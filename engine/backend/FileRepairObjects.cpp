@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <exception>
 #include <iterator>
 #include <map>
@@ -308,7 +309,10 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   }
   QPDFObjectHandle pages = document.getRoot().getKey("/Pages");
   QPDFObjectHandle count = pages.isDictionary() ? pages.getKey("/Count") : pages;
-  if (count.isInteger() && count.getIntValue() > static_cast<long long>(tail.kept->size())) {
+  long long counted = count.isInteger() ? count.getIntValue() : 0;
+  // A damaged number is a string to the parser; some readers take its first digits.
+  if (count.isString()) counted = std::strtoll(count.getStringValue().c_str(), nullptr, 10);
+  if (counted > static_cast<long long>(tail.kept->size())) {
     throw CannotRepair("the page tree counts more pages than there are objects");
   }
 }

@@ -270,6 +270,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
        PlainPdf().Bytes().replace(0, 8, 8, '\0') + "2 0 obj\n<< /Ty"},
       {"a page count that readers refuse", "the page tree counts more pages than there are objects",
        changed("/Count 1", "/Count 999")},
+      {"a damaged page count that readers refuse", "the page tree counts more pages than there are objects",
+       changed("/Count 1", "/Count 99bf")},
   };
   for (const auto& [what, why, bytes] : rows) {
     SCOPED_TRACE(what);
