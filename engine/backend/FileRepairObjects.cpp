@@ -317,21 +317,21 @@ void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   }
 }
 
-// What the parser reaches with cross-references that it rebuilds itself has to be there.
+// What the parser reaches with cross-references that it rebuilds itself has to be there, if not in the same version.
 void FileRepair::CompareWithParser(View view, const std::string& password) const {
   bool all = true;
   try {
+    const std::shared_ptr<QPDF> repaired = OpenRecovering(view, password);
     std::set<QPDFObjGen> reached;
-    VisitReachable(*OpenRecovering(view, password),
-                   [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
-    view = {file_, "", std::nullopt};
-    const std::shared_ptr<QPDF> rebuilt = OpenParser(view, password, Recovery::kOn);
+    VisitReachable(*repaired, [&](QPDFObjectHandle object) { reached.insert(object.getObjGen()); });
+    View source = {file_, "", std::nullopt};
+    const std::shared_ptr<QPDF> rebuilt = OpenParser(source, password, Recovery::kOn);
     if (rebuilt == nullptr) return;
     ObjectStreams(file_->Size()).Check(*rebuilt);
     const QPDFObjGen root = rebuilt->getRoot().getObjGen();
     VisitReachable(*rebuilt, [&](QPDFObjectHandle object) {
       const QPDFObjGen id = object.getObjGen();
-      all = all && (id == root || reached.count(id) != 0);
+      all = all && (id == root || (reached.count(id) != 0 && SameKind(object, repaired->getObject(id))));
     });
     all = all || rebuilt->getAllPages().empty();
   } catch (const std::bad_alloc&) {

@@ -21,17 +21,6 @@ namespace {
 using Kind = FileScan::Kind;
 using View = BackendInputSource::View;
 
-QPDFObjectHandle DictionaryOf(QPDFObjectHandle object) {
-  return object.isStream() ? object.getDict() : object;
-}
-
-// Whether an object may be a new version of another.
-bool SameKind(QPDFObjectHandle one, QPDFObjectHandle other) {
-  if (one.getTypeCode() != other.getTypeCode()) return false;
-  if (!DictionaryOf(one).isDictionary()) return true;
-  return DictionaryOf(one).getKey("/Type").unparse() == DictionaryOf(other).getKey("/Type").unparse();
-}
-
 bool SameObject(QPDFObjectHandle one, QPDFObjectHandle other) {
   if (one.getTypeCode() != other.getTypeCode()) return false;
   if (!one.isStream()) return one.unparseResolved() == other.unparseResolved();

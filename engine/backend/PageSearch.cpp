@@ -18,6 +18,10 @@ bool IsPage(QPDFObjectHandle node) {
   return type.isNameAndEquals("/Page") || !type.isName();
 }
 
+QPDFObjectHandle DictionaryOf(QPDFObjectHandle object) {
+  return object.isStream() ? object.getDict() : object;
+}
+
 }  // namespace
 
 void VisitPageTree(QPDFObjectHandle catalog, const std::function<bool(QPDFObjectHandle node)>& visit) {
@@ -44,6 +48,12 @@ bool LeadsToPage(QPDFObjectHandle catalog) {
     return !found;
   });
   return found;
+}
+
+bool SameKind(QPDFObjectHandle one, QPDFObjectHandle other) {
+  if (one.getTypeCode() != other.getTypeCode()) return false;
+  if (!DictionaryOf(one).isDictionary()) return true;
+  return DictionaryOf(one).getKey("/Type").unparse() == DictionaryOf(other).getKey("/Type").unparse();
 }
 
 bool IsInventedKey(const std::string& key) {

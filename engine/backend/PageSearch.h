@@ -19,6 +19,9 @@ bool LeadsToPage(QPDFObjectHandle catalog);
 bool HasInventedKeys(QPDFObjectHandle dictionary);
 bool IsInventedKey(const std::string& key);
 
+// Whether an object may be a new version of another.
+bool SameKind(QPDFObjectHandle one, QPDFObjectHandle other);
+
 // How much of a document can be reached from the entries of its trailer.
 struct ReachableObjects {
   std::size_t objects = 0;  // indirect ones that are there

@@ -253,6 +253,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a page with the next free number that one reader finds in a string",
        "another way to repair the file finds other objects", inString},
       {"a key that some readers read otherwise", "the encryption dictionary is damaged", verticalTab},
+      {"a page with the number of the page tree in the middle of a line",
+       "another way to repair the file finds other objects", changed("3 0 obj", "> /V 2  0 obj")},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
       {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
