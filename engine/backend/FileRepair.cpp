@@ -152,6 +152,11 @@ bool FileRepair::EndIsClosed() {
   return (EndsWithMark(*file_) && QuickReader::StartsWithHeader(*file_)) || Closing().empty();
 }
 
+bool FileRepair::LengthsAreRight() {
+  return std::none_of(Newest().begin(), Newest().end(),
+                      [](const FileScan::Object& object) { return object.wrongLength; });
+}
+
 std::string FileRepair::Closing() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   const bool inStream = !objects.empty() && objects.back().data != 0 && objects.back().dataEnd == file_->Size();

@@ -51,6 +51,10 @@ class FileRepair {
   // bytes are before the header, would take the update for a part of a value or stream that does not end.
   bool EndIsClosed();
 
+  // Whether every stream ends where its /Length says. Readers do without it when they rebuild the file, and trust it
+  // when the cross-references are sound.
+  bool LengthsAreRight();
+
   // Objects that replace others of the same number.
   void Prefer(std::vector<FileTail::KeptObject> objects) { preferred_ = std::move(objects); }
 

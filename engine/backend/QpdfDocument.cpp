@@ -222,7 +222,9 @@ void QpdfDocument::Load(const std::string& password) {
     const bool closed = repair.EndIsClosed();
     const bool decrypted =
         !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
-    if (closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); })) return;
+    const bool sound = closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); });
+    // Where a save writes a complete section, readers that rebuilt the file before do so no more.
+    if (sound && (QuickReader::ReadTail(*file_) || repair.LengthsAreRight())) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = closed && decrypted;
   } catch (const EngineError& error) {

@@ -107,6 +107,8 @@ def incremental():
     yield "truncated-in-last-object", plain().put({3: objects()[3]}).out[:-40]
     yield "length-too-long", broken(File().put(objects()).put(contents(length=b"99")).table())
     yield "length-too-short", broken(File().put(objects()).put(contents(length=b"9")).table())
+    yield "length-too-short-white-space-before-the-table", File().put(objects()).put(contents(length=b"9")).table(
+    ).out.replace(b"xref\n0", b"\nxref\n0", 1)
     yield "length-to-nothing", broken(File().put(objects()).put(contents(length=b"99 0 R")).table())
     yield "length-of-object-stream-too-short", re.sub(
         rb"(/ObjStm.*?/Length )\d+", rb"\g<1>9", broken(in_streams().xref_stream()), count=1)
