@@ -319,17 +319,11 @@ class Fuzzer {
   // result cannot show both.
   const char* ReadLikeThisBefore(std::size_t i, const Reading& after) const {
     if (SamePages(before_[i].reading, after)) return nullptr;
-    const std::optional<std::size_t> other = OtherReadsThesePages(i, after);
-    return other && before_[*other].reading.HasText() ? kReaders[*other].name : nullptr;
-  }
-
-  // Another reader that read the same pages before.
-  std::optional<std::size_t> OtherReadsThesePages(std::size_t i, const Reading& after) const {
     for (std::size_t other = 0; other < kReaders.size(); ++other) {
       const Reading& theirs = before_[other].reading;
-      if (other != i && theirs.HasPages() && HoldsPages(after, theirs)) return other;
+      if (other != i && theirs.HasPages() && theirs.HasText() && HoldsPages(after, theirs)) return kReaders[other].name;
     }
-    return std::nullopt;
+    return nullptr;
   }
 
   void Lost(std::size_t i, const std::string& loss) {

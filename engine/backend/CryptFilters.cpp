@@ -51,12 +51,13 @@ int LengthOfOneRc4Filter(QPDFObjectHandle encrypt) {
   return length > kLongestInBytes ? length : 8 * length;
 }
 
-// Whether the dictionary is plain syntax. The parser passes over what is none, such as other bytes between hexadecimal
-// digits.
+// Whether the encryption dictionary is plain syntax. The parser passes over what is none, such as other bytes between
+// hexadecimal digits.
 bool IsPlainObject(QPDF& document, QPDFObjGen id, const PdfFileText& file) {
+  constexpr int kInFile = 1;
   const std::map<QPDFObjGen, QPDFXRefEntry> entries = document.getXRefTable();
   const auto entry = entries.find(id);
-  if (entry == entries.end() || entry->second.getType() != 1) return false;
+  if (entry == entries.end() || entry->second.getType() != kInFile) return false;
   try {
     file.ReadObject(static_cast<std::uint64_t>(entry->second.getOffset()));
     return true;
