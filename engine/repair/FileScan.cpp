@@ -82,8 +82,9 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   // "-1 0 obj" is not an object. "endobj1 0 obj", where a transfer removed a line end, is one.
   constexpr std::string_view kEndOfOther = "endobj";
   const bool other = head.size() >= kEndOfOther.size() && head.substr(head.size() - kEndOfOther.size()) == kEndOfOther;
-  if (!head.empty() && !PdfLexer::IsDelimiter(head.back()) && !other) return std::nullopt;
   FileScan::Object object;
+  object.afterJunk = !head.empty() && !PdfLexer::IsDelimiter(head.back()) && !other;
+  if (object.afterJunk && head.back() == '-') return std::nullopt;
   object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
   object.offset = begin + head.size();
   return object;
@@ -202,7 +203,12 @@ class Scanner {
     std::optional<FileScan::Object> object = HeaderAt(window_, word);
     if (!object) return body;
     Extent extent;
+    const std::optional<std::uint64_t> damage = result.damage;
     std::string text(ReadValue(body, extent));
+    if (object->afterJunk && !extent.whole) {
+      result.damage = damage;
+      return body;
+    }
     std::uint64_t end = extent.end;
     object->damaged = !extent.whole;
     object->badKeys = extent.badKeys;
@@ -391,6 +397,7 @@ std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>&
   std::vector<FileScan::Object> sorted = objects;
   std::stable_sort(sorted.begin(), sorted.end(), [](const FileScan::Object& a, const FileScan::Object& b) {
     if (a.id.number != b.id.number) return a.id.number < b.id.number;
+    if (a.afterJunk != b.afterJunk) return a.afterJunk;
     return a.cutOff != b.cutOff ? a.cutOff : a.id.generation < b.id.generation;
   });
   std::vector<FileScan::Object> newest;

@@ -21,6 +21,9 @@ struct FileScan {
     std::uint64_t offset = 0;  // of its number, from the start of the file
     Kind kind = Kind::kPlain;
     bool cutOff = false;  // the file ends inside it
+    // Its number follows other text without space, as where a line end is damaged. Few readers find it without
+    // cross-references. Its value is whole.
+    bool afterJunk = false;
     // Its text, or its stream's dictionary, is not PDF syntax, or its stream does not end with its keyword: readers may
     // take what follows for a part of it.
     bool damaged = false;
@@ -67,8 +70,8 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key);
 // Whether a stream's data can end at the offset: "endstream" follows, or at least "endobj".
 bool StreamCanEndAt(FileWindow& window, std::uint64_t offset);
 
-// The newest object of each number, in the order of their numbers: of those that are not cut off the one of the
-// highest generation that is last in the file.
+// The newest object of each number, in the order of their numbers: of those that are not cut off and do not follow junk
+// the one of the highest generation that is last in the file.
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects);
 
 }  // namespace engine

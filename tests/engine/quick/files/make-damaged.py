@@ -144,6 +144,9 @@ def incremental():
         in_streams().xref_stream().put({3: wrong.replace(b">>", b"] >>", 1)}).xref_stream())
     yield "negative-number", broken(plain().out + b"-3 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
     yield "number-after-junk", broken(plain().out + b"\x023 0 obj\n" + wrong + b"\nendobj\n" + b"trailer << >>\nstartxref\n1\n")
+    # Only the table leads to the contents. Some readers use it, though the trailer is damaged.
+    yield "number-after-comment", File().put(contents()).put(objects()).table().out.replace(
+        b"\n4 0 obj", b"\x024 0 obj").replace(b"<2233> ]", b"<2233>")
     yield "contents-open", broken(File().put(objects()).put(contents(TEXT[:20], b"9", b"")).put(
         {9: b"<< >>\nstream\n" + TEXT[20:] + b"\nendstream"}).table())
     yield "contents-open-before-a-copy", broken(File().put(objects()).put(contents(
