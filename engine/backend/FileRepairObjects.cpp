@@ -43,8 +43,12 @@ CannotRepair VersionsDiffer(std::uint32_t number) {
   return CannotRepair("object " + std::to_string(number) + " has several versions, and one of them is damaged");
 }
 
-// How many bytes of deflated data come before the one that cannot be inflated; all where none is found.
-std::size_t InflatableSize(const std::string& data) {
+struct Inflatable {
+  std::size_t size;  // the bytes of the data before the one that cannot be inflated; all where there is none
+  bool unfinished;   // the data are sound so far, but their end is missing
+};
+
+Inflatable Inflate(const std::string& data) {
   constexpr uLong kMostInflated = 1 << 30;
   std::vector<unsigned char> output(64 * 1024);
   z_stream inflater = {};
@@ -65,7 +69,14 @@ std::size_t InflatableSize(const std::string& data) {
   }
   inflateEnd(&inflater);
   if (result == Z_MEM_ERROR) throw std::bad_alloc();
-  return result == Z_OK || result == Z_STREAM_END ? data.size() : size - 1;
+  return {result == Z_OK || result == Z_STREAM_END ? data.size() : size - 1, result == Z_OK};
+}
+
+// Whether a stream with this dictionary is a font (ISO 32000-1, tables 126 and 127).
+bool IsFontProgram(QPDFObjectHandle dictionary) {
+  QPDFObjectHandle subtype = dictionary.getKey("/Subtype");
+  return dictionary.hasKey("/Length1") || subtype.isNameAndEquals("/Type1C") ||
+         subtype.isNameAndEquals("/CIDFontType0C") || subtype.isNameAndEquals("/OpenType");
 }
 
 // Whether the data of a stream with this dictionary are deflated first of all (ISO 32000-1, 7.3.8.2).
@@ -184,8 +195,9 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
   const std::string head = file_->ReadAt(stream.offset, static_cast<std::size_t>(stream.data - stream.offset));
   QPDFObjectHandle parsed = ObjectOf(document, stream.id);
   QPDFObjectHandle length = parsed.isStream() ? parsed.getDict().getKey("/Length") : parsed;
+  std::uint64_t bytes = 0;
   if (length.isInteger() && length.getIntValue() >= 0) {
-    const auto bytes = static_cast<std::uint64_t>(length.getIntValue());
+    bytes = static_cast<std::uint64_t>(length.getIntValue());
     if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
   }
   const CannotRepair damaged("object " + std::to_string(stream.id.number) + " is damaged");
@@ -208,12 +220,18 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     if (document.isEncrypted() && stream.dataEnd != file_->Size()) RemoveEndOfLine(data);
     // The parser has read the data up to the keyword, and shows nothing of deflated data with damage. What readers show
     // of damaged data differs otherwise, so they are not cut off without need.
-    const std::size_t keyword = data.find("endobj");
-    if (keyword != std::string::npos && !document.isEncrypted() && parsed.isStream() && IsDeflated(parsed.getDict())) {
-      const std::size_t inflatable = InflatableSize(data);
+    const std::size_t keyword = std::min(data.size(), data.find("endobj"));
+    if ((keyword < data.size() || bytes > data.size()) && !document.isEncrypted() && parsed.isStream() &&
+        IsDeflated(parsed.getDict())) {
+      const Inflatable inflatable = Inflate(data);
+      // Readers that go by the /Length inflate what follows, too. Of contents that shows more at the end; of a font
+      // they may take all or nothing.
+      if (inflatable.unfinished && bytes > data.size() && IsFontProgram(parsed.getDict())) {
+        throw CannotRepair("the font in object " + std::to_string(stream.id.number) + " is damaged");
+      }
       // No part of another object may come before that object's end.
-      const bool another = data.find(" obj", keyword) < inflatable;
-      if (inflatable >= keyword && inflatable < data.size()) data.resize(another ? keyword : inflatable);
+      const bool another = data.find(" obj", keyword) < inflatable.size;
+      if (inflatable.size >= keyword && inflatable.size < data.size()) data.resize(another ? keyword : inflatable.size);
     }
     dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +

@@ -185,6 +185,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   const std::string endLeadsBack = sound.substr(0, sound.rfind("startxref") + 10) + previous + "\n%%EOF\n";
   std::string inString = changed("/Kids [ 3 0 R ]", "/Kids [ 8 0 R ]");
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
+  const std::string deflated("x\1\0\x10\0\xEF\xFF of 16 bytes", 19);
   const struct {
     const char* what;
     const char* why;
@@ -260,6 +261,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
       {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
        changed("/Length ", "/Length/Length ")},
+      {"a font that is cut off before the end that its length leads to", "the font in object 9 is damaged",
+       changed("1 0 obj", "9 0 obj\n<< /Subtype /Type1C /Filter /FlateDecode /Length 99 >>\nstream\n" + deflated +
+                              "\nendstream\nendobj\n1 0 obj")},
       {"a keyword in place of an object", "object 6 is damaged", changed("6 0 obj", "6 0 obj obj")},
       {"the catalog", "the catalog is damaged", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", "the pages are not found", unnamed},
