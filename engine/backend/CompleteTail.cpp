@@ -8,6 +8,7 @@
 
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
+#include "engine/backend/XrefEntry.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/PdfLexer.h"
@@ -25,8 +26,6 @@ std::string Text(QPDFObjectHandle value) {
 }  // namespace
 
 std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
-  constexpr int kInFile = 1;
-  constexpr int kInStream = 2;
   FileTail tail;
   try {
     tail.root = PdfLexer::ToReference(Text(document.getTrailer().getKey("/Root")));

@@ -7,6 +7,7 @@
 #include <qpdf/QPDFXRefEntry.hh>
 
 #include "engine/backend/PageSearch.h"
+#include "engine/backend/XrefEntry.h"
 #include "engine/base/EngineError.h"
 #include "engine/quick/PdfFileText.h"
 #include "engine/syntax/PdfSyntaxError.h"
@@ -54,7 +55,6 @@ int LengthOfOneRc4Filter(QPDFObjectHandle encrypt) {
 // Whether the encryption dictionary is plain syntax. The parser passes over what is none, such as other bytes between
 // hexadecimal digits.
 bool IsPlainObject(QPDF& document, QPDFObjGen id, const PdfFileText& file) {
-  constexpr int kInFile = 1;
   const std::map<QPDFObjGen, QPDFXRefEntry> entries = document.getXRefTable();
   const auto entry = entries.find(id);
   if (entry == entries.end() || entry->second.getType() != kInFile) return false;

@@ -17,6 +17,7 @@
 namespace engine {
 
 class FileWindow;
+class ObjectStreams;
 
 // Damage that cannot be repaired without loss (kErrorDamaged).
 class CannotRepair : public EngineError {
@@ -64,6 +65,10 @@ class FileRepair {
 
  private:
   using Kept = std::vector<FileTail::KeptObject>;
+  struct Placed {
+    FileTail::KeptObject object;
+    std::uint64_t place;  // in the file, of the object or of the object stream it is in
+  };
   // What the file is up to one of its ends, if its own cross-references lead to all of that.
   struct Version {
     std::uint64_t end;
@@ -96,6 +101,9 @@ class FileRepair {
   void PutPreferred(Kept& kept) const;
   bool Updates(const FileScan::Object& object, const FileScan::Object& stream);
   bool NamesObjectStreams();
+  static std::vector<std::uint32_t> SoundMembers(ObjectStreams& streams, QPDF& document,
+                                                 const FileScan::Object& stream);
+  bool MemberReplaces(const Placed& known, const FileScan::Object& stream, bool named);
   Kept AddMembers(QPDF& document, const Kept& plain);
   Kept WithoutUnreadableMembers(QPDF& document, const Kept& kept, const Kept& plain);
   void CheckMembers(QPDF& document, const Kept& kept) const;

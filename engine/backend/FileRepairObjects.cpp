@@ -109,53 +109,57 @@ bool FileRepair::NamesObjectStreams() {
                      [](const FileScan::Trailer& trailer) { return !LenientEntry(trailer.text, "/XRefStm").empty(); });
 }
 
-// With the objects in object streams. What replaces a stream or comes without cross-references to it is of another
-// document. Of several objects of one number the last one in the file counts.
+// The numbers of the objects in an object stream that is whole.
+std::vector<std::uint32_t> FileRepair::SoundMembers(ObjectStreams& streams, QPDF& document,
+                                                    const FileScan::Object& stream) {
+  QPDFObjectHandle parsed = ObjectOf(document, stream.id);
+  std::vector<std::uint32_t> members = streams.Members(parsed);
+  // It may be encrypted or not.
+  if (members.empty() && !document.isEncrypted()) throw CannotRepair("an object stream cannot be read");
+  const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
+  // Bytes that are missing or left over shift the objects in it, unless a filter fails on them.
+  const bool shifted = stream.wrongLength && !parsed.getDict().hasKey("/Filter");
+  if (stream.damaged || shifted || !whole) throw CannotRepair("an object stream is damaged");
+  return members;
+}
+
+// Whether an object in the stream replaces the one known so far. Of several objects of one number the last one in the
+// file counts. What replaces a stream or comes without cross-references to it is of another document.
+bool FileRepair::MemberReplaces(const Placed& known, const FileScan::Object& stream, bool named) {
+  const bool before = known.place <= stream.offset;
+  const FileScan::Object* const other = known.object.stream == 0 ? ScannedAt(known.place) : nullptr;
+  if (other == nullptr) return before;
+  if (!before && other->badKeys) throw VersionsDiffer(known.object.id.number);
+  if (!before) return !Updates(*other, stream);
+  if (other->data != 0 || !named) throw CannotRepair("an object stream is of another document");
+  return true;
+}
+
+// With the objects in object streams.
 FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
-  std::map<std::uint32_t, FileTail::KeptObject> all;
-  std::map<std::uint32_t, std::uint64_t> places;
-  for (const FileTail::KeptObject& object : plain) {
-    all[object.id.number] = object;
-    places[object.id.number] = object.offset;
-  }
-  ObjectStreams streams(file_->Size());
   const std::uint64_t headerOffset = QuickReader::HeaderOffset(*file_);
+  std::map<std::uint32_t, Placed> all;
+  for (const FileTail::KeptObject& object : plain) all[object.id.number] = {object, object.offset + headerOffset};
+  ObjectStreams streams(file_->Size());
   const bool named = NamesObjectStreams();
-  for (const FileScan::Object& object : Newest()) {
-    if (object.kind != Kind::kObjectStream || object.id.generation != 0) continue;
-    const std::uint64_t place = object.offset - headerOffset;
-    const std::vector<std::uint32_t> members = streams.Members(ObjectOf(document, object.id));
-    if (members.empty() && !document.isEncrypted()) {
-      // It may be encrypted or not.
-      throw CannotRepair("an object stream cannot be read");
-    }
-    const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
-    // Bytes that are missing or left over shift the objects in it, unless a filter fails on them.
-    const bool shifted = object.wrongLength && !ObjectOf(document, object.id).getDict().hasKey("/Filter");
-    if (object.damaged || shifted || !whole) throw CannotRepair("an object stream is damaged");
+  for (const FileScan::Object& stream : Newest()) {
+    if (stream.kind != Kind::kObjectStream || stream.id.generation != 0) continue;
+    const std::vector<std::uint32_t> members = SoundMembers(streams, document, stream);
     for (std::uint32_t index = 0; index < members.size(); ++index) {
       const std::uint32_t number = members[index];
-      // A stream cannot be in an object stream.
-      if (number == 0 || number == object.id.number) continue;
-      const auto [known, added] = places.try_emplace(number, place);
-      const FileScan::Object* const other =
-          !added && all[number].stream == 0 ? ScannedAt(known->second + headerOffset) : nullptr;
-      if (!added && known->second > place) {
-        if (other != nullptr && other->badKeys) throw VersionsDiffer(number);
-        if (other == nullptr || Updates(*other, object)) continue;
-      } else if (other != nullptr && (other->data != 0 || !named)) {
-        throw CannotRepair("an object stream is of another document");
-      }
-      known->second = place;
-      all[number] = {{number, 0}, 0, object.id.number, index};
+      // A stream cannot be in itself.
+      if (number == stream.id.number) continue;
+      const auto known = all.find(number);
+      if (known != all.end() && !MemberReplaces(known->second, stream, named)) continue;
+      all[number] = {{{number, 0}, 0, stream.id.number, index}, stream.offset};
     }
   }
   Kept kept;
-  for (const auto& [number, object] : all) {
+  for (const auto& [number, placed] : all) {
     // What is in a stream that another object has replaced is gone.
-    const auto stream = object.stream != 0 ? all.find(object.stream) : all.end();
-    if (object.stream != 0 && (stream == all.end() || stream->second.stream != 0)) continue;
-    kept.push_back(object);
+    const auto stream = all.find(placed.object.stream);
+    if (placed.object.stream != 0 && (stream == all.end() || stream->second.object.stream != 0)) continue;
+    kept.push_back(placed.object);
   }
   return kept;
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "engine/backend/XrefEntry.h"
 #include "engine/base/EngineError.h"
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfSyntaxError.h"
@@ -149,7 +150,6 @@ std::vector<std::uint32_t> ObjectStreams::Members(QPDFObjectHandle stream) {
 }
 
 bool ObjectStreams::Check(QPDF& document) {
-  constexpr int kInStream = 2;
   std::map<int, std::vector<std::uint32_t>> streams;
   for (const auto& [id, entry] : document.getXRefTable()) {
     if (entry.getType() != kInStream) continue;

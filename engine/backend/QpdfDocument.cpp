@@ -23,6 +23,7 @@
 #include "engine/backend/SignatureSearch.h"
 #include "engine/backend/Soundness.h"
 #include "engine/backend/StringCipher.h"
+#include "engine/backend/XrefEntry.h"
 #include "engine/backend/XrefStreamGuard.h"
 #include "engine/base/EngineError.h"
 #include "engine/base/InputFile.h"
@@ -110,7 +111,6 @@ class OutputPipeline : public Pipeline {
 };
 
 bool SamePlace(const QPDFXRefEntry& one, const QPDFXRefEntry& other) {
-  constexpr int kInFile = 1;
   if (one.getType() != other.getType()) return false;
   return one.getType() == kInFile ? one.getOffset() == other.getOffset()
                                   : one.getObjStreamNumber() == other.getObjStreamNumber() &&

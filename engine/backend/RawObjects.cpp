@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/backend/StringCipher.h"
+#include "engine/backend/XrefEntry.h"
 #include "engine/quick/PdfFileText.h"
 #include "engine/syntax/DictionaryText.h"
 #include "engine/syntax/LiteralString.h"
@@ -18,8 +19,6 @@ RawObjects::RawObjects(QPDF& document, const InputFile& file, std::uint64_t head
     : document_(document), file_(file), headerOffset_(headerOffset), entries_(document.getXRefTable()) {}
 
 std::optional<std::string> RawObjects::Text(ObjectId id) {
-  constexpr int kInFile = 1;
-  constexpr int kInStream = 2;
   const auto found = entries_.find(QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation)));
   if (found == entries_.end()) return std::nullopt;
   const QPDFXRefEntry& entry = found->second;

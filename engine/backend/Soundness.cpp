@@ -9,6 +9,7 @@
 
 #include "engine/backend/ObjectStreams.h"
 #include "engine/backend/PageSearch.h"
+#include "engine/backend/XrefEntry.h"
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/repair/FileWindow.h"
@@ -18,8 +19,6 @@
 namespace engine {
 
 namespace {
-
-constexpr int kInFile = 1;
 
 using XrefTable = std::map<QPDFObjGen, QPDFXRefEntry>;
 
