@@ -65,6 +65,12 @@ bool FollowsAt(FileWindow& window, std::uint64_t offset, std::string_view word) 
   return StartsWith(text.substr(SpacesAt(text, 0)), word);
 }
 
+// Whether nothing but spaces is on the line before the end of the text.
+bool EndsAtLineStart(std::string_view text) {
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+  return text.empty() || text.back() == '\n' || text.back() == '\r';
+}
+
 // The object whose header ends with the "obj" at `word`.
 std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word) {
   constexpr std::uint64_t kLongestHeader = 4000;  // with any number of spaces in it
@@ -85,6 +91,7 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   FileScan::Object object;
   object.afterJunk = !head.empty() && !PdfLexer::IsDelimiter(head.back()) && !other;
   if (object.afterJunk && head.back() == '-') return std::nullopt;
+  object.inside = !EndsAtLineStart(head);
   object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
   object.offset = begin + head.size();
   return object;
@@ -232,7 +239,8 @@ class Scanner {
     if (data) {
       end = AddStream(*object, *data, text);
     }
-    object->inside = object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
+    object->inside =
+        object->inside || object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
     if (data && (object->damaged || end < object->dataEnd)) {
       insideUntil_ = std::max(insideUntil_, streamEnds_.From(end));
     }

@@ -25,6 +25,17 @@ constexpr Text kTexts[] = {
     {"not a PDF", QT_TRANSLATE_NOOP("RecordTexts", "This is not a PDF file.")},
     {"no such file", QT_TRANSLATE_NOOP("RecordTexts", "The file is not there any more.")},
     {"cannot read the file", QT_TRANSLATE_NOOP("RecordTexts", "You may not read the file, or its disk is damaged.")},
+    {"damaged beyond repair: .*(?:several documents|two documents|another document|encrypted differently).*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "The file seems to be several documents that were joined. Get each from where it came from.")},
+    {"damaged beyond repair: the encryption dictionary .*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "The part of the file that its password belongs to is damaged. Get it again from where it came "
+                       "from.")},
+    {"damaged beyond repair: the font .*",
+     QT_TRANSLATE_NOOP("RecordTexts",
+                       "A font in the file is damaged: saving could lose text. Get the file again from where it came "
+                       "from.")},
     {"damaged beyond repair(?:: .*)?",
      QT_TRANSLATE_NOOP("RecordTexts", "The file is damaged beyond repair. Get it again from where it came from.")},
     {"the file changed while it was open",

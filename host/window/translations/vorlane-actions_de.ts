@@ -1357,6 +1357,18 @@ Lizenz: Apache-2.0</translation>
         <source>Relative links: %1. Those that lead elsewhere in Chrome than in Firefox: %2.</source>
         <translation>Relative Links: %1. Davon führen in Chrome woandershin als in Firefox: %2.</translation>
     </message>
+    <message>
+        <source>The file seems to be several documents that were joined. Get each from where it came from.</source>
+        <translation>Die Datei besteht offenbar aus mehreren Dokumenten, die aneinandergehängt wurden. Holen Sie jedes von dort, woher es kam.</translation>
+    </message>
+    <message>
+        <source>The part of the file that its password belongs to is damaged. Get it again from where it came from.</source>
+        <translation>Der Teil der Datei, zu dem ihr Passwort gehört, ist beschädigt. Holen Sie sie noch einmal von dort, woher sie kam.</translation>
+    </message>
+    <message>
+        <source>A font in the file is damaged: saving could lose text. Get the file again from where it came from.</source>
+        <translation>Eine Schrift in der Datei ist beschädigt: Beim Speichern könnte Text verloren gehen. Holen Sie die Datei noch einmal von dort, woher sie kam.</translation>
+    </message>
 </context>
 <context>
     <name>RunnerProcess</name>
