@@ -234,6 +234,15 @@ TEST(RecordTexts, HaveWordsForWhatTheCommandLineReports) {
   }
 }
 
+// What people can do about it is not always the same.
+TEST(RecordTexts, SayWhatIsDamaged) {
+  const QString damaged = QStringLiteral("damaged beyond repair");
+  for (const char* what : {": the file holds two documents", ": the encryption dictionary is damaged",
+                           ": the font in object 20 is damaged"}) {
+    EXPECT_NE(RecordTexts::PlainReason(damaged + QLatin1String(what)), RecordTexts::PlainReason(damaged)) << what;
+  }
+}
+
 TEST(RunArguments, AreThoseOfTheCommandLine) {
   const Runner runner;
   OutputChoice folder;
