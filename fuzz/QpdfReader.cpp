@@ -56,14 +56,20 @@ std::uint64_t CountReached(QPDFObjectHandle root) {
   return count;
 }
 
-}  // namespace
+void ReadPlainObjects(QPDF& pdf) {
+  constexpr int kInFile = 1;
+  for (const auto& [id, entry] : pdf.getXRefTable()) {
+    if (entry.getType() == kInFile) pdf.getObject(id).isNull();
+  }
+}
 
-Reading ReadWithQpdf(const std::string& file) {
+Reading Read(const std::string& file, bool plainFirst) {
   Reading reading;
   try {
     QPDF pdf;
     pdf.setSuppressWarnings(true);
     pdf.processFile(file.c_str());
+    if (plainFirst) ReadPlainObjects(pdf);
     QPDFObjectHandle root = pdf.getRoot();
     // Counted first: asking for the pages mends the page tree.
     reading.objects = CountReached(root);
@@ -86,4 +92,14 @@ Reading ReadWithQpdf(const std::string& file) {
     // Not opened.
   }
   return reading;
+}
+
+}  // namespace
+
+Reading ReadWithQpdf(const std::string& file) {
+  return Read(file, false);
+}
+
+Reading ReadWithQpdfPlainFirst(const std::string& file) {
+  return Read(file, true);
 }

@@ -184,6 +184,13 @@ bool HoldsPages(const Reading& whole, const Reading& part) {
                     });
 }
 
+bool SameLetters(const Reading& a, const Reading& b) {
+  return a.pageCount == b.pageCount && std::equal(a.pages.begin(), a.pages.end(), b.pages.begin(), b.pages.end(),
+                                                  [](const PageReading& x, const PageReading& y) {
+                                                    return SortedLetters(x.text) == SortedLetters(y.text);
+                                                  });
+}
+
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more) {
   if (!before.HasPages()) return {};
   if (!after.opened) return {"does not open any more"};

@@ -41,6 +41,9 @@ bool SamePages(const Reading& a, const Reading& b);
 /// True when `whole` shows the pages of `part` in the same order, and goes on where the contents of `part` are cut off.
 bool HoldsPages(const Reading& whole, const Reading& part);
 
+/// True when both show pages of the same letters, in any order on the page.
+bool SameLetters(const Reading& a, const Reading& b);
+
 /// What `before` holds and `after` does not, one line for each kind of loss; empty when nothing was lost. `more`
 /// becomes true when a page shows other words or letters besides all those of before.
 std::vector<std::string> Losses(const Reading& before, const Reading& after, bool& more);

@@ -12,7 +12,6 @@
 #include "engine/base/InputFile.h"
 #include "engine/quick/QuickReader.h"
 #include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/PdfName.h"
 #include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
@@ -35,7 +34,7 @@ std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
   tail.headerOffset = QuickReader::HeaderOffset(file);
   for (const std::string& key : document.getTrailer().getKeys()) {
     if (QuickReader::IsRepeatedEntry(key) && !IsInventedKey(key))
-      tail.entries.push_back({EscapedName(key), Text(document.getTrailer().getKey(key))});
+      tail.entries.push_back({NameText(key), Text(document.getTrailer().getKey(key))});
   }
   std::vector<FileTail::KeptObject> kept;
   for (const auto& [id, entry] : document.getXRefTable()) {

@@ -192,7 +192,7 @@ void FileRepair::CheckOneEncryption() {
   for (const FileScan::Trailer& trailer : Scan().trailers) {
     if (!LenientEntry(trailer.text, "/Root").empty()) values.insert(LenientEntry(trailer.text, "/Encrypt"));
   }
-  if (values.size() > 1) throw CannotRepair("the file is made of parts that are encrypted differently");
+  if (values.size() > 1) throw OtherDocument("the file is made of parts that are encrypted differently");
   const bool named = !values.empty() && !values.begin()->empty();
   if (named && TrailerEntry("/Encrypt").empty()) throw CannotRepair("the encryption dictionary is not found");
 }
@@ -213,7 +213,6 @@ std::string FileRepair::MixedDocuments() {
   return HoldsTwoDocuments() ? "the file holds two documents" : "";
 }
 
-// Whether there is a header between objects.
 bool FileRepair::HoldsTwoDocuments() {
   const std::vector<FileScan::Object>& objects = Scan().objects;
   const std::vector<std::uint64_t>& headers = Scan().headers;

@@ -52,6 +52,9 @@ class FileRepair {
   // bytes are before the header, would take the update for a part of a value or stream that does not end.
   bool EndIsClosed();
 
+  // Whether there is a header between objects.
+  bool HoldsTwoDocuments();
+
   // Whether every stream ends where its /Length says. Readers do without it when they rebuild the file, and trust it
   // when the cross-references are sound.
   bool LengthsAreRight();
@@ -88,7 +91,6 @@ class FileRepair {
   std::string TrailerEntry(const std::string& key);
   void CheckOneEncryption();
   std::string MixedDocuments();
-  bool HoldsTwoDocuments();
   std::optional<Version> FindEarlierVersion(const std::string& password);
   bool UpdateIsCutOff();
   bool IsUpdated(const Version& version);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/backend/ObjectWriter.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -29,6 +30,12 @@ void ObjectWriter::Append(QPDFObjectHandle object) {
   }
 }
 
+// The parser has a null character for a "#" without two digits.
+std::string NameText(std::string name) {
+  std::replace(name.begin(), name.end(), '\0', '#');
+  return EscapedName(name);
+}
+
 void ObjectWriter::AppendValue(QPDFObjectHandle object) {
   if (object.isDictionary()) {
     AppendDictionary(object);
@@ -42,7 +49,7 @@ void ObjectWriter::AppendValue(QPDFObjectHandle object) {
   } else if (object.isString()) {
     text_ += LiteralString(object.getStringValue());
   } else if (object.isName()) {
-    text_ += EscapedName(object.getName());
+    text_ += NameText(object.getName());
   } else {
     text_ += object.unparseResolved();
   }
@@ -55,7 +62,7 @@ void ObjectWriter::AppendDictionary(QPDFObjectHandle dictionary) {
     if (!value.isIndirect() && QPDFObjectHandle(value).isNull()) continue;
     // The parser makes up keys where it finds none.
     if (key.compare(0, kMadeUpKey.size(), kMadeUpKey) == 0) continue;
-    text_ += EscapedName(key) + ' ';
+    text_ += NameText(key) + ' ';
     Append(value);
     text_ += ' ';
   }

@@ -6,6 +6,9 @@
 
 namespace engine {
 
+// The parser's name as it is in a file.
+std::string NameText(std::string name);
+
 // The text of an object: what it contains directly, references for the rest, strings in the clear.
 class ObjectWriter {
  public:

@@ -220,9 +220,11 @@ void QpdfDocument::Load(const std::string& password) {
   try {
     OpenView(password, Recovery::kOff);
     const bool closed = repair.EndIsClosed();
+    // Other readers rebuild such a file, and find the objects of all documents in it.
+    const bool rebuilt = !QuickReader::StartsWithHeader(*file_) && repair.HoldsTwoDocuments();
     const bool decrypted =
         !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
-    const bool sound = closed && decrypted && Ask([&] { return IsSound(*qpdf_, *file_, repair); });
+    const bool sound = closed && decrypted && !rebuilt && Ask([&] { return IsSound(*qpdf_, *file_, repair); });
     // Where a save writes a complete section, readers that rebuilt the file before do so no more.
     if (sound && (QuickReader::ReadTail(*file_) || repair.LengthsAreRight())) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));

@@ -104,6 +104,17 @@ TEST_F(RepairTest, NumberSignsInNamesSurviveARewrite) {
   EXPECT_NE(ReadText("out.pdf").find("/C#2341"), std::string::npos);
 }
 
+// A reader would not read the rest of the catalog.
+TEST_F(RepairTest, NumberSignsWithoutDigitsSurviveInDamagedCatalogs) {
+  std::string bytes = Damaged("startxref-wrong");
+  bytes.erase(bytes.rfind("startxref\n") + 10, 1);
+  bytes.replace(bytes.find("/StructTreeRoot 7 0 R"), 21, "/U# /S [ 0 0 ] /T# /V");
+  ASSERT_TRUE(Load("source.pdf", bytes));
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  EXPECT_NE(ReadText("out.pdf").find("/U#23 /S"), std::string::npos);
+}
+
 TEST_F(RepairTest, NoKeysAreMadeUp) {
   ASSERT_TRUE(Load("source.pdf", Damaged("catalog-key-missing")));
   ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
@@ -240,6 +251,10 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"the number of a missing page after the end, bytes before the header",
        "objects of another document follow the end of the file",
        "junk\n" + PlainPdf().Bytes() + "3 0 obj\nnull\nendobj\n" + std::string(2000, ' ')},
+      {"two documents, bytes before the header, the ends lead to the same place", "the file holds two documents",
+       "junk\n" + sound + sound},
+      {"the same with an encrypted one between them", "the file is made of parts that are encrypted differently",
+       "junk\n" + sound + ReadText("encrypted.pdf") + sound},
       {"bytes before a damaged header", "the header is damaged", "junk\n" + PlainPdf().Bytes().replace(5, 1, "-")},
       {"two documents, an open stream between them", "the file holds two documents", open + plain},
       {"an object of which another version is in an open trailer",
