@@ -113,6 +113,7 @@ class FileRepair {
   bool IsOnlyRoot(ObjectId root);
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
+  bool EncryptionIsStray();
   bool IsKeyword(const FileScan::Object& object) const;
   bool AreCopies(const FileScan::Object& one, const FileScan::Object& other) const;
   void CheckDamagedObjects(const FileTail& tail);

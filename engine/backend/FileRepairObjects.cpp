@@ -281,6 +281,17 @@ bool FileRepair::AreCopies(const FileScan::Object& one, const FileScan::Object& 
   return !first.empty() && first == text(other);
 }
 
+// Whether the document has a trailer that does not mention the encryption dictionary: it may be of another document.
+bool FileRepair::EncryptionIsStray() {
+  bool mentioned = false;
+  bool rooted = false;
+  for (const FileScan::Trailer& trailer : Scan().trailers) {
+    rooted = rooted || !LenientEntry(trailer.text, "/Root").empty();
+    mentioned = mentioned || trailer.text.find(Scan().encryption.Reference()) != std::string::npos;
+  }
+  return rooted && !mentioned;
+}
+
 // Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
 // may be inside a damaged one. And a damaged catalog would be written anew.
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
@@ -314,7 +325,8 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
 // What readers make of such damage changes when the cross-references become sound.
 void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
-  if ((encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document, *file_, tail.headerOffset)) {
+  const bool stray = TrailerEntry("/Encrypt") == Scan().encryption.Reference() && EncryptionIsStray();
+  if (stray || (encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document, *file_, tail.headerOffset)) {
     throw CannotRepair("the encryption dictionary is damaged");
   }
   CheckDamagedObjects(tail);

@@ -283,6 +283,7 @@ class Scanner {
     std::size_t end = lexer.Position();
     if (!StartsWith(text.substr(end), "stream")) return std::nullopt;
     end += 6;
+    if (end < text.size() && !PdfLexer::IsDelimiter(text[end])) return std::nullopt;
     while (end < text.size() && text[end] == ' ') ++end;
     if (StartsWith(text.substr(end), "\r\n")) return offset + end + 2;
     if (end < text.size() && (text[end] == '\n' || text[end] == '\r')) return offset + end + 1;

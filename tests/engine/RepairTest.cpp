@@ -157,6 +157,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   encryptionInStream.replace(encryptionInStream.rfind("endstream"), 9, "endXtream");
   std::string undecrypted = ReadText("encrypted.pdf");
   undecrypted[undecrypted.rfind(" 0 obj\n<< /CF") + 1] = 'x';
+  const std::size_t dictionary = undecrypted.rfind("<< /CF");
+  const std::string stray =
+      "9 0 obj\n" + undecrypted.substr(dictionary, undecrypted.find("endobj", dictionary) - dictionary);
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
   std::string verticalTab = ReadText("encrypted.pdf");
@@ -274,6 +277,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a font of which one reader finds another version in a string",
        "another way to repair the file finds other objects",
        changed("(Value)", "(\n5 0 obj\n<< /Type /Page >>\nendobj\n)")},
+      {"an encryption dictionary that no trailer mentions", "the encryption dictionary is damaged",
+       changed("1 0 obj", stray + "endobj\n1 0 obj")},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
       {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},

@@ -147,6 +147,9 @@ def incremental():
     # Only the table leads to the contents. Some readers use it, though the trailer is damaged.
     yield "number-after-comment", File().put(contents()).put(objects()).table().out.replace(
         b"\n4 0 obj", b"\x024 0 obj").replace(b"<2233> ]", b"<2233>")
+    # No reader takes that for a stream.
+    yield "stream-keyword-doubled", broken(File().put(objects(page=b"/Contents [ 4 0 R 9 0 R ] ")).put(contents()).put(
+        {9: b"<< /Length 9 /Filter /FlateDecode >>\nstreamstream\ngarbage!\nendstream"}).table())
     yield "contents-open", broken(File().put(objects()).put(contents(TEXT[:20], b"9", b"")).put(
         {9: b"<< >>\nstream\n" + TEXT[20:] + b"\nendstream"}).table())
     yield "contents-open-before-a-copy", broken(File().put(objects()).put(contents(
