@@ -117,9 +117,11 @@ std::vector<std::uint32_t> FileRepair::SoundMembers(ObjectStreams& streams, QPDF
   // It may be encrypted or not.
   if (members.empty() && !document.isEncrypted()) throw CannotRepair("an object stream cannot be read");
   const bool whole = std::find(members.begin(), members.end(), 0U) == members.end();
+  // A stream cannot be in itself.
+  const bool renamed = std::find(members.begin(), members.end(), stream.id.number) != members.end();
   // Bytes that are missing or left over shift the objects in it, unless a filter fails on them.
   const bool shifted = stream.wrongLength && !parsed.getDict().hasKey("/Filter");
-  if (stream.damaged || shifted || !whole) throw CannotRepair("an object stream is damaged");
+  if (stream.damaged || shifted || renamed || !whole) throw CannotRepair("an object stream is damaged");
   return members;
 }
 
@@ -147,8 +149,6 @@ FileRepair::Kept FileRepair::AddMembers(QPDF& document, const Kept& plain) {
     const std::vector<std::uint32_t> members = SoundMembers(streams, document, stream);
     for (std::uint32_t index = 0; index < members.size(); ++index) {
       const std::uint32_t number = members[index];
-      // A stream cannot be in itself.
-      if (number == stream.id.number) continue;
       const auto known = all.find(number);
       if (known != all.end() && !MemberReplaces(known->second, stream, named)) continue;
       all[number] = {{{number, 0}, 0, stream.id.number, index}, stream.offset};

@@ -151,6 +151,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   const std::string streams = Damaged("startxref-wrong-object-streams");
   std::string unreadable = streams;
   unreadable.replace(unreadable.find("stream\n", unreadable.find("/ObjStm")) + 7, 8, "garbage!");
+  std::string renamed = streams;
+  renamed[renamed.find("8 0 obj")] = '7';
   std::string unknown = Damaged("junk-after-object-streams");
   unknown.insert(unknown.rfind("/Length", unknown.find("stream\n", unknown.find("/ObjStm"))), "/Filter /Unknown ");
   std::string encryptionInStream = "junk\n" + ReadText("encrypted.pdf");
@@ -236,6 +238,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
                "\nendstream\nendobj\n"},
       {"an object stream without its end", "an object stream is damaged",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 2 /First 9 /Length 99 >>\nstream\n8 0 10 7 (one) \nendobj\n"},
+      {"an object stream with the number of an object in it", "an object stream is damaged", renamed},
       {"an object stream after the table of a file that has none", "an object stream is of another document",
        plain + "\n9 0 obj\n<< /Type /ObjStm /N 1 /First 4 /Length 9 >>\nstream\n5 0 null\nendstream\nendobj\n"},
       {"an object stream with the number of a stream", "an object stream is of another document",
