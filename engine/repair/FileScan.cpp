@@ -112,6 +112,32 @@ std::string StrictEntry(std::string_view dictionary, std::string_view key) {
   }
 }
 
+// Where the brackets of a damaged value close; 0 where they do not. Some readers take keywords before that for
+// elements.
+std::size_t ClosingOf(std::string_view text) {
+  std::size_t depth = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string_view rest = text.substr(i);
+    if (rest.front() == '(' || rest.front() == '%') {
+      PdfLexer lexer(rest);
+      try {
+        i += rest.front() == '%' ? (lexer.SkipSpace(), lexer.Position()) : lexer.ReadValue().end;
+      } catch (const PdfSyntaxError&) {
+        return 0;
+      }
+      --i;
+    } else if (rest.front() == '[' || StartsWith(rest, "<<")) {
+      ++depth;
+      i += rest.front() == '<' ? 1 : 0;
+    } else if (rest.front() == ']' || StartsWith(rest, ">>")) {
+      i += rest.front() == '>' ? 1 : 0;
+      if (depth <= 1) return depth == 0 ? 0 : i + 1;
+      --depth;
+    }
+  }
+  return 0;
+}
+
 class Scanner {
  public:
   using Lengths = std::map<std::uint32_t, std::vector<std::uint64_t>>;
@@ -219,11 +245,13 @@ class Scanner {
     std::uint64_t end = extent.end;
     object->damaged = !extent.whole;
     object->badKeys = extent.badKeys;
+    std::uint64_t closing = 0;
     std::optional<std::uint64_t> data;
     if (extent.whole) {
       if (StartsWith(text, "<<")) data = StreamDataAfter(end);
       NoteNumber(object->id.number, text);
     } else {
+      closing = body + ClosingOf(text);
       const std::uint64_t next = std::min(objects_.From(body), objectEnds_.From(body));
       text.resize(static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), next - body)));
       const std::uint64_t stream = streams_.From(body);
@@ -241,6 +269,7 @@ class Scanner {
     }
     object->inside =
         object->inside || object->offset < insideUntil_ || (!result.objects.empty() && result.objects.back().damaged);
+    insideUntil_ = std::max(insideUntil_, closing);
     if (data && (object->damaged || end < object->dataEnd)) {
       insideUntil_ = std::max(insideUntil_, streamEnds_.From(end));
     }
