@@ -30,8 +30,8 @@ struct FileScan {
     // A dictionary in it has a key that is not a name, or a key without a value. Some readers do not read it.
     bool badKeys = false;
     // Follows such an object, before its brackets close or, if it is a stream, before the next end of one; or follows a
-    // trailer that is open; or is in the data of a stream whose /Length does not lead to their end. Or its number is not
-    // the first thing on its line.
+    // trailer that is open; or is in the data of a stream whose /Length does not lead to their end. Or its number is
+    // not the first thing on its line.
     bool inside = false;
     // Of streams: where the data begin, where they end in the file, and whether /Length leads elsewhere.
     std::uint64_t data = 0;
