@@ -233,9 +233,11 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
       if (inflatable.unfinished && bytes > data.size() && IsFontProgram(parsed.getDict())) {
         throw CannotRepair("the font in object " + std::to_string(stream.id.number) + " is damaged");
       }
-      // No part of another object may come before that object's end.
-      const bool another = data.find(" obj", keyword) < inflatable.size;
-      if (inflatable.size >= keyword && inflatable.size < data.size()) data.resize(another ? keyword : inflatable.size);
+      if (inflatable.size >= keyword && inflatable.size < data.size()) {
+        // Some readers show what a part of another object inflates to, others end before it.
+        if (data.find(" obj", keyword) < inflatable.size) throw damaged;
+        data.resize(inflatable.size);
+      }
     }
     dictionary->Set("/Length", std::to_string(data.size()));
     return std::to_string(stream.id.number) + ' ' + std::to_string(stream.id.generation) + " obj\n" +

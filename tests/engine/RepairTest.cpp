@@ -201,6 +201,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   const std::string endLeadsBack = sound.substr(0, sound.rfind("startxref") + 10) + previous + "\n%%EOF\n";
   std::string inString = changed("/Kids [ 3 0 R ]", "/Kids [ 8 0 R ]");
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
+  const std::string unended("x\1\0\0\1\xFF\xFE of 256 bytes", 20);
   const std::string deflated("x\1\0\x10\0\xEF\xFF of 16 bytes", 19);
   const struct {
     const char* what;
@@ -297,6 +298,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a font that is cut off before the end that its length leads to", "the font in object 9 is damaged",
        changed("1 0 obj", "9 0 obj\n<< /Subtype /Type1C /Filter /FlateDecode /Length 99 >>\nstream\n" + deflated +
                               "\nendstream\nendobj\n1 0 obj")},
+      {"a stream without an end that inflates to a part of another object, too", "object 9 is damaged",
+       changed("1 0 obj", "9 0 obj\n<< /Filter /FlateDecode /Length 9 >>\nstream\n" + unended + "\nendobj\n1 0 obj")},
       {"a keyword in place of an object", "object 6 is damaged", changed("6 0 obj", "6 0 obj obj")},
       {"the catalog", "the catalog is damaged", changed("/StructTreeRoot 7 0 R", "/Lang /StructTreeRoot 7 0 R")},
       {"the catalog of a sound file", "the pages are not found", unnamed},
