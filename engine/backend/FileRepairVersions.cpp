@@ -46,6 +46,8 @@ std::optional<FileRepair::Version> FileRepair::FindEarlierVersion(const std::str
       if (!tail) continue;
       // Numbers in the rest of the file are not given to new objects.
       if (!Newest().empty()) tail->size = std::max(tail->size, Newest().back().id.number + 1);
+      // Streams with a wrong length are read from here on: every object is where its entry says.
+      document->setAttemptRecovery(true);
       return Version{*end, std::move(*tail), std::move(document)};
     } catch (const std::exception&) {
       // The next one.

@@ -147,6 +147,9 @@ def incremental():
     # Only the table leads to the contents. Some readers use it, though the trailer is damaged.
     yield "number-after-comment", File().put(contents()).put(objects()).table().out.replace(
         b"\n4 0 obj", b"\x024 0 obj").replace(b"<2233> ]", b"<2233>")
+    older = File().put(objects()).put(contents(TEXT.replace(b"Hello", b"Wrong"), b"9")).table(trailer=b"/Size 8 /Root 1 0 R")
+    yield "update-of-a-stream-with-a-wrong-length", older.out + b"\n4 0 obj\n" + contents()[4] + (
+        b"\nendobj\nxref\n0 0\ntrailer\n<< /Size 8 /Root 1 0 R /Prev 9 >>\nstartxref\n1\n%%EOF\n")
     # No reader takes that for a stream.
     yield "stream-keyword-doubled", broken(File().put(objects(page=b"/Contents [ 4 0 R 9 0 R ] ")).put(contents()).put(
         {9: b"<< /Length 9 /Filter /FlateDecode >>\nstreamstream\ngarbage!\nendstream"}).table())
