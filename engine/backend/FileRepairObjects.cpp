@@ -283,15 +283,16 @@ bool FileRepair::AreCopies(const FileScan::Object& one, const FileScan::Object& 
   return !first.empty() && first == text(other);
 }
 
-// Whether the document has a trailer that does not mention the encryption dictionary: it may be of another document.
+// Whether the document has trailers and none has the key of the encryption dictionary: it may be of another document,
+// and some readers read the file without it.
 bool FileRepair::EncryptionIsStray() {
-  bool mentioned = false;
+  bool named = false;
   bool rooted = false;
   for (const FileScan::Trailer& trailer : Scan().trailers) {
     rooted = rooted || !LenientEntry(trailer.text, "/Root").empty();
-    mentioned = mentioned || trailer.text.find(Scan().encryption.Reference()) != std::string::npos;
+    named = named || !LenientEntry(trailer.text, "/Encrypt").empty();
   }
-  return rooted && !mentioned;
+  return rooted && !named;
 }
 
 // Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object

@@ -164,6 +164,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       "9 0 obj\n" + undecrypted.substr(dictionary, undecrypted.find("endobj", dictionary) - dictionary);
   std::string withoutKey = ReadText("encrypted.pdf");
   withoutKey.replace(withoutKey.rfind("/Length 256"), 7, "       ");
+  std::string lostKey = ReadText("encrypted.pdf");
+  lostKey.replace(lostKey.rfind("/Encrypt"), 8, 8, ' ');
+  lostKey.replace(lostKey.rfind("startxref\n") + 10, 1, "9");
   std::string verticalTab = ReadText("encrypted.pdf");
   verticalTab[verticalTab.rfind("/UE <") + 9] = '\v';
   std::string longKey = ReadText("encrypted.pdf");
@@ -285,6 +288,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"a font of which one reader finds another version in a string",
        "another way to repair the file finds other objects",
        changed("(Value)", "(\n5 0 obj\n<< /Type /Page >>\nendobj\n)")},
+      {"an encryption dictionary whose key in the trailer is lost", "the encryption dictionary is damaged", lostKey},
       {"an encryption dictionary that no trailer mentions", "the encryption dictionary is damaged",
        changed("1 0 obj", stray + "endobj\n1 0 obj")},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
