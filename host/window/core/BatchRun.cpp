@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QProcess>
 #include <QSaveFile>
+#include <algorithm>
 
 #include "host/base/ExitCode.h"
 #include "host/window/core/RecordTexts.h"
@@ -27,6 +28,10 @@ FileState StateOf(const QJsonObject& record, const QString& reason) {
   }
   const bool unchanged = status != QLatin1String("done") || TextOf(record, "saveMode") == QLatin1String("unchanged");
   return unchanged ? FileState::kUnchanged : FileState::kDone;
+}
+
+bool IsFinished(FileState state) {
+  return state == FileState::kDone || state == FileState::kUnchanged;
 }
 
 // Without the mark of FileTableModel::NamesForFolder. Paths have no such part.
@@ -66,25 +71,34 @@ BatchRun::~BatchRun() {
 
 void BatchRun::Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
   Q_ASSERT(!running_);
-  running_ = true;
-  summary_ = BatchSummary();
   report_.clear();
   outputFolders_.clear();
-  unfinished_.clear();
+  settled_.clear();
   files_.clear();
-  open_.clear();
+  Begin(names, action, output);
+}
+
+void BatchRun::TryAgain(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
+  Q_ASSERT(!running_);
+  Begin(names, action, output);
+}
+
+void BatchRun::Begin(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
+  running_ = true;
   QVector<FileOutcome> waiting;
   QStringList given;
   for (const QString& name : names) {
     const QString file = PathOf(name);
     if (open_.contains(file)) continue;
     open_.insert(file);
-    files_ += file;
+    if (settled_.remove(file) == 0) files_ += file;
     given += name;
     waiting.append(WithoutRecord({file, FileState::kWaiting, {}}));
   }
+  const auto isOpen = [this](const ReportLine& line) { return open_.contains(line.file); };
+  report_.erase(std::remove_if(report_.begin(), report_.end(), isOpen), report_.end());
   QString problem = ProblemOf(action, output);
-  if (problem.isEmpty() && files_.isEmpty()) problem = tr("Add files first.");
+  if (problem.isEmpty() && given.isEmpty()) problem = tr("Add files first.");
   if (!problem.isEmpty()) {
     refusal_ = RunnerResult();
     refusal_.started = false;
@@ -98,7 +112,9 @@ void BatchRun::Start(const QStringList& names, const ActionChoice& action, const
     request.silenceLimit = kSilenceLimit;
     runner_.Start(request);
   }
-  emit filesChanged(waiting);  // while the program starts
+  // While the program starts.
+  emit filesChanged(waiting);
+  emit progress(Done(), Total());
 }
 
 bool BatchRun::IsRunning() const {
@@ -120,7 +136,8 @@ int BatchRun::Done() const {
 QStringList BatchRun::Unfinished() const {
   QStringList unfinished;
   for (const QString& file : files_) {
-    if (unfinished_.contains(file)) unfinished += file;
+    const auto state = settled_.constFind(file);
+    if (state != settled_.constEnd() && !IsFinished(*state)) unfinished += file;
   }
   return unfinished;
 }
@@ -134,7 +151,7 @@ void BatchRun::Take(const QVector<RunnerRecord>& records) {
   for (const RunnerRecord& record : records) {
     const QString file = PathOf(TextOf(record.json, "file"));
     if (!open_.remove(file)) continue;
-    report_ += record.line + '\n';
+    report_.append({file, record.line});
     outcomes.append(OutcomeOf(file, record.json));
   }
   Settle(outcomes);
@@ -158,29 +175,34 @@ FileOutcome BatchRun::OutcomeOf(const QString& file, const QJsonObject& record) 
 }
 
 void BatchRun::Settle(const QVector<FileOutcome>& outcomes) {
-  for (const FileOutcome& outcome : outcomes) {
-    switch (outcome.change.state) {
-      case FileState::kDone:
-        ++summary_.done;
-        continue;
-      case FileState::kUnchanged:
-        ++summary_.unchanged;
-        continue;
-      case FileState::kCancelled:
-        ++summary_.cancelled;
-        break;
-      case FileState::kNeedsPassword:
-        ++summary_.needPassword;
-        [[fallthrough]];
-      default:
-        ++summary_.failed;
-        break;
-    }
-    unfinished_.insert(outcome.change.path);
-  }
+  for (const FileOutcome& outcome : outcomes) settled_.insert(outcome.change.path, outcome.change.state);
   if (outcomes.isEmpty()) return;
   emit filesChanged(outcomes);
   emit progress(Done(), Total());
+}
+
+BatchSummary BatchRun::Counts() const {
+  BatchSummary counts;
+  for (const FileState state : settled_) {
+    switch (state) {
+      case FileState::kDone:
+        ++counts.done;
+        break;
+      case FileState::kUnchanged:
+        ++counts.unchanged;
+        break;
+      case FileState::kCancelled:
+        ++counts.cancelled;
+        break;
+      case FileState::kNeedsPassword:
+        ++counts.needPassword;
+        [[fallthrough]];
+      default:
+        ++counts.failed;
+        break;
+    }
+  }
+  return counts;
 }
 
 FileStateChange BatchRun::Leftover(const RunnerResult& result) const {
@@ -208,19 +230,26 @@ void BatchRun::End(const RunnerResult& result) {
   }
   open_.clear();
   Settle(outcomes);
-  summary_.wasCancelled = result.cancelled;
-  summary_.error = RecordTexts::PlainReason(result.error);
-  summary_.messages = RecordTexts::Warnings(result.messages);
+  BatchSummary summary = Counts();
+  summary.wasCancelled = result.cancelled;
+  summary.error = RecordTexts::PlainReason(result.error);
+  summary.messages = RecordTexts::Warnings(result.messages);
   running_ = false;
-  const BatchSummary summary = summary_;
   emit finished(summary);
+}
+
+QByteArray BatchRun::ReportLines() const {
+  QByteArray lines;
+  for (const ReportLine& line : report_) lines += line.text + '\n';
+  return lines;
 }
 
 void BatchRun::SaveReport(const QString& file) {
   const auto isNamed = [&](const char* ending) { return file.endsWith(QLatin1String(ending), Qt::CaseInsensitive); };
   if (isNamed(".csv")) return SaveTable(file);
-  const QByteArray array = "[\n" + report_.left(report_.size() - 1).replace("\n", ",\n") + "\n]\n";
-  emit reportSaved(Write(file, isNamed(".jsonl") ? report_ : array));
+  const QByteArray lines = ReportLines();
+  const QByteArray array = "[\n" + lines.left(lines.size() - 1).replace("\n", ",\n") + "\n]\n";
+  emit reportSaved(Write(file, isNamed(".jsonl") ? lines : array));
 }
 
 void BatchRun::SaveTable(const QString& file) {
@@ -239,6 +268,6 @@ void BatchRun::SaveTable(const QString& file) {
           });
   program->start(RunnerProcess::ProgramFile(),
                  {QStringLiteral("report"), QStringLiteral("--csv"), QStringLiteral("-")});
-  program->write(report_);
+  program->write(ReportLines());
   program->closeWriteChannel();
 }

@@ -2,16 +2,18 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QStringList>
 #include <QTimer>
+#include <QVector>
 
 #include "host/window/core/ActionChoice.h"
 #include "host/window/core/FileTableModel.h"
 #include "host/window/core/RunnerProcess.h"
 
-// How a run ended. Each file counts once, in the first five numbers.
+// How a run ended. Each file counts once, in the first four numbers.
 struct BatchSummary {
   int done = 0;
   int unchanged = 0;
@@ -46,6 +48,8 @@ class BatchRun : public QObject {
   // paths. All files change to kWaiting first; a file that is named twice counts once. finished() comes exactly once,
   // never from within this call, also when ProblemOf() has something against the choices.
   void Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
+  // As Start, for Unfinished() of the last run. The summary, the report and the output folders are those of both runs then.
+  void TryAgain(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
   bool IsRunning() const;
   // As RunnerProcess::Cancel: the files in hand are finished, the others are cancelled. A second call gives up those in
   // hand too.
@@ -53,11 +57,11 @@ class BatchRun : public QObject {
 
   int Total() const;
   int Done() const;  // files with an outcome
-  // Files of the last run that failed or were cancelled, in their order.
+  // Files that failed or were cancelled, in their order.
   QStringList Unfinished() const;
   // The folders of the files that were written, each once, in their order.
   QStringList OutputFolders() const;
-  // Writes the last run's report, in the form that the file's ending asks for: a table (".csv"), one JSON object a line
+  // Writes the report, in the form that the file's ending asks for: a table (".csv"), one JSON object a line
   // (".jsonl"), or an array of them. reportSaved() comes once.
   void SaveReport(const QString& file);
 
@@ -69,10 +73,17 @@ class BatchRun : public QObject {
   void reportSaved(const QString& problem);
 
  private:
+  struct ReportLine {
+    QString file;
+    QByteArray text;
+  };
+  void Begin(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
   void Take(const QVector<RunnerRecord>& records);
   FileOutcome OutcomeOf(const QString& file, const QJsonObject& record);
   void End(const RunnerResult& result);
+  QByteArray ReportLines() const;
   void SaveTable(const QString& file);
+  BatchSummary Counts() const;
   // State and reason of the files without a record.
   FileStateChange Leftover(const RunnerResult& result) const;
   void Settle(const QVector<FileOutcome>& outcomes);
@@ -82,9 +93,8 @@ class BatchRun : public QObject {
   RunnerResult refusal_;
   QStringList files_;
   QSet<QString> open_;  // without an outcome
-  QSet<QString> unfinished_;
+  QHash<QString, FileState> settled_;
   QStringList outputFolders_;
-  QByteArray report_;  // its lines
-  BatchSummary summary_;
+  QVector<ReportLine> report_;
   bool running_ = false;
 };

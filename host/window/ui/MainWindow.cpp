@@ -556,7 +556,7 @@ QString MainWindow::ProblemOfRun() const {
   return ProblemOf(choice_.action, Output());
 }
 
-void MainWindow::Run(const QStringList& files) {
+void MainWindow::Run(const QStringList& files, Beginning begin) {
   const OutputChoice output = Output();
   if (running_ || files.isEmpty() || !ProblemOfRun().isEmpty()) return;
   if (output.inPlace && output.backupSuffix.isEmpty() &&
@@ -568,8 +568,7 @@ void MainWindow::Run(const QStringList& files) {
   notice_->Clear();
   changed_.clear();
   SetRunning(true);
-  output_->ShowRunning(0, static_cast<int>(files.size()));
-  batch_.Start(NamesFor(files), choice_.action, output);
+  (batch_.*begin)(NamesFor(files), choice_.action, output);
 }
 
 void MainWindow::SetRunning(bool running) {
@@ -608,7 +607,7 @@ void MainWindow::Retry() {
   const QStringList files = batch_.Unfinished();
   const QStringList locked = model_.PathsWith(FileState::kNeedsPassword);
   if (!locked.isEmpty() && !AskPassword() && locked.size() == files.size()) return;
-  Run(files);
+  Run(files, &BatchRun::TryAgain);
 }
 
 bool MainWindow::AskPassword() {

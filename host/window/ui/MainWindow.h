@@ -75,7 +75,8 @@ class MainWindow : public QMainWindow {
   OutputChoice Output() const;
   QStringList NamesFor(const QStringList& files) const;
   QString ProblemOfRun() const;
-  void Run(const QStringList& files);
+  using Beginning = decltype(&BatchRun::Start);
+  void Run(const QStringList& files, Beginning begin = &BatchRun::Start);
   void Retry();
   bool AskPassword();
   void OnOutcomes(const QVector<FileOutcome>& outcomes);

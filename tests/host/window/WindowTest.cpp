@@ -492,7 +492,7 @@ TEST_F(Window, FailedFilesAreTriedAgainWithAPassword) {
   });
   Click(Child<QPushButton>(*window_, "retry"));
   ASSERT_TRUE(Await([&] { return IsShown("retry"); }));
-  EXPECT_EQ(Status(), QString::fromUtf8("1 done · 1 failed"));
+  EXPECT_EQ(Status(), QString::fromUtf8("2 done · 1 failed"));
   EXPECT_TRUE(QFile::exists("locked.pdf.bak"));
   EXPECT_FALSE(Model().Row(Model().RowOf(Here("bad.pdf"))).reason.isEmpty());
 }
