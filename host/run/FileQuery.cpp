@@ -22,12 +22,13 @@ bool IsRegularFile(int descriptor) {
 
 }  // namespace
 
-FileQuery::FileQuery(const InputList& inputs, const FileQuestion& question)
+FileQuery::FileQuery(const InputList& inputs, const FileQuestion& question, std::function<Clock::time_point()> now)
     // Where the answers can be seen as they come, a bar would only flicker between them.
     : inputs_(inputs),
       question_(question),
       readAsTheyCome_(!IsRegularFile(STDOUT_FILENO)),
-      nextSince_(Clock::now()),
+      now_(std::move(now)),
+      nextSince_(now_()),
       progress_(isatty(STDOUT_FILENO) != 1) {}
 
 void FileQuery::RunHere() {
@@ -94,7 +95,7 @@ void FileQuery::Settle(std::size_t item, std::string_view text, std::string_view
       break;
     }
   }
-  nextSince_ = Clock::now();
+  nextSince_ = now_();
 }
 
 void FileQuery::PrintEarly() {
@@ -132,7 +133,7 @@ void FileQuery::PrintText(std::string_view text) {
 
 void FileQuery::Flush() {
   progress_.Show(settled_, inputs_.Count());
-  if (question_.prompt && readAsTheyCome_ && Clock::now() - nextSince_ >= kLongestWait) PrintEarly();
+  if (question_.prompt && readAsTheyCome_ && now_() - nextSince_ >= kLongestWait) PrintEarly();
   WriteOutput();
 }
 

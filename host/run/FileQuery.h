@@ -36,9 +36,11 @@ struct FileQuestion {
 class FileQuery : public WorkerTask {
  public:
   static constexpr std::chrono::milliseconds kLongestWait{1000};
+  using Clock = std::chrono::steady_clock;
 
-  // Keeps references.
-  FileQuery(const InputList& inputs, const FileQuestion& question);
+  // Keeps references. `now` is the time that is waited by.
+  FileQuery(const InputList& inputs, const FileQuestion& question,
+            std::function<Clock::time_point()> now = &Clock::now);
 
   // One file after another; answers are printed as they are made. Throws as Begin and Flush do.
   void RunHere();
@@ -64,7 +66,6 @@ class FileQuery : public WorkerTask {
     std::string text;
     std::string error;
   };
-  using Clock = std::chrono::steady_clock;
 
   std::string AskFile(std::size_t item, const FileQuestion::Print& print);
   void Settle(std::size_t item, std::string_view text, std::string_view error);
@@ -81,6 +82,7 @@ class FileQuery : public WorkerTask {
   std::set<std::size_t> ahead_;          // answers that are printed already although another is missing
   bool readAsTheyCome_;                  // the standard output is no regular file
   std::size_t next_ = 0;
+  std::function<Clock::time_point()> now_;
   Clock::time_point nextSince_;
   std::size_t settled_ = 0;
   std::string output_;

@@ -8,7 +8,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <thread>
 
 #include "host/base/Console.h"
 #include "host/base/NativeName.h"
@@ -102,7 +101,8 @@ QByteArrayList AnswersIntoAPipe(bool prompt) {
   dup2(ends[1], STDOUT_FILENO);
   FileQuestion question;
   question.prompt = prompt;
-  FileQuery query(inputs, question);
+  FileQuery::Clock::time_point now;
+  FileQuery query(inputs, question, [&now] { return now; });
   QByteArrayList printed;
   const auto printedBy = [&](auto step) {
     step();
@@ -115,7 +115,7 @@ QByteArrayList AnswersIntoAPipe(bool prompt) {
     query.Take(item, answer);
     printedBy([&] { query.Flush(); });
     if (item != 1) continue;
-    std::this_thread::sleep_for(FileQuery::kLongestWait);
+    now += FileQuery::kLongestWait;
     printedBy([&] { query.Flush(); });
   }
   printedBy([&] { query.Finish(); });
