@@ -87,7 +87,7 @@ bool EndsWithMark(const InputFile& file) {
 // Some readers count offsets from there, others from the start of the file.
 bool HeaderIsDoubtful(const InputFile& file) {
   constexpr std::size_t kWindow = 1024;
-  const std::size_t header = file.ReadAt(0, kWindow).find("%PDF-");
+  const std::size_t header = file.ReadAt(0, kWindow).find("%PDF");
   return header != std::string::npos && header > 0 && header != QuickReader::HeaderOffset(file);
 }
 

@@ -266,6 +266,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"the same with an encrypted one between them", "the file is made of parts that are encrypted differently",
        "junk\n" + sound + ReadText("encrypted.pdf") + sound},
       {"bytes before a damaged header", "the header is damaged", "junk\n" + PlainPdf().Bytes().replace(5, 1, "-")},
+      {"the beginning of a header at the end", "the header is damaged",
+       PlainPdf().Bytes().replace(0, 9, "") + std::string(100, ' ') + "%PDF"},
       {"two documents, an open stream between them", "the file holds two documents", open + plain},
       {"an object of which another version is in an open trailer",
        "object 5 has several versions, and one of them is damaged",
