@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine/quick/ObjectFinder.h"
 
+#include <algorithm>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "engine/quick/StreamDecoder.h"
 #include "engine/syntax/PdfLexer.h"
@@ -15,6 +19,7 @@ using Type = XrefSection::Entry::Type;
 constexpr std::uint64_t kMostObjectsInStream = 100000;
 constexpr std::uint64_t kLongestDirectory = 2 * 1024 * 1024;
 constexpr std::size_t kLongestObject = 16 * 1024 * 1024;
+constexpr std::uint64_t kMostCheckedNumbers = 8192;
 
 std::uint64_t OffsetOf(const XrefSection::Entry& entry, ObjectId object) {
   if (entry.type != Type::kOffset || entry.generation != object.generation) throw PdfSyntaxError();
@@ -38,6 +43,27 @@ std::uint64_t OffsetInStream(std::string_view directory, std::uint64_t count, st
   }
   if (!found) throw PdfSyntaxError();
   return *found;
+}
+
+// Whether the object starts at the offset or after white space there.
+bool IsObjectAt(std::string_view text, std::uint64_t offset, ObjectId id) {
+  if (offset >= text.size()) return false;
+  PdfLexer lexer(text, static_cast<std::size_t>(offset));
+  lexer.SkipSpace();
+  try {
+    return lexer.ReadObjectHeader() == id;
+  } catch (const PdfSyntaxError&) {
+    return false;
+  }
+}
+
+// Whether the object is in the text, as nearly all producers write it.
+bool Holds(std::string_view text, ObjectId id) {
+  const std::string header = std::to_string(id.number) + ' ' + std::to_string(id.generation) + " obj";
+  for (std::size_t at = text.find(header); at != std::string_view::npos; at = text.find(header, at + 1)) {
+    if (at == 0 || text[at - 1] < '0' || text[at - 1] > '9') return true;
+  }
+  return false;
 }
 
 RawDictionary DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
@@ -75,6 +101,31 @@ void ObjectFinder::CheckExists(ObjectId object) const {
     file_.CheckObject(StreamOffset(entry), {entry.streamNumber, 0});
   } else {
     file_.CheckObject(OffsetOf(entry, object), object);
+  }
+}
+
+void ObjectFinder::CheckEntries() const {
+  std::uint64_t end = 0;
+  for (const XrefChain::Link& link : chain_.Links()) end = std::max(end, link.section.EndNumber());
+  const std::string* const bytes = file_.File().Bytes();
+  if (bytes == nullptr || end > kMostCheckedNumbers) return;
+  const std::string_view text = std::string_view(*bytes).substr(static_cast<std::size_t>(file_.HeaderOffset()));
+  std::vector<std::optional<Type>> types(static_cast<std::size_t>(end));
+  std::vector<std::uint32_t> streams;
+  for (const XrefChain::Link& link : chain_.Links()) {
+    link.section.ForEach([&](std::uint32_t number, const XrefSection::Entry& entry) {
+      if (types[number]) return;
+      types[number] = entry.type;
+      if (entry.type == Type::kOffset) {
+        const ObjectId id{number, entry.generation};
+        if (!IsObjectAt(text, entry.offset, id) && Holds(text, id)) throw PdfSyntaxError();
+      } else if (entry.type == Type::kInStream) {
+        streams.push_back(entry.streamNumber);
+      }
+    });
+  }
+  for (const std::uint32_t stream : streams) {
+    if (stream >= end || types[stream] != Type::kOffset) throw PdfSyntaxError();
   }
 }
 

@@ -18,6 +18,10 @@ class ObjectFinder {
   RawDictionary ReadDictionary(ObjectId object) const;
   // Throws unless there is such an object, as far as that can be seen without reading it.
   void CheckExists(ObjectId object) const;
+  // Throws unless each entry in force leads to its object or object stream. A reader that meets one which does not may
+  // rebuild the cross-references. An entry may lead elsewhere if its object is not in the file, as some producers write
+  // it for unused numbers. Only files that are in memory are looked at; in others each object would be a read.
+  void CheckEntries() const;
 
  private:
   RawDictionary ReadFromStream(ObjectId object, const XrefSection::Entry& entry) const;

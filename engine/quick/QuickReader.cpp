@@ -110,6 +110,7 @@ QuickDocument ReadDocument(const InputFile& input) {
   if (document.tail.Encrypted()) throw PdfSyntaxError();
 
   const ObjectFinder finder(file, chain);
+  finder.CheckEntries();
   const RawDictionary catalog = finder.ReadDictionary(document.tail.root);
   document.catalog = catalog.Text();
   if (catalog.Text("/Type") != "/Catalog") throw PdfSyntaxError();

@@ -102,6 +102,8 @@ def incremental():
     yield "xref-stream-garbled", in_streams().xref_stream(data=b"no deflate data").out
     yield "xref-stream-length-missing", in_streams().xref_stream().out.replace(b"/Length", b"/Lenght")
     yield "entry-shifted", shifted_entry()
+    yield "entry-of-no-type-contents-open", re.sub(
+        rb"(\n\d+ 00000 )n( \n.*\n.*\ntrailer)", rb"\g<1>3\2", File().put(objects()).put(contents(end=b"")).table().out)
     yield "truncated-in-table", plain().table().out[:-120]
     yield "truncated-before-table", plain().table().out[:plain().table().out.index(b"xref\n")]
     yield "truncated-in-last-object", plain().put({3: objects()[3]}).out[:-40]

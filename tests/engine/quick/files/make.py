@@ -222,6 +222,9 @@ def sound():
     yield "no-base-url", File().put(body(b"")).table(), b""
     yield "table-comments", File().put(body(b"% a comment (with <<\n" + URI)).table(comment=b"% another >>\n")
     yield "table-entries-end-in-cr", File().put(body()).table(entry_end=b" \r")
+    unused = File().put(body())
+    unused.entries[4] = unused.entries[1]
+    yield "table-entry-of-an-unused-number-leads-to-another-object", unused.table(size=5)
     yield "table-subsection-an-object", File().put(body()).table(one_by_one=True)
     yield "no-line-end-after-eof-mark", File().put(body()).table(end=b"%%EOF")
     for kind, name in enumerate(("none", "sub", "up", "average", "paeth")):
@@ -300,6 +303,13 @@ def defects():
     yield "xref-count-huge", plain.replace(b"0 4\n", b"0 4000000000\n")
     yield "xref-count-wrong", plain.replace(b"0 4\n", b"0 3\n")
     yield "xref-first-wrong", plain.replace(b"0 4\n", b"1 4\n")
+    rows = File().put(body()).put({4: b"null"})
+    row = b"%010d 00000 n" % rows.entries[3][1]
+    yield "xref-entry-of-no-type", rows.table().out.replace(row, row[:-1] + b"3")
+    yield "xref-entry-shifted", rows.out.replace(row, b"%010d 00000 n" % (int(row[:10]) + 4))
+    missing = File().put(body()).put_in_stream(5, {4: b"null"})
+    missing.entries[4] = (2, 9, 0)
+    yield "xref-entry-of-a-missing-object-stream", missing.xref_stream()
     yield "size-huge", File().put(body()).table(size=4611686018427387904)
     yield "size-too-small", File().put(body()).table(size=2)
     yield "size-missing", File().put(body()).table(trailer=b"/Root 1 0 R")
