@@ -19,6 +19,7 @@ using Type = XrefSection::Entry::Type;
 constexpr std::uint64_t kMostObjectsInStream = 100000;
 constexpr std::uint64_t kLongestDirectory = 2 * 1024 * 1024;
 constexpr std::size_t kLongestObject = 16 * 1024 * 1024;
+constexpr std::size_t kLargestChecked = 64 * 1024;  // an object may be looked for once for each entry
 constexpr std::uint64_t kMostCheckedNumbers = 8192;
 
 std::uint64_t OffsetOf(const XrefSection::Entry& entry, ObjectId object) {
@@ -108,7 +109,7 @@ void ObjectFinder::CheckEntries() const {
   std::uint64_t end = 0;
   for (const XrefChain::Link& link : chain_.Links()) end = std::max(end, link.section.EndNumber());
   const std::string* const bytes = file_.File().Bytes();
-  if (bytes == nullptr || end > kMostCheckedNumbers) return;
+  if (bytes == nullptr || bytes->size() > kLargestChecked || end > kMostCheckedNumbers) return;
   const std::string_view text = std::string_view(*bytes).substr(static_cast<std::size_t>(file_.HeaderOffset()));
   std::vector<std::optional<Type>> types(static_cast<std::size_t>(end));
   std::vector<std::uint32_t> streams;

@@ -20,7 +20,8 @@ class ObjectFinder {
   void CheckExists(ObjectId object) const;
   // Throws unless each entry in force leads to its object or object stream. A reader that meets one which does not may
   // rebuild the cross-references. An entry may lead elsewhere if its object is not in the file, as some producers write
-  // it for unused numbers. Only files that are in memory are looked at; in others each object would be a read.
+  // it for unused numbers. Only files of at most 64 KiB are looked at, which are in memory; in others each object would
+  // be a read.
   void CheckEntries() const;
 
  private:

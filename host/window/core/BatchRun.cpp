@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/core/BatchRun.h"
 
+#include <algorithm>
 #include <QJsonArray>
 #include <QProcess>
 #include <QSaveFile>
-#include <algorithm>
 
 #include "host/base/ExitCode.h"
 #include "host/window/core/RecordTexts.h"

@@ -48,7 +48,8 @@ class BatchRun : public QObject {
   // paths. All files change to kWaiting first; a file that is named twice counts once. finished() comes exactly once,
   // never from within this call, also when ProblemOf() has something against the choices.
   void Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
-  // As Start, for Unfinished() of the last run. The summary, the report and the output folders are those of both runs then.
+  // As Start, for Unfinished() of the last run. The summary, the report and the output folders are those of both runs
+  // then.
   void TryAgain(const QStringList& names, const ActionChoice& action, const OutputChoice& output);
   bool IsRunning() const;
   // As RunnerProcess::Cancel: the files in hand are finished, the others are cancelled. A second call gives up those in
