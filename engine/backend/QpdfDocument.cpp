@@ -221,12 +221,15 @@ void QpdfDocument::Load(const std::string& password) {
     OpenView(password, Recovery::kOff);
     const bool closed = repair.EndIsClosed();
     // Other readers rebuild such a file, and find the objects of all documents in it.
-    const bool rebuilt = !QuickReader::StartsWithHeader(*file_) && repair.HoldsTwoDocuments();
+    const bool shifted = !QuickReader::StartsWithHeader(*file_);
+    const bool rebuilt = shifted && repair.HoldsTwoDocuments();
     const bool decrypted =
         !LosesEncryption(*qpdf_) && !EncryptionIsDamaged(*qpdf_, *file_, QuickReader::HeaderOffset(*file_));
     const bool sound = closed && decrypted && !rebuilt && Ask([&] { return IsSound(*qpdf_, *file_, repair); });
-    // Where a save writes a complete section, readers that rebuilt the file before do so no more.
-    if (sound && (QuickReader::ReadTail(*file_) || repair.LengthsAreRight())) return;
+    // Where a save writes a complete section, readers that rebuilt the file before do so no more. After bytes before
+    // the header, poppler does not find the end of a stream with a wrong length where an entry leads to what is added.
+    const bool lengthsMatter = shifted || !QuickReader::ReadTail(*file_);
+    if (sound && (!lengthsMatter || repair.LengthsAreRight())) return;
     repair.Prefer(SoundEntries(*qpdf_, *file_));
     opened = closed && decrypted;
   } catch (const EngineError& error) {

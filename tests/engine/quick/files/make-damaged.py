@@ -163,6 +163,8 @@ def incremental():
     yield "object-stream-after-its-plain-object", broken(
         File().put({3: objects(page=b"/Contents 99 0 R ")[3]}).put(contents()).put_in_stream(8, objects()).xref_stream())
     yield "header-after-5-bytes", broken(File(lead=b"junk\n", base=5).put(objects()).put(contents()).table())
+    yield "header-after-790-bytes-length-missing", File(lead=b"%" * 789 + b"\n", base=790).put(objects()).put(contents(
+        length=b"null")).table().out
     yield "header-after-5-bytes-object-streams", broken(File(lead=b"junk\n", base=5).put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream())
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
