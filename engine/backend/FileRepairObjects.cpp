@@ -202,7 +202,8 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
   std::uint64_t bytes = 0;
   if (length.isInteger() && length.getIntValue() >= 0) {
     bytes = static_cast<std::uint64_t>(length.getIntValue());
-    if (bytes <= file_->Size() - stream.data && StreamCanEndAt(window, stream.data + bytes)) return std::nullopt;
+    const bool fits = bytes <= file_->Size() - stream.data && StreamEndFollows(window, stream.data + bytes);
+    if (fits || (!stream.wrongLength && stream.data + bytes == stream.dataEnd)) return std::nullopt;
   }
   const CannotRepair damaged("object " + std::to_string(stream.id.number) + " is damaged");
   try {

@@ -336,7 +336,11 @@ class Scanner {
   std::optional<std::uint64_t> EndByLength(std::uint64_t data, const std::string& dictionary) {
     const std::string length = LenientEntry(dictionary, "/Length");
     const auto fits = [&](std::uint64_t bytes) {
-      return bytes <= window_.Size() - data && StreamCanEndAt(window_, data + bytes);
+      if (bytes > window_.Size() - data) return false;
+      const std::uint64_t end = data + bytes;
+      if (StreamEndFollows(window_, end)) return true;
+      // Readers do not trust a length that leads to "endobj" only, and look for the first keyword.
+      return FollowsAt(window_, end, "endobj") && streamEnds_.From(data) >= end;
     };
     if (const auto count = ToNumber(length)) {
       if (fits(*count)) return data + *count;
@@ -421,14 +425,8 @@ std::string LenientEntry(const std::string& dictionary, const std::string& key) 
   return {};
 }
 
-bool StreamCanEndAt(FileWindow& window, std::uint64_t offset) {
-  if (FollowsAt(window, offset, kStreamEnd)) return true;
-  if (!FollowsAt(window, offset, "endobj")) return false;
-  // The length may lead past the stream's keyword.
-  const std::uint64_t begin = offset - std::min<std::uint64_t>(offset, 64);
-  std::string_view before = window.At(begin, 64).substr(0, static_cast<std::size_t>(offset - begin));
-  TakeSpaces(before);
-  return before.size() < kStreamEnd.size() || before.substr(before.size() - kStreamEnd.size()) != kStreamEnd;
+bool StreamEndFollows(FileWindow& window, std::uint64_t offset) {
+  return FollowsAt(window, offset, kStreamEnd);
 }
 
 std::vector<FileScan::Object> NewestObjects(const std::vector<FileScan::Object>& objects) {

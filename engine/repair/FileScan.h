@@ -68,8 +68,8 @@ struct FileScan {
 // damaged it is the first value after the key, at any depth.
 std::string LenientEntry(const std::string& dictionary, const std::string& key);
 
-// Whether a stream's data can end at the offset: "endstream" follows, or at least "endobj".
-bool StreamCanEndAt(FileWindow& window, std::uint64_t offset);
+// Whether "endstream" follows the offset.
+bool StreamEndFollows(FileWindow& window, std::uint64_t offset);
 
 // The newest object of each number, in the order of their numbers: of those that are not cut off and do not follow junk
 // the one of the highest generation that is last in the file.

@@ -86,6 +86,14 @@ def shifted_entry(number=3):
     return file.table().out
 
 
+def length_past_an_object():
+    """The length of the contents leads to the end of the font, which is after them."""
+    file = File().put(contents(length=b"9 0 R")).put({9: b"000", 5: FONT})
+    length = file.out.rindex(b"\nendobj") - file.out.index(b"stream\n") - 7
+    file.out = file.out.replace(b"000\nendobj", b"%03d\nendobj" % length)
+    return file.put({number: text for number, text in objects().items() if number != 5})
+
+
 def encrypted(entries, revision):
     """With the user password "secret"."""
     encryption = Encryption(entries, revision, b"secret")
@@ -116,6 +124,7 @@ def incremental():
         rb"(/ObjStm.*?/Length )\d+", rb"\g<1>9", broken(in_streams().xref_stream()), count=1)
     yield "length-to-the-end-of-the-file", plain().out[:plain().out.index(b"endstream")]
     yield "contents-deflated-past-endobj", broken(File().put(objects()).put(deflated(b"\nendobj\n" + JUNK[:100])).table())
+    yield "length-past-an-object", broken(length_past_an_object().table())
     yield "length-past-the-keyword", broken(
         File().put(objects()).put(contents(length=b"%d" % len(TEXT + b"\nendstream"))).table())
     yield "endstream-missing", broken(File().put(contents(end=b"")).put(objects()).table())
