@@ -67,11 +67,11 @@ std::string StringEnds() {
   return "\n>" + std::string(kDeepest, ')') + '\n';
 }
 
-// Ends whatever value or stream is open: strings, then, unless it is of strings alone, arrays and dictionaries.
-std::string MakeClosing(bool stringsOnly = false) {
+// Ends whatever value or stream is open: strings, then dictionaries and, unless these are left out, arrays.
+std::string MakeClosing(bool arrays = true) {
   std::string containers;
-  for (std::size_t i = 0; i < kDeepest; ++i) containers += "]>>";
-  return StringEnds() + (stringsOnly ? "" : containers + '\n') + "endstream\nendobj\n";
+  for (std::size_t i = 0; i < kDeepest; ++i) containers += arrays ? "]>>" : ">>";
+  return StringEnds() + containers + "\nendstream\nendobj\n";
 }
 
 bool EndsWithMark(const InputFile& file) {
@@ -167,8 +167,9 @@ std::string FileRepair::Closing() {
   // A repair of this kind may have closed it before.
   static const std::string ends = StringEnds();
   if (WordSearch(*file_, ends).From(*Scan().damage) < file_->Size()) return {};
-  // With objects after it, readers that took them for a part of the value did not read it. They are not to read it now.
-  return MakeClosing(!objects.empty() && objects.back().offset > *Scan().damage);
+  // With objects after it, readers that took them for a part of an array did not read it. They are not to read it now.
+  // A dictionary that one of them reads to the end of the file would end with the first one of the update.
+  return MakeClosing(objects.empty() || objects.back().offset <= *Scan().damage);
 }
 
 // Of the newest trailer that has a usable one: a value, or a reference to an object that is there.

@@ -139,6 +139,10 @@ def incremental():
     font = {5: FONT.replace(b">>", b"/Encoding << /Differences 9 0 R >> >>")}
     yield "array-open", File().put({**objects(), **font}).put(contents()).put({9: b"[ 72 /A 101 /B", 10: b"null"}).table(
         trailer=b"/Size 11 /Root 1 0 R").out.replace(b"endobj\n10 0", b"10 0").replace(b"startxref\n", b"startxref\n9")
+    # One reader reads the dictionary to the end of the file, and the update begins with a stream.
+    fonts = {n: text.replace(b"/Font << /F1 5 0 R >>", b"/Font 9 0 R") for n, text in objects().items()}
+    yield "fonts-open-in-a-string", broken(File().put(fonts).put(contents(length=b"99")).put(
+        {9: b"<< /F1 5 0 R /Open (", 10: b"null"}).table())
     yield "embedded-file", embedded(length=True)
     yield "embedded-file-length-in-object", embedded(length=False)
     yield "string-with-objects", broken(plain(catalog=b"/Note (\n2 0 obj << /Type /Pages >> endobj\n3 0 obj null) ").table())
