@@ -221,8 +221,9 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     if (rebuilt && data.find(" 0 obj") != std::string::npos) {
       throw CannotRepair("a stream with a wrong length holds objects");
     }
-    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks. Of data
-    // that lack their end it hides that the last whole block is not the last one, of which a cipher takes bytes away.
+    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks. Of
+    // data that lack their end it hides that the last whole block is not the last one, of which a cipher takes bytes
+    // away.
     if (document.isEncrypted() && stream.dataEnd != file_->Size() && bytes <= data.size()) RemoveEndOfLine(data);
     // The parser has read the data up to the keyword, and shows nothing of deflated data with damage. What readers show
     // of damaged data differs otherwise, so they are not cut off without need.

@@ -95,6 +95,24 @@ TEST_F(RepairTest, KeepsWhatIsInEncryptedObjectStreams) {
   }
 }
 
+// A cipher would take the last letters for padding.
+TEST_F(RepairTest, EncryptedDataWithoutTheirEndStayAsLong) {
+  PlainPdf plain;
+  plain.more = {"<< /Length 48 >>\nstream\n(0123456789) Tj\n(0123456789) Tj\n(0123456789) Tj\nendstream"};
+  WriteFile("plain.pdf", plain.Bytes());
+  RunTool(
+      "qpdf --preserve-unreferenced --compress-streams=n --encrypt '' o 128 --use-aes=y -- plain.pdf encrypted.pdf");
+  std::string bytes = ReadText("encrypted.pdf");
+  bytes.replace(bytes.find("endstream") - 16, 16, "\n");
+  ASSERT_TRUE(Load("source.pdf", bytes)) << library_.LastErrorCode();
+  ASSERT_EQ(library_.SetBaseURL(kUrl), 1);
+  ASSERT_EQ(library_.SaveToFile(L"out.pdf"), 1);
+  for (const char* const file : {"source.pdf", "out.pdf"}) {
+    const std::string data = RunTool("qpdf --show-object=4 --raw-stream-data " + std::string(file) + " 2>&1").output;
+    EXPECT_NE(data.find("Tj\n(0123456789) Tj\n(0123456789) Tj\n"), std::string::npos) << file << data;
+  }
+}
+
 // Another name would be another font.
 TEST_F(RepairTest, NumberSignsInNamesSurviveARewrite) {
   ASSERT_TRUE(Load("source.pdf", Damaged("catalog-in-trailer")));
