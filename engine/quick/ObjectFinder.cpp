@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/quick/StreamDecoder.h"
+#include "engine/syntax/BackwardText.h"
 #include "engine/syntax/PdfLexer.h"
 
 namespace engine {
@@ -19,7 +20,7 @@ using Type = XrefSection::Entry::Type;
 constexpr std::uint64_t kMostObjectsInStream = 100000;
 constexpr std::uint64_t kLongestDirectory = 2 * 1024 * 1024;
 constexpr std::size_t kLongestObject = 16 * 1024 * 1024;
-constexpr std::size_t kLargestChecked = 64 * 1024;  // an object may be looked for once for each entry
+constexpr std::size_t kLargestChecked = 64 * 1024;
 constexpr std::uint64_t kMostCheckedNumbers = 8192;
 
 std::uint64_t OffsetOf(const XrefSection::Entry& entry, ObjectId object) {
@@ -58,13 +59,19 @@ bool IsObjectAt(std::string_view text, std::uint64_t offset, ObjectId id) {
   }
 }
 
-// Whether the object is in the text, as nearly all producers write it.
-bool Holds(std::string_view text, ObjectId id) {
-  const std::string header = std::to_string(id.number) + ' ' + std::to_string(id.generation) + " obj";
-  for (std::size_t at = text.find(header); at != std::string_view::npos; at = text.find(header, at + 1)) {
-    if (at == 0 || text[at - 1] < '0' || text[at - 1] > '9') return true;
+// Whether the text has an object of each number below `end`.
+std::vector<bool> ObjectsIn(std::string_view text, std::size_t end) {
+  constexpr std::size_t kMostDigits = 9;
+  std::vector<bool> objects(end);
+  for (std::size_t at = text.find("obj"); at != std::string_view::npos; at = text.find("obj", at + 1)) {
+    std::string_view head = text.substr(0, at);
+    if (!TakeSpaces(head) || TakeDigits(head).empty() || !TakeSpaces(head)) continue;
+    const std::string_view digits = TakeDigits(head);
+    if (digits.empty() || digits.size() > kMostDigits) continue;
+    const std::uint64_t number = PdfLexer::ToUnsigned(digits);
+    if (number < end) objects[static_cast<std::size_t>(number)] = true;
   }
-  return false;
+  return objects;
 }
 
 RawDictionary DictionaryAt(StreamDecoder& decoder, std::uint64_t offset) {
@@ -113,13 +120,16 @@ void ObjectFinder::CheckEntries() const {
   const std::string_view text = std::string_view(*bytes).substr(static_cast<std::size_t>(file_.HeaderOffset()));
   std::vector<std::optional<Type>> types(static_cast<std::size_t>(end));
   std::vector<std::uint32_t> streams;
+  std::vector<bool> present;
   for (const XrefChain::Link& link : chain_.Links()) {
     link.section.ForEach([&](std::uint32_t number, const XrefSection::Entry& entry) {
       if (types[number]) return;
       types[number] = entry.type;
       if (entry.type == Type::kOffset) {
         const ObjectId id{number, entry.generation};
-        if (!IsObjectAt(text, entry.offset, id) && Holds(text, id)) throw PdfSyntaxError();
+        if (IsObjectAt(text, entry.offset, id)) return;
+        if (present.empty()) present = ObjectsIn(text, types.size());
+        if (present[number]) throw PdfSyntaxError();
       } else if (entry.type == Type::kInStream) {
         streams.push_back(entry.streamNumber);
       }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "engine/repair/FileWindow.h"
+#include "engine/syntax/BackwardText.h"
 #include "engine/syntax/PdfLexer.h"
 #include "engine/syntax/PdfSyntaxError.h"
 
@@ -43,21 +44,6 @@ std::optional<std::uint64_t> ToNumber(std::string_view text) {
   } catch (const PdfSyntaxError&) {
     return std::nullopt;
   }
-}
-
-// Takes the digits at the end of the text away.
-std::string_view TakeDigits(std::string_view& text) {
-  std::size_t begin = text.size();
-  while (begin > 0 && PdfLexer::IsDigit(text[begin - 1])) --begin;
-  const std::string_view digits = text.substr(begin);
-  text.remove_suffix(digits.size());
-  return digits;
-}
-
-bool TakeSpaces(std::string_view& text) {
-  const std::size_t before = text.size();
-  while (!text.empty() && PdfLexer::IsSpace(text.back())) text.remove_suffix(1);
-  return text.size() < before;
 }
 
 bool FollowsAt(FileWindow& window, std::uint64_t offset, std::string_view word) {
