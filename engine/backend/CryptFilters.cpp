@@ -126,4 +126,18 @@ bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t he
   return std::any_of(named.begin(), named.end(), [](const auto& filter) { return HasInventedKeys(filter.second); });
 }
 
+bool KeyLengthIsDamaged(QPDF& document) {
+  QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
+  QPDFObjectHandle filters = encrypt.isDictionary() ? encrypt.getKey("/CF") : encrypt;
+  if (!filters.isDictionary()) return false;
+  const std::map<std::string, QPDFObjectHandle> named = filters.getDictAsMap();
+  return std::any_of(named.begin(), named.end(), [](const auto& filter) {
+    QPDFObjectHandle dictionary = filter.second;
+    const int length = dictionary.isDictionary() ? IntegerOr(dictionary, "/Length", 0) : 0;
+    const bool bytes = length >= kStandardLength / 8 && length <= kLongestKey / 8;
+    const bool bits = length >= kStandardLength && length <= kLongestKey && length % 8 == 0;
+    return length != 0 && !bytes && !bits;
+  });
+}
+
 }  // namespace engine

@@ -332,7 +332,8 @@ void FileRepair::CheckDamagedObjects(const FileTail& tail) {
 void FileRepair::CheckObjects(QPDF& document, const FileTail& tail) {
   const bool encrypted = Scan().encryption.number != 0 || !TrailerEntry("/Encrypt").empty();
   const bool stray = TrailerEntry("/Encrypt") == Scan().encryption.Reference() && EncryptionIsStray();
-  if (stray || (encrypted && !document.isEncrypted()) || EncryptionIsDamaged(document, *file_, tail.headerOffset)) {
+  if (stray || (encrypted && !document.isEncrypted()) || KeyLengthIsDamaged(document) ||
+      EncryptionIsDamaged(document, *file_, tail.headerOffset)) {
     throw CannotRepair("the encryption dictionary is damaged");
   }
   CheckDamagedObjects(tail);

@@ -190,6 +190,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   verticalTab[verticalTab.rfind("/UE <") + 9] = '\v';
   std::string longKey = ReadText("encrypted.pdf");
   longKey.replace(longKey.rfind("/Length 256"), 11, "/Length 999");
+  std::string shortKey = ReadText("encrypted.pdf");
+  shortKey.replace(shortKey.rfind("/Length 32"), 10, "/Length 01");
+  shortKey.replace(shortKey.rfind("startxref\n") + 10, 1, "9");
   ASSERT_EQ(
       RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf zeroed.pdf")
           .status,
@@ -313,6 +316,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an encryption dictionary that no trailer mentions", "the encryption dictionary is damaged",
        changed("1 0 obj", stray + "endobj\n1 0 obj")},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
+      {"an encryption key of one byte", "the encryption dictionary is damaged", shortKey},
       {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
       {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
