@@ -137,6 +137,17 @@ int CountPages(fz_context* context, const char* file, fz_document** document) {
   return count;
 }
 
+// The library counts pages whose objects are missing, too.
+bool IsThere(fz_context* context, pdf_document* document, int number) {
+  int found = 0;
+  fz_var(found);
+  fz_try(context) {
+    found = pdf_is_dict(context, pdf_lookup_page_obj(context, document, number));
+  }
+  fz_catch(context) {}
+  return found != 0;
+}
+
 const char* BaseUrlOf(fz_context* context, pdf_document* document) {
   const char* url = "";
   fz_var(url);
@@ -166,7 +177,9 @@ Reading ReadWithMupdf(const std::string& file) {
     // Asked first: damage on a page may make the library read the whole file another way.
     reading.baseUrl = BaseUrlOf(context, pdf);
   }
-  for (int page = 0; page < static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead)); ++page) {
+  const auto read = static_cast<int>(std::min<std::uint64_t>(reading.pageCount, kMaxPagesRead));
+  for (int page = 0; page < read; ++page) {
+    if (!IsThere(context, pdf, page)) --reading.pageCount;
     std::string text = Words(Taken(context, TextOf(context, document, page)));
     std::string content = Words(Taken(context, ContentOf(context, pdf, page)));
     const std::string fonts = Taken(context, FontsOf(context, pdf, page));
