@@ -303,12 +303,18 @@ bool FileRepair::EncryptionIsStray() {
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   constexpr std::size_t kMostCopies = 16;
   const bool rebuilt = !QuickReader::StartsWithHeader(*file_);
+  const std::optional<FileTail> own = preferred_.empty() ? std::nullopt : QuickReader::ReadTail(*file_);
+  const bool streamed = own && own->kind == FileTail::Kind::kStream;
+  std::set<std::uint64_t> led;  // offsets to which the file's own entries lead
+  for (const FileTail::KeptObject& object : preferred_) led.insert(object.offset);
   std::map<std::uint32_t, std::vector<const FileScan::Object*>> versions;
   for (const FileScan::Object& object : Scan().objects) versions[object.id.number].push_back(&object);
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
-    if (object->damaged && (kept.id == tail.root || IsKeyword(*object))) {
+    // poppler takes what a cross-reference stream does not lead to for null, and shows no page after a damaged one.
+    const bool missed = streamed && led.count(kept.offset) == 0;
+    if (object->damaged && (missed || kept.id == tail.root || IsKeyword(*object))) {
       throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
     }
     // Readers that rebuild the file and do not find it would not decrypt the update.

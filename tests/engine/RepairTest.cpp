@@ -228,6 +228,9 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   inString.insert(inString.find("/StructTreeRoot"), "/Note (\n8 0 obj\n<< /Type /Page /Parent 2 0 R >>\nendobj\n) ");
   const std::string unended("x\1\0\0\1\xFF\xFE of 256 bytes", 20);
   const std::string deflated("x\1\0\x10\0\xEF\xFF of 16 bytes", 19);
+  std::string missed = ReadText(QUICK_SAMPLES "/xref-stream-lf.pdf");
+  const std::size_t page = missed.find("3 0 obj\n<< /");
+  missed.replace(page, 12, "1\n3 0 obj<</").replace(missed.find(">> >>", page), 5, ">>   ");
   const struct {
     const char* what;
     const char* why;
@@ -238,6 +241,7 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
       {"an encryption dictionary whose number is damaged", "the encryption dictionary is not found", undecrypted},
       {"an encryption dictionary in an open stream, bytes before the header", "the encryption dictionary is damaged",
        encryptionInStream},
+      {"a damaged object to which a cross-reference stream does not lead", "object 3 is damaged", missed},
       {"two documents", "the file holds two documents", plain + plain},
       {"two documents, the end of the second leads to the first", "the file holds two documents",
        wrongEntry + endLeadsBack},
