@@ -293,7 +293,7 @@ class Fuzzer {
     // Of joined files each reader may have read another one.
     if (current_.undamaged.empty() || current_.history.find("joined") != std::string::npos) return false;
     const Reading undamaged = Read(kReaders[i], current_.undamaged).reading;
-    return undamaged.HasText() && undamaged.pageCount == after.pageCount &&
+    return undamaged.HasText() && undamaged.pages.size() == after.pages.size() &&
            LosesOnlyMisread(before_[i].reading, after, undamaged);
   }
 

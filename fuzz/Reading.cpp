@@ -231,7 +231,7 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
 
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged) {
   const std::size_t count = before.pages.size();
-  if (after.pageCount != before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
+  if (after.pageCount < before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
   if (after.objects < before.objects) return false;
   for (std::size_t page = 0; page < count; ++page) {
     const PageReading& had = before.pages[page];
