@@ -52,6 +52,12 @@ int LengthOfOneRc4Filter(QPDFObjectHandle encrypt) {
   return length > kLongestInBytes ? length : 8 * length;
 }
 
+// The crypt filters that the encryption dictionary defines.
+std::map<std::string, QPDFObjectHandle> FiltersOf(QPDFObjectHandle encrypt) {
+  QPDFObjectHandle filters = encrypt.isDictionary() ? encrypt.getKey("/CF") : encrypt;
+  return filters.isDictionary() ? filters.getDictAsMap() : std::map<std::string, QPDFObjectHandle>();
+}
+
 // Whether the encryption dictionary is plain syntax. The parser passes over what is none, such as other bytes between
 // hexadecimal digits.
 bool IsPlainObject(QPDF& document, QPDFObjGen id, const PdfFileText& file) {
@@ -119,18 +125,13 @@ bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t he
     return true;
   QPDFObjectHandle length = encrypt.getKey("/Length");
   if (length.isInteger() && (length.getIntValue() < 0 || length.getIntValue() > kLongestKey)) return true;
-  QPDFObjectHandle filters = encrypt.getKey("/CF");
-  if (HasInventedKeys(encrypt) || HasInventedKeys(filters)) return true;
-  if (!filters.isDictionary()) return false;
-  const std::map<std::string, QPDFObjectHandle> named = filters.getDictAsMap();
+  if (HasInventedKeys(encrypt) || HasInventedKeys(encrypt.getKey("/CF"))) return true;
+  const std::map<std::string, QPDFObjectHandle> named = FiltersOf(encrypt);
   return std::any_of(named.begin(), named.end(), [](const auto& filter) { return HasInventedKeys(filter.second); });
 }
 
 bool KeyLengthIsDamaged(QPDF& document) {
-  QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
-  QPDFObjectHandle filters = encrypt.isDictionary() ? encrypt.getKey("/CF") : encrypt;
-  if (!filters.isDictionary()) return false;
-  const std::map<std::string, QPDFObjectHandle> named = filters.getDictAsMap();
+  const std::map<std::string, QPDFObjectHandle> named = FiltersOf(document.getTrailer().getKey("/Encrypt"));
   return std::any_of(named.begin(), named.end(), [](const auto& filter) {
     QPDFObjectHandle dictionary = filter.second;
     const int length = dictionary.isDictionary() ? IntegerOr(dictionary, "/Length", 0) : 0;

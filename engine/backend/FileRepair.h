@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <qpdf/QPDF.hh>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -101,6 +102,7 @@ class FileRepair {
   BackendInputSource::View ViewOf(const Kept& kept, const FileTail& tail, const std::string& more) const;
   std::shared_ptr<QPDF> OpenWithTemporaryCatalog(Kept kept, const std::string& password);
   void PutPreferred(Kept& kept) const;
+  std::optional<std::set<std::uint64_t>> OffsetsInXrefStreams() const;
   bool Updates(const FileScan::Object& object, const FileScan::Object& stream);
   bool NamesObjectStreams();
   static std::vector<std::uint32_t> SoundMembers(ObjectStreams& streams, QPDF& document,

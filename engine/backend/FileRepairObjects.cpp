@@ -221,9 +221,9 @@ std::optional<std::string> FileRepair::WithLength(QPDF& document, const FileScan
     if (rebuilt && data.find(" 0 obj") != std::string::npos) {
       throw CannotRepair("a stream with a wrong length holds objects");
     }
-    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks. Of
-    // data that lack their end it hides that the last whole block is not the last one, of which a cipher takes bytes
-    // away.
+    // Other readers keep the end of line before the keyword, too; a cipher would take it for a part of its blocks.
+    // Where the data lack their end it stays: readers would take the last whole block for the last one, and padding off
+    // it.
     if (document.isEncrypted() && stream.dataEnd != file_->Size() && bytes <= data.size()) RemoveEndOfLine(data);
     // The parser has read the data up to the keyword, and shows nothing of deflated data with damage. What readers show
     // of damaged data differs otherwise, so they are not cut off without need.
@@ -298,22 +298,28 @@ bool FileRepair::EncryptionIsStray() {
   return rooted && !named;
 }
 
+// To where the file's own cross-references lead rightly, if they are readable and the last of them are a stream.
+std::optional<std::set<std::uint64_t>> FileRepair::OffsetsInXrefStreams() const {
+  const std::optional<FileTail> own = preferred_.empty() ? std::nullopt : QuickReader::ReadTail(*file_);
+  if (!own || own->kind != FileTail::Kind::kStream) return std::nullopt;
+  std::set<std::uint64_t> offsets;
+  for (const FileTail::KeptObject& object : preferred_) offsets.insert(object.offset);
+  return offsets;
+}
+
 // Readers agree on the text of a damaged object. They do not where there is another version of it, nor where an object
 // may be inside a damaged one. And a damaged catalog would be written anew.
 void FileRepair::CheckDamagedObjects(const FileTail& tail) {
   constexpr std::size_t kMostCopies = 16;
   const bool rebuilt = !QuickReader::StartsWithHeader(*file_);
-  const std::optional<FileTail> own = preferred_.empty() ? std::nullopt : QuickReader::ReadTail(*file_);
-  const bool streamed = own && own->kind == FileTail::Kind::kStream;
-  std::set<std::uint64_t> led;  // offsets to which the file's own entries lead
-  for (const FileTail::KeptObject& object : preferred_) led.insert(object.offset);
+  const std::optional<std::set<std::uint64_t>> led = OffsetsInXrefStreams();
   std::map<std::uint32_t, std::vector<const FileScan::Object*>> versions;
   for (const FileScan::Object& object : Scan().objects) versions[object.id.number].push_back(&object);
   for (const FileTail::KeptObject& kept : *tail.kept) {
     const FileScan::Object* const object = kept.stream == 0 ? ScannedAt(kept.offset + tail.headerOffset) : nullptr;
     if (object == nullptr) continue;
     // poppler takes what a cross-reference stream does not lead to for null, and shows no page after a damaged one.
-    const bool missed = streamed && led.count(kept.offset) == 0;
+    const bool missed = led && led->count(kept.offset) == 0;
     if (object->damaged && (missed || kept.id == tail.root || IsKeyword(*object))) {
       throw CannotRepair("object " + std::to_string(kept.id.number) + " is damaged");
     }

@@ -14,7 +14,6 @@
 #include "engine/quick/QuickReader.h"
 #include "engine/repair/FileWindow.h"
 #include "engine/syntax/PdfLexer.h"
-#include "engine/syntax/PdfSyntaxError.h"
 
 namespace engine {
 
@@ -46,13 +45,7 @@ std::vector<Place> PlacesOf(QPDF& document, std::uint64_t headerOffset) {
 // The number of the object that is at the offset.
 std::optional<ObjectId> ObjectAt(FileWindow& window, std::uint64_t offset) {
   constexpr std::size_t kHeader = 64;
-  try {
-    PdfLexer lexer(window.At(offset, kHeader));
-    lexer.SkipSpace();
-    return lexer.ReadObjectHeader();
-  } catch (const PdfSyntaxError&) {
-    return std::nullopt;
-  }
+  return PdfLexer::FindObjectHeader(window.At(offset, kHeader));
 }
 
 bool IsObjectAt(FileWindow& window, const Place& place) {

@@ -49,14 +49,7 @@ std::uint64_t OffsetInStream(std::string_view directory, std::uint64_t count, st
 
 // Whether the object starts at the offset or after white space there.
 bool IsObjectAt(std::string_view text, std::uint64_t offset, ObjectId id) {
-  if (offset >= text.size()) return false;
-  PdfLexer lexer(text, static_cast<std::size_t>(offset));
-  lexer.SkipSpace();
-  try {
-    return lexer.ReadObjectHeader() == id;
-  } catch (const PdfSyntaxError&) {
-    return false;
-  }
+  return offset < text.size() && PdfLexer::FindObjectHeader(text.substr(static_cast<std::size_t>(offset))) == id;
 }
 
 // Whether the text has an object of each number below `end`.

@@ -313,7 +313,7 @@ class Scanner {
     object.wrongLength = !end;
     object.dataEnd = dataEnd_ = end ? *end : EndByKeyword(data);
     object.cutOff = object.dataEnd == window_.Size();
-    object.damaged = object.damaged || !FollowsAt(window_, object.dataEnd, kStreamEnd) ||
+    object.damaged = object.damaged || !StreamEndFollows(window_, object.dataEnd) ||
                      (!end && objectEnds_.From(data) < object.dataEnd);
     if (object.damaged) result.damage = data;
     return end.value_or(data);

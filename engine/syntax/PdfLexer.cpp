@@ -194,6 +194,16 @@ ObjectId PdfLexer::ToReference(std::string_view text) {
   return MakeId(number, generation);
 }
 
+std::optional<ObjectId> PdfLexer::FindObjectHeader(std::string_view text) {
+  try {
+    PdfLexer lexer(text);
+    lexer.SkipSpace();
+    return lexer.ReadObjectHeader();
+  } catch (const PdfSyntaxError&) {
+    return std::nullopt;
+  }
+}
+
 std::optional<ObjectId> PdfLexer::FindReference(std::string_view text) {
   // Most values are none, and an exception costs time.
   if (text.empty() || text.back() != 'R') return std::nullopt;

@@ -65,6 +65,8 @@ class PdfLexer {
   std::uint64_t ReadUnsigned();
   // "N G obj".
   ObjectId ReadObjectHeader();
+  // The object whose header is at the start of the text or after white space there; no value without one.
+  static std::optional<ObjectId> FindObjectHeader(std::string_view text);
   // "N G R" and nothing else.
   static ObjectId ToReference(std::string_view text);
   // The same; no value for anything else.

@@ -70,7 +70,6 @@ BatchRun::~BatchRun() {
 }
 
 void BatchRun::Start(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
-  Q_ASSERT(!running_);
   report_.clear();
   outputFolders_.clear();
   settled_.clear();
@@ -79,11 +78,11 @@ void BatchRun::Start(const QStringList& names, const ActionChoice& action, const
 }
 
 void BatchRun::TryAgain(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
-  Q_ASSERT(!running_);
   Begin(names, action, output);
 }
 
 void BatchRun::Begin(const QStringList& names, const ActionChoice& action, const OutputChoice& output) {
+  Q_ASSERT(!running_);
   running_ = true;
   QVector<FileOutcome> waiting;
   QStringList given;
@@ -136,8 +135,7 @@ int BatchRun::Done() const {
 QStringList BatchRun::Unfinished() const {
   QStringList unfinished;
   for (const QString& file : files_) {
-    const auto state = settled_.constFind(file);
-    if (state != settled_.constEnd() && !IsFinished(*state)) unfinished += file;
+    if (!IsFinished(settled_.value(file, FileState::kDone))) unfinished += file;
   }
   return unfinished;
 }
