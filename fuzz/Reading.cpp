@@ -229,8 +229,20 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
   return losses;
 }
 
+namespace {
+
+// Whether both show the same words on as many pages, and as many objects.
+bool ReadsLike(const Reading& after, const Reading& undamaged) {
+  return after.pageCount == undamaged.pageCount && after.objects >= undamaged.objects &&
+         std::equal(after.pages.begin(), after.pages.end(), undamaged.pages.begin(), undamaged.pages.end(),
+                    [](const PageReading& a, const PageReading& b) { return Words(a.text) == Words(b.text); });
+}
+
+}  // namespace
+
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged) {
   const std::size_t count = before.pages.size();
+  if (ReadsLike(after, undamaged)) return true;
   if (after.pageCount < before.pageCount || undamaged.pages.size() < count || after.pages.size() < count) return false;
   if (after.objects < before.objects) return false;
   for (std::size_t page = 0; page < count; ++page) {

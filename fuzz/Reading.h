@@ -53,7 +53,7 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
 bool KeepsLetters(const Reading& before, const Reading& after);
 
 /// True when `after` has as many pages as `before`, and each the words that `before` and `undamaged` both have on it,
-/// or those of `undamaged`.
+/// or those of `undamaged`; or when it reads like `undamaged` as a whole.
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged);
 
 /// True when both show pages of the same contents, and the fonts of the pages whose texts differ are not those of the

@@ -72,6 +72,14 @@ bool IsPlainObject(QPDF& document, QPDFObjGen id, const PdfFileText& file) {
   }
 }
 
+// Whether the key's string has all its bytes; more are padding.
+bool IsWholeKey(QPDFObjectHandle encrypt, const char* key) {
+  constexpr int kFirstWithLongKeys = 5;
+  const std::size_t length = IntegerOr(encrypt, "/R", 0) >= kFirstWithLongKeys ? 48 : 32;
+  QPDFObjectHandle value = encrypt.getKey(key);
+  return value.isString() && value.getStringValue().size() >= length;
+}
+
 }  // namespace
 
 std::optional<std::string> EncryptionWithoutNone(QPDF& document) {
@@ -131,7 +139,9 @@ bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t he
 }
 
 bool KeyLengthIsDamaged(QPDF& document) {
-  const std::map<std::string, QPDFObjectHandle> named = FiltersOf(document.getTrailer().getKey("/Encrypt"));
+  QPDFObjectHandle encrypt = document.getTrailer().getKey("/Encrypt");
+  if (encrypt.isDictionary() && (!IsWholeKey(encrypt, "/O") || !IsWholeKey(encrypt, "/U"))) return true;
+  const std::map<std::string, QPDFObjectHandle> named = FiltersOf(encrypt);
   return std::any_of(named.begin(), named.end(), [](const auto& filter) {
     QPDFObjectHandle dictionary = filter.second;
     const int length = dictionary.isDictionary() ? IntegerOr(dictionary, "/Length", 0) : 0;

@@ -140,12 +140,30 @@ const std::vector<FileScan::Object>& FileRepair::Newest() {
   return *newest_;
 }
 
-bool FileRepair::Finds(ObjectId id) {
+// The newest object with this number and generation; null when there is none.
+const FileScan::Object* FileRepair::Find(ObjectId id) {
   const std::vector<FileScan::Object>& objects = Newest();
   const auto found =
       std::lower_bound(objects.begin(), objects.end(), id.number,
                        [](const FileScan::Object& object, std::uint32_t number) { return object.id.number < number; });
-  return found != objects.end() && found->id == id && found->kind != Kind::kXrefStream;
+  return found != objects.end() && found->id == id ? &*found : nullptr;
+}
+
+bool FileRepair::Finds(ObjectId id) {
+  return Find(id) != nullptr;
+}
+
+// Whether the page tree leads to a cross-reference stream. Some readers count it as a page.
+bool FileRepair::HasXrefStreamAsPage(QPDFObjectHandle catalog) {
+  bool found = false;
+  VisitPageTree(catalog, [&](QPDFObjectHandle node) {
+    const QPDFObjGen id = node.getObjGen();
+    const FileScan::Object* const object =
+        Find({static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())});
+    found = node.isNull() && object != nullptr && object->kind == Kind::kXrefStream;
+    return !found;
+  });
+  return found;
 }
 
 bool FileRepair::EndIsClosed() {
@@ -361,6 +379,7 @@ FileRepair::Result FileRepair::Open(const std::string& password) {
   // what is in object streams.
   const bool severalRoots = root && (!ObjectOf(*document, *root).hasKey("/Pages") || !IsOnlyRoot(*root));
   const bool noPages = root && HasNoPages(ObjectOf(*document, *root));
+  if (root && HasXrefStreamAsPage(ObjectOf(*document, *root))) throw CannotRepair("the pages are damaged");
   const bool counts = earlier && EarlierVersionCounts(*earlier, *document, kept, pages);
   if (!counts && !mixed.empty()) throw OtherDocument(mixed);
   if (!counts && !pages && earlier && IsUpdated(*earlier)) throw CannotRepair("an update is damaged");

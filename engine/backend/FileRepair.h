@@ -113,6 +113,8 @@ class FileRepair {
   void CheckMembers(QPDF& document, const Kept& kept) const;
   std::optional<ObjectId> FindRoot(QPDF& document, const Kept& kept);
   bool IsOnlyRoot(ObjectId root);
+  const FileScan::Object* Find(ObjectId id);
+  bool HasXrefStreamAsPage(QPDFObjectHandle catalog);
   FileTail MakeTail(ObjectId root, Kept kept);
   const FileScan::Object* ScannedAt(std::uint64_t offset);
   bool EncryptionIsStray();

@@ -81,12 +81,19 @@ void CheckSectionAtEnd(const PdfFileText& file, const XrefChain& chain, std::uin
   if (lexer.Position() != gap) throw PdfSyntaxError();
 }
 
-FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const RawDictionary& trailer, bool stream) {
+FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const XrefChain& chain) {
+  const RawDictionary& trailer = chain.Last().Trailer();
   FileTail tail;
   tail.headerOffset = file.HeaderOffset();
   tail.startXref = startXref;
-  if (!stream) tail.kind = trailer.Has("/XRefStm") ? FileTail::Kind::kHybrid : FileTail::Kind::kTable;
-  if (stream) tail.kind = FileTail::Kind::kStream;
+  if (chain.Last().IsStream()) {
+    tail.kind = FileTail::Kind::kStream;
+  } else if (trailer.Has("/XRefStm")) {
+    tail.kind = FileTail::Kind::kHybrid;
+  }
+  tail.onlyTables = std::none_of(chain.Links().begin(), chain.Links().end(), [](const XrefChain::Link& link) {
+    return link.section.IsStream() || link.beside;
+  });
   const std::uint64_t size = trailer.Unsigned("/Size");
   if (size == 0 || size > QuickReader::kLargestSize) throw PdfSyntaxError();
   tail.size = static_cast<std::uint32_t>(size);
@@ -106,7 +113,7 @@ QuickDocument ReadDocument(const InputFile& input) {
   const XrefChain chain(file, startXref);
   CheckSectionAtEnd(file, chain, position);
   QuickDocument document;
-  document.tail = MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
+  document.tail = MakeTail(file, startXref, chain);
   if (document.tail.Encrypted()) throw PdfSyntaxError();
 
   const ObjectFinder finder(file, chain);
@@ -125,7 +132,7 @@ FileTail ReadTailOf(const InputFile& input) {
   const PdfFileText file(input, QuickReader::HeaderOffset(input));
   const std::uint64_t startXref = ReadStartXref(file, false).offset;
   const XrefChain chain(file, startXref);
-  return MakeTail(file, startXref, chain.Last().Trailer(), chain.Last().IsStream());
+  return MakeTail(file, startXref, chain);
 }
 
 }  // namespace

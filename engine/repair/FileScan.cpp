@@ -71,12 +71,11 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   if (!generation || !TakeSpaces(head)) return std::nullopt;
   const auto number = ToNumber(TakeDigits(head));
   if (!number || *number == 0 || *number > kHighestNumber || *generation > kHighestGeneration) return std::nullopt;
-  // "-1 0 obj" is not an object. "endobj1 0 obj", where a transfer removed a line end, is one.
+  // "endobj1 0 obj", where a transfer removed a line end.
   constexpr std::string_view kEndOfOther = "endobj";
   const bool other = head.size() >= kEndOfOther.size() && head.substr(head.size() - kEndOfOther.size()) == kEndOfOther;
   FileScan::Object object;
   object.afterJunk = !head.empty() && !PdfLexer::IsDelimiter(head.back()) && !other;
-  if (object.afterJunk && head.back() == '-') return std::nullopt;
   object.inside = !EndsAtLineStart(head);
   object.id = {static_cast<std::uint32_t>(*number), static_cast<std::uint32_t>(*generation)};
   object.offset = begin + head.size();
@@ -275,7 +274,8 @@ class Scanner {
     const std::string type = LenientEntry(text, "/Type");
     if (!stream) return type == "/Catalog" ? Kind::kCatalog : Kind::kPlain;
     if (type == "/ObjStm") return Kind::kObjectStream;
-    return type == "/XRef" ? Kind::kXrefStream : Kind::kStream;
+    // With two types it is another object, too, the end of which is missing.
+    return type == "/XRef" && text.find("/Type") == text.rfind("/Type") ? Kind::kXrefStream : Kind::kStream;
   }
 
   // A cross-reference stream's dictionary, however damaged.
