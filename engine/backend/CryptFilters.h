@@ -25,9 +25,9 @@ std::optional<std::string> EncryptionWithKeyLength(QPDF& document);
 // Offsets count from the header.
 bool EncryptionIsDamaged(QPDF& document, const InputFile& file, std::uint64_t headerOffset);
 
-// Whether a crypt filter has a key length that is neither one in bytes nor one in bits (ISO 32000-1, table 25), or bytes
-// of /O or /U are missing (table 21; ISO 32000-2, table 21). Some readers do not open such a file, unless they have lost
-// the encryption dictionary.
+// Whether a crypt filter has a key length that is neither one in bytes nor one in bits (ISO 32000-1, table 25), or
+// bytes of /O or /U are missing (table 21; ISO 32000-2, table 21). Some readers do not open such a file, unless they
+// have lost the encryption dictionary.
 bool KeyLengthIsDamaged(QPDF& document);
 
 }  // namespace engine

@@ -91,9 +91,8 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const XrefCh
   } else if (trailer.Has("/XRefStm")) {
     tail.kind = FileTail::Kind::kHybrid;
   }
-  tail.onlyTables = std::none_of(chain.Links().begin(), chain.Links().end(), [](const XrefChain::Link& link) {
-    return link.section.IsStream() || link.beside;
-  });
+  tail.onlyTables = std::none_of(chain.Links().begin(), chain.Links().end(),
+                                 [](const XrefChain::Link& link) { return link.section.IsStream() || link.beside; });
   const std::uint64_t size = trailer.Unsigned("/Size");
   if (size == 0 || size > QuickReader::kLargestSize) throw PdfSyntaxError();
   tail.size = static_cast<std::uint32_t>(size);

@@ -193,6 +193,8 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
   std::string shortKey = ReadText("encrypted.pdf");
   shortKey.replace(shortKey.rfind("/Length 32"), 10, "/Length 01");
   shortKey.replace(shortKey.rfind("startxref\n") + 10, 1, "9");
+  std::string shortOwnerKey = ReadText("encrypted.pdf");
+  shortOwnerKey.erase(shortOwnerKey.rfind("/O <") + 4, 30);
   ASSERT_EQ(
       RunTool("qpdf --object-streams=generate --encrypt '' o 256 -- " DAMAGED_FILES "/startxref-wrong.pdf zeroed.pdf")
           .status,
@@ -321,8 +323,12 @@ TEST_F(RepairTest, RefusesWhatNoRepairKeepsWhole) {
        changed("1 0 obj", stray + "endobj\n1 0 obj")},
       {"an encryption dictionary without a key", "the encryption dictionary is damaged", withoutKey},
       {"an encryption key of one byte", "the encryption dictionary is damaged", shortKey},
+      {"an owner key of which bytes are missing", "the encryption dictionary is damaged", shortOwnerKey},
       {"an encryption key that is too long", "the encryption dictionary is damaged", longKey},
       {"an encrypted object stream, bytes before the header", "the pages are not found", "junk\n" + zeroed},
+      {"a cross-reference stream that is a page", "the pages are damaged",
+       changed("<< /Type /Page ",
+               "<< /Type /XRef /W [ 0 0 0 ] >>\nstream\nendstream\nendobj\n9 0 obj\n<< /Type /Page ")},
       {"a stream with a wrong length and a damaged dictionary", "object 4 is damaged",
        changed("/Length ", "/Length/Length ")},
       {"a page tree whose number zero bytes made of another",

@@ -162,6 +162,8 @@ def incremental():
     # Only the table leads to the contents. Some readers use it, though the trailer is damaged.
     yield "number-after-comment", File().put(contents()).put(objects()).table().out.replace(
         b"\n4 0 obj", b"\x024 0 obj").replace(b"<2233> ]", b"<2233>")
+    yield "number-after-a-sign", File().put(contents()).put(objects()).table().out.replace(
+        b"\n4 0 obj", b"-4 0 obj").replace(b"<2233> ]", b"<2233>")
     older = File().put(objects()).put(contents(TEXT.replace(b"Hello", b"Wrong"), b"9")).table(trailer=b"/Size 8 /Root 1 0 R")
     yield "update-of-a-stream-with-a-wrong-length", older.out + b"\n4 0 obj\n" + contents()[4] + (
         b"\nendobj\nxref\n0 0\ntrailer\n<< /Size 8 /Root 1 0 R /Prev 9 >>\nstartxref\n1\n%%EOF\n")
@@ -180,6 +182,9 @@ def incremental():
         length=b"null")).table().out
     yield "header-after-5-bytes-object-streams", broken(File(lead=b"junk\n", base=5).put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream())
+    late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
+    late = File(lead=b"junk\n", base=5).put(contents()).put_in_stream(8, objects(b"/URI << /Base (old) >> ")).xref_stream()
+    yield "header-after-5-bytes-table-after-an-xref-stream", late.put({5: FONT}).table().out
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
     yield "header-after-5-bytes-stream-cut-off", late.xref_stream().out[:-60]
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
@@ -206,6 +211,13 @@ def incremental():
             8, {1: old.pop(1).replace(b"/AcroForm << /Fields [ 6 0 R ] >> ", b""), 2: old.pop(2)}).put_in_stream(9, old).xref_stream().out)
     yield "xref-stream-parameter-damaged", in_streams(catalog=b"/URI << /Base (old) >> ").xref_stream().out.replace(
         b"/Columns 7", b"/Columns 7 7")
+    file = in_streams(catalog=b"/URI << /Base (old) >> ")
+    start = b"\1" + file.here().to_bytes(4, "big")
+    yield "xref-stream-with-a-wrong-entry-for-itself", file.xref_stream(coding=None).out.replace(
+        start, b"\1\0\0\x41\x16", 1)
+    end = {3: objects()[3]}
+    yield "xref-stream-joined-with-the-page", re.sub(
+        rb">>\nendobj\n\d+ 0 obj\n<< /Type /XRef", b"/Type /XRef", plain().put(end).xref_stream().out)
     yield "xref-stream-number-of-the-pages", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"2\1", in_streams().xref_stream().out)
     yield "xref-stream-number-too-high", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"99999999\1", in_streams(
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
