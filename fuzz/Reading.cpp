@@ -124,6 +124,13 @@ std::string LostText(std::size_t page, const std::string& before, const std::str
          ", which misses " + Quoted(missing);
 }
 
+// Whether both show the same words on as many pages, and as many objects.
+bool ReadsLike(const Reading& after, const Reading& undamaged) {
+  return after.pageCount == undamaged.pageCount && after.objects >= undamaged.objects &&
+         std::equal(after.pages.begin(), after.pages.end(), undamaged.pages.begin(), undamaged.pages.end(),
+                    [](const PageReading& a, const PageReading& b) { return Words(a.text) == Words(b.text); });
+}
+
 }  // namespace
 
 std::string Reading::ToBytes() const {
@@ -228,17 +235,6 @@ std::vector<std::string> Losses(const Reading& before, const Reading& after, boo
   }
   return losses;
 }
-
-namespace {
-
-// Whether both show the same words on as many pages, and as many objects.
-bool ReadsLike(const Reading& after, const Reading& undamaged) {
-  return after.pageCount == undamaged.pageCount && after.objects >= undamaged.objects &&
-         std::equal(after.pages.begin(), after.pages.end(), undamaged.pages.begin(), undamaged.pages.end(),
-                    [](const PageReading& a, const PageReading& b) { return Words(a.text) == Words(b.text); });
-}
-
-}  // namespace
 
 bool LosesOnlyMisread(const Reading& before, const Reading& after, const Reading& undamaged) {
   const std::size_t count = before.pages.size();

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/backend/ObjectIds.h"
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/XrefEntry.h"
@@ -39,7 +40,7 @@ std::optional<FileTail> CompleteTail(QPDF& document, const InputFile& file) {
   std::vector<FileTail::KeptObject> kept;
   for (const auto& [id, entry] : document.getXRefTable()) {
     FileTail::KeptObject object;
-    object.id = {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
+    object.id = IdOf(id);
     if (entry.getType() == kInFile && entry.getOffset() > 0) {
       object.offset = static_cast<std::uint64_t>(entry.getOffset());
     } else if (entry.getType() == kInStream) {

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "engine/backend/ObjectIds.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/ParserOpening.h"
 #include "engine/base/EngineError.h"
@@ -157,9 +158,7 @@ bool FileRepair::Finds(ObjectId id) {
 bool FileRepair::HasXrefStreamAsPage(QPDFObjectHandle catalog) {
   bool found = false;
   VisitPageTree(catalog, [&](QPDFObjectHandle node) {
-    const QPDFObjGen id = node.getObjGen();
-    const FileScan::Object* const object =
-        Find({static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())});
+    const FileScan::Object* const object = Find(IdOf(node.getObjGen()));
     found = node.isNull() && object != nullptr && object->kind == Kind::kXrefStream;
     return !found;
   });
@@ -305,8 +304,6 @@ FileTail FileRepair::MakeTail(ObjectId root, Kept kept) {
     const std::string value = TrailerEntry(key);
     if (!value.empty()) tail.SetValue(key, value);
   }
-  const bool streams = std::any_of(kept.begin(), kept.end(), [](const auto& object) { return object.stream != 0; });
-  tail.kind = streams ? FileTail::Kind::kStream : FileTail::Kind::kTable;
   tail.kept = std::move(kept);
   return tail;
 }

@@ -16,6 +16,7 @@
 #include "engine/backend/CryptFilters.h"
 #include "engine/backend/FileRepair.h"
 #include "engine/backend/NameEscapes.h"
+#include "engine/backend/ObjectIds.h"
 #include "engine/backend/ObjectStreams.h"
 #include "engine/backend/ObjectWriter.h"
 #include "engine/backend/PageSearch.h"
@@ -124,10 +125,6 @@ void CheckReadable(QPDF& document) {
     return warning.getObject().compare(0, 7, "object ") == 0;
   });
   if (damaged) throw EngineError(kErrorDamaged, "objects of a document that has to be rewritten are damaged");
-}
-
-QPDFObjGen IdOf(ObjectId id) {
-  return QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation));
 }
 
 QPDFObjectHandle Parse(QPDF& document, const std::string& text) {
@@ -308,7 +305,7 @@ std::vector<ObjectId> QpdfDocument::Pages() {
     std::vector<ObjectId> pages;
     for (const QPDFObjectHandle& page : qpdf_->getAllPages()) {
       const QPDFObjGen id = page.getObjGen();
-      pages.push_back({static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())});
+      pages.push_back(IdOf(id));
     }
     return pages;
   });

@@ -7,6 +7,7 @@
 #include <qpdf/QPDFXRefEntry.hh>
 #include <vector>
 
+#include "engine/backend/ObjectIds.h"
 #include "engine/backend/ObjectStreams.h"
 #include "engine/backend/PageSearch.h"
 #include "engine/backend/XrefEntry.h"
@@ -25,10 +26,6 @@ struct Place {
   std::uint64_t offset;
   ObjectId id;
 };
-
-ObjectId IdOf(QPDFObjGen id) {
-  return {static_cast<std::uint32_t>(id.getObj()), static_cast<std::uint32_t>(id.getGen())};
-}
 
 // The entries that name a place in the file, in the order of the places.
 std::vector<Place> PlacesOf(QPDF& document, std::uint64_t headerOffset) {
@@ -95,9 +92,7 @@ bool EntriesLeadToObjects(QPDF& document, const InputFile& file, FileRepair& rep
     return size.isInteger() && id.number < size.getUIntValue() && !repair.Finds(id);
   };
   const XrefTable table = document.getXRefTable();
-  const auto hasEntry = [&](ObjectId id) {
-    return table.count(QPDFObjGen(static_cast<int>(id.number), static_cast<int>(id.generation))) != 0;
-  };
+  const auto hasEntry = [&](ObjectId id) { return table.count(IdOf(id)) != 0; };
   return std::all_of(places.begin(), places.end(), [&](const Place& place) {
     const std::optional<ObjectId> found = ObjectAt(window, place.offset);
     if (found == place.id) return true;

@@ -18,7 +18,6 @@ struct FileTail {
   enum class Kind {
     kTable,   // a cross-reference table
     kStream,  // a cross-reference stream
-    kHybrid,  // a table whose trailer has /XRefStm
   };
   struct Entry {
     std::string key;    // as in the file, with its slash
@@ -36,7 +35,7 @@ struct FileTail {
   std::uint64_t headerOffset = 0;
   std::uint64_t startXref = 0;
   Kind kind = Kind::kTable;
-  bool onlyTables = true;  // all sections of the file are tables, without /XRefStm
+  bool hasStreams = false;  // a section of the file is a cross-reference stream, or has one by /XRefStm
   // The value of /Size. Callers that know of objects beyond it may raise it, never lower it.
   std::uint32_t size = 0;
   ObjectId root;
@@ -44,7 +43,7 @@ struct FileTail {
   // /Root, /Prev, /XRefStm and what describes the cross-reference stream itself.
   std::vector<Entry> entries;
   // For a file whose own sections do not serve: all its objects, each number once. The update then has one complete
-  // section without /Prev, and startXref, kind and onlyTables are not used.
+  // section without /Prev, and startXref, kind and hasStreams are not used.
   std::optional<std::vector<KeptObject>> kept;
   // Written after the file, before everything else: objects that are in `kept` with their places there.
   std::string repaired;
@@ -72,7 +71,7 @@ struct FileTail {
   }
   // Whether no object can be in an object stream.
   bool OnlyTables() const {
-    if (!kept) return onlyTables;
+    if (!kept) return !hasStreams;
     return std::none_of(kept->begin(), kept->end(), [](const KeptObject& object) { return object.stream != 0; });
   }
   bool Encrypted() const { return !Value("/Encrypt").empty(); }

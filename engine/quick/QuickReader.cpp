@@ -86,13 +86,9 @@ FileTail MakeTail(const PdfFileText& file, std::uint64_t startXref, const XrefCh
   FileTail tail;
   tail.headerOffset = file.HeaderOffset();
   tail.startXref = startXref;
-  if (chain.Last().IsStream()) {
-    tail.kind = FileTail::Kind::kStream;
-  } else if (trailer.Has("/XRefStm")) {
-    tail.kind = FileTail::Kind::kHybrid;
-  }
-  tail.onlyTables = std::none_of(chain.Links().begin(), chain.Links().end(),
-                                 [](const XrefChain::Link& link) { return link.section.IsStream() || link.beside; });
+  if (chain.Last().IsStream()) tail.kind = FileTail::Kind::kStream;
+  tail.hasStreams = std::any_of(chain.Links().begin(), chain.Links().end(),
+                                [](const XrefChain::Link& link) { return link.section.IsStream() || link.beside; });
   const std::uint64_t size = trailer.Unsigned("/Size");
   if (size == 0 || size > QuickReader::kLargestSize) throw PdfSyntaxError();
   tail.size = static_cast<std::uint32_t>(size);

@@ -71,7 +71,7 @@ std::optional<FileScan::Object> HeaderAt(FileWindow& window, std::uint64_t word)
   if (!generation || !TakeSpaces(head)) return std::nullopt;
   const auto number = ToNumber(TakeDigits(head));
   if (!number || *number == 0 || *number > kHighestNumber || *generation > kHighestGeneration) return std::nullopt;
-  // "endobj1 0 obj", where a transfer removed a line end.
+  // In "endobj1 0 obj" a transfer removed a line end; that is no junk.
   constexpr std::string_view kEndOfOther = "endobj";
   const bool other = head.size() >= kEndOfOther.size() && head.substr(head.size() - kEndOfOther.size()) == kEndOfOther;
   FileScan::Object object;

@@ -182,7 +182,6 @@ def incremental():
         length=b"null")).table().out
     yield "header-after-5-bytes-object-streams", broken(File(lead=b"junk\n", base=5).put(contents()).put_in_stream(
         8, objects(b"/URI << /Base (old) >> ")).xref_stream())
-    late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
     late = File(lead=b"junk\n", base=5).put(contents()).put_in_stream(8, objects(b"/URI << /Base (old) >> ")).xref_stream()
     yield "header-after-5-bytes-table-after-an-xref-stream", late.put({5: FONT}).table().out
     late = File(lead=b"junk\n", base=5).put(objects(b"/URI << /Base (old) >> ")).put(contents())
@@ -215,9 +214,8 @@ def incremental():
     start = b"\1" + file.here().to_bytes(4, "big")
     yield "xref-stream-with-a-wrong-entry-for-itself", file.xref_stream(coding=None).out.replace(
         start, b"\1\0\0\x41\x16", 1)
-    end = {3: objects()[3]}
     yield "xref-stream-joined-with-the-page", re.sub(
-        rb">>\nendobj\n\d+ 0 obj\n<< /Type /XRef", b"/Type /XRef", plain().put(end).xref_stream().out)
+        rb">>\nendobj\n\d+ 0 obj\n<< /Type /XRef", b"/Type /XRef", plain().put({3: objects()[3]}).xref_stream().out)
     yield "xref-stream-number-of-the-pages", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"2\1", in_streams().xref_stream().out)
     yield "xref-stream-number-too-high", re.sub(rb"\d+( 0 obj\n<< /Type /XRef)", rb"99999999\1", in_streams(
         catalog=b"/URI << /Base (old) >> ").xref_stream().out)
